@@ -1,0 +1,40 @@
+# Header-only libraries. When cross-compiling they live among the build machine's own headers, which must never be
+# found by the cross compiler: only the wanted folders are linked into a folder of the build.
+
+function(orvane_headers target probe)
+    find_path(${target}_INCLUDE_DIR "${probe}" NO_CMAKE_FIND_ROOT_PATH)
+    if(NOT ${target}_INCLUDE_DIR)
+        message(FATAL_ERROR "${probe} was not found; set ${target}_INCLUDE_DIR to the folder that holds it")
+    endif()
+    set(include_dir "${${target}_INCLUDE_DIR}")
+    if(CMAKE_CROSSCOMPILING)
+        string(REGEX REPLACE "/.*" "" folder "${probe}")
+        set(include_dir "${PROJECT_BINARY_DIR}/deps/${target}")
+        file(MAKE_DIRECTORY "${include_dir}")
+        file(CREATE_LINK "${${target}_INCLUDE_DIR}/${folder}" "${include_dir}/${folder}" SYMBOLIC)
+    endif()
+    add_library(${target} INTERFACE)
+    target_include_directories(${target} SYSTEM INTERFACE "${include_dir}")
+endfunction()
+
+orvane_headers(orvane_boost boost/shared_ptr.hpp)
+orvane_headers(orvane_json nlohmann/json.hpp)
+orvane_headers(orvane_cli11 CLI/CLI.hpp)
+
+# GoogleTest is built here, with our compiler and flags.
+if(BUILD_TESTING)
+    find_path(ORVANE_GOOGLETEST_DIR googlemock/CMakeLists.txt
+        PATHS /usr/src/googletest "$ENV{GOOGLETEST_DIR}" NO_CMAKE_FIND_ROOT_PATH)
+    if(NOT ORVANE_GOOGLETEST_DIR)
+        message(FATAL_ERROR "The sources of GoogleTest were not found; set ORVANE_GOOGLETEST_DIR")
+    endif()
+    set(INSTALL_GTEST OFF)
+    set(CMAKE_WARN_DEPRECATED OFF)
+    add_subdirectory("${ORVANE_GOOGLETEST_DIR}" "${PROJECT_BINARY_DIR}/deps/googletest" EXCLUDE_FROM_ALL SYSTEM)
+    foreach(library gtest gtest_main gmock gmock_main)
+        target_compile_options(${library} PRIVATE -w)
+        # Its headers are ours to use, not to mend.
+        get_target_property(directories ${library} INTERFACE_INCLUDE_DIRECTORIES)
+        set_target_properties(${library} PROPERTIES INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${directories}")
+    endforeach()
+endif()

@@ -1,0 +1,69 @@
+# The ways this project makes a target. Sources are found by folder, so that a new file needs no list to be edited.
+
+# What every target of our own is compiled with.
+add_library(orvane_options INTERFACE)
+target_compile_features(orvane_options INTERFACE cxx_std_20)
+target_compile_options(orvane_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# Templates of the JSON library without optimisation exceed the section count of the classic object format.
+target_compile_options(orvane_options INTERFACE -Wa,-mbig-obj)
+target_compile_definitions(orvane_options INTERFACE UNICODE _UNICODE)
+
+# The room below all rooms: common/windows.h and the public header.
+add_library(orvane_base INTERFACE)
+target_include_directories(orvane_base INTERFACE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}/include")
+target_link_libraries(orvane_base INTERFACE orvane_boost)
+
+# See cmake/rooms.cmake. A folder that holds headers only becomes an interface library; a main.cpp is left to the
+# program that it belongs to.
+function(orvane_room)
+    cmake_parse_arguments(PARSE_ARGV 0 ROOM "" "NAME;DIR;ROOT" "USES;PACKAGES;LINKS")
+    foreach(used IN LISTS ROOM_USES)
+        if(NOT TARGET ${used})
+            message(FATAL_ERROR "${ROOM_NAME} uses ${used}, which does not stand above it in cmake/rooms.cmake")
+        endif()
+    endforeach()
+
+    set(folder "${PROJECT_SOURCE_DIR}/${ROOM_DIR}")
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${folder}/*.cpp")
+    list(REMOVE_ITEM sources "${folder}/main.cpp")
+    if(sources)
+        add_library(${ROOM_NAME} STATIC ${sources})
+        target_link_libraries(${ROOM_NAME} PRIVATE orvane_options)
+        set(scope PUBLIC)
+    else()
+        add_library(${ROOM_NAME} INTERFACE)
+        set(scope INTERFACE)
+    endif()
+    target_link_libraries(${ROOM_NAME} ${scope} orvane_base ${ROOM_USES} ${ROOM_PACKAGES} ${ROOM_LINKS})
+    if(ROOM_ROOT)
+        get_filename_component(root "${PROJECT_SOURCE_DIR}/${ROOM_ROOT}" ABSOLUTE)
+        target_include_directories(${ROOM_NAME} ${scope} "${root}")
+    endif()
+endfunction()
+
+# A program of our own, which needs no library of the compiler beside it.
+function(orvane_program name)
+    add_executable(${name} ${ARGN})
+    target_link_libraries(${name} PRIVATE orvane_options)
+    target_link_options(${name} PRIVATE -static)
+endfunction()
+
+# orvane_test(NAME <target> DIR <folder> [LINKS <libraries>] [DEFINES <definitions>])
+# One test program of all sources of a folder, and one CTest test that runs it; nothing when the folder is empty.
+function(orvane_test)
+    cmake_parse_arguments(PARSE_ARGV 0 TEST "" "NAME;DIR" "LINKS;DEFINES")
+    file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${TEST_DIR}/*.cpp"
+        "${PROJECT_SOURCE_DIR}/${TEST_DIR}/*.c")
+    if(NOT sources)
+        return()
+    endif()
+    orvane_program(${TEST_NAME} ${sources})
+    target_include_directories(${TEST_NAME} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_compile_definitions(${TEST_NAME} PRIVATE
+        ORVANE_SOURCE_DIR="${ORVANE_RUN_ROOT}${PROJECT_SOURCE_DIR}"
+        ORVANE_BINARY_DIR="${ORVANE_RUN_ROOT}${PROJECT_BINARY_DIR}"
+        ${TEST_DEFINES})
+    target_link_libraries(${TEST_NAME} PRIVATE ${TEST_LINKS} orvane_machine orvane_test_support)
+    add_test(NAME ${TEST_NAME} COMMAND ${TEST_NAME})
+    set_tests_properties(${TEST_NAME} PROPERTIES TIMEOUT 600)
+endfunction()

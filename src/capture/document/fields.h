@@ -1,0 +1,59 @@
+#pragma once
+
+#include "common/windows.h"
+#include "common/xml/ms_xml.h"
+
+#include <cstdint>
+#include <string>
+#include <type_traits>
+#include <variant>
+
+// A number that the record keeps unsigned and the document gives as a signed one of the same width.
+template <class Record, class Number>
+struct Signed {
+    Number Record::*member;
+};
+
+// A record's elements as a table: each row names an element and the member that fills it, in the order in which
+// they are written.
+
+template <class Record>
+using FieldMember = std::variant<std::int32_t Record::*, std::uint32_t Record::*, std::int64_t Record::*,
+                                 std::uint64_t Record::*, std::uint8_t Record::*, bool Record::*, GUID Record::*,
+                                 std::wstring Record::*, Signed<Record, std::uint32_t>,
+                                 Signed<Record, std::uint64_t>>;
+
+template <class Record>
+struct Field {
+    const char* element;
+    FieldMember<Record> member;
+};
+
+// The texts of the values: numbers in plain decimal, "1" or "0", a GUID in registry form, a text as it stands.
+std::wstring ValueText(std::int32_t value);
+std::wstring ValueText(std::uint32_t value);
+std::wstring ValueText(std::int64_t value);
+std::wstring ValueText(std::uint64_t value);
+std::wstring ValueText(std::uint8_t value);
+std::wstring ValueText(bool value);
+std::wstring ValueText(const GUID& value);
+const std::wstring& ValueText(const std::wstring& value);
+
+template <class Record, class Value>
+decltype(auto) ValueOf(const Record& record, Value Record::*member) {
+    return (record.*member);
+}
+
+template <class Record, class Number>
+auto ValueOf(const Record& record, Signed<Record, Number> field) {
+    return static_cast<std::make_signed_t<Number>>(record.*field.member);
+}
+
+// Appends one element per row to `parent`; throws _com_error.
+template <class Record, class Fields>
+void WriteFields(CMSXmlNode& parent, const Record& record, const Fields& fields) {
+    for (const auto& field : fields) {
+        CMSXmlNode element = parent.AddChild(field.element);
+        std::visit([&](auto member) { element.SetText(ValueText(ValueOf(record, member))); }, field.member);
+    }
+}

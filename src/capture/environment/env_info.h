@@ -1,0 +1,115 @@
+#pragma once
+
+#include "common/disk/device_manager.h"
+#include "common/enumdisk/rows.h"
+#include "common/volume/volume_manager.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// The environment record: one description of the machine in memory. The members carry the names of the document's
+// elements. What a collector could not fill keeps its initial value. Filled once, by one thread, then written.
+
+// The product's version as the record and the dumps give it.
+inline constexpr wchar_t kDllVersion[] = L"9.50.6732";
+
+struct ProcessorInfo {
+    std::int32_t Architecture = 0;
+    std::int32_t CurrentClockSpeed = 0;  // MHz
+    std::int32_t Family = 0;
+    std::wstring Manufacturer;
+    std::int32_t MaxClockSpeed = 0;  // MHz
+    std::int32_t ProcessorId = 0;    // a number here, although it is a text at its source: always 0
+    std::int32_t ProcessorType = 0;
+    std::int32_t UniqueId = 0;  // as ProcessorId
+};
+
+struct ComputerSystemInfo {
+    std::int32_t CurrentTimeZone = 0;  // minutes from UTC
+    std::wstring Description;
+    std::wstring Domain;
+    std::wstring Manufacturer;
+    std::wstring Model;
+    std::uint32_t NumberOfProcessors = 0;
+    std::vector<std::wstring> SystemStartupOptions;
+    std::wstring SystemType;
+    std::wstring TotalPhysicalMemory;  // bytes, as the decimal text that is delivered
+    std::wstring UserName;
+};
+
+struct OSInfo {
+    std::wstring BootDevice;  // NT device name of the volume that the system started from
+    std::wstring CountryCode;
+    std::wstring CSDVersion;
+    std::wstring CSName;
+    std::int32_t CurrentTimeZone = 0;  // minutes from UTC
+    std::wstring Description;
+    std::wstring Locale;
+    std::wstring Manufacturer;
+    std::wstring Organization;
+    std::int32_t OSLanguage = 0;
+    std::int32_t OSType = 0;
+    std::uint32_t ProductType = 0;
+    std::wstring SerialNumber;
+    std::wstring SystemDevice;  // NT device name of the volume that holds the operating system
+    std::wstring SystemDirectory;
+    std::wstring SystemDrive;
+    std::wstring Version;
+    std::wstring Name;  // the caption, not the name, of the source
+    std::wstring WindowsDirectory;
+    std::uint32_t OSArchitecture = 0;
+};
+
+struct BootConfigurationInfo {
+    std::wstring BootDirectory;
+    std::wstring ConfigurationPath;
+    std::wstring Description;
+    std::wstring LastDrive;
+    std::wstring Name;
+    std::wstring ScratchDirectory;
+    std::uint32_t SettingID = 0;  // a number here, although it is a text at its source: always 0
+    std::wstring TempDirectory;
+};
+
+// What every version of the record begins with.
+struct SystemSections {
+    std::uint32_t Version = 0;
+    std::wstring DllVersion;
+    BootConfigurationInfo BootConfiguration;
+    ComputerSystemInfo ComputerSystem;
+    OSInfo OS;
+    ProcessorInfo Processor;
+};
+
+// Identities of the boot and the system volume, boot options and the system's identity.
+struct BootConfig {
+    std::wstring m_guidSystemVolume;
+    std::wstring m_guidBootVolume;
+    std::wstring m_strBootFolder;
+    std::wstring m_strBootOptions;
+    std::wstring m_strOS;
+    std::uint32_t m_OSArchitecture = 0;
+    std::wstring numeric_version_string;
+    std::uint32_t product_type = 0;
+};
+
+struct DriveLetterEntry {
+    std::wstring m_guidVolume;
+    std::wstring m_strDrive;  // may be empty
+};
+
+// The record with the flat tables.
+struct EnvInfo : SystemSections {
+    std::vector<DiskRow> DiskDrives;
+    std::wstring BootIniContents;
+    struct BootConfig BootConfig;
+    std::vector<DriveLetterEntry> DriveLetterTable;
+    std::vector<::Volume> VolumeTable;
+};
+
+// The record that holds the disk model itself in the place of the tables.
+struct EnvInfoV3 : SystemSections {
+    bmr_common::DeviceManager device_manager;
+    bmr_common::VolumeManager volume_manager;
+};

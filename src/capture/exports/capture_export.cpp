@@ -1,0 +1,75 @@
+// The export that captures the machine.
+
+#include "capture/exports/orvane_main_exception.h"
+#include "capture/exports/process_settings.h"
+#include "capture/grabber/info_grabber_factory.h"
+#include "common/logger/orvane_logger.h"
+#include "common/platform/com_error_text.h"
+#include "orvane/orvane.h"
+
+#include <comdef.h>
+
+namespace {
+
+// Formats 1 and 3 have grabbers of their own; every other number means the default, format 2.
+std::uint32_t GrabberTypeOf(std::uint32_t format) {
+    switch (format) {
+    case 1:
+        return orvane::kGrabberV1;
+    case 3:
+        return orvane::kGrabberV3;
+    default:
+        return orvane::kGrabberV2;
+    }
+}
+
+std::uint32_t Capture(char* buffer, std::uint32_t buffer_size, std::uint32_t* required_size, std::uint32_t& status) {
+    const orvane::InfoGrabberPtr grabber = orvane::CreateInfoGrabber(GrabberTypeOf(gSaveXmlFormat));
+    if (!grabber) {
+        throw OrvaneMainException(L"Failed to obtain information grabber");
+    }
+    if (!grabber->ObtainInformation()) {
+        throw OrvaneMainException(L"Failed to obtain EnvInfo");
+    }
+    if (!grabber->CanBackup(SelectedVolumes(), RequestedDisks(), false)) {
+        throw OrvaneMainException(L"I cannot backup the needed information");
+    }
+    std::uint32_t size = 0;
+    grabber->CaptureInfo(buffer_size, buffer, &size, &status);
+    if (required_size != nullptr) {
+        *required_size = size;
+    }
+    return status;
+}
+
+std::uint32_t FailureStatus(std::uint32_t status) {
+    return status != ORVANE_SUCCESS ? status : ORVANE_FAILED;
+}
+
+// The exception boundary.
+std::uint32_t CaptureSafely(char* buffer, std::uint32_t buffer_size, std::uint32_t* required_size) {
+    std::uint32_t status = ORVANE_SUCCESS;
+    try {
+        return Capture(buffer, buffer_size, required_size, status);
+    } catch (const _com_error& error) {
+        GetLogger().Write(kLogError, L"CaptureSystemRestorePointInfo COM Exception: %s",
+                          ComErrorText(error.Error()).c_str());
+        return ORVANE_FAILED;
+    } catch (const OrvaneMainException& error) {
+        GetLogger().Write(kLogError, L"CaptureSystemRestorePointInfo Env Exception: %s", error.message().c_str());
+        return FailureStatus(status);
+    } catch (...) {
+        GetLogger().Write(kLogError, L"CaptureSystemRestorePointInfo Exception");
+        return FailureStatus(status);
+    }
+}
+
+}  // namespace
+
+std::uint32_t CaptureSystemRestorePointInfo(char* buffer, std::uint32_t buffer_size, std::uint32_t* required_size) {
+    GetLogger().Write(kLogTrace, L"Entering CaptureSystemRestorePointInfo");
+    GetLogger().Write(kLogTrace, L"CaptureSystemRestorePointInfo gSaveXmlFormat=%u", gSaveXmlFormat);
+    const std::uint32_t status = CaptureSafely(buffer, buffer_size, required_size);
+    GetLogger().Write(kLogTrace, L"Exiting CaptureSystemRestorePointInfo");
+    return status;
+}

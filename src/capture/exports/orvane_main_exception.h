@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+// An export that cannot go on.
+class OrvaneMainException {
+public:
+    explicit OrvaneMainException(std::wstring message) : message_(std::move(message)) {}
+
+    const std::wstring& message() const { return message_; }
+
+private:
+    std::wstring message_;
+};

@@ -1,0 +1,49 @@
+// The exports that answer or change a setting.
+
+#include "capture/exports/process_settings.h"
+#include "common/logger/trace.h"
+#include "common/platform/multi_string.h"
+#include "orvane/orvane.h"
+
+namespace {
+
+constexpr std::uint32_t kInterfaceVersion = 4;
+
+void TakeSelectedVolumes(const wchar_t* list, std::uint64_t count) {
+    SelectedVolumes().clear();
+    if (list == nullptr) {
+        GetLogger().Write(kLogError, L"SetupSelectedVolumesList: volume_guid_list is NULL");
+        return;
+    }
+    if (count == 0 || *list == L'\0') {
+        GetLogger().Write(kLogError, L"SetupSelectedVolumesList: volume_guid_list is empty");
+        return;
+    }
+    SelectedVolumes() = SplitMultiString(list, count);
+}
+
+}  // namespace
+
+std::uint32_t GetOrvaneVersion() {
+    return kInterfaceVersion;
+}
+
+void SetEventFunc(OrvaneEventCallback callback) {
+    GetLogger().SetCallback(callback);
+}
+
+void SetXmlFormat(std::uint32_t format) {
+    Traced(L"SetXmlFormat", [&] { gSaveXmlFormat = format; });
+}
+
+std::int64_t SetupSelectedVolumesList(const wchar_t* volume_guid_list, std::uint64_t count) {
+    try {
+        return Traced(L"SetupSelectedVolumesList", [&] {
+            TakeSelectedVolumes(volume_guid_list, count);
+            return static_cast<std::int64_t>(SelectedVolumes().size());
+        });
+    } catch (...) {
+        GetLogger().Write(kLogError, L"SetupSelectedVolumesList Exception");
+        return static_cast<std::int64_t>(SelectedVolumes().size());
+    }
+}

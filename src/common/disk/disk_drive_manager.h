@@ -1,0 +1,88 @@
+#pragma once
+
+#include "common/disk/disk_geometry.h"
+#include "common/disk/operation_status.h"
+#include "common/xml/ms_xml.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace bmr_common {
+
+class DeviceManager;
+
+extern const std::wstring kOpeningDisk;
+extern const std::wstring kGettingDriveGeometry;
+
+// Partition style numbers as the disk kinds answer them.
+inline constexpr std::uint32_t kStyleMBR = PARTITION_STYLE_MBR;
+inline constexpr std::uint32_t kStyleGPT = PARTITION_STYLE_GPT;
+inline constexpr std::uint32_t kStyleRAW = PARTITION_STYLE_RAW;
+
+// One physical disk, \\.\PhysicalDriveN. Offsets and lengths are in bytes. Failed queries are kept in the status;
+// nothing but the XML layer throws.
+class DiskDriveManager {
+public:
+    // Seeds the runtime's random numbers with the current second.
+    explicit DiskDriveManager(std::uint32_t disk_index);
+    virtual ~DiskDriveManager() = default;
+    DiskDriveManager(const DiskDriveManager&) = delete;
+    DiskDriveManager& operator=(const DiskDriveManager&) = delete;
+
+    virtual void DumpInfo() const;
+    // Appends the disk's elements to `parent`: of a disk that cannot be backed up, its id and a size of 0 only.
+    virtual void CaptureInfo(CMSXmlNode& parent) const;
+    // Takes the geometry and reads what the kind needs from the open drive, which stays the caller's. Once only.
+    virtual void Initialize(const UniqueFile& drive, const win::ByteBuffer& geometry) = 0;
+    // Prepares this object, not the disk, to receive a fresh table laid out on the source's geometry. Once only.
+    virtual bool InitializeUsingGeometryOf(const boost::shared_ptr<DiskDriveManager>& source,
+                                           const DeviceManager& device_manager) = 0;
+    // Whether the disk may be backed up; when not, appends the reasons.
+    virtual bool can_backup(std::vector<std::wstring>& reasons) const;
+    virtual bool is_dynamic() const = 0;
+    virtual bool ExtentIsOnBootablePartition(const std::int64_t& offset, const std::int64_t& length) const = 0;
+    virtual std::uint32_t GetPartitionStyle() const = 0;
+    // Fills the description with which the disk would be initialised.
+    virtual bool SetupDiskStruct(CREATE_DISK& description) const = 0;
+    // Initialises the raw disk `disk_index` with this disk's description. Writes to the disk.
+    virtual bool CreateRawDisk(std::uint32_t disk_index) const;
+    // Null when the layout was not read; owned by this object.
+    virtual const DRIVE_LAYOUT_INFORMATION_EX* GetPartitionLayoutExPtr() const = 0;
+    // Whether a partition in use starts at `offset`.
+    virtual bool HasPartitionAtOffset(std::int64_t offset) const = 0;
+    virtual void SetUniqueIdToRandom() = 0;
+    virtual bool has_same_unique_id(const DiskDriveManager& other) const = 0;
+    virtual std::uint32_t GetPartitionCount() const = 0;
+    virtual bool GetPartitionNumberAtOffset(std::int64_t offset, std::uint32_t& number) const = 0;
+
+    virtual bool IsFailed(const std::wstring& operation) const { return status_.IsFailed(operation); }
+    virtual bool IsSucceeded(const std::wstring& operation) const { return status_.IsSucceeded(operation); }
+    virtual std::uint64_t ErrorCount() const { return status_.ErrorCount(); }
+
+    // Makes this disk's unique id differ from that of every other disk of its style.
+    bool AssignUniqueId(const DeviceManager& device_manager);
+    // Initialises a raw disk. Writes to the disk.
+    static bool InitializeRAWDisk(std::uint32_t disk_index, CREATE_DISK& description);
+
+    std::uint32_t disk_index() const { return disk_index_; }
+    const DiskGeometry& geometry() const { return geometry_; }
+    OperationStatus& status() { return status_; }
+
+protected:
+    // The common elements; false when the disk cannot be backed up and nothing may follow.
+    bool CaptureCommonInfo(CMSXmlNode& parent) const;
+    // Records that the disk was opened and its geometry read.
+    void TakeGeometry(DiskGeometry geometry);
+    bool has_geometry() const { return status_.IsSucceeded(kGettingDriveGeometry); }
+
+    const std::uint32_t disk_index_;
+    OperationStatus status_;
+    DiskGeometry geometry_;  // valid only while the geometry operation has succeeded
+};
+
+using DiskDriveManagerPtr = boost::shared_ptr<DiskDriveManager>;
+
+}  // namespace bmr_common

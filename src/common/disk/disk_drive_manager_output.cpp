@@ -1,0 +1,147 @@
+// What a disk writes of itself: the text dump and the XML fragment.
+
+#include "common/disk/disk_drive_manager.h"
+#include "common/disk/sizes.h"
+#include "common/logger/trace.h"
+#include "common/xml/xml_values.h"
+
+#include <objbase.h>
+
+#include <array>
+#include <cwchar>
+
+namespace bmr_common {
+
+namespace {
+
+constexpr std::uint32_t kDetectInt13 = 1;
+constexpr std::uint32_t kDetectExInt13 = 2;
+
+// One fact of a detection record: its dump line, its element, its value.
+struct DetectionFact {
+    const wchar_t* line;
+    const char* element;
+    std::uint64_t value;
+};
+
+std::vector<DetectionFact> DetectionFacts(const DiskGeometry& geometry) {
+    const DISK_DETECTION_INFO detection = geometry.detection();
+    const DISK_INT13_INFO& int13 = detection.Int13;
+    const DISK_EX_INT13_INFO& extended = detection.ExInt13;
+    switch (geometry.detection_type()) {
+    case kDetectInt13:
+        return {
+            {L"  DriveSelect: %d", "DriveSelect", int13.DriveSelect},
+            {L"  MaxCylinders: %d", "MaxCylinders", int13.MaxCylinders},
+            {L"  SectorsPerTrack: %d", "SectorsPerTrack", int13.SectorsPerTrack},
+            {L"  MaxHeads: %d", "MaxHeads", int13.MaxHeads},
+            {L"  NumberDrives: %d", "NumberDrives", int13.NumberDrives},
+        };
+    case kDetectExInt13:
+        return {
+            {L"  ExBufferSize: %d", "ExBufferSize", extended.ExBufferSize},
+            {L"  ExFlags: %d", "ExFlags", extended.ExFlags},
+            {L"  ExCylinders: %d", "ExCylinders", extended.ExCylinders},
+            {L"  ExHeads: %d", "ExHeads", extended.ExHeads},
+            {L"  ExSectorsPerTrack: %d", "ExSectorsPerTrack", extended.ExSectorsPerTrack},
+            {L"  ExSectorsPerDrive: %d", "ExSectorsPerDrive", extended.ExSectorsPerDrive},
+            {L"  ExSectorSize: %d", "ExSectorSize", extended.ExSectorSize},
+            {L"  ExReserved: %d", "ExReserved", extended.ExReserved},
+        };
+    default:
+        return {};
+    }
+}
+
+void DumpGeometry(const DiskGeometry& disk) {
+    const DISK_GEOMETRY& geometry = disk.geometry();
+    GetLogger().Write(kLogInformation, L"  Disk Size: %I64d(%.2f GB)", disk.disk_size(),
+                      Gigabytes(static_cast<double>(disk.disk_size())));
+    GetLogger().Write(kLogInformation, L"  Cyclinders: %I64d", geometry.Cylinders.QuadPart);
+    GetLogger().Write(kLogInformation, L"  MediaType: %d", disk.media_type());
+    GetLogger().Write(kLogInformation, L"  TracksPerCylinder: %d", geometry.TracksPerCylinder);
+    GetLogger().Write(kLogInformation, L"  SectorsPerTrack: %d", geometry.SectorsPerTrack);
+    GetLogger().Write(kLogInformation, L"  BytesPerSector: %d", geometry.BytesPerSector);
+    GetLogger().Write(kLogInformation, L"  DetectionType: %d", disk.detection_type());
+    for (const DetectionFact& fact : DetectionFacts(disk)) {
+        // Every number is printed as a 32-bit one, the sectors of a drive too.
+        GetLogger().Write(kLogInformation, fact.line, static_cast<std::int32_t>(fact.value));
+    }
+}
+
+// The element "GUID" has always held the address of the identifier's text, not the text; nobody may interpret it.
+void CaptureGuidAddress(CMSXmlNode& parent, const GUID& disk_id) {
+    std::array<wchar_t, 39> text{};
+    StringFromGUID2(disk_id, text.data(), static_cast<int>(text.size()));
+    std::array<wchar_t, 20> address{};
+    _snwprintf(address.data(), address.size() - 1, L"%p", static_cast<const void*>(text.data()));
+    AddTextElement(parent, "GUID", address.data());
+}
+
+void CapturePartitionStyle(CMSXmlNode& parent, const DiskGeometry& disk) {
+    switch (disk.partition_style()) {
+    case kStyleMBR:
+        AddTextElement(parent, "PartitionStyle", L"MBR");
+        AddNumberElement(parent, "Signature", disk.signature());
+        break;
+    case kStyleGPT:
+        AddTextElement(parent, "PartitionStyle", L"GPT");
+        CaptureGuidAddress(parent, disk.disk_id());
+        break;
+    case kStyleRAW:
+        AddTextElement(parent, "PartitionStyle", L"RAW");
+        break;
+    default:
+        AddTextElement(parent, "PartitionStyle", L"UNKNOWN");
+        break;
+    }
+}
+
+}  // namespace
+
+void DiskDriveManager::DumpInfo() const {
+    Traced(L"bmr_common::DiskDriveManager::DumpInfo", [&] {
+        GetLogger().Write(kLogInformation, L"");
+        GetLogger().Write(kLogInformation, L"[Disk/Partition Information]");
+        GetLogger().Write(kLogInformation, L"Disk id: %s", std::to_wstring(disk_index_).c_str());
+        std::vector<std::wstring> reasons;
+        GetLogger().Write(kLogInformation, L"  Available for backup: %s", TrueOrFalse(can_backup(reasons)));
+        for (const std::wstring& reason : reasons) {
+            GetLogger().Write(kLogInformation, L"    Failure reason: %s", reason.c_str());
+        }
+        status_.DumpAll();
+        if (has_geometry()) {
+            GetLogger().Write(kLogInformation, L"  Dynamic disk: %s", TrueOrFalse(is_dynamic()));
+            DumpGeometry(geometry_);
+        }
+    });
+}
+
+void DiskDriveManager::CaptureInfo(CMSXmlNode& parent) const {
+    Traced(L"bmr_common::DiskDriveManager::CaptureInfo", [&] { CaptureCommonInfo(parent); });
+}
+
+bool DiskDriveManager::CaptureCommonInfo(CMSXmlNode& parent) const {
+    AddTextElement(parent, "DiskId", std::to_wstring(disk_index_));
+    std::vector<std::wstring> reasons;
+    if (!can_backup(reasons)) {
+        AddTextElement(parent, "DiskSize", L"0");
+        return false;
+    }
+    const DISK_GEOMETRY& geometry = geometry_.geometry();
+    AddTextElement(parent, "DynamicDisk", TrueOrFalse(is_dynamic()));
+    AddNumberElement(parent, "DiskSize", geometry_.disk_size());
+    AddNumberElement(parent, "Cyclinders", geometry.Cylinders.QuadPart);
+    AddNumberElement(parent, "MediaType", static_cast<std::int32_t>(geometry_.media_type()));
+    AddNumberElement(parent, "TracksPerCylinder", geometry.TracksPerCylinder);
+    AddNumberElement(parent, "SectorsPerTrack", geometry.SectorsPerTrack);
+    AddNumberElement(parent, "bytes_per_sector", geometry.BytesPerSector);
+    CapturePartitionStyle(parent, geometry_);
+    AddNumberElement(parent, "DetectionType", static_cast<std::int32_t>(geometry_.detection_type()));
+    for (const DetectionFact& fact : DetectionFacts(geometry_)) {
+        AddNumberElement(parent, fact.element, fact.value);
+    }
+    return true;
+}
+
+}  // namespace bmr_common

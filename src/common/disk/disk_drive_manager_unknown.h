@@ -1,0 +1,30 @@
+#pragma once
+
+#include "common/disk/disk_drive_manager.h"
+
+namespace bmr_common {
+
+// A raw disk, one of an unknown style, or one that could not be opened. It is never backed up; most questions are
+// answered by a level 2 line and false.
+class DiskDriveManagerUnknown : public DiskDriveManager {
+public:
+    using DiskDriveManager::DiskDriveManager;
+
+    void DumpInfo() const override;
+    void Initialize(const UniqueFile& drive, const win::ByteBuffer& geometry) override;
+    bool InitializeUsingGeometryOf(const boost::shared_ptr<DiskDriveManager>& source,
+                                   const DeviceManager& device_manager) override;
+    bool can_backup(std::vector<std::wstring>& reasons) const override;
+    bool is_dynamic() const override;
+    bool ExtentIsOnBootablePartition(const std::int64_t& offset, const std::int64_t& length) const override;
+    std::uint32_t GetPartitionStyle() const override { return kStyleRAW; }
+    bool SetupDiskStruct(CREATE_DISK& description) const override;
+    const DRIVE_LAYOUT_INFORMATION_EX* GetPartitionLayoutExPtr() const override;
+    bool HasPartitionAtOffset(std::int64_t offset) const override;
+    void SetUniqueIdToRandom() override;
+    bool has_same_unique_id(const DiskDriveManager& other) const override;
+    std::uint32_t GetPartitionCount() const override { return 0; }
+    bool GetPartitionNumberAtOffset(std::int64_t offset, std::uint32_t& number) const override;
+};
+
+}  // namespace bmr_common

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "common/windows.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// The flat rows of the environment record.
+
+// One row of a disk's partition list: a partition, or space between partitions.
+struct PartitionRow {
+    std::int64_t length = 0;         // bytes
+    std::int64_t offset = 0;         // bytes
+    std::int64_t length_copy = 0;    // the length once more
+    std::int32_t hidden = 0;
+    bool active = false;             // the boot indicator; written under the name "primary"
+    std::wstring kind;               // "Primary", "Logical", "Unallocated" or "Free space"
+    std::wstring operation;          // "Existing" for partitions, else the kind
+    std::wstring drive;              // drive letter
+    std::wstring file_system;
+    std::wstring volume;
+    std::int32_t partition_number = -1;  // -1 for gaps, 0 for whole-disk rows
+    std::uint8_t mbr_type = 0;
+    std::int32_t partition_style = 0;
+    GUID gpt_type{};
+    GUID gpt_id{};
+};
+
+// One physical disk.
+struct DiskRow {
+    std::uint64_t size = 0;  // bytes; 500 in a placeholder
+    std::uint32_t disk_number = 0;
+    std::uint32_t bytes_per_sector = 0;
+    std::int32_t partition_style = 2;  // 0 MBR, 1 GPT, 2 raw
+    std::wstring interface_type;
+    GUID disk_guid{};
+    std::vector<PartitionRow> partitions;  // in disk order
+};
+
+// A run of bytes on one disk that belongs to a volume.
+class DiskExtent {
+public:
+    DiskExtent() = default;
+    virtual ~DiskExtent() = default;
+
+    std::uint64_t m_offsetPartition = 0;       // bytes
+    std::uint64_t m_Size = 0;                  // bytes
+    std::uint64_t m_FileSystemUsedSpace = 0;   // bytes
+    std::wstring m_GUID;
+    std::uint32_t m_dwDiskSignature = 0;
+    GUID disk_guid{};
+    std::int32_t m_PartitionNumber = 0;
+    std::uint32_t m_DiskNumber = 0;
+};
+
+// A fixed volume; its own extent part describes its first or only extent.
+class Volume : public DiskExtent {
+public:
+    std::vector<DiskExtent> extents;  // in the order that the volume reports them
+    std::wstring Name;
+    std::wstring DeviceName;
+    std::wstring VolumeLetter;
+    std::wstring Label;
+    std::uint32_t Serial = 0;
+    std::wstring FileSystem;
+    std::uint32_t Flags = 0;
+    bool SystemVolume = false;
+    bool BootVolume = false;
+    bool Dynamic = false;
+    std::uint32_t BlockSize = 0;
+};

@@ -1,0 +1,69 @@
+#include "common/logger/format_text.h"
+
+#include <cstddef>
+#include <cwchar>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t kLongestNumber = 3;  // digits of a width or precision; a longer one is no honest format
+
+std::size_t SkipAny(std::wstring_view text, std::size_t at, std::wstring_view set) {
+    const std::size_t next = text.find_first_not_of(set, at);
+    return next == std::wstring_view::npos ? text.size() : next;
+}
+
+// The position after a number of at most kLongestNumber digits, or npos when it is longer.
+std::size_t SkipNumber(std::wstring_view text, std::size_t at) {
+    const std::size_t next = SkipAny(text, at, L"0123456789");
+    return next - at > kLongestNumber ? std::wstring_view::npos : next;
+}
+
+std::size_t SkipSize(std::wstring_view text, std::size_t at) {
+    for (const std::wstring_view size : {L"I64", L"I32", L"ll", L"I", L"l", L"h"}) {
+        if (text.substr(at, size.size()) == size) {
+            return at + size.size();
+        }
+    }
+    return at;
+}
+
+// The length of the integer conversion that starts with the percent sign at `at`, 0 when it is none.
+std::size_t IntegerConversionLength(std::wstring_view text, std::size_t at) {
+    std::size_t next = SkipNumber(text, SkipAny(text, at + 1, L"-+ #"));
+    if (next != std::wstring_view::npos && text.substr(next, 1) == L".") {
+        next = SkipNumber(text, next + 1);
+    }
+    if (next == std::wstring_view::npos) {
+        return 0;
+    }
+    next = SkipSize(text, next);
+    const bool integer = next < text.size() && std::wstring_view(L"diouxX").find(text[next]) != text.npos;
+    return integer ? next + 1 - at : 0;
+}
+
+}  // namespace
+
+std::wstring EscapeUnsafeConversions(const wchar_t* text) {
+    const std::wstring_view source = text;
+    std::wstring escaped;
+    escaped.reserve(source.size());
+    int kept = 0;
+    for (std::size_t at = 0; at < source.size();) {
+        std::size_t length = 1;
+        if (source[at] == L'%') {
+            const std::size_t conversion = IntegerConversionLength(source, at);
+            if (source.substr(at, 2) == L"%%") {
+                length = 2;
+            } else if (conversion != 0 && kept < kSafeConversions) {
+                length = conversion;
+                ++kept;
+            } else {
+                escaped += L'%';
+            }
+        }
+        escaped += source.substr(at, length);
+        at += length;
+    }
+    return escaped;
+}

@@ -1,0 +1,51 @@
+#include "common/logger/orvane_logger.h"
+
+#include <array>
+#include <cstdlib>
+
+namespace {
+
+constinit OrvaneLogger g_logger;
+
+constexpr std::size_t kNarrowBytes = 255;  // the terminator included
+constexpr int kConversionAssertionLine = 79;
+
+std::int32_t HostLevel(int level) {
+    constexpr std::array<std::int32_t, 6> kHostLevels = {3, 4, 3, 2, 1, 0};  // by level; 0 is none of ours
+    const bool known = level >= 1 && level <= kLogTrace;
+    return kHostLevels[known ? static_cast<std::size_t>(level) : 0];
+}
+
+}  // namespace
+
+OrvaneLogger& GetLogger() {
+    return g_logger;
+}
+
+void LogAssertionFailure(const wchar_t* source, int line, const wchar_t* condition) {
+    GetLogger().Write(kLogWarning, L"ASSERTION FAILED, %s:%d %s", source, line, condition);
+}
+
+void OrvaneLogger::SetCallback(EventCallback callback) {
+    callback_ = callback;
+}
+
+int OrvaneLogger::GetLevel() const {
+    return kLogTrace;
+}
+
+void OrvaneLogger::Output(int level, const wchar_t* text, std::size_t length) {
+    if (callback_ == nullptr) {
+        // The finished text is formatted a second time here, with its length to print: readers of the debugger
+        // output have come to know it so.
+        fallback_.WriteTextAsFormat(level, text, length);
+        return;
+    }
+    std::array<char, kNarrowBytes> narrow{};
+    std::size_t converted = 0;
+    if (wcstombs_s(&converted, narrow.data(), narrow.size(), text, _TRUNCATE) != 0) {
+        LogAssertionFailure(L"src/common/logger", kConversionAssertionLine, L"!err");
+        return;
+    }
+    callback_(HostLevel(level), narrow.data());
+}

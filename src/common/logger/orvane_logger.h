@@ -1,0 +1,30 @@
+#pragma once
+
+#include "common/logger/debug_logger.h"
+
+#include <cstdint>
+
+// The host's event callback: a host level (4 most severe, 0 trace) and a terminated narrow text.
+using EventCallback = void (*)(std::int32_t host_level, const char* text);
+
+// Hands every message to the host's callback; without one, to the debugger output.
+class OrvaneLogger : public CLogger {
+public:
+    constexpr OrvaneLogger() = default;
+
+    void Output(int level, const wchar_t* text, std::size_t length) override;
+    int GetLevel() const override;
+
+    // Replaces the callback; null restores the debugger output.
+    void SetCallback(EventCallback callback);
+
+private:
+    CDebugLogger fallback_;
+    EventCallback callback_ = nullptr;
+};
+
+// The one logger of the process; it exists from load to unload.
+OrvaneLogger& GetLogger();
+
+// Logs a failed assertion at level 3. `source` is the file or folder that states it.
+void LogAssertionFailure(const wchar_t* source, int line, const wchar_t* condition);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "common/logger/orvane_logger.h"
+
+#include <source_location>
+#include <type_traits>
+#include <utility>
+
+// Runs `body` between the entering and the leaving line of `function` (its qualified name) and returns what it
+// returns. A body left by an exception logs no leaving line.
+template <class Body>
+auto Traced(const wchar_t* function, Body&& body,
+            const std::source_location where = std::source_location::current()) {
+    const auto line = static_cast<int>(where.line());
+    GetLogger().Write(kLogTrace, L"Entering function %s line %d", function, line);
+    const auto leave = [&] { GetLogger().Write(kLogTrace, L"Leaving function %s line %d", function, line); };
+    if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
+        std::forward<Body>(body)();
+        leave();
+    } else {
+        auto result = std::forward<Body>(body)();
+        leave();
+        return result;
+    }
+}

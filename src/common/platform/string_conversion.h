@@ -1,0 +1,6 @@
+#pragma once
+
+#include <string>
+
+// `text` in the system's ANSI code page. Empty when `text` is empty or cannot be converted (one level 2 line).
+std::string ConvertWStrToStr(const std::wstring& text);

@@ -1,0 +1,216 @@
+// The part of the wrapper that opens devices and sends them control codes.
+
+#include "common/platform/system_query.h"
+#include "common/platform/win_api_wrapper.h"
+
+#include <limits>
+
+namespace win {
+
+namespace {
+
+constexpr std::size_t kFirstControlBytes = 512;
+constexpr std::uint32_t kNoDisk = std::numeric_limits<std::uint32_t>::max();
+
+DWORD Control(const UniqueFile& device, DWORD code, void* input, std::size_t input_bytes, void* output,
+              std::size_t output_bytes, DWORD& returned_bytes) {
+    returned_bytes = 0;
+    return ErrorUnless(CallBound(Kernel32DLL::Get().DeviceIoControl, FALSE, device.get(), code, input,
+                                 static_cast<DWORD>(input_bytes), output, static_cast<DWORD>(output_bytes),
+                                 &returned_bytes, nullptr));
+}
+
+// Reads an answer of unknown length; `complete` judges whether the bytes that came back are a whole answer.
+template <class Complete>
+DWORD GrowingControl(const UniqueFile& device, DWORD code, ByteBuffer& buffer, Complete&& complete) {
+    DWORD returned = 0;
+    const auto ask = [&](ByteBuffer& answer, std::size_t& /*needed*/) {
+        return Control(device, code, nullptr, 0, answer.data(), answer.size(), returned);
+    };
+    DWORD error = ERROR_NOT_ENOUGH_MEMORY;
+    try {
+        error = GrowAndRetry(buffer, std::max(buffer.size(), kFirstControlBytes),
+                             static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER), ask);
+    } catch (const std::bad_alloc&) {
+        // Reported below, with the buffer emptied as after any other failure.
+        error = ERROR_NOT_ENOUGH_MEMORY;
+    }
+    if (error == ERROR_SUCCESS && returned <= buffer.size()) {
+        buffer.resize(returned);
+        if (complete(buffer)) {
+            return ERROR_SUCCESS;
+        }
+    }
+    buffer.clear();
+    return error == ERROR_SUCCESS ? static_cast<DWORD>(ERROR_INVALID_DATA) : error;
+}
+
+// Whether `buffer` holds a header of `header_bytes` and `count` elements of `element_bytes`.
+bool Holds(const ByteBuffer& buffer, std::size_t header_bytes, std::size_t count, std::size_t element_bytes) {
+    return buffer.size() >= header_bytes && (buffer.size() - header_bytes) / element_bytes >= count;
+}
+
+bool IsWholeGeometry(const ByteBuffer& buffer) {
+    return Holds(buffer, offsetof(DISK_GEOMETRY_EX, Data), 1, sizeof(DISK_PARTITION_INFO));
+}
+
+bool IsWholeLayout(const ByteBuffer& buffer) {
+    constexpr std::size_t kHeader = offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry);
+    return buffer.size() >= kHeader &&
+           Holds(buffer, kHeader,
+                 reinterpret_cast<const DRIVE_LAYOUT_INFORMATION_EX*>(buffer.data())->PartitionCount,
+                 sizeof(PARTITION_INFORMATION_EX));
+}
+
+bool IsWholeExtentList(const ByteBuffer& buffer) {
+    constexpr std::size_t kHeader = offsetof(VOLUME_DISK_EXTENTS, Extents);
+    return buffer.size() >= kHeader &&
+           Holds(buffer, kHeader,
+                 reinterpret_cast<const VOLUME_DISK_EXTENTS*>(buffer.data())->NumberOfDiskExtents,
+                 sizeof(DISK_EXTENT));
+}
+
+}  // namespace
+
+bool WinAPIWrapper::CreateFileW(const std::wstring& path, const FileOpening& opening, UniqueFile& file,
+                                DWORD& error) {
+    const auto query = [&]() -> DWORD {
+        file.Reset(CallBound(Kernel32DLL::Get().CreateFileW, HANDLE{INVALID_HANDLE_VALUE}, path.c_str(),
+                             opening.access, opening.share_mode, nullptr, opening.disposition, opening.flags,
+                             HANDLE{nullptr}));
+        return file ? static_cast<DWORD>(ERROR_SUCCESS) : LastFailure();
+    };
+    return Query(L"win::WinAPIWrapper::CreateFileW", error, query, [&] {
+        GetLogger().Write(kLogTrace, L"WinAPIWrapper::CreateFile on %s error=%u", path.c_str(), error);
+    });
+}
+
+bool WinAPIWrapper::OpenPhysicalDrive(std::uint32_t disk_index, DWORD access, UniqueFile* drive, DWORD& error) {
+    return Traced(L"win::WinAPIWrapper::OpenPhysicalDrive", [&] {
+        const std::wstring path = L"\\\\.\\PhysicalDrive" + std::to_wstring(disk_index);
+        if (drive == nullptr) {
+            GetLogger().Write(kLogTrace, L"WinAPIWrapper::OpenPhysicalDrive on %s internal error, bad parameters",
+                              path.c_str());
+            SetLastError(ERROR_INVALID_PARAMETER);
+            error = ERROR_INVALID_PARAMETER;
+            return false;
+        }
+        return CreateFileW(path, {.access = access}, *drive, error);
+    });
+}
+
+bool WinAPIWrapper::FlushFileBuffers(const UniqueFile& file, DWORD& error) {
+    constexpr const wchar_t* kFunction = L"win::WinAPIWrapper::FlushFileBuffers";
+    const auto query = [&] { return ErrorUnless(CallBound(Kernel32DLL::Get().FlushFileBuffers, FALSE, file.get())); };
+    return Query(kFunction, error, query, [&] { GetLogger().Write(kLogTrace, L"%s error=%u", kFunction, error); });
+}
+
+bool WinAPIWrapper::GetDriveGeometryEx(const UniqueFile& drive, std::uint32_t disk_index, ByteBuffer& buffer,
+                                       DWORD& error) {
+    const auto query = [&] {
+        return GrowingControl(drive, IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, buffer, IsWholeGeometry);
+    };
+    return Query(L"win::WinAPIWrapper::GetDriveGeometryEx", error, query, [&] {
+        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDriveGeometryEx on drive %d error=%u", disk_index, error);
+    });
+}
+
+bool WinAPIWrapper::GetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk_index, ByteBuffer& buffer,
+                                     DWORD& error) {
+    const bool bad_parameter = !drive || disk_index == kNoDisk;
+    const auto query = [&]() -> DWORD {
+        if (bad_parameter) {
+            buffer.clear();
+            return ERROR_INVALID_PARAMETER;
+        }
+        return GrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, buffer, IsWholeLayout);
+    };
+    return Query(L"win::WinAPIWrapper::GetDriveLayoutEx", error, query, [&] {
+        if (bad_parameter) {
+            GetLogger().Write(kLogTrace,
+                              L"WinAPIWrapper::GetDriveLayoutEx on drive index %d, internal error, bad parameter",
+                              disk_index);
+            return;
+        }
+        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDriveLayoutEx on drive %d error=%u", disk_index, error);
+    });
+}
+
+bool WinAPIWrapper::GetVolumeDiskExtents(const UniqueFile& volume, const std::wstring& volume_name,
+                                         ByteBuffer& buffer, DWORD& error) {
+    const auto query = [&] {
+        return GrowingControl(volume, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, buffer, IsWholeExtentList);
+    };
+    return Query(L"win::WinAPIWrapper::GetVolumeDiskExtents", error, query, [&] {
+        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetVolumeDiskExtents on volume %s error=%u",
+                          volume_name.c_str(), error);
+    });
+}
+
+bool WinAPIWrapper::GetDiskLengthInformation(const UniqueFile& device, const std::wstring& name,
+                                             std::int64_t& length, DWORD& error) {
+    const auto query = [&]() -> DWORD {
+        GET_LENGTH_INFORMATION information{};
+        DWORD returned = 0;
+        const DWORD code = Control(device, IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &information,
+                                   sizeof(information), returned);
+        if (code == ERROR_SUCCESS && returned != sizeof(information)) {
+            return ERROR_INVALID_DATA;
+        }
+        if (code == ERROR_SUCCESS) {
+            length = information.Length.QuadPart;
+        }
+        return code;
+    };
+    return Query(L"win::WinAPIWrapper::GetDiskLengthInformation", error, query, [&] {
+        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDiskLengthInfo on %s error=%u", name.c_str(), error);
+    });
+}
+
+bool WinAPIWrapper::SetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk_index, ByteBuffer& layout,
+                                     DWORD& error) {
+    constexpr const wchar_t* kFunction = L"win::WinAPIWrapper::SetDriveLayoutEx";
+    const auto query = [&] {
+        DWORD returned = 0;
+        return Control(drive, IOCTL_DISK_SET_DRIVE_LAYOUT_EX, layout.data(), layout.size(), nullptr, 0, returned);
+    };
+    return Query(kFunction, error, query, [&] {
+        GetLogger().Write(kLogError, L"%s IOCTL_DISK_SET_DRIVE_LAYOUT of disk %u error=%u", kFunction, disk_index,
+                          error);
+    });
+}
+
+bool WinAPIWrapper::CreateDisk(const UniqueFile& drive, CREATE_DISK& description, DWORD& error) {
+    constexpr const wchar_t* kFunction = L"win::WinAPIWrapper::CreateDisk";
+    const auto query = [&]() -> DWORD {
+        DWORD returned = 0;
+        return drive ? Control(drive, IOCTL_DISK_CREATE_DISK, &description, sizeof(description), nullptr, 0, returned)
+                     : static_cast<DWORD>(ERROR_INVALID_PARAMETER);
+    };
+    return Query(kFunction, error, query, [&] {
+        if (!drive) {
+            GetLogger().Write(kLogTrace, L"%s - internal error, bad parameter", kFunction);
+            return;
+        }
+        GetLogger().Write(kLogError, L"%s IOCTL_DISK_CREATE_DISK error=%u", kFunction, error);
+    });
+}
+
+bool WinAPIWrapper::UpdateDiskProperties(const UniqueFile& drive, DWORD& error) {
+    constexpr const wchar_t* kFunction = L"win::WinAPIWrapper::UpdateDiskProperties";
+    const auto query = [&]() -> DWORD {
+        DWORD returned = 0;
+        return drive ? Control(drive, IOCTL_DISK_UPDATE_PROPERTIES, nullptr, 0, nullptr, 0, returned)
+                     : static_cast<DWORD>(ERROR_INVALID_PARAMETER);
+    };
+    return Query(kFunction, error, query, [&] {
+        if (!drive) {
+            GetLogger().Write(kLogTrace, L"%s - internal error, bad parameter", kFunction);
+            SetLastError(ERROR_INVALID_PARAMETER);
+            return;
+        }
+        GetLogger().Write(kLogError, L"%s IOCTL_DISK_UPDATE_PROPERTIES error=%u", kFunction, error);
+    });
+}
+
+}  // namespace win

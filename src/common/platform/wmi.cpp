@@ -1,0 +1,199 @@
+#include "common/platform/wmi.h"
+
+#include "common/logger/orvane_logger.h"
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr CLSID kAdministrativeLocator = {
+    0xcb8555cc, 0x9128, 0x11d1, {0xad, 0x9b, 0x00, 0xc0, 0x4f, 0xd8, 0xfd, 0xff}};
+
+// An enumerator that never ends is given up here; no class of a real machine has so many instances.
+constexpr unsigned kMostObjects = 100'000;
+
+struct ReleaseString {
+    void operator()(wchar_t* text) const { SysFreeString(text); }
+};
+using UniqueBstr = std::unique_ptr<wchar_t, ReleaseString>;
+
+// Logs the step that failed and passes its result on.
+HRESULT Checked(HRESULT result, const wchar_t* message) {
+    if (FAILED(result)) {
+        GetLogger().Write(kLogError, message, result);
+    }
+    return result;
+}
+
+bool IsInteger(VARTYPE type) {
+    return type == VT_I4 || type == VT_INT || type == VT_UINT;
+}
+
+int WholeInteger(const VARIANT& value) {
+    switch (value.vt) {
+    case VT_I2:
+    case VT_BOOL:
+        return value.iVal;
+    case VT_UI2:
+        return value.uiVal;
+    case VT_UI4:
+        return static_cast<int>(value.ulVal);
+    default:
+        return IsInteger(value.vt) ? value.intVal : 0;
+    }
+}
+
+int LowInteger(const VARIANT& value) {
+    return value.vt == VT_UI4 ? static_cast<int>(value.ulVal & 0xFFFFU) : WholeInteger(value);
+}
+
+// Access to the elements of a one-dimensional array of strings for the length of a scope.
+class ArrayAccess {
+public:
+    explicit ArrayAccess(SAFEARRAY* array) : array_(array) {
+        if (FAILED(SafeArrayAccessData(array_, reinterpret_cast<void**>(&elements_)))) {
+            elements_ = nullptr;
+        }
+    }
+    ~ArrayAccess() {
+        if (elements_ != nullptr) {
+            SafeArrayUnaccessData(array_);
+        }
+    }
+    ArrayAccess(const ArrayAccess&) = delete;
+    ArrayAccess& operator=(const ArrayAccess&) = delete;
+
+    const BSTR* elements() const { return elements_; }
+
+private:
+    SAFEARRAY* array_;
+    BSTR* elements_ = nullptr;
+};
+
+std::wstring TextOf(BSTR text) {
+    return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
+}
+
+void AppendStrings(SAFEARRAY* array, std::vector<std::wstring>& list) {
+    LONG lower = 0;
+    LONG upper = -1;
+    if (array == nullptr || SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetLBound(array, 1, &lower)) ||
+        FAILED(SafeArrayGetUBound(array, 1, &upper))) {
+        return;
+    }
+    const ArrayAccess access(array);
+    if (access.elements() == nullptr) {
+        return;
+    }
+    const auto count = static_cast<long long>(upper) - lower + 1;
+    for (long long i = 0; i < count; ++i) {
+        list.push_back(TextOf(access.elements()[i]));
+    }
+}
+
+}  // namespace
+
+CWmi::CWmi(const wchar_t* query) {
+    HRESULT result = Connect();
+    if (SUCCEEDED(result)) {
+        const UniqueBstr language(SysAllocString(L"WQL"));
+        const UniqueBstr text(SysAllocString(query));
+        result = language && text ? services_->ExecQuery(language.get(), text.get(), WBEM_FLAG_RETURN_IMMEDIATELY,
+                                                         nullptr, &enumerator_)
+                                  : E_OUTOFMEMORY;
+        Checked(result, L"CWmi::CWmi ExecQuery failed error 0x%x");
+    }
+    initialized_ = SUCCEEDED(result);
+}
+
+HRESULT CWmi::Connect() {
+    // The pointer is the locator as it is delivered: asked for as IUnknown, used without a further query.
+    HRESULT result = Checked(CoCreateInstance(kAdministrativeLocator, nullptr,
+                                              CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown,
+                                              reinterpret_cast<void**>(&locator_)),
+                             L"CWmi::CWmi CoCreateInstance failed error 0x%x");
+    if (FAILED(result)) {
+        return result;
+    }
+    const UniqueBstr name_space(SysAllocString(L"root\\cimv2"));
+    result = name_space ? locator_->ConnectServer(name_space.get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr,
+                                                  &services_)
+                        : E_OUTOFMEMORY;
+    if (FAILED(Checked(result, L"CWmi::CWmi ConnectServer failed error 0x%x"))) {
+        return result;
+    }
+    return Checked(CoSetProxyBlanket(services_, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
+                                     RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE),
+                   L"CWmi::CWmi CoSetProxyBlanket failed error 0x%x");
+}
+
+bool CWmi::Fetch() {
+    current_ = nullptr;
+    if (++fetched_ > kMostObjects) {
+        GetLogger().Write(kLogError, L"CWmi::Fetch gave up after %u objects", kMostObjects);
+        return false;
+    }
+    ULONG returned = 0;
+    const HRESULT result = enumerator_->Next(static_cast<LONG>(WBEM_INFINITE), 1, &current_, &returned);
+    if (result != WBEM_S_NO_ERROR) {
+        current_ = nullptr;
+    }
+    return result == WBEM_S_NO_ERROR && current_ != nullptr;
+}
+
+bool CWmi::FindFirstObject() {
+    return initialized_ && enumerator_ != nullptr && enumerator_->Reset() == WBEM_S_NO_ERROR && Fetch();
+}
+
+bool CWmi::FindNextObject() {
+    return enumerator_ != nullptr && Fetch();
+}
+
+bool CWmi::ReadProperty(const wchar_t* property, _variant_t& value) {
+    return current_ != nullptr && SUCCEEDED(current_->Get(property, 0, &value, nullptr, nullptr));
+}
+
+bool CWmi::Get(const wchar_t* property, int& value) {
+    if (current_ == nullptr) {
+        return false;
+    }
+    value = 0;
+    _variant_t read;
+    if (!ReadProperty(property, read)) {
+        return false;
+    }
+    value = WholeInteger(read);
+    return true;
+}
+
+bool CWmi::Get(const wchar_t* property, std::wstring& value) {
+    _variant_t read;
+    if (!ReadProperty(property, read)) {
+        return false;
+    }
+    if (read.vt == VT_BSTR) {
+        value = TextOf(read.bstrVal);
+    }
+    return true;
+}
+
+bool CWmi::Get(const wchar_t* property, std::vector<std::wstring>& value) {
+    _variant_t read;
+    if (!ReadProperty(property, read)) {
+        return false;
+    }
+    if (read.vt == (VT_ARRAY | VT_BSTR)) {
+        AppendStrings(read.parray, value);
+    }
+    return true;
+}
+
+bool CWmi::GetLowInteger(const wchar_t* property, int& value) {
+    _variant_t read;
+    if (!ReadProperty(property, read)) {
+        return false;
+    }
+    value = LowInteger(read);
+    return true;
+}

@@ -1,0 +1,229 @@
+#include "common/volume/volume.h"
+
+#include "common/logger/trace.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/trim.hpp>
+
+#include <algorithm>
+
+namespace bmr_common {
+
+const std::wstring kGettingDriveType = L"Getting Drive Type";
+const std::wstring kGettingDeviceName = L"Getting Device Name";
+const std::wstring kGettingVolumeInformation = L"Getting volume information";
+const std::wstring kGettingMountPoints = L"Getting mount points";
+const std::wstring kOpeningVolume = L"Opening volume";
+const std::wstring kGettingDiskExtents = L"Getting disk extents";
+const std::wstring kGettingVolumePartitionSize = L"Getting volume partition size";
+const std::wstring kGettingVolumeFreeSpace = L"Getting volume free space";
+const std::wstring kGettingVolumeFreeSpaceEx = L"Getting volume free space ex";
+
+namespace {
+
+// Records what became of one query.
+void Record(OperationStatus& status, const std::wstring& operation, bool succeeded, const wchar_t* failure) {
+    if (succeeded) {
+        status.SetSuccess(operation);
+    } else {
+        status.SetError(operation, failure);
+    }
+}
+
+std::wstring WithoutTrailingBackslashes(const std::wstring& path) {
+    return boost::algorithm::trim_right_copy_if(path, boost::algorithm::is_any_of(L"\\"));
+}
+
+bool IsDriveName(const std::wstring& dos_name) {
+    return dos_name.size() >= 2 && dos_name[1] == L':';
+}
+
+}  // namespace
+
+Volume::Volume(std::wstring volume_id, std::wstring device_name)
+    : status_{kGettingDriveType,   kGettingDeviceName,           kGettingVolumeInformation,
+              kGettingMountPoints, kOpeningVolume,               kGettingDiskExtents,
+              kGettingVolumePartitionSize, kGettingVolumeFreeSpace, kGettingVolumeFreeSpaceEx},
+      volume_id_(std::move(volume_id)),
+      volume_guid_(volume_id_.empty() ? std::wstring() : GetNormalizedVolumeGUID(volume_id_)),
+      device_name_(std::move(device_name)) {}
+
+bool Volume::Initialize(const std::wstring& system_volume_device, const std::wstring& boot_volume_device,
+                        const DeviceManager& disks) {
+    return Traced(L"bmr_common::Volume::Initialize", [&] {
+        InitializeDriveType();
+        InitializeDeviceName();
+        InitializeMountPoints();
+        if (drive_type_ != DRIVE_REMOVABLE) {
+            InitializeVolumeInformation();
+            InitializeFreeSpace();
+            InitializeFreeSpaceEx();
+            QueryOpenVolume();
+        }
+        if (!system_volume_device.empty()) {
+            is_system_volume_ = IsDevice(system_volume_device);
+        }
+        is_on_active_partition(disks);
+        if (!boot_volume_device.empty()) {
+            is_boot_volume_ = IsDevice(boot_volume_device);
+        }
+        can_backup(disks);
+        is_dynamic(disks);
+        return status_.ErrorCount() == 0;
+    });
+}
+
+bool Volume::IsDevice(const std::wstring& device_name) const {
+    return boost::algorithm::iequals(GetNormalizedDeviceId(device_name), device_name_);
+}
+
+void Volume::QueryOpenVolume() {
+    const UniqueFile volume = OpenVolume();
+    if (!status_.IsSucceeded(kOpeningVolume)) {
+        return;
+    }
+    try {
+        InitializeVolumePartitionSize(volume);
+        InitializeDiskExtents(volume);
+    } catch (...) {
+        GetLogger().Write(kLogError, L"Exception in %s line %d", L"bmr_common::Volume::Initialize", __LINE__);
+    }
+}
+
+// The root path by which the system is asked about the volume. Never an empty one: that would be answered with the
+// current drive.
+std::wstring Volume::QueryPath() const {
+    if (!volume_id_.empty()) {
+        return volume_id_;
+    }
+    const std::wstring path = GetWin32APICompatibleName(device_name_);
+    return path.empty() ? path : path + L'\\';
+}
+
+void Volume::InitializeDriveType() {
+    const std::wstring path = QueryPath();
+    DWORD error = 0;
+    UINT type = DRIVE_UNKNOWN;
+    const bool known = !path.empty() && win::WinAPIWrapper::GetDriveTypeW(path, type, error);
+    drive_type_ = type;
+    Record(status_, kGettingDriveType, known, L"Failed to get drive type");
+}
+
+bool Volume::FindDeviceName() {
+    if (!device_name_.empty()) {
+        return true;
+    }
+    if (volume_id_.empty()) {
+        return false;
+    }
+    std::vector<std::wstring> targets;
+    DWORD error = 0;
+    const std::wstring dos_name = L"Volume{" + GetGuidFromVolumeGUID(volume_id_) + L"}";
+    if (!win::WinAPIWrapper::QueryDosDeviceW(dos_name, targets, error) || targets.empty()) {
+        return false;
+    }
+    device_name_ = targets.front();
+    return true;
+}
+
+void Volume::InitializeDeviceName() {
+    if (!FindDeviceName()) {
+        status_.SetError(kGettingDeviceName, L"Failed to get device name");
+        return;
+    }
+    Record(status_, kGettingDeviceName, ConvertToNormalizedDeviceId(device_name_),
+           L"Failed to standardize device name");
+}
+
+void Volume::InitializeMountPoints() {
+    DWORD error = 0;
+    const bool found = volume_guid_.empty() ? FindMountPointsByDevice()
+                                            : win::WinAPIWrapper::GetVolumePathNamesForVolumeNameW(
+                                                  volume_guid_, mount_points_, error);
+    Record(status_, kGettingMountPoints, found, L"Failed to get mount points");
+}
+
+// A volume that has no GUID is known to the drive letters alone.
+bool Volume::FindMountPointsByDevice() {
+    DWORD error = 0;
+    std::vector<std::wstring> names;
+    if (!win::WinAPIWrapper::QueryDosDeviceW(L"", names, error)) {
+        return false;
+    }
+    for (const std::wstring& name : names) {
+        if (!IsDriveName(name)) {
+            continue;
+        }
+        std::vector<std::wstring> targets;
+        if (!win::WinAPIWrapper::QueryDosDeviceW(name, targets, error)) {
+            return false;
+        }
+        if (!targets.empty() && boost::algorithm::iequals(targets.front(), device_name_)) {
+            mount_points_.push_back(name + L'\\');
+        }
+    }
+    return true;
+}
+
+void Volume::InitializeVolumeInformation() {
+    const std::wstring path = QueryPath();
+    DWORD error = 0;
+    Record(status_, kGettingVolumeInformation,
+           !path.empty() && win::WinAPIWrapper::GetVolumeInformationW(path, information_, error),
+           L"Failed to get volume information");
+}
+
+void Volume::InitializeFreeSpace() {
+    const std::wstring path = QueryPath();
+    DWORD error = 0;
+    Record(status_, kGettingVolumeFreeSpace,
+           !path.empty() && win::WinAPIWrapper::GetDiskFreeSpaceW(path, free_space_, error),
+           L"Failed to get disk free space");
+}
+
+void Volume::InitializeFreeSpaceEx() {
+    const std::wstring path = QueryPath();
+    DWORD error = 0;
+    Record(status_, kGettingVolumeFreeSpaceEx,
+           !path.empty() && win::WinAPIWrapper::GetDiskFreeSpaceExW(path, free_space_ex_, error),
+           L"Failed to get disk free space ex");
+}
+
+UniqueFile Volume::OpenVolume() {
+    const std::wstring path = GetWin32APICompatibleName(WithoutTrailingBackslashes(device_name_));
+    UniqueFile volume;
+    DWORD error = 0;
+    const bool opened =
+        !path.empty() &&
+        win::WinAPIWrapper::CreateFileW(
+            path, {.access = GENERIC_READ, .flags = FILE_FLAG_NO_BUFFERING | FILE_FLAG_BACKUP_SEMANTICS}, volume,
+            error);
+    Record(status_, kOpeningVolume, opened, L"Failed to open volume");
+    return volume;
+}
+
+void Volume::InitializeVolumePartitionSize(const UniqueFile& volume) {
+    std::int64_t length = 0;
+    DWORD error = 0;
+    const bool known = win::WinAPIWrapper::GetDiskLengthInformation(volume, device_name_, length, error);
+    volume_partition_size_ = static_cast<std::uint64_t>(length);
+    Record(status_, kGettingVolumePartitionSize, known, L"Failed to get volume partition size");
+}
+
+void Volume::InitializeDiskExtents(const UniqueFile& volume) {
+    win::ByteBuffer buffer;
+    DWORD error = 0;
+    const bool known = win::WinAPIWrapper::GetVolumeDiskExtents(volume, device_name_, buffer, error);
+    if (known) {
+        const auto& list = *reinterpret_cast<const VOLUME_DISK_EXTENTS*>(buffer.data());
+        const DISK_EXTENT* const first = list.Extents;
+        std::transform(first, first + list.NumberOfDiskExtents, std::back_inserter(extents_),
+                       [](const DISK_EXTENT& extent) {
+                           return VolumeExtent{extent.DiskNumber, extent.StartingOffset.QuadPart,
+                                               extent.ExtentLength.QuadPart};
+                       });
+    }
+    Record(status_, kGettingDiskExtents, known, L"Failed to GetVolumeDiskExtents");
+}
+
+}  // namespace bmr_common

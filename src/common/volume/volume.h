@@ -1,0 +1,139 @@
+#pragma once
+
+#include "common/disk/device_manager.h"
+#include "common/disk/operation_status.h"
+#include "common/platform/win_api_wrapper.h"
+#include "common/xml/ms_xml.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace bmr_common {
+
+extern const std::wstring kGettingDriveType;
+extern const std::wstring kGettingDeviceName;
+extern const std::wstring kGettingVolumeInformation;
+extern const std::wstring kGettingMountPoints;
+extern const std::wstring kOpeningVolume;
+extern const std::wstring kGettingDiskExtents;
+extern const std::wstring kGettingVolumePartitionSize;
+extern const std::wstring kGettingVolumeFreeSpace;
+extern const std::wstring kGettingVolumeFreeSpaceEx;
+
+// Bytes of one disk that a volume occupies.
+struct VolumeExtent {
+    std::uint32_t disk_number = 0;
+    std::int64_t starting_offset = 0;  // bytes
+    std::int64_t length = 0;           // bytes
+};
+
+// One volume of the running system. Filled once, by Initialize, through a series of named queries whose failures
+// are recorded and abort nothing. Sizes are in bytes.
+class Volume {
+public:
+    // `volume_id` is the volume GUID path as the system lists it, empty for a device volume that has none;
+    // `device_name` the NT device name where it is known already.
+    explicit Volume(std::wstring volume_id, std::wstring device_name = {});
+    virtual ~Volume() = default;
+    Volume(const Volume&) = delete;
+    Volume& operator=(const Volume&) = delete;
+
+    // Asks the system everything. The device names tell which volume the system and the boot volume are (empty:
+    // unknown). True when no query failed.
+    virtual bool Initialize(const std::wstring& system_volume_device, const std::wstring& boot_volume_device,
+                            const DeviceManager& disks);
+
+    // Judges whether the volume can be backed up; the answer and the reasons are kept.
+    virtual bool can_backup(const DeviceManager& disks);
+    virtual bool is_dynamic(const DeviceManager& disks);
+    virtual bool is_on_active_partition(const DeviceManager& disks);
+
+    virtual bool IsFailed(const std::wstring& operation) const { return status_.IsFailed(operation); }
+    virtual bool IsSucceeded(const std::wstring& operation) const { return status_.IsSucceeded(operation); }
+    virtual std::uint64_t ErrorCount() const { return status_.ErrorCount(); }
+
+    virtual void DumpInfo() const;
+    // Appends the volume's elements to `parent`; throws _com_error.
+    virtual void CaptureInfo(CMSXmlNode& parent) const;
+
+    const std::wstring& volume_id() const { return volume_id_; }
+    const std::wstring& volume_guid() const { return volume_guid_; }
+    const std::wstring& device_name() const { return device_name_; }
+    std::uint32_t drive_type() const { return drive_type_; }
+    const std::vector<std::wstring>& mount_points() const { return mount_points_; }
+    const win::VolumeInformation& information() const { return information_; }
+    std::uint64_t volume_partition_size() const { return volume_partition_size_; }
+    const win::DiskFreeSpace& free_space() const { return free_space_; }
+    const win::DiskFreeSpaceEx& free_space_ex() const { return free_space_ex_; }
+    std::uint32_t volume_block_size() const;
+    const std::vector<VolumeExtent>& extents() const { return extents_; }
+    bool is_system_volume() const { return is_system_volume_; }
+    bool is_boot_volume() const { return is_boot_volume_; }
+    bool is_on_active_partition() const { return is_on_active_partition_; }
+    bool is_dynamic() const { return is_dynamic_; }
+    bool can_backup() const { return can_backup_; }
+    const std::vector<std::wstring>& backup_failure_reasons() const { return reasons_; }
+
+    // The space that the backup product's own data take here, where the owner knows it.
+    const std::optional<std::uint64_t>& vorn_used_spaces() const { return vorn_used_spaces_; }
+    void set_vorn_used_spaces(std::uint64_t bytes) { vorn_used_spaces_ = bytes; }
+
+    // Name conversions. A conversion in place leaves its argument as it was when it returns false.
+
+    // "\Device\Name" to the form that files are opened by; empty, after a line, for any other form.
+    static std::wstring GetWin32APICompatibleName(const std::wstring& device_name);
+    // Drops what stands before "\Device\" and the trailing backslashes.
+    static bool ConvertToNormalizedDeviceId(std::wstring& device_name);
+    // The same on a copy; a failure is a failed assertion, the name is then returned as it is.
+    static std::wstring GetNormalizedDeviceId(const std::wstring& device_name);
+    // The bare GUID text of a volume GUID path with or without its trailing backslash; another text is itself.
+    static std::wstring GetGuidFromVolumeGUID(const std::wstring& volume_guid);
+    // Any of these forms to "\\?\Volume{GUID}\".
+    static bool ConvertToNormalizedVolumeGUID(std::wstring& volume_guid);
+    // The same on a copy; a failure is a failed assertion, the text is then returned as it is.
+    static std::wstring GetNormalizedVolumeGUID(const std::wstring& volume_guid);
+
+protected:
+    virtual void InitializeDriveType();
+    virtual void InitializeDeviceName();
+    virtual void InitializeMountPoints();
+    virtual void InitializeVolumeInformation();
+    virtual void InitializeFreeSpace();
+    virtual void InitializeFreeSpaceEx();
+    virtual UniqueFile OpenVolume();
+    virtual void InitializeVolumePartitionSize(const UniqueFile& volume);
+    virtual void InitializeDiskExtents(const UniqueFile& volume);
+
+private:
+    std::wstring QueryPath() const;
+    bool FindDeviceName();
+    bool FindMountPointsByDevice();
+    void QueryOpenVolume();
+    bool IsDevice(const std::wstring& device_name) const;
+    bool MissesQuery() const;
+
+    OperationStatus status_;
+    std::wstring volume_id_;
+    std::wstring volume_guid_;
+    std::wstring device_name_;
+    std::uint32_t drive_type_ = DRIVE_UNKNOWN;
+    std::vector<std::wstring> mount_points_;
+    win::VolumeInformation information_;
+    std::uint64_t volume_partition_size_ = 0;
+    win::DiskFreeSpace free_space_;
+    win::DiskFreeSpaceEx free_space_ex_;
+    std::optional<std::uint64_t> vorn_used_spaces_;
+    std::vector<VolumeExtent> extents_;
+    bool is_system_volume_ = false;
+    bool is_boot_volume_ = false;
+    bool is_on_active_partition_ = false;
+    bool is_dynamic_ = false;
+    bool can_backup_ = false;
+    std::vector<std::wstring> reasons_;
+};
+
+}  // namespace bmr_common

@@ -1,0 +1,152 @@
+// How the volume manager finds the volumes: two independent sources, of which both must know a volume's GUID, so
+// that stale symbolic links make no phantom volumes.
+
+#include "common/logger/trace.h"
+#include "common/volume/volume_manager.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <cwctype>
+#include <unordered_set>
+
+namespace bmr_common {
+
+namespace {
+
+// A listing that never ends is given up here; no directory of a real machine has so many entries.
+constexpr std::size_t kMostEntries = 200'000;
+
+std::wstring CaseFolded(std::wstring text) {
+    for (wchar_t& character : text) {
+        character = static_cast<wchar_t>(std::towlower(character));
+    }
+    return text;
+}
+
+std::wstring WithCode(const wchar_t* text, DWORD error) {
+    return text + std::to_wstring(error);
+}
+
+}  // namespace
+
+bool VolumeManager::GetObjectNamesPairList(const UniqueDirectory& directory, const std::wstring& filter,
+                                           std::vector<win::DirectoryEntry>& entries, std::wstring& error) {
+    return Traced(L"bmr_common::VolumeManager::GetObjectNamesPairList", [&] {
+        win::ByteBuffer buffer;
+        ULONG context = 0;
+        DWORD code = ERROR_SUCCESS;
+        for (std::size_t i = 0; i < kMostEntries; ++i) {
+            win::DirectoryEntry entry;
+            if (!win::NtAPIWrapper::QueryDirectoryObject(directory, i == 0, context, buffer, entry, code)) {
+                break;
+            }
+            if (boost::algorithm::istarts_with(entry.name, filter)) {
+                entries.push_back(std::move(entry));
+            }
+        }
+        if (code != ERROR_NO_MORE_FILES) {
+            error = WithCode(L" QueryDirectoryObject failed error=", code);
+        }
+        return code == ERROR_NO_MORE_FILES;
+    });
+}
+
+bool VolumeManager::GetDeviceNamesList(const std::wstring& directory_path, const std::wstring& prefix,
+                                       std::vector<std::wstring>& names, std::wstring& error) {
+    constexpr const wchar_t* kFunction = L"bmr_common::VolumeManager::GetDeviceNamesList";
+    return Traced(kFunction, [&] {
+        UniqueDirectory directory;
+        DWORD code = 0;
+        if (!win::NtAPIWrapper::OpenDirectoryObject(directory_path, directory, code)) {
+            error = directory_path + L" OpenDirectoryObject" + L" failed";
+            return false;
+        }
+        std::vector<win::DirectoryEntry> entries;
+        const bool listed = GetObjectNamesPairList(directory, prefix, entries, error);
+        if (!win::NtAPIWrapper::CloseObject(directory, code)) {
+            GetLogger().Write(kLogTrace, L"%s - ZwClose %s failed", kFunction, directory_path.c_str());
+        }
+        if (!listed) {
+            error = directory_path + error;
+            return false;
+        }
+        for (win::DirectoryEntry& entry : entries) {
+            names.push_back(std::move(entry.name));
+        }
+        return true;
+    });
+}
+
+bool VolumeManager::GetVolumeGUIDsFromFindFirstVolume(std::vector<std::wstring>& volumes, std::wstring& error) {
+    return Traced(L"bmr_common::VolumeManager::GetVolumeGUIDsFromFindFirstVolume", [&] {
+        std::wstring volume;
+        UniqueVolumeSearch search;
+        DWORD code = 0;
+        if (!win::WinAPIWrapper::FindFirstVolumeW(volume, search, code)) {
+            error = WithCode(L" failed to FindFirstVolume error=", code);
+            return false;
+        }
+        do {
+            volumes.push_back(volume);
+        } while (volumes.size() < kMostEntries && win::WinAPIWrapper::FindNextVolumeW(search, volume, code));
+        if (code != ERROR_NO_MORE_FILES) {
+            error = WithCode(L" failed to FindNextVolume error=", code);
+            return false;
+        }
+        return true;
+    });
+}
+
+bool VolumeManager::GetDeviceNamesMap(DeviceNamesMap& map, std::wstring& error) {
+    constexpr const wchar_t* kFunction = L"bmr_common::VolumeManager::GetDeviceNamesMap";
+    return Traced(kFunction, [&] {
+        std::vector<std::wstring> device_volumes;
+        std::vector<std::wstring> links;
+        if (!GetDeviceNamesList(L"\\Device", L"HarddiskVolume", device_volumes, error) ||
+            !GetDeviceNamesList(L"\\GLOBAL??", L"Volume{", links, error)) {
+            return false;
+        }
+        if (links.empty()) {
+            GetLogger().Write(kLogError, L"%s - volume list is empty", kFunction);
+            return true;
+        }
+        if (!AddLinkedVolumes(links, map, error)) {
+            return false;
+        }
+        for (const std::wstring& name : device_volumes) {
+            map.try_emplace(L"\\Device\\" + name);
+        }
+        return true;
+    });
+}
+
+bool VolumeManager::AddLinkedVolumes(const std::vector<std::wstring>& links, DeviceNamesMap& map,
+                                     std::wstring& error) {
+    std::vector<std::wstring> enumerated;
+    if (!GetVolumeGUIDsFromFindFirstVolume(enumerated, error)) {
+        return false;
+    }
+    std::unordered_set<std::wstring> known;
+    for (std::wstring& volume : enumerated) {
+        known.insert(CaseFolded(std::move(volume)));
+    }
+    for (const std::wstring& link : links) {
+        std::vector<std::wstring> targets;
+        DWORD code = 0;
+        // A link whose target cannot be asked is dropped; the wrapper has logged why.
+        if (!win::WinAPIWrapper::QueryDosDeviceW(link, targets, code) || targets.empty()) {
+            continue;
+        }
+        const std::wstring guid_path = L"\\\\?\\" + link + L"\\";
+        if (!known.contains(CaseFolded(guid_path))) {
+            continue;
+        }
+        if (!map.try_emplace(targets.front(), guid_path).second) {
+            GetLogger().Write(kLogTrace, L"%s - skip saving alias volume GUID %s",
+                              L"bmr_common::VolumeManager::GetDeviceNamesMap", guid_path.c_str());
+        }
+    }
+    return true;
+}
+
+}  // namespace bmr_common

@@ -1,0 +1,105 @@
+#include "common/volume/volume_manager.h"
+
+#include "common/logger/trace.h"
+#include "common/xml/xml_values.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
+
+namespace bmr_common {
+
+const std::wstring kFindVolume = L"Find Volume";
+
+VolumeManager::VolumeManager() : status_{kFindVolume} {}
+
+bool VolumeManager::InitializeWithCurrentVolumes(const DeviceManager& disks,
+                                                 const std::wstring& system_volume_device,
+                                                 const std::wstring& boot_volume_device) {
+    constexpr const wchar_t* kFunction = L"bmr_common::VolumeManager::InitializeWithCurrentVolumes";
+    return Traced(kFunction, [&] {
+        try {
+            DeviceNamesMap map;
+            std::wstring error;
+            if (!GetDeviceNamesMap(map, error)) {
+                GetLogger().Write(kLogError, L"%s%s", kFunction, error.c_str());
+                status_.SetError(kFindVolume, error);
+                return false;
+            }
+            CreateVolumes(map, disks, system_volume_device, boot_volume_device);
+            status_.SetSuccess(kFindVolume);
+            return true;
+        } catch (...) {
+            GetLogger().Write(kLogError, L"Exception in %s", kFunction);
+            volumes_.clear();
+            return false;
+        }
+    });
+}
+
+void VolumeManager::CreateVolumes(const DeviceNamesMap& map, const DeviceManager& disks,
+                                  const std::wstring& system_volume_device, const std::wstring& boot_volume_device) {
+    for (const auto& [device, guid] : map) {
+        GetLogger().Write(kLogTrace, L"DeviceName[%s] VolumeGUID[%s]", device.c_str(), guid.c_str());
+    }
+    for (const auto& [device, guid] : map) {
+        const auto volume = boost::make_shared<Volume>(guid, device);
+        volume->Initialize(system_volume_device, boot_volume_device, disks);
+        volumes_.push_back(volume);
+    }
+}
+
+VolumePtr VolumeManager::GetVolume(const std::wstring& guid_or_device) const {
+    std::wstring name = guid_or_device;
+    if (!Volume::ConvertToNormalizedDeviceId(name)) {
+        Volume::ConvertToNormalizedVolumeGUID(name);
+    }
+    const auto found = std::find_if(volumes_.begin(), volumes_.end(), [&](const VolumePtr& volume) {
+        return boost::algorithm::iequals(volume->volume_guid(), name) ||
+               boost::algorithm::iequals(volume->device_name(), name);
+    });
+    if (found == volumes_.end() || name.empty()) {
+        GetLogger().Write(kLogTrace, L"VolumeManager::GetVolume: bad GUID %s, no match", guid_or_device.c_str());
+        return {};
+    }
+    return *found;
+}
+
+VolumePtr VolumeManager::GetVolume(std::uint32_t disk_number, std::int64_t offset) const {
+    for (const VolumePtr& volume : volumes_) {
+        for (const VolumeExtent& extent : volume->extents()) {
+            if (extent.disk_number == disk_number && extent.starting_offset == offset) {
+                return volume;
+            }
+        }
+    }
+    GetLogger().Write(kLogTrace, L"%s no volume with extent on disk %u offset %I64i",
+                      L"bmr_common::VolumeManager::GetVolume", disk_number, offset);
+    return {};
+}
+
+void VolumeManager::DumpInfo() const {
+    Traced(L"bmr_common::VolumeManager::DumpInfo", [&] {
+        GetLogger().Write(kLogInformation, L"[Volume Information]");
+        GetLogger().Write(kLogInformation, L"Number of volumes: %I64u", std::uint64_t{volumes_.size()});
+        unsigned number = 0;
+        for (const VolumePtr& volume : volumes_) {
+            GetLogger().Write(kLogInformation, L"Volume #%u", ++number);
+            volume->DumpInfo();
+        }
+    });
+}
+
+void VolumeManager::CaptureInfo(CMSXmlNode& parent) const {
+    Traced(L"bmr_common::VolumeManager::CaptureInfo", [&] {
+        CMSXmlNode volume_info = parent.AddChild("VolumeInfo");
+        AddNumberElement(volume_info, "NumberOfVolumes", volumes_.size());
+        for (const VolumePtr& volume : volumes_) {
+            CMSXmlNode node = volume_info.AddChild("Volume");
+            volume->CaptureInfo(node);
+        }
+    });
+}
+
+}  // namespace bmr_common

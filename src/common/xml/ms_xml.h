@@ -1,0 +1,56 @@
+#pragma once
+
+#include "common/platform/com_pointer.h"
+
+#include <msxml.h>
+
+#include <string>
+
+// The platform's DOM, as far as documents are built with it. To be used on one thread, with COM initialised there.
+// A failed interface call throws _com_error with the interface's error information; the empty node throws E_POINTER.
+
+using XmlDocumentPtr = ComPointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
+using XmlElementPtr = ComPointer<IXMLDOMElement, &IID_IXMLDOMElement>;
+using XmlNodePtr = ComPointer<IXMLDOMNode, &IID_IXMLDOMNode>;
+using XmlNodeListPtr = ComPointer<IXMLDOMNodeList, &IID_IXMLDOMNodeList>;
+
+// One node of a document; shares its ownership with the document.
+class CMSXmlNode {
+public:
+    CMSXmlNode() = default;  // the empty node
+    explicit CMSXmlNode(XmlNodePtr node);
+    virtual ~CMSXmlNode() = default;
+    CMSXmlNode(const CMSXmlNode&) = default;
+    CMSXmlNode& operator=(const CMSXmlNode&) = default;
+
+    // Whether there is a node at all.
+    explicit operator bool() const { return node_ != nullptr; }
+
+    // Appends a new element as the last child and returns it; the empty node where there is no owner document.
+    CMSXmlNode AddChild(const char* name);
+    void SetText(const std::wstring& text);
+    // This node and everything below it as text, without an XML declaration.
+    std::wstring GetXML() const;
+
+private:
+    IXMLDOMNode& Node() const;
+
+    XmlNodePtr node_;
+};
+
+// A document. A failed creation leaves it without one, which LoadXML tells.
+class CMSXmlDoc {
+public:
+    CMSXmlDoc();
+    virtual ~CMSXmlDoc() = default;
+    CMSXmlDoc(const CMSXmlDoc&) = delete;
+    CMSXmlDoc& operator=(const CMSXmlDoc&) = delete;
+
+    // Replaces the content by `text`, XML in the ANSI code page. False when it cannot be loaded.
+    bool LoadXML(const char* text);
+    // The document element; the empty node when there is none.
+    CMSXmlNode GetRoot() const;
+
+private:
+    XmlDocumentPtr document_;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "common/xml/ms_xml.h"
+
+#include <concepts>
+#include <string>
+
+// Appends a child element that holds a text and nothing else.
+inline void AddTextElement(CMSXmlNode& parent, const char* name, const std::wstring& text) {
+    parent.AddChild(name).SetText(text);
+}
+
+// Appends a child element that holds a number in plain decimal.
+template <std::integral Number>
+    requires(!std::same_as<Number, bool>)
+void AddNumberElement(CMSXmlNode& parent, const char* name, Number value) {
+    AddTextElement(parent, name, std::to_wstring(value));
+}
+
+// A truth value as the disk model writes it.
+inline const wchar_t* TrueOrFalse(bool value) {
+    return value ? L"True" : L"False";
+}
