@@ -10,7 +10,7 @@ orvane_room(NAME orvane_platform DIR src/common/platform
     USES orvane_logger
     LINKS ole32 oleaut32 uuid wbemuuid advapi32)
 orvane_room(NAME orvane_xml DIR src/common/xml
-    USES orvane_platform orvane_logger)
+    USES orvane_platform)
 orvane_room(NAME orvane_enumdisk DIR src/common/enumdisk
     USES orvane_platform orvane_logger)
 orvane_room(NAME orvane_disk DIR src/common/disk
@@ -20,13 +20,12 @@ orvane_room(NAME orvane_volume DIR src/common/volume
 orvane_room(NAME orvane_environment DIR src/capture/environment
     USES orvane_volume orvane_disk orvane_enumdisk orvane_platform orvane_logger)
 orvane_room(NAME orvane_document DIR src/capture/document
-    USES orvane_environment orvane_volume orvane_disk orvane_enumdisk orvane_xml orvane_platform)
+    USES orvane_environment orvane_xml orvane_platform)
 orvane_room(NAME orvane_grabber DIR src/capture/grabber
     USES orvane_document orvane_environment orvane_volume orvane_disk orvane_enumdisk orvane_xml orvane_platform
          orvane_logger)
 orvane_room(NAME orvane_exports DIR src/capture/exports
-    USES orvane_grabber orvane_document orvane_environment orvane_volume orvane_disk orvane_enumdisk orvane_xml
-         orvane_platform orvane_logger)
+    USES orvane_grabber orvane_platform orvane_logger)
 
 # Beside the library: the described machine and the host. Neither sees any room of src/.
 orvane_room(NAME orvane_machine DIR machine ROOT .

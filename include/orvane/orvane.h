@@ -5,13 +5,14 @@
  * Orvane describes the machine that it runs on to a backup agent.
  *
  * Rules for every function:
- * 1. Call from one thread at a time. The library has no threads of its own and calls back on the calling thread,
- *    before the function returns.
- * 2. Settings belong to the process and persist from call to call. Everything else is collected anew by each call.
+ * 1. Call from one thread at a time. The library has no threads of its own and calls back on the calling
+ * thread, before the function returns.
+ * 2. Settings belong to the process and persist from call to call. Everything else is collected anew by each
+ * call.
  * 3. Memory that you pass stays yours and is not kept after the call; the callback pointer alone is kept.
  * 4. No exception leaves a function. Failures are told by the status and by lines in the log.
- * 5. Wide texts are UTF-16. The document and the callback's text are 8-bit: the document in the system's ANSI code
- *    page, the callback's text in the C runtime's current locale.
+ * 5. Wide texts are UTF-16. The document and the callback's text are 8-bit: the document in the system's ANSI
+ * code page, the callback's text in the C runtime's current locale.
  */
 
 #include <stdint.h>
@@ -32,31 +33,35 @@ extern "C" {
 #define ORVANE_LEVEL_WARNING 2
 #define ORVANE_LEVEL_ERROR 3
 
-/* Receives one message of the log: its level and its text, terminated, at most 254 characters, valid during the call
- * only. Must not throw and must not call the library. */
+/* Receives one message of the log: its level and its text, terminated, at most 254 characters, valid during
+ * the call only. Must not throw and must not call the library. */
 typedef void (*OrvaneEventCallback)(int32_t level, const char* text);
 
 /* The version of this interface, always 4. */
 uint32_t GetOrvaneVersion(void);
 
-/* Installs the log callback, replacing any earlier one. NULL restores the default: levels from warnings up go to the
- * debugger output. */
+/* Installs the log callback, replacing any earlier one. NULL restores the default: levels from warnings up go
+ * to the debugger output. */
 void SetEventFunc(OrvaneEventCallback callback);
 
-/* Chooses the format of the document; 2 at first. Any value is taken. Only format 3 is available in this version of
- * the library: a capture in any other fails. */
+/* Chooses the format of the document; 2 at first. Any value is taken. Only format 3 is available in this
+ * version of the library: a capture in any other fails. */
 void SetXmlFormat(uint32_t format);
 
-/* Replaces the list of volumes that are to be backed up and returns how many it now holds. `volume_guid_list` is a
- * multi-string: volume GUID paths ("\\?\Volume{...}\"), each ended by a zero character, the list by an empty entry.
- * `count` is the number of characters that may be read; an entry that does not end within them is left out. NULL or
- * an empty list clears the list. Entries are taken as they are; the capture judges them. */
+/* Replaces the list of volumes that are to be backed up and returns how many it now holds. `volume_guid_list`
+ * is a multi-string: volume GUID paths ("\\?\Volume{...}\"), each ended by a zero character, the list by an
+ * empty entry. `count` is the number of characters that may be read; an entry that does not end within them
+ * is left out. NULL or an empty list clears the list. Entries are taken as they are; the capture judges them.
+ */
 int64_t SetupSelectedVolumesList(const wchar_t* volume_guid_list, uint64_t count);
 
 /* Describes the machine as an XML document, after judging whether every selected volume can be backed up.
- * `buffer` receives the document without a terminator when `buffer_size` bytes are enough. `required_size` (may be
- * NULL) receives its length in bytes with ORVANE_SUCCESS and ORVANE_BUFFER_TOO_SMALL, and is left alone otherwise.
- * To learn the size, call with a size of 0. Format 3 needs COM initialised on the calling thread. */
+ * `buffer` receives the document without a terminator when `buffer_size` bytes are enough. `required_size`
+ * (may be NULL) receives its length in bytes with ORVANE_SUCCESS and ORVANE_BUFFER_TOO_SMALL, and is left
+ * alone otherwise. To learn the size, call with a size of 0.
+ * Format 3 needs COM initialised on the calling thread as a single-threaded apartment
+ * (COINIT_APARTMENTTHREADED). On a thread of the multithreaded apartment each capture takes back
+ * initialisations that are not its own. */
 uint32_t CaptureSystemRestorePointInfo(char* buffer, uint32_t buffer_size, uint32_t* required_size);
 
 #ifdef __cplusplus

@@ -1,7 +1,7 @@
 #pragma once
 
-// The one door to the platform's headers: every file includes this instead of <windows.h>, so that the version
-// and the trimming macros are the same everywhere.
+// The one door to the platform's headers: every file includes this instead of <windows.h>, so that the
+// version and the trimming macros are the same everywhere.
 
 #ifndef _WIN32_WINNT
 #define _WIN32_WINNT 0x0602  // GetFirmwareType is declared from this version on; it is bound at run time

@@ -14,14 +14,14 @@ struct Signed {
     Number Record::*member;
 };
 
-// A record's elements as a table: each row names an element and the member that fills it, in the order in which
-// they are written.
+// A record's elements as a table: each row names an element and the member that fills it, in the order in
+// which they are written.
 
 template <class Record>
-using FieldMember = std::variant<std::int32_t Record::*, std::uint32_t Record::*, std::int64_t Record::*,
-                                 std::uint64_t Record::*, std::uint8_t Record::*, bool Record::*, GUID Record::*,
-                                 std::wstring Record::*, Signed<Record, std::uint32_t>,
-                                 Signed<Record, std::uint64_t>>;
+using FieldMember =
+    std::variant<std::int32_t Record::*, std::uint32_t Record::*, std::int64_t Record::*,
+                 std::uint64_t Record::*, std::uint8_t Record::*, bool Record::*, GUID Record::*,
+                 std::wstring Record::*, Signed<Record, std::uint32_t>, Signed<Record, std::uint64_t>>;
 
 template <class Record>
 struct Field {
@@ -29,7 +29,8 @@ struct Field {
     FieldMember<Record> member;
 };
 
-// The texts of the values: numbers in plain decimal, "1" or "0", a GUID in registry form, a text as it stands.
+// The texts of the values: numbers in plain decimal, "1" or "0", a GUID in registry form, a text as it
+// stands.
 std::wstring ValueText(std::int32_t value);
 std::wstring ValueText(std::uint32_t value);
 std::wstring ValueText(std::int64_t value);

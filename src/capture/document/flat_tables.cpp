@@ -79,11 +79,11 @@ constexpr Field<BootConfig> kBootConfig[] = {
     {"product_type", &BootConfig::product_type},
 };
 
-// Appends an element for every record, named by `prefix` and its position from 0; `write_more` goes on where the
-// table ends.
+// Appends an element for every record, named by `prefix` and its position from 0; `write_more` goes on where
+// the table ends.
 template <class Record, class Fields, class WriteMore>
-void WriteRows(CMSXmlNode& parent, const char* prefix, const std::vector<Record>& records, const Fields& fields,
-               WriteMore&& write_more) {
+void WriteRows(CMSXmlNode& parent, const char* prefix, const std::vector<Record>& records,
+               const Fields& fields, WriteMore&& write_more) {
     std::size_t position = 0;
     for (const Record& record : records) {
         CMSXmlNode row = parent.AddChild((prefix + std::to_string(position++)).c_str());
@@ -93,7 +93,8 @@ void WriteRows(CMSXmlNode& parent, const char* prefix, const std::vector<Record>
 }
 
 template <class Record, class Fields>
-void WriteRows(CMSXmlNode& parent, const char* prefix, const std::vector<Record>& records, const Fields& fields) {
+void WriteRows(CMSXmlNode& parent, const char* prefix, const std::vector<Record>& records,
+               const Fields& fields) {
     WriteRows(parent, prefix, records, fields, [](CMSXmlNode&, const Record&) {});
 }
 

@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-// The environment record: one description of the machine in memory. The members carry the names of the document's
-// elements. What a collector could not fill keeps its initial value. Filled once, by one thread, then written.
+// The environment record: one description of the machine in memory. The members carry the names of the
+// document's elements. What a collector could not fill keeps its initial value. Filled once, by one thread,
+// then written.
 
 // The product's version as the record and the dumps give it.
 inline constexpr wchar_t kDllVersion[] = L"9.50.6732";

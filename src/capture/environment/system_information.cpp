@@ -9,17 +9,17 @@
 
 namespace {
 
-// Where a property goes, and by that how it is read: a text, a number by the collectors' own rule, a number by
-// CWmi's, a list of texts, or a constant that nothing is read for.
+// Where a property goes, and by that how it is read: a text, a number by the collectors' own rule, a number
+// by CWmi's, a list of texts, or a constant that nothing is read for.
 template <class Section>
 using Target = std::variant<std::wstring Section::*, std::int32_t Section::*, std::uint32_t Section::*,
                             std::vector<std::wstring> Section::*>;
 
 enum class Rule {
     kOptional,
-    kMandatory,   // the collector fails when the property cannot be read
-    kWholeNumber, // by CWmi's integer operation
-    kConstant64,  // not read at all: only 64-bit systems run this library
+    kMandatory,    // the collector fails when the property cannot be read
+    kWholeNumber,  // by CWmi's integer operation
+    kConstant64,   // not read at all: only 64-bit systems run this library
 };
 
 template <class Section>
@@ -146,8 +146,9 @@ bool ReadValue(CWmi& wmi, const wchar_t* name, Rule rule, std::uint32_t& value) 
 
 template <class Section>
 bool ReadProperty(CWmi& wmi, const Property<Section>& property, Section& section) {
-    const bool read = std::visit(
-        [&](auto member) { return ReadValue(wmi, property.name, property.rule, section.*member); }, property.target);
+    const bool read =
+        std::visit([&](auto member) { return ReadValue(wmi, property.name, property.rule, section.*member); },
+                   property.target);
     if (!read && property.rule == Rule::kMandatory) {
         GetLogger().Write(kLogError, property.failure);
         return false;
@@ -176,6 +177,14 @@ int Collect(const Collector<Section, kCount>& collector, Section& section) {
     return 1;
 }
 
+bool InitializeCom(bmr_common::COMEnabler& com) {
+    if (!com.InitializeCOM(L"GetWMIInfo")) {
+        GetLogger().Write(kLogError, L"GetWMIInfo: Cannot initialize COM");
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 int GetProcessorInfo(ProcessorInfo& processor) {
@@ -194,15 +203,27 @@ int GetBootConfiguration(BootConfigurationInfo& boot_configuration) {
     return Collect(kBootConfiguration, boot_configuration);
 }
 
-bool GetWMIInfo(SystemSections& sections) {
+bool CollectSystemSections(SystemSections& sections, SectionsRead& read) {
     bmr_common::COMEnabler com;
-    if (!com.InitializeCOM(L"GetWMIInfo")) {
-        GetLogger().Write(kLogError, L"GetWMIInfo: Cannot initialize COM");
+    if (!InitializeCom(com)) {
         return false;
     }
-    const bool processor = GetProcessorInfo(sections.Processor) != 0;
-    const bool os = GetOSInfo(sections.OS) != 0;
-    const bool computer_system = GetComputerSystem(sections.ComputerSystem) != 0;
-    const bool boot_configuration = GetBootConfiguration(sections.BootConfiguration) != 0;
-    return processor && os && computer_system && boot_configuration;
+    read.processor = GetProcessorInfo(sections.Processor) != 0;
+    read.boot_configuration = GetBootConfiguration(sections.BootConfiguration) != 0;
+    read.computer_system = GetComputerSystem(sections.ComputerSystem) != 0;
+    read.os = GetOSInfo(sections.OS) != 0;
+    return true;
+}
+
+bool GetWMIInfo(SystemSections& sections) {
+    SectionsRead read;
+    bmr_common::COMEnabler com;
+    if (!InitializeCom(com)) {
+        return false;
+    }
+    read.processor = GetProcessorInfo(sections.Processor) != 0;
+    read.os = GetOSInfo(sections.OS) != 0;
+    read.computer_system = GetComputerSystem(sections.ComputerSystem) != 0;
+    read.boot_configuration = GetBootConfiguration(sections.BootConfiguration) != 0;
+    return read.all();
 }

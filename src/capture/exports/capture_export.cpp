@@ -14,16 +14,17 @@ namespace {
 // Formats 1 and 3 have grabbers of their own; every other number means the default, format 2.
 std::uint32_t GrabberTypeOf(std::uint32_t format) {
     switch (format) {
-    case 1:
-        return orvane::kGrabberV1;
-    case 3:
-        return orvane::kGrabberV3;
-    default:
-        return orvane::kGrabberV2;
+        case 1:
+            return orvane::kGrabberV1;
+        case 3:
+            return orvane::kGrabberV3;
+        default:
+            return orvane::kGrabberV2;
     }
 }
 
-std::uint32_t Capture(char* buffer, std::uint32_t buffer_size, std::uint32_t* required_size, std::uint32_t& status) {
+std::uint32_t Capture(char* buffer, std::uint32_t buffer_size, std::uint32_t* required_size,
+                      std::uint32_t& status) {
     const orvane::InfoGrabberPtr grabber = orvane::CreateInfoGrabber(GrabberTypeOf(gSaveXmlFormat));
     if (!grabber) {
         throw OrvaneMainException(L"Failed to obtain information grabber");
@@ -46,17 +47,27 @@ std::uint32_t FailureStatus(std::uint32_t status) {
     return status != ORVANE_SUCCESS ? status : ORVANE_FAILED;
 }
 
+// The text may be what there is no memory for; the line is logged in any case.
+void LogComError(HRESULT result) noexcept {
+    constexpr const wchar_t* kLine = L"CaptureSystemRestorePointInfo COM Exception: %s";
+    try {
+        GetLogger().Write(kLogError, kLine, ComErrorText(result).c_str());
+    } catch (...) {
+        GetLogger().Write(kLogError, kLine, L"");
+    }
+}
+
 // The exception boundary.
 std::uint32_t CaptureSafely(char* buffer, std::uint32_t buffer_size, std::uint32_t* required_size) {
     std::uint32_t status = ORVANE_SUCCESS;
     try {
         return Capture(buffer, buffer_size, required_size, status);
     } catch (const _com_error& error) {
-        GetLogger().Write(kLogError, L"CaptureSystemRestorePointInfo COM Exception: %s",
-                          ComErrorText(error.Error()).c_str());
+        LogComError(error.Error());
         return ORVANE_FAILED;
     } catch (const OrvaneMainException& error) {
-        GetLogger().Write(kLogError, L"CaptureSystemRestorePointInfo Env Exception: %s", error.message().c_str());
+        GetLogger().Write(kLogError, L"CaptureSystemRestorePointInfo Env Exception: %s",
+                          error.message().c_str());
         return FailureStatus(status);
     } catch (...) {
         GetLogger().Write(kLogError, L"CaptureSystemRestorePointInfo Exception");
@@ -66,7 +77,8 @@ std::uint32_t CaptureSafely(char* buffer, std::uint32_t buffer_size, std::uint32
 
 }  // namespace
 
-std::uint32_t CaptureSystemRestorePointInfo(char* buffer, std::uint32_t buffer_size, std::uint32_t* required_size) {
+std::uint32_t CaptureSystemRestorePointInfo(char* buffer, std::uint32_t buffer_size,
+                                            std::uint32_t* required_size) {
     GetLogger().Write(kLogTrace, L"Entering CaptureSystemRestorePointInfo");
     GetLogger().Write(kLogTrace, L"CaptureSystemRestorePointInfo gSaveXmlFormat=%u", gSaveXmlFormat);
     const std::uint32_t status = CaptureSafely(buffer, buffer_size, required_size);

@@ -21,8 +21,8 @@ std::string DocumentText(const CMSXmlNode& root) {
     return ConvertWStrToStr(root.GetXML());
 }
 
-void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buffer, std::uint32_t* required_size,
-                  std::uint32_t* status) {
+void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buffer,
+                  std::uint32_t* required_size, std::uint32_t* status) {
     if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
         throw GrabberException(L"InfoGrabber::CaptureInfo: XML is invalid");
     }

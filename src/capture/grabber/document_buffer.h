@@ -13,8 +13,9 @@ CMSXmlNode LoadEmptyDocument(CMSXmlDoc& document);
 // The root element and everything in it as text in the ANSI code page.
 std::string DocumentText(const CMSXmlNode& root);
 
-// The size protocol of a capture: copies `text` where it fits, sets status and size. See InfoGrabber::CaptureInfo.
-void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buffer, std::uint32_t* required_size,
-                  std::uint32_t* status);
+// The size protocol of a capture: copies `text` where it fits, sets status and size. See
+// InfoGrabber::CaptureInfo.
+void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buffer,
+                  std::uint32_t* required_size, std::uint32_t* status);
 
 }  // namespace orvane

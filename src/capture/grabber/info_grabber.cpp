@@ -41,8 +41,8 @@ bool CheckDisk(const RequestedDisk& request, const bmr_common::DeviceManager& de
     const bmr_common::DiskDriveManagerPtr disk = device_manager.GetDevice(request.disk_number);
     if (!disk) {
         GetLogger().Write(kLogError, L"%s Can't find requested disk %u", kCanBackup, request.disk_number);
-        errors.push_back(L"Backup cannot proceed. Failed to find any information about requested disk " + number +
-                         L".");
+        errors.push_back(L"Backup cannot proceed. Failed to find any information about requested disk " +
+                         number + L".");
         return false;
     }
     Lines reasons;
@@ -78,18 +78,21 @@ bool InfoGrabber::CanBackup(const std::vector<std::wstring>& volumes, const std:
         Lines volume_errors;
         const bool volumes_ok =
             CanBackup(all_volumes ? IdentifiersOf(volume_manager) : volumes, volume_manager, volume_errors);
+        if (!volumes_ok) {
+            LogLines(volume_errors);
+        }
         Lines disk_errors;
         const bool disks_ok = CanBackup(disks, device_manager, disk_errors);
         // A disk's lines are logged only beside those of a volume.
         if (!volumes_ok) {
-            LogLines(volume_errors);
             LogLines(disk_errors);
         }
         return volumes_ok && disks_ok;
     });
 }
 
-bool InfoGrabber::CanBackup(const std::vector<RequestedDisk>& disks, const bmr_common::DeviceManager& device_manager,
+bool InfoGrabber::CanBackup(const std::vector<RequestedDisk>& disks,
+                            const bmr_common::DeviceManager& device_manager,
                             std::vector<std::wstring>& errors) {
     bool result = true;
     for (const RequestedDisk& request : disks) {
@@ -98,14 +101,16 @@ bool InfoGrabber::CanBackup(const std::vector<RequestedDisk>& disks, const bmr_c
     return result;
 }
 
-bool InfoGrabber::CanBackup(const std::vector<std::wstring>& volumes, const bmr_common::VolumeManager& volume_manager,
+bool InfoGrabber::CanBackup(const std::vector<std::wstring>& volumes,
+                            const bmr_common::VolumeManager& volume_manager,
                             std::vector<std::wstring>& errors) {
     errors.clear();
     bool result = true;
     for (const std::wstring& name : volumes) {
         const bmr_common::VolumePtr volume = volume_manager.GetVolume(name);
         if (!volume) {
-            errors.push_back(L"Backup cannot proceed. Failed to find any information about volume " + name + L".");
+            errors.push_back(L"Backup cannot proceed. Failed to find any information about volume " + name +
+                             L".");
             result = false;
         } else if (!volume->can_backup()) {
             errors.push_back(RefusalOf(name, *volume));

@@ -25,8 +25,8 @@ enum CaptureStatus : std::uint32_t {
     kCaptureBufferTooSmall = 2,
 };
 
-// For one call of an export: collects the machine's environment, judges whether what the host selected can be backed
-// up, and writes the environment document. Nothing is kept between calls. One thread.
+// For one call of an export: collects the machine's environment, judges whether what the host selected can be
+// backed up, and writes the environment document. Nothing is kept between calls. One thread.
 class InfoGrabber {
 public:
     InfoGrabber() = default;
@@ -37,16 +37,18 @@ public:
     // Collects the environment; false after a line in the log.
     virtual bool ObtainInformation() = 0;
 
-    // The common check: the volumes (all that the manager holds where `all_volumes` is true) and the disks. Logs the
-    // reasons at level 2, those of the disks only where a volume failed too.
+    // The common check: the volumes (all that the manager holds where `all_volumes` is true) and the disks.
+    // Logs the reasons at level 2, those of the disks only where a volume failed too.
     virtual bool CanBackup(const std::vector<std::wstring>& volumes, const std::vector<RequestedDisk>& disks,
                            const bmr_common::VolumeManager& volume_manager,
                            const bmr_common::DeviceManager& device_manager, bool all_volumes);
     // Its disk half; appends its report to `errors`.
-    virtual bool CanBackup(const std::vector<RequestedDisk>& disks, const bmr_common::DeviceManager& device_manager,
+    virtual bool CanBackup(const std::vector<RequestedDisk>& disks,
+                           const bmr_common::DeviceManager& device_manager,
                            std::vector<std::wstring>& errors);
     // Its volume half; replaces `errors` by its report.
-    virtual bool CanBackup(const std::vector<std::wstring>& volumes, const bmr_common::VolumeManager& volume_manager,
+    virtual bool CanBackup(const std::vector<std::wstring>& volumes,
+                           const bmr_common::VolumeManager& volume_manager,
                            std::vector<std::wstring>& errors);
     // The check of the environment that was obtained.
     virtual bool CanBackup(const std::vector<std::wstring>& volumes, const std::vector<RequestedDisk>& disks,
@@ -56,9 +58,10 @@ public:
     virtual boost::shared_ptr<EnvInfo> GetEnvInfo() = 0;
     virtual void DumpVolumeInfo() = 0;
 
-    // Writes the document as text in the ANSI code page into `buffer` (the caller's, `buffer_size` bytes) when it
-    // fits, with status kCaptureDone; else leaves it untouched, with kCaptureBufferTooSmall. Stores the document's
-    // length in bytes through `required_size` unless that is null. Throws GrabberException or _com_error.
+    // Writes the document as text in the ANSI code page into `buffer` (the caller's, `buffer_size` bytes)
+    // when it fits, with status kCaptureDone; else leaves it untouched, with kCaptureBufferTooSmall. Stores
+    // the document's length in bytes through `required_size` unless that is null. Throws GrabberException or
+    // _com_error.
     virtual void CaptureInfo(std::uint32_t buffer_size, char* buffer, std::uint32_t* required_size,
                              std::uint32_t* status);
 };

@@ -9,11 +9,11 @@ namespace orvane {
 
 InfoGrabberPtr CreateInfoGrabber(std::uint32_t type) {
     switch (type) {
-    case kGrabberV3:
-        return boost::make_shared<InfoGrabberV3>();
-    default:
-        GetLogger().Write(kLogError, L"Invalid type of information grabber");
-        return {};
+        case kGrabberV3:
+            return boost::make_shared<InfoGrabberV3>();
+        default:
+            GetLogger().Write(kLogError, L"Invalid type of information grabber");
+            return {};
     }
 }
 

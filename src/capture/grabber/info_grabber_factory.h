@@ -11,7 +11,8 @@ enum GrabberType : std::uint32_t {
     kGrabberV3 = 2,
 };
 
-// A new grabber of that type, which has collected nothing yet; empty, after a level 2 line, for any other type.
+// A new grabber of that type, which has collected nothing yet; empty, after a level 2 line, for any other
+// type.
 InfoGrabberPtr CreateInfoGrabber(std::uint32_t type);
 
 }  // namespace orvane

@@ -4,8 +4,8 @@
 #include "capture/environment/system_information.h"
 #include "capture/grabber/document_buffer.h"
 #include "capture/grabber/grabber_exception.h"
+#include "capture/grabber/named_volumes.h"
 #include "common/logger/trace.h"
-#include "common/platform/guid.h"
 
 #include <boost/make_shared.hpp>
 
@@ -21,7 +21,8 @@ constexpr std::uint32_t kRecordVersion = 7;
 
 InfoGrabberV3::InfoGrabberV3() : environment_(boost::make_shared<EnvInfoV3>()) {}
 
-InfoGrabberV3::InfoGrabberV3(boost::shared_ptr<EnvInfoV3> environment) : environment_(std::move(environment)) {}
+InfoGrabberV3::InfoGrabberV3(boost::shared_ptr<EnvInfoV3> environment)
+    : environment_(std::move(environment)) {}
 
 bool InfoGrabberV3::ObtainInformation() {
     return Traced(L"orvane::InfoGrabberV3::ObtainInformation", [&] { return Collect(); });
@@ -38,19 +39,14 @@ bool InfoGrabberV3::Collect() {
 
 // Nobody reads the identifiers here: the step proves that they can be made.
 bool InfoGrabberV3::SetVolumeInfoGUID() const {
-    std::vector<std::pair<bmr_common::VolumePtr, std::wstring>> named_volumes;
-    for (const bmr_common::VolumePtr& volume : environment_->volume_manager.volumes()) {
-        GUID guid{};
-        if (!CreateGuid(guid)) {
-            return false;
-        }
-        named_volumes.emplace_back(volume, GuidText(guid));
-    }
-    return true;
+    return Traced(L"orvane::InfoGrabberV3::SetVolumeInfoGUID", [&] {
+        std::vector<NamedVolume> volumes;
+        return NameVolumes(environment_->volume_manager, volumes);
+    });
 }
 
-bool InfoGrabberV3::CanBackup(const std::vector<std::wstring>& volumes, const std::vector<RequestedDisk>& disks,
-                              bool all_volumes) {
+bool InfoGrabberV3::CanBackup(const std::vector<std::wstring>& volumes,
+                              const std::vector<RequestedDisk>& disks, bool all_volumes) {
     return CanBackup(volumes, disks, environment_->volume_manager, environment_->device_manager, all_volumes);
 }
 
@@ -64,7 +60,7 @@ void InfoGrabberV3::DumpVolumeInfo() {
 
 void InfoGrabberV3::CaptureInfo(std::uint32_t buffer_size, char* buffer, std::uint32_t* required_size,
                                 std::uint32_t* status) {
-    Traced(L"orvane::InfoGrabberV3::CaptureInfo", [&] {
+    TracedToTheEnd(L"orvane::InfoGrabberV3::CaptureInfo", [&] {
         if (!environment_) {
             throw GrabberException(L"InfoGrabberV3::CaptureInfo: Cannot get BMREnvInfoV3");
         }

@@ -4,8 +4,8 @@
 
 namespace orvane {
 
-// Format 3: the disk model itself, in its own fragments. CaptureInfo relies on COM being initialised on the calling
-// thread.
+// Format 3: the disk model itself, in its own fragments. CaptureInfo relies on COM being initialised on the
+// calling thread.
 class InfoGrabberV3 : public InfoGrabber {
 public:
     InfoGrabberV3();

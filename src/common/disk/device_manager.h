@@ -6,7 +6,8 @@
 
 namespace bmr_common {
 
-// The machine's physical disks, ordered by the text of their index: disk 10 stands before disk 2 in every walk.
+// The machine's physical disks, ordered by the text of their index: disk 10 stands before disk 2 in every
+// walk.
 class DeviceManager {
 public:
     DeviceManager() = default;
@@ -21,7 +22,8 @@ public:
     virtual void DumpInfo() const;
     // Appends the element "DeviceInfo" to `parent`; throws _com_error.
     virtual void CaptureInfo(CMSXmlNode& parent) const;
-    // Fills in which disks there are, as the system's management information tells, without the disks themselves.
+    // Fills in which disks there are, as the system's management information tells, without the disks
+    // themselves.
     virtual bool ObtainPhysicalDrivesIndexes();
 
     // The disk of that index; empty, after a level 5 line, when there is none.

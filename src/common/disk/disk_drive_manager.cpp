@@ -3,6 +3,7 @@
 #include "common/disk/device_manager.h"
 #include "common/logger/trace.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 
@@ -37,12 +38,9 @@ bool DiskDriveManager::AssignUniqueId(const DeviceManager& device_manager) {
     std::vector<DiskDriveManagerPtr> disks;
     device_manager.GetDisks(GetPartitionStyle(), disks);
     const auto collides = [&] {
-        for (const DiskDriveManagerPtr& disk : disks) {
-            if (disk.get() != this && has_same_unique_id(*disk)) {
-                return true;
-            }
-        }
-        return false;
+        return std::any_of(disks.begin(), disks.end(), [&](const DiskDriveManagerPtr& disk) {
+            return disk.get() != this && has_same_unique_id(*disk);
+        });
     };
     for (int round = 0; round < kUniqueIdRounds; ++round) {
         SetUniqueIdToRandom();
@@ -73,11 +71,13 @@ bool DiskDriveManager::InitializeRAWDisk(std::uint32_t disk_index, CREATE_DISK& 
     DWORD error = 0;
     UniqueFile drive;
     if (!win::WinAPIWrapper::OpenPhysicalDrive(disk_index, GENERIC_READ | GENERIC_WRITE, &drive, error)) {
-        GetLogger().Write(kLogError, L"%s OpenPhysicalDrive disk %s error=%u", kFunction, index.c_str(), error);
+        GetLogger().Write(kLogError, L"%s OpenPhysicalDrive disk %s error=%u", kFunction, index.c_str(),
+                          error);
         return false;
     }
     if (!win::WinAPIWrapper::CreateDisk(drive, description, error)) {
-        GetLogger().Write(kLogError, L"%s IOCTL_DISK_CREATE_DISK disk %s error=%u", kFunction, index.c_str(), error);
+        GetLogger().Write(kLogError, L"%s IOCTL_DISK_CREATE_DISK disk %s error=%u", kFunction, index.c_str(),
+                          error);
         return false;
     }
     if (!win::WinAPIWrapper::UpdateDiskProperties(drive, error)) {

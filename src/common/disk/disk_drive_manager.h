@@ -22,8 +22,8 @@ inline constexpr std::uint32_t kStyleMBR = PARTITION_STYLE_MBR;
 inline constexpr std::uint32_t kStyleGPT = PARTITION_STYLE_GPT;
 inline constexpr std::uint32_t kStyleRAW = PARTITION_STYLE_RAW;
 
-// One physical disk, \\.\PhysicalDriveN. Offsets and lengths are in bytes. Failed queries are kept in the status;
-// nothing but the XML layer throws.
+// One physical disk, \\.\PhysicalDriveN. Offsets and lengths are in bytes. Failed queries are kept in the
+// status; nothing but the XML layer throws.
 class DiskDriveManager {
 public:
     // Seeds the runtime's random numbers with the current second.
@@ -33,17 +33,21 @@ public:
     DiskDriveManager& operator=(const DiskDriveManager&) = delete;
 
     virtual void DumpInfo() const;
-    // Appends the disk's elements to `parent`: of a disk that cannot be backed up, its id and a size of 0 only.
+    // Appends the disk's elements to `parent`: of a disk that cannot be backed up, its id and a size of 0
+    // only.
     virtual void CaptureInfo(CMSXmlNode& parent) const;
-    // Takes the geometry and reads what the kind needs from the open drive, which stays the caller's. Once only.
+    // Takes the geometry and reads what the kind needs from the open drive, which stays the caller's. Once
+    // only.
     virtual void Initialize(const UniqueFile& drive, const win::ByteBuffer& geometry) = 0;
-    // Prepares this object, not the disk, to receive a fresh table laid out on the source's geometry. Once only.
+    // Prepares this object, not the disk, to receive a fresh table laid out on the source's geometry. Once
+    // only.
     virtual bool InitializeUsingGeometryOf(const boost::shared_ptr<DiskDriveManager>& source,
                                            const DeviceManager& device_manager) = 0;
     // Whether the disk may be backed up; when not, appends the reasons.
     virtual bool can_backup(std::vector<std::wstring>& reasons) const;
     virtual bool is_dynamic() const = 0;
-    virtual bool ExtentIsOnBootablePartition(const std::int64_t& offset, const std::int64_t& length) const = 0;
+    virtual bool ExtentIsOnBootablePartition(const std::int64_t& offset,
+                                             const std::int64_t& length) const = 0;
     virtual std::uint32_t GetPartitionStyle() const = 0;
     // Fills the description with which the disk would be initialised.
     virtual bool SetupDiskStruct(CREATE_DISK& description) const = 0;

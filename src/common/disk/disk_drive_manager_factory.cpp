@@ -28,7 +28,8 @@ DiskDriveManagerPtr DiskDriveManagerFactory::CreateFor(std::uint32_t disk_index,
         return CreateGPT(disk_index);
     }
     // A master boot record without a signature is no table that could be found again.
-    return style == kStyleMBR && geometry.signature() != 0 ? CreateMBR(disk_index) : CreateUnknown(disk_index);
+    return style == kStyleMBR && geometry.signature() != 0 ? CreateMBR(disk_index)
+                                                           : CreateUnknown(disk_index);
 }
 
 DiskDriveManagerPtr DiskDriveManagerFactory::CreateAndInitialize(std::uint32_t disk_index) const {
@@ -36,20 +37,20 @@ DiskDriveManagerPtr DiskDriveManagerFactory::CreateAndInitialize(std::uint32_t d
     DWORD error = 0;
     UniqueFile drive;
     if (!win::WinAPIWrapper::OpenPhysicalDrive(disk_index, 0, &drive, error)) {
-        const DiskDriveManagerPtr disk = CreateUnknown(disk_index);
-        disk->status().SetError(
-            kOpeningDisk, L"Failed to open hard disk " + index + L" error: " + std::to_wstring(error));
+        DiskDriveManagerPtr disk = CreateUnknown(disk_index);
+        disk->status().SetError(kOpeningDisk,
+                                L"Failed to open hard disk " + index + L" error: " + std::to_wstring(error));
         return disk;
     }
     win::ByteBuffer geometry;
     if (!win::WinAPIWrapper::GetDriveGeometryEx(drive, disk_index, geometry, error)) {
-        const DiskDriveManagerPtr disk = CreateUnknown(disk_index);
+        DiskDriveManagerPtr disk = CreateUnknown(disk_index);
         disk->status().SetSuccess(kOpeningDisk);
         disk->status().SetError(kGettingDriveGeometry, L"Failed to GetDriveGeometryEx for disk " + index +
                                                            L" error: " + std::to_wstring(error));
         return disk;
     }
-    const DiskDriveManagerPtr disk = CreateFor(disk_index, DiskGeometry(geometry));
+    DiskDriveManagerPtr disk = CreateFor(disk_index, DiskGeometry(geometry));
     disk->Initialize(drive, geometry);
     return disk;
 }

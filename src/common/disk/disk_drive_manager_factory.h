@@ -17,8 +17,8 @@ public:
     virtual DiskDriveManagerPtr CreateMBR(std::uint32_t disk_index) const;
     virtual DiskDriveManagerPtr CreateGPT(std::uint32_t disk_index) const;
 
-    // The disk of that index, of the kind that it is found to be, initialised. Never empty: a disk that cannot be
-    // opened or read is an unknown one with the failure in its status.
+    // The disk of that index, of the kind that it is found to be, initialised. Never empty: a disk that
+    // cannot be opened or read is an unknown one with the failure in its status.
     DiskDriveManagerPtr CreateAndInitialize(std::uint32_t disk_index) const;
 
 private:

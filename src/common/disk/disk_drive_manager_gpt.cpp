@@ -24,7 +24,7 @@ void DiskDriveManagerGPT::MakeEmptyTable() {
 
 void DiskDriveManagerGPT::DumpInfo() const {
     Traced(L"bmr_common::DiskDriveManagerGPT::DumpInfo", [&] {
-        DiskDriveManager::DumpInfo();
+        PartitionedDiskDriveManager::DumpInfo();
         GetLogger().Write(kLogInformation, L"  Partition Style: GPT");
         GetLogger().Write(kLogInformation, L"    DiskId: %s", GuidText(geometry_.disk_id()).c_str());
         partition_manager_->DumpInfo();

@@ -20,7 +20,7 @@ void DiskDriveManagerMBR::MakeEmptyTable() {
 
 void DiskDriveManagerMBR::DumpInfo() const {
     Traced(L"bmr_common::DiskDriveManagerMBR::DumpInfo", [&] {
-        DiskDriveManager::DumpInfo();
+        PartitionedDiskDriveManager::DumpInfo();
         GetLogger().Write(kLogInformation, L"  Partition Style: MBR");
         GetLogger().Write(kLogInformation, L"    Signature: 0x%x", geometry_.signature());
         partition_manager_->DumpInfo();
@@ -48,7 +48,8 @@ void DiskDriveManagerMBR::SetUniqueIdToRandom() {
 }
 
 bool DiskDriveManagerMBR::has_same_unique_id(const DiskDriveManager& other) const {
-    return other.GetPartitionStyle() == GetPartitionStyle() && other.geometry().signature() == geometry_.signature();
+    return other.GetPartitionStyle() == GetPartitionStyle() &&
+           other.geometry().signature() == geometry_.signature();
 }
 
 }  // namespace bmr_common

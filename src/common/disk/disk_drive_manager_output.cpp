@@ -29,27 +29,27 @@ std::vector<DetectionFact> DetectionFacts(const DiskGeometry& geometry) {
     const DISK_INT13_INFO& int13 = detection.Int13;
     const DISK_EX_INT13_INFO& extended = detection.ExInt13;
     switch (geometry.detection_type()) {
-    case kDetectInt13:
-        return {
-            {L"  DriveSelect: %d", "DriveSelect", int13.DriveSelect},
-            {L"  MaxCylinders: %d", "MaxCylinders", int13.MaxCylinders},
-            {L"  SectorsPerTrack: %d", "SectorsPerTrack", int13.SectorsPerTrack},
-            {L"  MaxHeads: %d", "MaxHeads", int13.MaxHeads},
-            {L"  NumberDrives: %d", "NumberDrives", int13.NumberDrives},
-        };
-    case kDetectExInt13:
-        return {
-            {L"  ExBufferSize: %d", "ExBufferSize", extended.ExBufferSize},
-            {L"  ExFlags: %d", "ExFlags", extended.ExFlags},
-            {L"  ExCylinders: %d", "ExCylinders", extended.ExCylinders},
-            {L"  ExHeads: %d", "ExHeads", extended.ExHeads},
-            {L"  ExSectorsPerTrack: %d", "ExSectorsPerTrack", extended.ExSectorsPerTrack},
-            {L"  ExSectorsPerDrive: %d", "ExSectorsPerDrive", extended.ExSectorsPerDrive},
-            {L"  ExSectorSize: %d", "ExSectorSize", extended.ExSectorSize},
-            {L"  ExReserved: %d", "ExReserved", extended.ExReserved},
-        };
-    default:
-        return {};
+        case kDetectInt13:
+            return {
+                {L"  DriveSelect: %d", "DriveSelect", int13.DriveSelect},
+                {L"  MaxCylinders: %d", "MaxCylinders", int13.MaxCylinders},
+                {L"  SectorsPerTrack: %d", "SectorsPerTrack", int13.SectorsPerTrack},
+                {L"  MaxHeads: %d", "MaxHeads", int13.MaxHeads},
+                {L"  NumberDrives: %d", "NumberDrives", int13.NumberDrives},
+            };
+        case kDetectExInt13:
+            return {
+                {L"  ExBufferSize: %d", "ExBufferSize", extended.ExBufferSize},
+                {L"  ExFlags: %d", "ExFlags", extended.ExFlags},
+                {L"  ExCylinders: %d", "ExCylinders", extended.ExCylinders},
+                {L"  ExHeads: %d", "ExHeads", extended.ExHeads},
+                {L"  ExSectorsPerTrack: %d", "ExSectorsPerTrack", extended.ExSectorsPerTrack},
+                {L"  ExSectorsPerDrive: %d", "ExSectorsPerDrive", extended.ExSectorsPerDrive},
+                {L"  ExSectorSize: %d", "ExSectorSize", extended.ExSectorSize},
+                {L"  ExReserved: %d", "ExReserved", extended.ExReserved},
+            };
+        default:
+            return {};
     }
 }
 
@@ -69,7 +69,8 @@ void DumpGeometry(const DiskGeometry& disk) {
     }
 }
 
-// The element "GUID" has always held the address of the identifier's text, not the text; nobody may interpret it.
+// The element "GUID" has always held the address of the identifier's text, not the text; nobody may interpret
+// it.
 void CaptureGuidAddress(CMSXmlNode& parent, const GUID& disk_id) {
     std::array<wchar_t, 39> text{};
     StringFromGUID2(disk_id, text.data(), static_cast<int>(text.size()));
@@ -80,20 +81,20 @@ void CaptureGuidAddress(CMSXmlNode& parent, const GUID& disk_id) {
 
 void CapturePartitionStyle(CMSXmlNode& parent, const DiskGeometry& disk) {
     switch (disk.partition_style()) {
-    case kStyleMBR:
-        AddTextElement(parent, "PartitionStyle", L"MBR");
-        AddNumberElement(parent, "Signature", disk.signature());
-        break;
-    case kStyleGPT:
-        AddTextElement(parent, "PartitionStyle", L"GPT");
-        CaptureGuidAddress(parent, disk.disk_id());
-        break;
-    case kStyleRAW:
-        AddTextElement(parent, "PartitionStyle", L"RAW");
-        break;
-    default:
-        AddTextElement(parent, "PartitionStyle", L"UNKNOWN");
-        break;
+        case kStyleMBR:
+            AddTextElement(parent, "PartitionStyle", L"MBR");
+            AddNumberElement(parent, "Signature", disk.signature());
+            break;
+        case kStyleGPT:
+            AddTextElement(parent, "PartitionStyle", L"GPT");
+            CaptureGuidAddress(parent, disk.disk_id());
+            break;
+        case kStyleRAW:
+            AddTextElement(parent, "PartitionStyle", L"RAW");
+            break;
+        default:
+            AddTextElement(parent, "PartitionStyle", L"UNKNOWN");
+            break;
     }
 }
 

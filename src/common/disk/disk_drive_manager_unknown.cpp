@@ -20,7 +20,8 @@ void DiskDriveManagerUnknown::DumpInfo() const {
             if (geometry_.partition_style() == kStyleRAW) {
                 GetLogger().Write(kLogInformation, L"  Partition Style: RAW");
             } else {
-                GetLogger().Write(kLogInformation, L"  Partition Style: UNKNOWN (%d)", geometry_.partition_style());
+                GetLogger().Write(kLogInformation, L"  Partition Style: UNKNOWN (%d)",
+                                  geometry_.partition_style());
             }
         }
         GetLogger().Write(kLogInformation, L"The application does not support this partition style.");
@@ -73,7 +74,8 @@ bool DiskDriveManagerUnknown::has_same_unique_id(const DiskDriveManager& /*other
     return NotImplemented(L"bmr_common::DiskDriveManagerUnknown::has_same_unique_id");
 }
 
-bool DiskDriveManagerUnknown::GetPartitionNumberAtOffset(std::int64_t /*offset*/, std::uint32_t& /*number*/) const {
+bool DiskDriveManagerUnknown::GetPartitionNumberAtOffset(std::int64_t /*offset*/,
+                                                         std::uint32_t& /*number*/) const {
     return false;
 }
 

@@ -4,8 +4,8 @@
 
 namespace bmr_common {
 
-// A raw disk, one of an unknown style, or one that could not be opened. It is never backed up; most questions are
-// answered by a level 2 line and false.
+// A raw disk, one of an unknown style, or one that could not be opened. It is never backed up; most questions
+// are answered by a level 2 line and false.
 class DiskDriveManagerUnknown : public DiskDriveManager {
 public:
     using DiskDriveManager::DiskDriveManager;

@@ -7,8 +7,8 @@
 
 namespace bmr_common {
 
-// A disk's extended geometry as the driver returned it: the geometry, the partition record and, right after it, the
-// detection record. Where the driver returned less, zeros are read. Sizes are in bytes.
+// A disk's extended geometry as the driver returned it: the geometry, the partition record and, right after
+// it, the detection record. Where the driver returned less, zeros are read. Sizes are in bytes.
 class DiskGeometry {
 public:
     DiskGeometry() : DiskGeometry(win::ByteBuffer()) {}

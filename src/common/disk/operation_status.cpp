@@ -42,9 +42,10 @@ OperationStatus::Operation& OperationStatus::FindOperation(const std::wstring& n
 
 OperationStatus::Operation& OperationStatus::SetSuccess(const std::wstring& name) {
     Operation& operation = FindOperation(name);
-    RequireInitial(operation,
-                   L"OperationStatus::SetSuccess - operation not in kInitial state. Code will throw exception.",
-                   "OperationStatus::SetSuccess - operation not in kInitial state.");
+    RequireInitial(
+        operation,
+        L"OperationStatus::SetSuccess - operation not in kInitial state. Code will throw exception.",
+        "OperationStatus::SetSuccess - operation not in kInitial state.");
     operation.state = kSuccess;
     operation.error.clear();
     return operation;
@@ -88,17 +89,17 @@ void OperationStatus::GetErrors(std::vector<std::wstring>& errors) const {
 
 void OperationStatus::DumpStatus(const std::wstring& name, const Operation& operation) {
     switch (operation.state) {
-    case kInitial:
-        GetLogger().Write(kLogInformation, L"operation %s has not attempted", name.c_str());
-        break;
-    case kError:
-        GetLogger().Write(kLogError, L"operation %s failed - %s", name.c_str(), operation.error.c_str());
-        break;
-    case kSuccess:
-        break;
-    default:
-        GetLogger().Write(kLogError, L"operation %s status unknown", name.c_str());
-        break;
+        case kInitial:
+            GetLogger().Write(kLogInformation, L"operation %s has not attempted", name.c_str());
+            break;
+        case kError:
+            GetLogger().Write(kLogError, L"operation %s failed - %s", name.c_str(), operation.error.c_str());
+            break;
+        case kSuccess:
+            break;
+        default:
+            GetLogger().Write(kLogError, L"operation %s status unknown", name.c_str());
+            break;
     }
 }
 

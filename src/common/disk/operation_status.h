@@ -9,9 +9,9 @@
 
 namespace bmr_common {
 
-// The outcomes of an object's system queries by name, so that one failed query does not abort the object. Each
-// record leaves kInitial at most once. Looking up an unknown name, or setting a record twice, is a programming
-// error: logged at level 2, then thrown as std::logic_error.
+// The outcomes of an object's system queries by name, so that one failed query does not abort the object.
+// Each record leaves kInitial at most once. Looking up an unknown name, or setting a record twice, is a
+// programming error: logged at level 2, then thrown as std::logic_error.
 class OperationStatus {
 public:
     enum State : std::int32_t {

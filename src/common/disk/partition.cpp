@@ -3,6 +3,7 @@
 #include "common/disk/raw_value.h"
 #include "common/disk/sizes.h"
 #include "common/logger/trace.h"
+#include "common/platform/byte_range.h"
 #include "common/platform/safe.h"
 #include "common/xml/xml_values.h"
 
@@ -13,46 +14,37 @@ namespace {
 void DumpStyle(std::uint32_t style) {
     // The two rarer lines are set less deep than the others.
     switch (style) {
-    case PARTITION_STYLE_MBR:
-        GetLogger().Write(kLogInformation, L"    Style: MBR");
-        break;
-    case PARTITION_STYLE_GPT:
-        GetLogger().Write(kLogInformation, L"    Style: GPT");
-        break;
-    case PARTITION_STYLE_RAW:
-        GetLogger().Write(kLogInformation, L"  Partition style: RAW");
-        break;
-    default:
-        GetLogger().Write(kLogInformation, L"  Partition style: %d", style);
-        break;
+        case PARTITION_STYLE_MBR:
+            GetLogger().Write(kLogInformation, L"    Style: MBR");
+            break;
+        case PARTITION_STYLE_GPT:
+            GetLogger().Write(kLogInformation, L"    Style: GPT");
+            break;
+        case PARTITION_STYLE_RAW:
+            GetLogger().Write(kLogInformation, L"  Partition style: RAW");
+            break;
+        default:
+            GetLogger().Write(kLogInformation, L"  Partition style: %d", style);
+            break;
     }
 }
 
 void CaptureStyle(CMSXmlNode& parent, std::uint32_t style) {
     // The element's name changes with the value; readers of the document know both.
     switch (style) {
-    case PARTITION_STYLE_MBR:
-        AddTextElement(parent, "Style", L"MBR");
-        break;
-    case PARTITION_STYLE_GPT:
-        AddTextElement(parent, "Style", L"GPT");
-        break;
-    case PARTITION_STYLE_RAW:
-        AddTextElement(parent, "PartitionStyle", L"RAW");
-        break;
-    default:
-        AddNumberElement(parent, "PartitionStyle", static_cast<std::int32_t>(style));
-        break;
+        case PARTITION_STYLE_MBR:
+            AddTextElement(parent, "Style", L"MBR");
+            break;
+        case PARTITION_STYLE_GPT:
+            AddTextElement(parent, "Style", L"GPT");
+            break;
+        case PARTITION_STYLE_RAW:
+            AddTextElement(parent, "PartitionStyle", L"RAW");
+            break;
+        default:
+            AddNumberElement(parent, "PartitionStyle", static_cast<std::int32_t>(style));
+            break;
     }
-}
-
-// The exclusive end of a range; wraps instead of overflowing on a range that lies.
-std::int64_t EndOf(std::int64_t offset, std::int64_t length) {
-    return static_cast<std::int64_t>(static_cast<std::uint64_t>(offset) + static_cast<std::uint64_t>(length));
-}
-
-std::int64_t LastOf(std::int64_t end) {
-    return EndOf(end, -1);
 }
 
 bool HasLength(const wchar_t* function, std::int64_t length) {
@@ -123,7 +115,7 @@ bool Partition::contains_extent(const std::int64_t& offset, const std::int64_t& 
     GetLogger().Write(
         kLogError,
         L"%s extent (%I64i to %I64i) only partially inside partition (%I64i to %I64i length %I64i).",
-        kFunction, offset, LastOf(extent_end), start, LastOf(end), own_length);
+        kFunction, offset, LastBefore(extent_end), start, LastBefore(end), own_length);
     return false;
 }
 

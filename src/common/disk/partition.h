@@ -9,8 +9,8 @@
 
 namespace bmr_common {
 
-// One entry of a physical disk's partition table, as the driver's extended layout reports it. Offsets and lengths
-// are in bytes.
+// One entry of a physical disk's partition table, as the driver's extended layout reports it. Offsets and
+// lengths are in bytes.
 class Partition {
 public:
     // All zero but for its style, which is raw until Initialize.

@@ -21,13 +21,21 @@ constexpr GUID kSystem = {0xC12A7328, 0xF81F, 0x11D2, {0xBA, 0x4B, 0x00, 0xA0, 0
 constexpr GUID kLdmData = {0xAF9B60A0, 0x1431, 0x4F62, {0xBC, 0x68, 0x33, 0x11, 0x71, 0x4A, 0x69, 0xAD}};
 
 constexpr PartitionType kTypes[] = {
-    {{0xEBD0A0A2, 0xB9E5, 0x4433, {0x87, 0xC0, 0x68, 0xB6, 0xB7, 0x26, 0x99, 0xC7}}, L"Basic data partition", true},
+    {{0xEBD0A0A2, 0xB9E5, 0x4433, {0x87, 0xC0, 0x68, 0xB6, 0xB7, 0x26, 0x99, 0xC7}},
+     L"Basic data partition",
+     true},
     {kUnused, L"Unused partition entry", false},
     {kSystem, L"System partition", false},
-    {{0xE3C9E316, 0x0B5C, 0x4DB8, {0x81, 0x7D, 0xF9, 0x2D, 0xF0, 0x02, 0x15, 0xAE}}, L"Microsoft reserved partition", false},
-    {{0x5808C8AA, 0x7E8F, 0x42E0, {0x85, 0xD2, 0xE1, 0xE9, 0x04, 0x34, 0xCF, 0xB3}}, L"LDM metadata partition", false},
+    {{0xE3C9E316, 0x0B5C, 0x4DB8, {0x81, 0x7D, 0xF9, 0x2D, 0xF0, 0x02, 0x15, 0xAE}},
+     L"Microsoft reserved partition",
+     false},
+    {{0x5808C8AA, 0x7E8F, 0x42E0, {0x85, 0xD2, 0xE1, 0xE9, 0x04, 0x34, 0xCF, 0xB3}},
+     L"LDM metadata partition",
+     false},
     {kLdmData, L"LDM data partition", true},
-    {{0xDE94BBA4, 0x06D1, 0x4D40, {0xA1, 0x6A, 0xBF, 0xD5, 0x01, 0x79, 0xD6, 0xAC}}, L"MSFT recovery partition", false},
+    {{0xDE94BBA4, 0x06D1, 0x4D40, {0xA1, 0x6A, 0xBF, 0xD5, 0x01, 0x79, 0xD6, 0xAC}},
+     L"MSFT recovery partition",
+     false},
 };
 constexpr PartitionType kUnknownType = {{}, L"Unknown partition", false};
 
@@ -51,8 +59,8 @@ bool PartitionGPT::can_backup(std::vector<std::wstring>& reasons) const {
     if (type.may_be_backed_up) {
         return true;
     }
-    const std::wstring reason =
-        std::wstring(L" Can't backup partition of type ") + type.name + L" " + GuidText(entry_.Gpt.PartitionType);
+    const std::wstring reason = std::wstring(L" Can't backup partition of type ") + type.name + L" " +
+                                GuidText(entry_.Gpt.PartitionType);
     reasons.push_back(reason);
     GetLogger().Write(kLogInformation, L"%s %s", L"bmr_common::PartitionGPT::can_backup", reason.c_str());
     return false;
@@ -61,7 +69,8 @@ bool PartitionGPT::can_backup(std::vector<std::wstring>& reasons) const {
 void PartitionGPT::DumpInfo() const {
     Traced(L"bmr_common::PartitionGPT::DumpInfo", [&] {
         Partition::DumpInfo();
-        std::array<wchar_t, std::size(decltype(entry_.Gpt.Name){}) + 1> name{};  // a full name brings no terminator
+        std::array<wchar_t, std::size(decltype(entry_.Gpt.Name){}) + 1>
+            name{};  // a full name brings no terminator
         std::memcpy(name.data(), entry_.Gpt.Name, sizeof(entry_.Gpt.Name));
         std::wstring type_name;
         GetPartitionTypeName(type_name);

@@ -38,7 +38,8 @@ DRIVE_LAYOUT_INFORMATION_EX* PartitionManager::mutable_layout() {
 }
 
 win::ByteBuffer PartitionManager::MakeLayout(std::size_t entries) {
-    return win::ByteBuffer(kLayoutHeaderBytes + sizeof(PARTITION_INFORMATION_EX) * std::max<std::size_t>(entries, 1));
+    return win::ByteBuffer(kLayoutHeaderBytes +
+                           sizeof(PARTITION_INFORMATION_EX) * std::max<std::size_t>(entries, 1));
 }
 
 bool PartitionManager::GetDriveLayoutEx(const UniqueFile& drive) {
@@ -52,8 +53,8 @@ bool PartitionManager::GetDriveLayoutEx(const UniqueFile& drive) {
     return false;
 }
 
-void PartitionManager::InitializeExpecting(std::uint32_t style, const wchar_t* style_name, const wchar_t* function,
-                                           const UniqueFile& drive) {
+void PartitionManager::InitializeExpecting(std::uint32_t style, const std::wstring& refusal,
+                                           const wchar_t* function, const UniqueFile& drive) {
     Traced(function, [&] {
         if (!GetDriveLayoutEx(drive)) {
             return;
@@ -63,9 +64,8 @@ void PartitionManager::InitializeExpecting(std::uint32_t style, const wchar_t* s
             AddPartitionsOfLayout();
             return;
         }
-        const std::wstring text = std::wstring(L"Partitions are not ") + style_name + L" but is " +
-                                  std::to_wstring(layout()->PartitionStyle) + L" on disk " +
-                                  std::to_wstring(disk_index_);
+        const std::wstring text =
+            refusal + std::to_wstring(layout()->PartitionStyle) + L" on disk " + std::to_wstring(disk_index_);
         status_.SetError(kVerifyingPartitionType, text);
         GetLogger().Write(kLogTrace, L"%s %s", function, text.c_str());
     });
@@ -89,8 +89,8 @@ bool PartitionManager::AnyPartitionInUse(std::vector<std::wstring>& reasons) con
     const bool any = std::any_of(partitions_.begin(), partitions_.end(),
                                  [](const PartitionPtr& partition) { return !partition->is_unused(); });
     if (!any) {
-        const std::wstring reason =
-            L" All partitions are marked as unused entry - cannot backup disk " + std::to_wstring(disk_index_);
+        const std::wstring reason = L" All partitions are marked as unused entry - cannot backup disk " +
+                                    std::to_wstring(disk_index_);
         reasons.push_back(reason);
         GetLogger().WriteTextAsFormat(kLogInformation, reason.c_str());
     }
@@ -151,9 +151,10 @@ bool PartitionManager::IsExtentOverlappingAnyPartition(std::int64_t offset, std:
 }
 
 PartitionPtr PartitionManager::FindUsedPartition(std::int64_t offset) const {
-    const auto found = std::find_if(partitions_.begin(), partitions_.end(), [&](const PartitionPtr& partition) {
-        return !partition->is_unused() && partition->starting_offset() == offset;
-    });
+    const auto found =
+        std::find_if(partitions_.begin(), partitions_.end(), [&](const PartitionPtr& partition) {
+            return !partition->is_unused() && partition->starting_offset() == offset;
+        });
     return found == partitions_.end() ? PartitionPtr() : *found;
 }
 

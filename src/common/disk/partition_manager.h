@@ -18,8 +18,8 @@ extern const std::wstring kVerifyingPartitionType;
 
 using PartitionPtr = boost::shared_ptr<Partition>;
 
-// One physical disk's partition table. Offsets, lengths and sizes are in bytes. A failed Initialize leaves a manager
-// without partitions whose can_backup gives the reasons; nothing but the XML layer throws.
+// One physical disk's partition table. Offsets, lengths and sizes are in bytes. A failed Initialize leaves a
+// manager without partitions whose can_backup gives the reasons; nothing but the XML layer throws.
 class PartitionManager {
 public:
     // `disk_index` is the N of \\.\PhysicalDriveN.
@@ -37,7 +37,8 @@ public:
     virtual void CaptureInfo(CMSXmlNode& parent) const;
     virtual bool is_dynamic() const;
     // Whether exactly one partition contains the extent and it is the one the machine boots from.
-    virtual bool ExtentIsOnBootablePartition(const std::int64_t& offset, const std::int64_t& length) const = 0;
+    virtual bool ExtentIsOnBootablePartition(const std::int64_t& offset,
+                                             const std::int64_t& length) const = 0;
     // The bytes from `offset` to the end of what partitions may use.
     virtual std::int64_t GetSpaceToEnd(const std::int64_t& offset, const std::int64_t& disk_size,
                                        std::uint32_t alignment) const;
@@ -50,7 +51,8 @@ public:
     // The start of the first partition strictly after `offset`.
     bool GetNextPartitionAfter(std::int64_t offset, std::int64_t& next) const;
     // The largest partition that could start at `offset`, a multiple of `alignment` (not 0).
-    std::int64_t GetMaximumPartitionSize(std::int64_t offset, std::int64_t disk_size, std::uint32_t alignment) const;
+    std::int64_t GetMaximumPartitionSize(std::int64_t offset, std::int64_t disk_size,
+                                         std::uint32_t alignment) const;
     static bool PartitionCorrectlyAligned(std::int64_t start, std::int64_t length, std::uint32_t alignment);
     // Writes `layout` to the disk, every entry marked to be rewritten. On failure false after a level 2 line.
     bool WritePartitionTableToDisk(win::ByteBuffer& layout) const;
@@ -70,8 +72,9 @@ public:
 protected:
     virtual PartitionPtr CreatePartition() const = 0;
 
-    // What the kinds' operations share; `style_name` and `function` go into the messages.
-    void InitializeExpecting(std::uint32_t style, const wchar_t* style_name, const wchar_t* function,
+    // What the kinds' operations share; `refusal` begins the text for another style, `function` goes into
+    // the messages.
+    void InitializeExpecting(std::uint32_t style, const std::wstring& refusal, const wchar_t* function,
                              const UniqueFile& drive);
     bool IsOnBootablePartition(const wchar_t* function, std::int64_t offset, std::int64_t length) const;
     // Refuses a disk on which every partition is unused.

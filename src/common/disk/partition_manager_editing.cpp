@@ -2,6 +2,8 @@
 
 #include "common/disk/partition_manager.h"
 #include "common/logger/orvane_logger.h"
+#include "common/platform/byte_range.h"
+#include "common/platform/device_control.h"
 
 #include <algorithm>
 
@@ -9,7 +11,7 @@ namespace bmr_common {
 
 std::int64_t PartitionManager::GetSpaceToEnd(const std::int64_t& offset, const std::int64_t& disk_size,
                                              std::uint32_t /*alignment*/) const {
-    return disk_size - offset;
+    return LengthBetween(offset, disk_size);
 }
 
 bool PartitionManager::GetNextPartitionAfter(std::int64_t offset, std::int64_t& next) const {
@@ -32,19 +34,21 @@ std::int64_t PartitionManager::GetMaximumPartitionSize(std::int64_t offset, std:
         return 0;
     }
     std::int64_t next = 0;
-    const std::int64_t size =
-        GetNextPartitionAfter(offset, next) ? next - offset : GetSpaceToEnd(offset, disk_size, alignment);
+    const std::int64_t size = GetNextPartitionAfter(offset, next)
+                                  ? LengthBetween(offset, next)
+                                  : GetSpaceToEnd(offset, disk_size, alignment);
     return size - size % std::int64_t{alignment};
 }
 
-bool PartitionManager::PartitionCorrectlyAligned(std::int64_t start, std::int64_t length, std::uint32_t alignment) {
+bool PartitionManager::PartitionCorrectlyAligned(std::int64_t start, std::int64_t length,
+                                                 std::uint32_t alignment) {
     constexpr const wchar_t* kFunction = L"bmr_common::PartitionManager::PartitionCorrectlyAligned";
     if (start % std::int64_t{alignment} != 0) {
-        GetLogger().Write(kLogError, L"%s partition's starting_offset %I64i not aligned on %u boundary ", kFunction,
-                          start, alignment);
+        GetLogger().Write(kLogError, L"%s partition's starting_offset %I64i not aligned on %u boundary ",
+                          kFunction, start, alignment);
         return false;
     }
-    const std::int64_t end = start + length;
+    const std::int64_t end = EndOf(start, length);
     if (end % std::int64_t{alignment} != 0) {
         GetLogger().Write(kLogError, L"%s partition's end %I64i not aligned on %u boundary", kFunction, end,
                           alignment);
@@ -55,6 +59,10 @@ bool PartitionManager::PartitionCorrectlyAligned(std::int64_t start, std::int64_
 
 bool PartitionManager::WritePartitionTableToDisk(win::ByteBuffer& layout) const {
     constexpr const wchar_t* kFunction = L"bmr_common::PartitionManager::WritePartitionTableToDisk";
+    if (!win::IsWholeLayoutEx(layout)) {
+        GetLogger().Write(kLogError, L"%s the layout of disk %u is not whole", kFunction, disk_index_);
+        return false;
+    }
     DRIVE_LAYOUT_INFORMATION_EX& table = *LayoutIn(layout);
     for (DWORD i = 0; i < table.PartitionCount; ++i) {
         table.PartitionEntry[i].RewritePartition = TRUE;
@@ -63,15 +71,16 @@ bool PartitionManager::WritePartitionTableToDisk(win::ByteBuffer& layout) const 
     DWORD error = 0;
     UniqueFile drive;
     if (!win::WinAPIWrapper::OpenPhysicalDrive(disk_index_, GENERIC_READ | GENERIC_WRITE, &drive, error)) {
-        GetLogger().Write(kLogError, L"%s OpenPhysicalDrive disk %s error=%u", kFunction, index.c_str(), error);
+        GetLogger().Write(kLogError, L"%s OpenPhysicalDrive disk %s error=%u", kFunction, index.c_str(),
+                          error);
         return false;
     }
     if (!win::WinAPIWrapper::SetDriveLayoutEx(drive, disk_index_, layout, error)) {
         return false;
     }
     if (!win::WinAPIWrapper::UpdateDiskProperties(drive, error)) {
-        GetLogger().Write(kLogError, L"%s IOCTL_DISK_UPDATE_PROPERTIES disk %s error=%u", kFunction, index.c_str(),
-                          error);
+        GetLogger().Write(kLogError, L"%s IOCTL_DISK_UPDATE_PROPERTIES disk %s error=%u", kFunction,
+                          index.c_str(), error);
         return false;
     }
     // A device that cannot flush has nothing to flush.

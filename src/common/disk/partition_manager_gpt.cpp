@@ -2,6 +2,7 @@
 
 #include "common/disk/partition_gpt.h"
 #include "common/logger/trace.h"
+#include "common/platform/byte_range.h"
 #include "common/platform/guid.h"
 
 #include <boost/make_shared.hpp>
@@ -14,7 +15,8 @@ namespace bmr_common {
 namespace {
 
 constexpr std::int64_t kFirstMegabyte = 0x100000;
-constexpr std::int64_t kGptOverheadBytes = 34304;  // both headers and arrays of 128 entries, and the protective MBR
+constexpr std::int64_t kGptOverheadBytes =
+    34304;  // both headers and arrays of 128 entries, and the protective MBR
 constexpr DWORD kUsualPartitionCount = 128;
 
 PartitionRow FreeSpaceRow(std::int64_t offset, std::int64_t length) {
@@ -48,7 +50,8 @@ PartitionPtr PartitionManagerGPT::CreatePartition() const {
 }
 
 void PartitionManagerGPT::Initialize(const UniqueFile& drive) {
-    InitializeExpecting(PARTITION_STYLE_GPT, L"GPT", L"bmr_common::PartitionManagerGPT::Initialize", drive);
+    InitializeExpecting(PARTITION_STYLE_GPT, L"Partitions are not GPT but is ",
+                        L"bmr_common::PartitionManagerGPT::Initialize", drive);
 }
 
 void PartitionManagerGPT::InitializeEmptyLayout(const GUID& disk_id, std::int64_t disk_size) {
@@ -57,7 +60,7 @@ void PartitionManagerGPT::InitializeEmptyLayout(const GUID& disk_id, std::int64_
     layout.PartitionStyle = PARTITION_STYLE_GPT;
     layout.Gpt.DiskId = disk_id;
     layout.Gpt.StartingUsableOffset.QuadPart = kFirstMegabyte;
-    layout.Gpt.UsableLength.QuadPart = disk_size - kGptOverheadBytes;
+    layout.Gpt.UsableLength.QuadPart = LengthBetween(kGptOverheadBytes, disk_size);
     layout.Gpt.MaxPartitionCount = kUsualPartitionCount;
     status_.SetSuccess(kGettingDriveLayoutEx);
 }
@@ -74,7 +77,8 @@ void PartitionManagerGPT::DumpInfo() const {
         }
         const DRIVE_LAYOUT_INFORMATION_GPT& gpt = layout()->Gpt;
         GetLogger().Write(kLogInformation, L"  Disk Id: %s", GuidText(gpt.DiskId).c_str());
-        GetLogger().Write(kLogInformation, L"  Starting Usable Offset: %I64d", gpt.StartingUsableOffset.QuadPart);
+        GetLogger().Write(kLogInformation, L"  Starting Usable Offset: %I64d",
+                          gpt.StartingUsableOffset.QuadPart);
         GetLogger().Write(kLogInformation, L"  Usable Length: %I64d", gpt.UsableLength.QuadPart);
         GetLogger().Write(kLogInformation, L"  Usable Max Partition Count: %u", gpt.MaxPartitionCount);
         for (const PartitionPtr& partition : partitions_) {
@@ -83,16 +87,19 @@ void PartitionManagerGPT::DumpInfo() const {
     });
 }
 
-bool PartitionManagerGPT::ExtentIsOnBootablePartition(const std::int64_t& offset, const std::int64_t& length) const {
-    return IsOnBootablePartition(L"bmr_common::PartitionManagerGPT::ExtentIsOnBootablePartition", offset, length);
+bool PartitionManagerGPT::ExtentIsOnBootablePartition(const std::int64_t& offset,
+                                                      const std::int64_t& length) const {
+    return IsOnBootablePartition(L"bmr_common::PartitionManagerGPT::ExtentIsOnBootablePartition", offset,
+                                 length);
 }
 
 std::int64_t PartitionManagerGPT::GetSpaceToEnd(const std::int64_t& offset, const std::int64_t& disk_size,
                                                 std::uint32_t alignment) const {
-    return disk_size - alignment - offset;
+    return LengthBetween(offset, LengthBetween(alignment, disk_size));
 }
 
-bool PartitionManagerGPT::GetEnumDiskPartitionVector(const DiskRow& disk, std::vector<PartitionRow>& rows) const {
+bool PartitionManagerGPT::GetEnumDiskPartitionVector(const DiskRow& disk,
+                                                     std::vector<PartitionRow>& rows) const {
     rows.clear();
     if (disk.size == 0) {
         GetLogger().Write(kLogError, L"%s disk size is 0 no partitions will be visible",
@@ -105,18 +112,18 @@ bool PartitionManagerGPT::GetEnumDiskPartitionVector(const DiskRow& disk, std::v
     std::int32_t number = 1;
     for (const PartitionPtr& partition : sorted) {
         if (partition->starting_offset() > cursor) {
-            rows.push_back(FreeSpaceRow(cursor, partition->starting_offset() - cursor));
+            rows.push_back(FreeSpaceRow(cursor, LengthBetween(cursor, partition->starting_offset())));
         }
         const auto gpt = boost::dynamic_pointer_cast<PartitionGPT>(partition);
         if (!gpt) {
             return true;
         }
         rows.push_back(RowOf(*gpt, number++));
-        cursor = partition->starting_offset() + partition->length();
+        cursor = EndOf(partition->starting_offset(), partition->length());
     }
     const auto disk_size = static_cast<std::int64_t>(disk.size);
     if (cursor < disk_size) {
-        rows.push_back(FreeSpaceRow(cursor, disk_size - cursor));
+        rows.push_back(FreeSpaceRow(cursor, LengthBetween(cursor, disk_size)));
     }
     return true;
 }

@@ -23,8 +23,9 @@ public:
     virtual bool DeletePartitionFromMemory(std::int64_t offset);
     // Removes all of them, then writes the table. Removals made before a failure stay made in memory.
     virtual bool DeletePartitionsAndWrite(const std::vector<std::int64_t>& offsets);
-    // Adds a partition at the requested start, rounded up to `alignment`, with the requested size or, where that
-    // does not fit, whatever there is down to the minimum. Stores what it used in `used_start` and `used_size`.
+    // Adds a partition at the requested start, rounded up to `alignment`, with the requested size or, where
+    // that does not fit, whatever there is down to the minimum. Stores what it used in `used_start` and
+    // `used_size`.
     virtual bool AddPartitionInMemory(const std::int64_t& requested_start, const std::int64_t& requested_size,
                                       const std::int64_t& minimum_size, const std::int64_t& disk_size,
                                       std::uint32_t alignment, const GUID& type, std::int64_t* used_start,
@@ -35,7 +36,8 @@ public:
                                          std::uint32_t alignment);
     PartitionPtr CreatePartition() const override;
 
-    // Makes this the table of a disk of `disk_size` bytes that is to be given a fresh one. On a new manager only.
+    // Makes this the table of a disk of `disk_size` bytes that is to be given a fresh one. On a new manager
+    // only.
     void InitializeEmptyLayout(const GUID& disk_id, std::int64_t disk_size);
 
     // The table as rows of the flat record, gaps included, in disk order. Always true.

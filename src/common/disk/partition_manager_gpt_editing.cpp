@@ -2,6 +2,7 @@
 
 #include "common/disk/partition_manager_gpt.h"
 #include "common/logger/orvane_logger.h"
+#include "common/platform/byte_range.h"
 #include "common/platform/guid.h"
 
 #include <algorithm>
@@ -15,7 +16,9 @@ constexpr wchar_t kNewPartitionName[] = L"Basic data partition";
 
 std::int64_t RoundUp(std::int64_t value, std::uint32_t alignment) {
     const std::int64_t unit = alignment;
-    return value % unit == 0 ? value : (value / unit + 1) * unit;
+    const std::int64_t past = value % unit;  // negative below 0, where cutting it off rounds up already
+    const std::int64_t cut = value - past;
+    return past > 0 ? EndOf(cut, unit) : cut;
 }
 
 PARTITION_INFORMATION_EX NewEntry(std::int64_t start, std::int64_t size, const GUID& type) {
@@ -34,8 +37,9 @@ PARTITION_INFORMATION_EX NewEntry(std::int64_t start, std::int64_t size, const G
 
 bool PartitionManagerGPT::AddPartitionInMemory(const std::int64_t& requested_start,
                                                const std::int64_t& requested_size,
-                                               const std::int64_t& minimum_size, const std::int64_t& disk_size,
-                                               std::uint32_t alignment, const GUID& type, std::int64_t* used_start,
+                                               const std::int64_t& minimum_size,
+                                               const std::int64_t& disk_size, std::uint32_t alignment,
+                                               const GUID& type, std::int64_t* used_start,
                                                std::int64_t* used_size) {
     const PartitionPtr partition = CreatePartition();
     if (used_start == nullptr || used_size == nullptr) {
@@ -45,10 +49,11 @@ bool PartitionManagerGPT::AddPartitionInMemory(const std::int64_t& requested_sta
     const std::int64_t minimum = RoundUp(minimum_size, alignment);
     std::int64_t size = RoundUp(requested_size, alignment);
     *used_start = start;
-    if (IsExtentOverlappingAnyPartition(start, size) || start + size > disk_size) {
+    if (IsExtentOverlappingAnyPartition(start, size) || EndOf(start, size) > disk_size) {
         size = GetMaximumPartitionSize(start, disk_size, alignment);
         if (size < minimum) {
-            GetLogger().Write(kLogError, L"%s Maximum available size is %I64i but minimum requested was %I64i.",
+            GetLogger().Write(kLogError,
+                              L"%s Maximum available size is %I64i but minimum requested was %I64i.",
                               L"bmr_common::PartitionManagerGPT::AddPartitionInMemory", size, minimum);
             return false;
         }
@@ -79,8 +84,8 @@ bool PartitionManagerGPT::DeletePartitionsAndWrite(const std::vector<std::int64_
            CommitPartitionTable();
 }
 
-bool PartitionManagerGPT::ResizePartitionInMemory(std::int64_t start, std::int64_t new_size, std::int64_t disk_size,
-                                                  std::uint32_t alignment) {
+bool PartitionManagerGPT::ResizePartitionInMemory(std::int64_t start, std::int64_t new_size,
+                                                  std::int64_t disk_size, std::uint32_t alignment) {
     constexpr const wchar_t* kFunction = L"bmr_common::PartitionManagerGPT::ResizePartitionInMemory";
     const PartitionPtr partition = FindUsedPartition(start);
     if (!partition) {
@@ -93,8 +98,8 @@ bool PartitionManagerGPT::ResizePartitionInMemory(std::int64_t start, std::int64
     const std::int64_t maximum = GetMaximumPartitionSize(start, disk_size, alignment);
     if (maximum < new_size) {
         // The first number is the partition's start, not the size asked for.
-        GetLogger().Write(kLogError, L"%s New partition size too big %I64i only %I64i bytes available", kFunction,
-                          partition->starting_offset(), maximum);
+        GetLogger().Write(kLogError, L"%s New partition size too big %I64i only %I64i bytes available",
+                          kFunction, partition->starting_offset(), maximum);
         return false;
     }
     partition->set_length(new_size);
@@ -103,7 +108,9 @@ bool PartitionManagerGPT::ResizePartitionInMemory(std::int64_t start, std::int64
 
 bool PartitionManagerGPT::CommitPartitionTable() {
     const DRIVE_LAYOUT_INFORMATION_EX* const present = layout();
-    if (present == nullptr) {
+    if (present == nullptr || status_.IsFailed(kVerifyingPartitionType)) {
+        GetLogger().Write(kLogError, L"%s no GPT layout of disk %u to write",
+                          L"bmr_common::PartitionManagerGPT::CommitPartitionTable", disk_index_);
         return false;
     }
     win::ByteBuffer buffer = MakeLayout(partitions_.size());

@@ -18,7 +18,8 @@ PartitionPtr PartitionManagerMBR::CreatePartition() const {
 }
 
 void PartitionManagerMBR::Initialize(const UniqueFile& drive) {
-    InitializeExpecting(PARTITION_STYLE_MBR, L"MBR", L"bmr_common::PartitionManagerMBR::Initialize", drive);
+    InitializeExpecting(PARTITION_STYLE_MBR, L"Partitions are not MBR but is ",
+                        L"bmr_common::PartitionManagerMBR::Initialize", drive);
 }
 
 void PartitionManagerMBR::InitializeEmptyLayout(std::uint32_t signature) {
@@ -68,8 +69,10 @@ void PartitionManagerMBR::CaptureInfo(CMSXmlNode& parent) const {
     });
 }
 
-bool PartitionManagerMBR::ExtentIsOnBootablePartition(const std::int64_t& offset, const std::int64_t& length) const {
-    return IsOnBootablePartition(L"bmr_common::PartitionManagerMBR::ExtentIsOnBootablePartition", offset, length);
+bool PartitionManagerMBR::ExtentIsOnBootablePartition(const std::int64_t& offset,
+                                                      const std::int64_t& length) const {
+    return IsOnBootablePartition(L"bmr_common::PartitionManagerMBR::ExtentIsOnBootablePartition", offset,
+                                 length);
 }
 
 }  // namespace bmr_common

@@ -17,7 +17,8 @@ public:
     bool ExtentIsOnBootablePartition(const std::int64_t& offset, const std::int64_t& length) const override;
     PartitionPtr CreatePartition() const override;
 
-    // Makes this the table of a disk that is to be given a fresh one: four unused entries. On a new manager only.
+    // Makes this the table of a disk that is to be given a fresh one: four unused entries. On a new manager
+    // only.
     void InitializeEmptyLayout(std::uint32_t signature);
 };
 

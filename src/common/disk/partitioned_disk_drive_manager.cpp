@@ -1,5 +1,7 @@
 #include "common/disk/partitioned_disk_drive_manager.h"
 
+#include "common/logger/orvane_logger.h"
+
 namespace bmr_common {
 
 void PartitionedDiskDriveManager::Initialize(const UniqueFile& drive, const win::ByteBuffer& geometry) {
@@ -10,6 +12,11 @@ void PartitionedDiskDriveManager::Initialize(const UniqueFile& drive, const win:
 
 bool PartitionedDiskDriveManager::InitializeUsingGeometryOf(const boost::shared_ptr<DiskDriveManager>& source,
                                                             const DeviceManager& device_manager) {
+    if (!source || !source->IsSucceeded(kGettingDriveGeometry)) {
+        GetLogger().Write(kLogError, L"%s no geometry to take for disk %u",
+                          L"bmr_common::DiskDriveManager::InitializeUsingGeometryOf", disk_index_);
+        return false;
+    }
     TakeGeometry(source->geometry().ForFreshTable(GetPartitionStyle()));
     if (!AssignUniqueId(device_manager)) {
         return false;
@@ -43,7 +50,8 @@ std::uint32_t PartitionedDiskDriveManager::GetPartitionCount() const {
     return static_cast<std::uint32_t>(partition_manager().partitions().size());
 }
 
-bool PartitionedDiskDriveManager::GetPartitionNumberAtOffset(std::int64_t offset, std::uint32_t& number) const {
+bool PartitionedDiskDriveManager::GetPartitionNumberAtOffset(std::int64_t offset,
+                                                             std::uint32_t& number) const {
     return partition_manager().GetPartitionNumberAtOffset(offset, number);
 }
 

@@ -8,7 +8,6 @@ namespace bmr_common {
 // What the disk kinds with a partition table have in common: most questions go to the table's manager.
 class PartitionedDiskDriveManager : public DiskDriveManager {
 public:
-    void DumpInfo() const override = 0;
     void Initialize(const UniqueFile& drive, const win::ByteBuffer& geometry) override;
     bool InitializeUsingGeometryOf(const boost::shared_ptr<DiskDriveManager>& source,
                                    const DeviceManager& device_manager) override;

@@ -6,11 +6,11 @@
 
 namespace bmr_common {
 
-// The number in an enumeration field that the system filled: it may be none of the enumerators, which the language
-// does not let us read as the enumeration.
+// The number in an enumeration field that the system filled: it may be none of the enumerators, which the
+// language does not let us read as the enumeration.
 template <class Enumeration>
-    requires(std::is_enum_v<Enumeration> && sizeof(Enumeration) == sizeof(std::uint32_t))
-std::uint32_t RawValue(const Enumeration& field) {
+requires(std::is_enum_v<Enumeration> && sizeof(Enumeration) == sizeof(std::uint32_t)) std::uint32_t
+    RawValue(const Enumeration& field) {
     std::uint32_t value = 0;
     std::memcpy(&value, &field, sizeof(value));
     return value;
@@ -18,8 +18,9 @@ std::uint32_t RawValue(const Enumeration& field) {
 
 // Puts a number into such a field.
 template <class Enumeration>
-    requires(std::is_enum_v<Enumeration> && sizeof(Enumeration) == sizeof(std::uint32_t))
-void SetRawValue(Enumeration& field, std::uint32_t value) {
+requires(std::is_enum_v<Enumeration> &&
+         sizeof(Enumeration) == sizeof(std::uint32_t)) void SetRawValue(Enumeration& field,
+                                                                        std::uint32_t value) {
     std::memcpy(&field, &value, sizeof(value));
 }
 

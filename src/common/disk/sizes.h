@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 namespace bmr_common {
 
 // Bytes as the gigabytes of the text dumps.

@@ -10,19 +10,19 @@
 
 // One row of a disk's partition list: a partition, or space between partitions.
 struct PartitionRow {
-    std::int64_t length = 0;         // bytes
-    std::int64_t offset = 0;         // bytes
-    std::int64_t length_copy = 0;    // the length once more
+    std::int64_t length = 0;       // bytes
+    std::int64_t offset = 0;       // bytes
+    std::int64_t length_copy = 0;  // the length once more
     std::int32_t hidden = 0;
-    bool active = false;             // the boot indicator; written under the name "primary"
-    std::wstring kind;               // "Primary", "Logical", "Unallocated" or "Free space"
-    std::wstring operation;          // "Existing" for partitions, else the kind
-    std::wstring drive;              // drive letter
+    bool active = false;     // the boot indicator; written under the name "primary"
+    std::wstring kind;       // "Primary", "Logical", "Unallocated" or "Free space"
+    std::wstring operation;  // "Existing" for partitions, else the kind
+    std::wstring drive;      // drive letter
     std::wstring file_system;
     std::wstring volume;
     std::int32_t partition_number = -1;  // -1 for gaps, 0 for whole-disk rows
     std::uint8_t mbr_type = 0;
-    std::int32_t partition_style = 0;
+    std::int32_t partition_style = 2;  // 0 MBR, 1 GPT, 2 raw
     GUID gpt_type{};
     GUID gpt_id{};
 };
@@ -38,15 +38,24 @@ struct DiskRow {
     std::vector<PartitionRow> partitions;  // in disk order
 };
 
+// A fixed volume as the walk over the drives finds it.
+struct DriveRow {
+    std::int64_t disk_number = -1;  // both -1: the volume has no single extent
+    std::int64_t offset = -1;       // bytes
+    std::wstring volume;            // volume GUID path
+    std::wstring letter;            // "C:", or empty
+    std::wstring file_system;
+};
+
 // A run of bytes on one disk that belongs to a volume.
 class DiskExtent {
 public:
     DiskExtent() = default;
     virtual ~DiskExtent() = default;
 
-    std::uint64_t m_offsetPartition = 0;       // bytes
-    std::uint64_t m_Size = 0;                  // bytes
-    std::uint64_t m_FileSystemUsedSpace = 0;   // bytes
+    std::uint64_t m_offsetPartition = 0;      // bytes
+    std::uint64_t m_Size = 0;                 // bytes
+    std::uint64_t m_FileSystemUsedSpace = 0;  // bytes
     std::wstring m_GUID;
     std::uint32_t m_dwDiskSignature = 0;
     GUID disk_guid{};

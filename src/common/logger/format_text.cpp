@@ -8,6 +8,8 @@ namespace {
 
 constexpr std::size_t kLongestNumber = 3;  // digits of a width or precision; a longer one is no honest format
 
+constexpr std::wstring_view kSafeTypes = L"diouxXcCp";
+
 std::size_t SkipAny(std::wstring_view text, std::size_t at, std::wstring_view set) {
     const std::size_t next = text.find_first_not_of(set, at);
     return next == std::wstring_view::npos ? text.size() : next;
@@ -28,8 +30,9 @@ std::size_t SkipSize(std::wstring_view text, std::size_t at) {
     return at;
 }
 
-// The length of the integer conversion that starts with the percent sign at `at`, 0 when it is none.
-std::size_t IntegerConversionLength(std::wstring_view text, std::size_t at) {
+// The length of the conversion of a number or a character that starts with the percent sign at `at`, 0 when
+// it is none.
+std::size_t SafeConversionLength(std::wstring_view text, std::size_t at) {
     std::size_t next = SkipNumber(text, SkipAny(text, at + 1, L"-+ #"));
     if (next != std::wstring_view::npos && text.substr(next, 1) == L".") {
         next = SkipNumber(text, next + 1);
@@ -38,32 +41,36 @@ std::size_t IntegerConversionLength(std::wstring_view text, std::size_t at) {
         return 0;
     }
     next = SkipSize(text, next);
-    const bool integer = next < text.size() && std::wstring_view(L"diouxX").find(text[next]) != text.npos;
-    return integer ? next + 1 - at : 0;
+    const bool safe = next < text.size() && kSafeTypes.find(text[next]) != std::wstring_view::npos;
+    return safe ? next + 1 - at : 0;
 }
 
 }  // namespace
 
-std::wstring EscapeUnsafeConversions(const wchar_t* text) {
+void EscapeUnsafeConversions(const wchar_t* text, FormatBuffer& escaped) {
     const std::wstring_view source = text;
-    std::wstring escaped;
-    escaped.reserve(source.size());
+    escaped.fill(L'\0');
+    std::size_t length = 0;
     int kept = 0;
     for (std::size_t at = 0; at < source.size();) {
-        std::size_t length = 1;
-        if (source[at] == L'%') {
-            const std::size_t conversion = IntegerConversionLength(source, at);
-            if (source.substr(at, 2) == L"%%") {
-                length = 2;
-            } else if (conversion != 0 && kept < kSafeConversions) {
-                length = conversion;
+        std::wstring_view piece = source.substr(at, 1);
+        std::wstring_view escape;
+        if (source.substr(at, 2) == L"%%") {
+            piece = source.substr(at, 2);
+        } else if (source[at] == L'%') {
+            const std::size_t conversion = SafeConversionLength(source, at);
+            if (conversion != 0 && kept < kSafeConversions) {
+                piece = source.substr(at, conversion);
                 ++kept;
             } else {
-                escaped += L'%';
+                escape = L"%";
             }
         }
-        escaped += source.substr(at, length);
-        at += length;
+        if (length + escape.size() + piece.size() >= escaped.size()) {
+            return;
+        }
+        length += escape.copy(&escaped[length], escape.size());
+        length += piece.copy(&escaped[length], piece.size());
+        at += piece.size();
     }
-    return escaped;
 }

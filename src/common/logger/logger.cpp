@@ -5,8 +5,8 @@
 
 #include <array>
 #include <cstdarg>
-#include <cwchar>
 #include <ctime>
+#include <cwchar>
 
 namespace {
 
@@ -47,10 +47,11 @@ int CLogger::WriteTextAsFormat(int level, const wchar_t* text, std::size_t argum
         if (level > GetLevel()) {
             return 0;
         }
-        const std::wstring format = EscapeUnsafeConversions(text);
+        FormatBuffer format{};
+        EscapeUnsafeConversions(text, format);
         constexpr std::size_t kNone = 0;
         static_assert(kSafeConversions == 4, "one argument for each conversion that is let through");
-        return Write(level, format.c_str(), argument, kNone, kNone, kNone);
+        return Write(level, format.data(), argument, kNone, kNone, kNone);
     } catch (...) {
         ReportThrowingOutput(text);
         return 0;

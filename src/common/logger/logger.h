@@ -30,7 +30,7 @@ public:
     // Returns 1 when the message was delivered, 0 when it was dropped by its level or something threw.
     int Write(int level, const wchar_t* format, ...);
 
-    // Outputs a text that is itself read as a format: "%d" prints `argument`, "%%" one percent sign. Conversions
-    // that would follow a pointer nobody passed ("%s", "%n") stand in the output as they are.
+    // Outputs a text that is itself read as a format: "%d" prints `argument`, "%%" one percent sign.
+    // Conversions that would follow a pointer nobody passed ("%s", "%n") stand in the output as they are.
     int WriteTextAsFormat(int level, const wchar_t* text, std::size_t argument = 0);
 };

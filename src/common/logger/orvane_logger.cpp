@@ -36,14 +36,16 @@ int OrvaneLogger::GetLevel() const {
 
 void OrvaneLogger::Output(int level, const wchar_t* text, std::size_t length) {
     if (callback_ == nullptr) {
-        // The finished text is formatted a second time here, with its length to print: readers of the debugger
-        // output have come to know it so.
+        // The finished text is formatted a second time here, with its length to print: readers of the
+        // debugger output have come to know it so.
         fallback_.WriteTextAsFormat(level, text, length);
         return;
     }
     std::array<char, kNarrowBytes> narrow{};
     std::size_t converted = 0;
-    if (wcstombs_s(&converted, narrow.data(), narrow.size(), text, _TRUNCATE) != 0) {
+    // Measured as well: not every runtime reports that it has cut the text.
+    if (wcstombs_s(&converted, narrow.data(), narrow.size(), text, _TRUNCATE) != 0 ||
+        std::wcstombs(nullptr, text, 0) >= narrow.size()) {
         LogAssertionFailure(L"src/common/logger", kConversionAssertionLine, L"!err");
         return;
     }

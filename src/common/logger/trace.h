@@ -6,8 +6,8 @@
 #include <type_traits>
 #include <utility>
 
-// Runs `body` between the entering and the leaving line of `function` (its qualified name) and returns what it
-// returns. A body left by an exception logs no leaving line.
+// Runs `body` between the entering and the leaving line of `function` (its qualified name) and returns what
+// it returns. A body left by an exception logs no leaving line.
 template <class Body>
 auto Traced(const wchar_t* function, Body&& body,
             const std::source_location where = std::source_location::current()) {
@@ -21,5 +21,18 @@ auto Traced(const wchar_t* function, Body&& body,
         auto result = std::forward<Body>(body)();
         leave();
         return result;
+    }
+}
+
+// As Traced, for the body that logs its leaving line on every way out, exceptions included.
+template <class Body>
+auto TracedToTheEnd(const wchar_t* function, Body&& body,
+                    const std::source_location where = std::source_location::current()) {
+    try {
+        return Traced(function, std::forward<Body>(body), where);
+    } catch (...) {
+        GetLogger().Write(kLogTrace, L"Leaving function %s line %d", function,
+                          static_cast<int>(where.line()));
+        throw;
     }
 }

@@ -9,7 +9,8 @@ namespace bmr_common {
 
 namespace {
 
-// Security belongs to the process: set until it first succeeds. No lock, calls come from one thread at a time.
+// Security belongs to the process: set until it first succeeds. No lock, calls come from one thread at a
+// time.
 bool g_security_initialized = false;
 
 bool InitializeSecurity(const wchar_t* caller) {
@@ -20,8 +21,8 @@ bool InitializeSecurity(const wchar_t* caller) {
                                                 RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
     if (FAILED(result) && result != RPC_E_TOO_LATE) {
         GetLogger().Write(kLogError,
-                          L"InitializeCOM: CoInitializeSecurity failed error=0x%lx calling function %s", result,
-                          caller);
+                          L"InitializeCOM: CoInitializeSecurity failed error=0x%lx calling function %s",
+                          result, caller);
         return false;
     }
     g_security_initialized = true;
@@ -41,7 +42,8 @@ bool COMEnabler::InitializeCOM(const wchar_t* caller) {
     if (result == RPC_E_CHANGED_MODE) {
         GetLogger().Write(kLogTrace, L"CoInitializeEx error=RPC_E_CHANGED_MODE calling function %s", caller);
     } else if (result != S_OK && result != S_FALSE) {
-        GetLogger().Write(kLogError, L"CoInitializeEx failed error=0x%lx calling function %s", result, caller);
+        GetLogger().Write(kLogError, L"CoInitializeEx failed error=0x%lx calling function %s", result,
+                          caller);
         return false;
     }
     if (!InitializeSecurity(L"bmr_common::COMEnabler::InitializeCOM")) {

@@ -4,6 +4,6 @@
 
 #include <string>
 
-// What the platform's COM support says of a failed result: the system's message without its line end, else the
-// number of an automation error, else the bare code.
+// What the platform's COM support says of a failed result: the system's message without its line end, else
+// the number of an automation error, else the bare code.
 std::wstring ComErrorText(HRESULT result);

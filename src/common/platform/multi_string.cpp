@@ -1,17 +1,18 @@
 #include "common/platform/multi_string.h"
 
-#include <algorithm>
+#include <cwchar>
 
 std::vector<std::wstring> SplitMultiString(const wchar_t* text, std::size_t count) {
+    // No end pointer: a count may be larger than the address space behind the text.
     std::vector<std::wstring> entries;
-    const wchar_t* const end = text + count;
-    for (const wchar_t* entry = text; entry != end && *entry != L'\0';) {
-        const wchar_t* const terminator = std::find(entry, end, L'\0');
-        if (terminator == end) {
+    while (count > 0 && *text != L'\0') {
+        const std::size_t length = wcsnlen(text, count);
+        if (length == count) {
             break;
         }
-        entries.emplace_back(entry, terminator);
-        entry = terminator + 1;
+        entries.emplace_back(text, length);
+        text += length + 1;
+        count -= length + 1;
     }
     return entries;
 }

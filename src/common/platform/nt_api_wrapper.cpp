@@ -13,6 +13,7 @@ namespace {
 constexpr NTSTATUS kStatusSuccess = 0;
 constexpr auto kStatusBufferTooSmall = static_cast<NTSTATUS>(0xC0000023);
 constexpr auto kStatusNoMoreEntries = static_cast<NTSTATUS>(0x8000001A);
+constexpr auto kStatusDataError = static_cast<NTSTATUS>(0xC000003E);
 constexpr auto kStatusProcedureNotFound = static_cast<NTSTATUS>(0xC000007A);
 constexpr ACCESS_MASK kDirectoryQuery = 1;
 constexpr std::size_t kFirstDirectoryBytes = 260;
@@ -23,8 +24,11 @@ struct ObjectDirectoryInformation {
     UNICODE_STRING type_name;
 };
 
+// An error that is none of the system's, such as a failed allocation, has no status to tell.
 void LogFailedStatus(const wchar_t* function, NTSTATUS status) {
-    GetLogger().Write(kLogTrace, L"%s - failed status=%x", function, status);
+    if (status != kStatusSuccess) {
+        GetLogger().Write(kLogTrace, L"%s - failed status=%x", function, status);
+    }
 }
 
 // Copies a counted string that must lie wholly inside `buffer`.
@@ -53,13 +57,24 @@ bool CopyEntry(const ByteBuffer& buffer, DirectoryEntry& entry) {
            CopyCountedString(buffer, information.type_name, entry.type_name);
 }
 
+// The length of a text that ends within its capacity and fits into a counted string.
+bool MeasureText(const wchar_t* text, std::size_t capacity, std::size_t& length) {
+    constexpr std::size_t kLongest = std::numeric_limits<USHORT>::max() / sizeof(wchar_t) - 1;
+    try {
+        length = safe::StringLengthTemplate(text, capacity + 1);
+    } catch (const std::length_error&) {
+        return false;
+    }
+    return length <= kLongest;
+}
+
 NTSTATUS AskForEntry(const UniqueDirectory& directory, bool restart, ULONG& context, ByteBuffer& buffer) {
     const auto ask = [&](ByteBuffer& answer, std::size_t& /*needed*/) {
         ULONG returned = 0;
         const auto size = static_cast<ULONG>(answer.size());
         const NTSTATUS status = CallBound(NtDLL::Get().ZwQueryDirectoryObject, kStatusProcedureNotFound,
-                                          directory.get(), static_cast<void*>(answer.data()), size, BOOLEAN{TRUE},
-                                          static_cast<BOOLEAN>(restart), &context, &returned);
+                                          directory.get(), static_cast<void*>(answer.data()), size,
+                                          BOOLEAN{TRUE}, static_cast<BOOLEAN>(restart), &context, &returned);
         if (status == kStatusBufferTooSmall) {
             GetLogger().Write(kLogTrace, L"Buffer too small - size=%d, retry...", size);
         }
@@ -71,18 +86,18 @@ NTSTATUS AskForEntry(const UniqueDirectory& directory, bool restart, ULONG& cont
 }  // namespace
 
 void NT_API::RtlInitUnicodeString(UNICODE_STRING& counted, const wchar_t* text, std::size_t capacity) {
-    counted = {};
-    if (text == nullptr) {
-        GetLogger().Write(kLogError, L"%s - invalid parameter", L"win::NT_API::RtlInitUnicodeString");
-        return;
-    }
-    const std::size_t bytes = safe::StringLengthTemplate(text, capacity + 1) * sizeof(wchar_t);
-    if (bytes + sizeof(wchar_t) > std::numeric_limits<USHORT>::max()) {
-        throw std::length_error("Buffer overrun in RtlInitUnicodeString");
-    }
-    counted.Length = static_cast<USHORT>(bytes);
-    counted.MaximumLength = static_cast<USHORT>(bytes + sizeof(wchar_t));
-    counted.Buffer = const_cast<wchar_t*>(text);  // the native structure knows no const; it is only read
+    constexpr const wchar_t* kFunction = L"win::NT_API::RtlInitUnicodeString";
+    Traced(kFunction, [&] {
+        counted = {};
+        std::size_t length = 0;
+        if (text == nullptr || !MeasureText(text, capacity, length)) {
+            GetLogger().Write(kLogError, L"%s - invalid parameter", kFunction);
+            return;
+        }
+        counted.Length = static_cast<USHORT>(length * sizeof(wchar_t));
+        counted.MaximumLength = static_cast<USHORT>((length + 1) * sizeof(wchar_t));
+        counted.Buffer = const_cast<wchar_t*>(text);  // the native structure knows no const; it is only read
+    });
 }
 
 bool NtAPIWrapper::OpenDirectoryObject(const std::wstring& path, UniqueDirectory& directory, DWORD& error) {
@@ -91,13 +106,16 @@ bool NtAPIWrapper::OpenDirectoryObject(const std::wstring& path, UniqueDirectory
     const auto query = [&]() -> DWORD {
         UNICODE_STRING name{};
         NT_API::RtlInitUnicodeString(name, path.c_str(), path.size());
+        if (name.Buffer == nullptr) {
+            return ERROR_INVALID_PARAMETER;
+        }
         OBJECT_ATTRIBUTES attributes{};
         attributes.Length = sizeof(attributes);
         attributes.ObjectName = &name;
         attributes.Attributes = OBJ_CASE_INSENSITIVE;
         HANDLE handle = nullptr;
-        status = CallBound(NtDLL::Get().ZwOpenDirectoryObject, kStatusProcedureNotFound, &handle, kDirectoryQuery,
-                           &attributes);
+        status = CallBound(NtDLL::Get().ZwOpenDirectoryObject, kStatusProcedureNotFound, &handle,
+                           kDirectoryQuery, &attributes);
         if (status != kStatusSuccess) {
             return ERROR_GEN_FAILURE;
         }
@@ -119,7 +137,11 @@ bool NtAPIWrapper::QueryDirectoryObject(const UniqueDirectory& directory, bool r
         if (status != kStatusSuccess) {
             return ERROR_GEN_FAILURE;
         }
-        return CopyEntry(buffer, entry) ? ERROR_SUCCESS : ERROR_INVALID_DATA;
+        if (!CopyEntry(buffer, entry)) {
+            status = kStatusDataError;
+            return ERROR_INVALID_DATA;
+        }
+        return ERROR_SUCCESS;
     };
     return Query(kFunction, error, query, [&] {
         if (status != kStatusNoMoreEntries) {

@@ -10,8 +10,9 @@ namespace win {
 
 namespace NT_API {
 
-// Makes `counted` describe `text`, a string of at most `capacity` characters before its terminator. A null text
-// leaves it empty (one level 2 line). The text must outlive the counted string.
+// Makes `counted` describe `text`, a string of at most `capacity` characters before its terminator. A null
+// text, or one that does not end in time or is too long, leaves it empty (one level 2 line). The text must
+// outlive the counted string.
 void RtlInitUnicodeString(UNICODE_STRING& counted, const wchar_t* text, std::size_t capacity);
 
 }  // namespace NT_API
@@ -22,7 +23,8 @@ struct DirectoryEntry {
     std::wstring type_name;
 };
 
-// The object directories of the native API, reached through the bound table only. Same contract as WinAPIWrapper.
+// The object directories of the native API, reached through the bound table only. Same contract as
+// WinAPIWrapper.
 class NtAPIWrapper {
 public:
     static bool OpenDirectoryObject(const std::wstring& path, UniqueDirectory& directory, DWORD& error);

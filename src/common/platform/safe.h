@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-// Checked memory and string helpers. They throw std::invalid_argument for null pointers and std::length_error for
-// overruns and overlaps, and change nothing when they throw.
+// Checked memory and string helpers. They throw std::invalid_argument for null pointers and std::length_error
+// for overruns and overlaps, and change nothing when they throw.
 namespace safe {
 
 // Copies `count` bytes into a destination of `destination_size` bytes. A count of 0 does nothing at all.
@@ -15,14 +15,18 @@ void MemoryCopy(void* destination, std::size_t destination_size, const void* sou
 template <class Character>
 std::size_t StringLengthTemplate(const Character* text, std::size_t maximum) {
     if (text == nullptr) {
-        throw std::invalid_argument("Null pointer parameter passed to " "StringLengthTemplate");
+        throw std::invalid_argument(
+            "Null pointer parameter passed to "
+            "StringLengthTemplate");
     }
     for (std::size_t length = 0; length < maximum; ++length) {
         if (text[length] == Character{}) {
             return length;
         }
     }
-    throw std::length_error("Buffer overrun in " "StringLengthTemplate");
+    throw std::length_error(
+        "Buffer overrun in "
+        "StringLengthTemplate");
 }
 
 }  // namespace safe

@@ -2,5 +2,6 @@
 
 #include <string>
 
-// `text` in the system's ANSI code page. Empty when `text` is empty or cannot be converted (one level 2 line).
+// `text` in the system's ANSI code page. Empty when `text` is empty or cannot be converted (one level 2
+// line).
 std::string ConvertWStrToStr(const std::wstring& text);

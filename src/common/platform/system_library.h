@@ -4,9 +4,9 @@
 
 #include <winternl.h>
 
-// The two tables of system functions that are bound at run time, on first use. A function that could not be found
-// stays null. A failed binding is logged once and never tried again. First use may come from any thread; after it
-// the tables are only read.
+// The two tables of system functions that are bound at run time, on first use. A function that could not be
+// found stays null. A failed binding is logged once and never tried again. First use may come from any
+// thread; after it the tables are only read.
 
 // The functions of kernel32.dll, each under its own name.
 struct Kernel32DLL {
@@ -72,9 +72,10 @@ struct NtDLL {
     void Bind();
 
     using ZwCloseFunction = NTSTATUS(NTAPI*)(HANDLE handle);
-    using ZwQueryDirectoryObjectFunction = NTSTATUS(NTAPI*)(HANDLE directory, void* buffer, ULONG buffer_bytes,
-                                                            BOOLEAN return_single_entry, BOOLEAN restart_scan,
-                                                            ULONG* context, ULONG* returned_bytes);
+    using ZwQueryDirectoryObjectFunction = NTSTATUS(NTAPI*)(HANDLE directory, void* buffer,
+                                                            ULONG buffer_bytes, BOOLEAN return_single_entry,
+                                                            BOOLEAN restart_scan, ULONG* context,
+                                                            ULONG* returned_bytes);
     using ZwOpenDirectoryObjectFunction = NTSTATUS(NTAPI*)(HANDLE* directory, ACCESS_MASK access,
                                                            OBJECT_ATTRIBUTES* attributes);
 
@@ -84,7 +85,8 @@ struct NtDLL {
     HMODULE module = nullptr;
 };
 
-// Calls a bound function; where the system lacks it, answers `when_missing` with ERROR_PROC_NOT_FOUND instead.
+// Calls a bound function; where the system lacks it, answers `when_missing` with ERROR_PROC_NOT_FOUND
+// instead.
 template <class Result, class... Parameters, class... Arguments>
 Result CallBound(Result(WINAPI* function)(Parameters...), Result when_missing, Arguments... arguments) {
     if (function == nullptr) {

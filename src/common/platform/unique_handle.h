@@ -4,7 +4,8 @@
 
 #include <utility>
 
-// Sole ownership of one system handle; closes it on destruction and keeps the thread's last error while doing so.
+// Sole ownership of one system handle; closes it on destruction and keeps the thread's last error while doing
+// so.
 template <class Kind>
 class UniqueHandle {
 public:

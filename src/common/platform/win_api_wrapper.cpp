@@ -24,31 +24,35 @@ std::wstring WithTrailingBackslash(const std::wstring& path) {
     return path.ends_with(L'\\') ? path : path + L'\\';
 }
 
-std::vector<std::wstring> EntriesOf(const std::vector<wchar_t>& buffer, std::size_t returned) {
-    return SplitMultiString(buffer.data(), std::min(returned, buffer.size()));
+// The entries of an answer of `returned` characters, which must lie in the buffer.
+DWORD TakeEntries(const std::vector<wchar_t>& buffer, std::size_t returned,
+                  std::vector<std::wstring>& entries) {
+    if (returned > buffer.size()) {
+        return ERROR_INVALID_DATA;
+    }
+    entries = SplitMultiString(buffer.data(), returned);
+    return ERROR_SUCCESS;
 }
 
 }  // namespace
 
-bool WinAPIWrapper::GetVolumePathNamesForVolumeNameW(const std::wstring& volume, std::vector<std::wstring>& paths,
-                                                     DWORD& error) {
+bool WinAPIWrapper::GetVolumePathNamesForVolumeNameW(const std::wstring& volume,
+                                                     std::vector<std::wstring>& paths, DWORD& error) {
     const auto query = [&]() -> DWORD {
         const std::wstring name = WithTrailingBackslash(volume);
         std::vector<wchar_t> buffer;
         DWORD length = 0;
         const auto ask = [&](std::vector<wchar_t>& answer, std::size_t& needed) {
             length = 0;
-            const DWORD code =
-                ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumePathNamesForVolumeNameW, FALSE, name.c_str(),
-                                      answer.data(), static_cast<DWORD>(answer.size()), &length));
+            const DWORD code = ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumePathNamesForVolumeNameW,
+                                                     FALSE, name.c_str(), answer.data(),
+                                                     static_cast<DWORD>(answer.size()), &length));
             needed = length;
             return code;
         };
-        const DWORD code = GrowAndRetry(buffer, kFirstPathNamesCharacters, static_cast<DWORD>(ERROR_MORE_DATA), ask);
-        if (code == ERROR_SUCCESS) {
-            paths = EntriesOf(buffer, length);
-        }
-        return code;
+        const DWORD code =
+            GrowAndRetry(buffer, kFirstPathNamesCharacters, static_cast<DWORD>(ERROR_MORE_DATA), ask);
+        return code == ERROR_SUCCESS ? TakeEntries(buffer, length, paths) : code;
     };
     return Query(L"win::WinAPIWrapper::GetVolumePathNamesForVolumeNameW", error, query, [&] {
         GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetVolumePathNamesForVolumeName for %s error=%u",
@@ -56,7 +60,8 @@ bool WinAPIWrapper::GetVolumePathNamesForVolumeNameW(const std::wstring& volume,
     });
 }
 
-bool WinAPIWrapper::QueryDosDeviceW(const std::wstring& device, std::vector<std::wstring>& targets, DWORD& error) {
+bool WinAPIWrapper::QueryDosDeviceW(const std::wstring& device, std::vector<std::wstring>& targets,
+                                    DWORD& error) {
     const wchar_t* const name = device.empty() ? nullptr : device.c_str();
     const auto query = [&]() -> DWORD {
         std::vector<wchar_t> buffer;
@@ -68,10 +73,7 @@ bool WinAPIWrapper::QueryDosDeviceW(const std::wstring& device, std::vector<std:
         };
         const DWORD code =
             GrowAndRetry(buffer, kFirstDeviceCharacters, static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER), ask);
-        if (code == ERROR_SUCCESS) {
-            targets = EntriesOf(buffer, length);
-        }
-        return code;
+        return code == ERROR_SUCCESS ? TakeEntries(buffer, length, targets) : code;
     };
     return Query(L"win::WinAPIWrapper::QueryDosDeviceW", error, query, [&] {
         GetLogger().Write(kLogTrace, L"WinAPIWrapper::QueryDosDevice of %s error=%u",
@@ -93,8 +95,8 @@ bool WinAPIWrapper::GetDriveTypeW(const std::wstring& root, UINT& drive_type, DW
 bool WinAPIWrapper::GetDiskFreeSpaceW(const std::wstring& root, DiskFreeSpace& space, DWORD& error) {
     const auto query = [&] {
         return ErrorUnless(CallBound(Kernel32DLL::Get().GetDiskFreeSpaceW, FALSE, root.c_str(),
-                                     &space.sectors_per_cluster, &space.bytes_per_sector, &space.free_clusters,
-                                     &space.total_clusters));
+                                     &space.sectors_per_cluster, &space.bytes_per_sector,
+                                     &space.free_clusters, &space.total_clusters));
     };
     return Query(L"win::WinAPIWrapper::GetDiskFreeSpaceW", error, query, [&] {
         GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDiskFreeSpace for %s error=%u", root.c_str(), error);
@@ -114,19 +116,21 @@ bool WinAPIWrapper::GetDiskFreeSpaceExW(const std::wstring& root, DiskFreeSpaceE
         return code;
     };
     return Query(L"win::WinAPIWrapper::GetDiskFreeSpaceExW", error, query, [&] {
-        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDiskFreeSpaceEx for %s error=%u", root.c_str(), error);
+        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDiskFreeSpaceEx for %s error=%u", root.c_str(),
+                          error);
     });
 }
 
-bool WinAPIWrapper::GetVolumeInformationW(const std::wstring& root, VolumeInformation& information, DWORD& error) {
+bool WinAPIWrapper::GetVolumeInformationW(const std::wstring& root, VolumeInformation& information,
+                                          DWORD& error) {
     const auto query = [&]() -> DWORD {
         NameBuffer label{};
         NameBuffer file_system{};
-        const DWORD code = ErrorUnless(
-            CallBound(Kernel32DLL::Get().GetVolumeInformationW, FALSE, root.c_str(), label.data(),
-                      static_cast<DWORD>(label.size()), &information.serial_number,
-                      &information.maximum_component_length, &information.file_system_flags, file_system.data(),
-                      static_cast<DWORD>(file_system.size())));
+        const DWORD code =
+            ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumeInformationW, FALSE, root.c_str(), label.data(),
+                                  static_cast<DWORD>(label.size()), &information.serial_number,
+                                  &information.maximum_component_length, &information.file_system_flags,
+                                  file_system.data(), static_cast<DWORD>(file_system.size())));
         if (code == ERROR_SUCCESS) {
             information.label = TextOf(label);
             information.file_system = TextOf(file_system);
@@ -134,7 +138,8 @@ bool WinAPIWrapper::GetVolumeInformationW(const std::wstring& root, VolumeInform
         return code;
     };
     return Query(L"win::WinAPIWrapper::GetVolumeInformationW", error, query, [&] {
-        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetVolumeInfo on drive %s error=%u", root.c_str(), error);
+        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetVolumeInfo on drive %s error=%u", root.c_str(),
+                          error);
     });
 }
 

@@ -40,10 +40,10 @@ struct FileOpening {
     DWORD flags = 0;
 };
 
-// The storage functions of the system, reached through the bound table only. Every operation traces itself, sets
-// `error` to 0 on entry, and on failure logs one line and returns false with a non-zero Win32 code in `error`;
-// nothing throws. Counts, lengths and offsets inside an answer are checked against the bytes that came back: an
-// answer that contradicts itself fails with ERROR_INVALID_DATA.
+// The storage functions of the system, reached through the bound table only. Every operation traces itself,
+// sets `error` to 0 on entry, and on failure logs one line and returns false with a non-zero Win32 code in
+// `error`; nothing throws. Counts, lengths and offsets inside an answer are checked against the bytes that
+// came back: an answer that contradicts itself fails with ERROR_INVALID_DATA.
 class WinAPIWrapper {
 public:
     // The drive-letter roots and folders where a volume is mounted. Appends a missing trailing backslash.
@@ -60,13 +60,14 @@ public:
     // ERROR_NO_MORE_FILES at the end of the list.
     static bool FindNextVolumeW(const UniqueVolumeSearch& search, std::wstring& volume, DWORD& error);
 
-    static bool CreateFileW(const std::wstring& path, const FileOpening& opening, UniqueFile& file, DWORD& error);
+    static bool CreateFileW(const std::wstring& path, const FileOpening& opening, UniqueFile& file,
+                            DWORD& error);
     // Opens \\.\PhysicalDriveN. A null `drive` is refused with ERROR_INVALID_PARAMETER.
     static bool OpenPhysicalDrive(std::uint32_t disk_index, DWORD access, UniqueFile* drive, DWORD& error);
     static bool FlushFileBuffers(const UniqueFile& file, DWORD& error);
 
-    // The answers below start with a buffer of 512 bytes, or of the size that `buffer` has where that is more, and
-    // end trimmed to the bytes that came back; on failure `buffer` is empty.
+    // The answers below start with a buffer of 512 bytes, or of the size that `buffer` has where that is
+    // more, and end trimmed to the bytes that came back; on failure `buffer` is empty.
 
     // DISK_GEOMETRY_EX with its partition record; the detection record may be missing.
     static bool GetDriveGeometryEx(const UniqueFile& drive, std::uint32_t disk_index, ByteBuffer& buffer,
@@ -75,11 +76,11 @@ public:
     static bool GetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk_index, ByteBuffer& buffer,
                                  DWORD& error);
     // VOLUME_DISK_EXTENTS with all the extents that it counts.
-    static bool GetVolumeDiskExtents(const UniqueFile& volume, const std::wstring& volume_name, ByteBuffer& buffer,
-                                     DWORD& error);
+    static bool GetVolumeDiskExtents(const UniqueFile& volume, const std::wstring& volume_name,
+                                     ByteBuffer& buffer, DWORD& error);
     // The length in bytes of a disk or a volume.
-    static bool GetDiskLengthInformation(const UniqueFile& device, const std::wstring& name, std::int64_t& length,
-                                         DWORD& error);
+    static bool GetDiskLengthInformation(const UniqueFile& device, const std::wstring& name,
+                                         std::int64_t& length, DWORD& error);
 
     // The writes.
     static bool SetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk_index, ByteBuffer& layout,

@@ -1,6 +1,6 @@
 // The part of the wrapper that opens devices and sends them control codes.
 
-#include "common/platform/system_query.h"
+#include "common/platform/device_control.h"
 #include "common/platform/win_api_wrapper.h"
 
 #include <limits>
@@ -12,62 +12,17 @@ namespace {
 constexpr std::size_t kFirstControlBytes = 512;
 constexpr std::uint32_t kNoDisk = std::numeric_limits<std::uint32_t>::max();
 
-DWORD Control(const UniqueFile& device, DWORD code, void* input, std::size_t input_bytes, void* output,
-              std::size_t output_bytes, DWORD& returned_bytes) {
-    returned_bytes = 0;
-    return ErrorUnless(CallBound(Kernel32DLL::Get().DeviceIoControl, FALSE, device.get(), code, input,
-                                 static_cast<DWORD>(input_bytes), output, static_cast<DWORD>(output_bytes),
-                                 &returned_bytes, nullptr));
-}
-
-// Reads an answer of unknown length; `complete` judges whether the bytes that came back are a whole answer.
-template <class Complete>
-DWORD GrowingControl(const UniqueFile& device, DWORD code, ByteBuffer& buffer, Complete&& complete) {
-    DWORD returned = 0;
-    const auto ask = [&](ByteBuffer& answer, std::size_t& /*needed*/) {
-        return Control(device, code, nullptr, 0, answer.data(), answer.size(), returned);
-    };
-    DWORD error = ERROR_NOT_ENOUGH_MEMORY;
+// The rule of all growing answers here. A caller's buffer that is larger than the first size is used as it
+// is.
+template <class IsWhole>
+DWORD GrowingControl(const UniqueFile& device, DWORD code, ByteBuffer& buffer, IsWhole&& is_whole) {
     try {
-        error = GrowAndRetry(buffer, std::max(buffer.size(), kFirstControlBytes),
-                             static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER), ask);
+        return ReadGrowingControl(device, code, std::max(buffer.size(), kFirstControlBytes),
+                                  ERROR_INSUFFICIENT_BUFFER, buffer, is_whole);
     } catch (const std::bad_alloc&) {
-        // Reported below, with the buffer emptied as after any other failure.
-        error = ERROR_NOT_ENOUGH_MEMORY;
+        buffer.clear();
+        throw;
     }
-    if (error == ERROR_SUCCESS && returned <= buffer.size()) {
-        buffer.resize(returned);
-        if (complete(buffer)) {
-            return ERROR_SUCCESS;
-        }
-    }
-    buffer.clear();
-    return error == ERROR_SUCCESS ? static_cast<DWORD>(ERROR_INVALID_DATA) : error;
-}
-
-// Whether `buffer` holds a header of `header_bytes` and `count` elements of `element_bytes`.
-bool Holds(const ByteBuffer& buffer, std::size_t header_bytes, std::size_t count, std::size_t element_bytes) {
-    return buffer.size() >= header_bytes && (buffer.size() - header_bytes) / element_bytes >= count;
-}
-
-bool IsWholeGeometry(const ByteBuffer& buffer) {
-    return Holds(buffer, offsetof(DISK_GEOMETRY_EX, Data), 1, sizeof(DISK_PARTITION_INFO));
-}
-
-bool IsWholeLayout(const ByteBuffer& buffer) {
-    constexpr std::size_t kHeader = offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry);
-    return buffer.size() >= kHeader &&
-           Holds(buffer, kHeader,
-                 reinterpret_cast<const DRIVE_LAYOUT_INFORMATION_EX*>(buffer.data())->PartitionCount,
-                 sizeof(PARTITION_INFORMATION_EX));
-}
-
-bool IsWholeExtentList(const ByteBuffer& buffer) {
-    constexpr std::size_t kHeader = offsetof(VOLUME_DISK_EXTENTS, Extents);
-    return buffer.size() >= kHeader &&
-           Holds(buffer, kHeader,
-                 reinterpret_cast<const VOLUME_DISK_EXTENTS*>(buffer.data())->NumberOfDiskExtents,
-                 sizeof(DISK_EXTENT));
 }
 
 }  // namespace
@@ -85,24 +40,38 @@ bool WinAPIWrapper::CreateFileW(const std::wstring& path, const FileOpening& ope
     });
 }
 
-bool WinAPIWrapper::OpenPhysicalDrive(std::uint32_t disk_index, DWORD access, UniqueFile* drive, DWORD& error) {
-    return Traced(L"win::WinAPIWrapper::OpenPhysicalDrive", [&] {
-        const std::wstring path = L"\\\\.\\PhysicalDrive" + std::to_wstring(disk_index);
-        if (drive == nullptr) {
-            GetLogger().Write(kLogTrace, L"WinAPIWrapper::OpenPhysicalDrive on %s internal error, bad parameters",
-                              path.c_str());
-            SetLastError(ERROR_INVALID_PARAMETER);
-            error = ERROR_INVALID_PARAMETER;
+bool WinAPIWrapper::OpenPhysicalDrive(std::uint32_t disk_index, DWORD access, UniqueFile* drive,
+                                      DWORD& error) {
+    error = ERROR_SUCCESS;
+    const bool opened = Traced(L"win::WinAPIWrapper::OpenPhysicalDrive", [&] {
+        try {
+            const std::wstring path = L"\\\\.\\PhysicalDrive" + std::to_wstring(disk_index);
+            if (drive == nullptr) {
+                GetLogger().Write(kLogTrace,
+                                  L"WinAPIWrapper::OpenPhysicalDrive on %s internal error, bad parameters",
+                                  path.c_str());
+                error = ERROR_INVALID_PARAMETER;
+                return false;
+            }
+            return CreateFileW(path, {.access = access}, *drive, error);
+        } catch (const std::bad_alloc&) {
+            error = ERROR_OUTOFMEMORY;
             return false;
         }
-        return CreateFileW(path, {.access = access}, *drive, error);
     });
+    if (drive == nullptr) {
+        SetLastError(ERROR_INVALID_PARAMETER);  // after the trace, which may have changed it
+    }
+    return opened;
 }
 
 bool WinAPIWrapper::FlushFileBuffers(const UniqueFile& file, DWORD& error) {
     constexpr const wchar_t* kFunction = L"win::WinAPIWrapper::FlushFileBuffers";
-    const auto query = [&] { return ErrorUnless(CallBound(Kernel32DLL::Get().FlushFileBuffers, FALSE, file.get())); };
-    return Query(kFunction, error, query, [&] { GetLogger().Write(kLogTrace, L"%s error=%u", kFunction, error); });
+    const auto query = [&] {
+        return ErrorUnless(CallBound(Kernel32DLL::Get().FlushFileBuffers, FALSE, file.get()));
+    };
+    return Query(kFunction, error, query,
+                 [&] { GetLogger().Write(kLogTrace, L"%s error=%u", kFunction, error); });
 }
 
 bool WinAPIWrapper::GetDriveGeometryEx(const UniqueFile& drive, std::uint32_t disk_index, ByteBuffer& buffer,
@@ -111,7 +80,8 @@ bool WinAPIWrapper::GetDriveGeometryEx(const UniqueFile& drive, std::uint32_t di
         return GrowingControl(drive, IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, buffer, IsWholeGeometry);
     };
     return Query(L"win::WinAPIWrapper::GetDriveGeometryEx", error, query, [&] {
-        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDriveGeometryEx on drive %d error=%u", disk_index, error);
+        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDriveGeometryEx on drive %d error=%u", disk_index,
+                          error);
     });
 }
 
@@ -123,16 +93,18 @@ bool WinAPIWrapper::GetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk
             buffer.clear();
             return ERROR_INVALID_PARAMETER;
         }
-        return GrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, buffer, IsWholeLayout);
+        return GrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, buffer, IsWholeLayoutEx);
     };
     return Query(L"win::WinAPIWrapper::GetDriveLayoutEx", error, query, [&] {
         if (bad_parameter) {
-            GetLogger().Write(kLogTrace,
-                              L"WinAPIWrapper::GetDriveLayoutEx on drive index %d, internal error, bad parameter",
-                              disk_index);
+            GetLogger().Write(
+                kLogTrace,
+                L"WinAPIWrapper::GetDriveLayoutEx on drive index %d, internal error, bad parameter",
+                disk_index);
             return;
         }
-        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDriveLayoutEx on drive %d error=%u", disk_index, error);
+        GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDriveLayoutEx on drive %d error=%u", disk_index,
+                          error);
     });
 }
 
@@ -152,9 +124,9 @@ bool WinAPIWrapper::GetDiskLengthInformation(const UniqueFile& device, const std
     const auto query = [&]() -> DWORD {
         GET_LENGTH_INFORMATION information{};
         DWORD returned = 0;
-        const DWORD code = Control(device, IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &information,
-                                   sizeof(information), returned);
-        if (code == ERROR_SUCCESS && returned != sizeof(information)) {
+        const DWORD code = SendControl(device, IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &information,
+                                       sizeof(information), returned);
+        if (code == ERROR_SUCCESS && (returned != sizeof(information) || information.Length.QuadPart < 0)) {
             return ERROR_INVALID_DATA;
         }
         if (code == ERROR_SUCCESS) {
@@ -172,11 +144,12 @@ bool WinAPIWrapper::SetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk
     constexpr const wchar_t* kFunction = L"win::WinAPIWrapper::SetDriveLayoutEx";
     const auto query = [&] {
         DWORD returned = 0;
-        return Control(drive, IOCTL_DISK_SET_DRIVE_LAYOUT_EX, layout.data(), layout.size(), nullptr, 0, returned);
+        return SendControl(drive, IOCTL_DISK_SET_DRIVE_LAYOUT_EX, layout.data(), layout.size(), nullptr, 0,
+                           returned);
     };
     return Query(kFunction, error, query, [&] {
-        GetLogger().Write(kLogError, L"%s IOCTL_DISK_SET_DRIVE_LAYOUT of disk %u error=%u", kFunction, disk_index,
-                          error);
+        GetLogger().Write(kLogError, L"%s IOCTL_DISK_SET_DRIVE_LAYOUT of disk %u error=%u", kFunction,
+                          disk_index, error);
     });
 }
 
@@ -184,7 +157,8 @@ bool WinAPIWrapper::CreateDisk(const UniqueFile& drive, CREATE_DISK& description
     constexpr const wchar_t* kFunction = L"win::WinAPIWrapper::CreateDisk";
     const auto query = [&]() -> DWORD {
         DWORD returned = 0;
-        return drive ? Control(drive, IOCTL_DISK_CREATE_DISK, &description, sizeof(description), nullptr, 0, returned)
+        return drive ? SendControl(drive, IOCTL_DISK_CREATE_DISK, &description, sizeof(description), nullptr,
+                                   0, returned)
                      : static_cast<DWORD>(ERROR_INVALID_PARAMETER);
     };
     return Query(kFunction, error, query, [&] {
@@ -200,17 +174,20 @@ bool WinAPIWrapper::UpdateDiskProperties(const UniqueFile& drive, DWORD& error) 
     constexpr const wchar_t* kFunction = L"win::WinAPIWrapper::UpdateDiskProperties";
     const auto query = [&]() -> DWORD {
         DWORD returned = 0;
-        return drive ? Control(drive, IOCTL_DISK_UPDATE_PROPERTIES, nullptr, 0, nullptr, 0, returned)
+        return drive ? SendControl(drive, IOCTL_DISK_UPDATE_PROPERTIES, nullptr, 0, nullptr, 0, returned)
                      : static_cast<DWORD>(ERROR_INVALID_PARAMETER);
     };
-    return Query(kFunction, error, query, [&] {
+    const bool updated = Query(kFunction, error, query, [&] {
         if (!drive) {
             GetLogger().Write(kLogTrace, L"%s - internal error, bad parameter", kFunction);
-            SetLastError(ERROR_INVALID_PARAMETER);
             return;
         }
         GetLogger().Write(kLogError, L"%s IOCTL_DISK_UPDATE_PROPERTIES error=%u", kFunction, error);
     });
+    if (!drive) {
+        SetLastError(ERROR_INVALID_PARAMETER);  // after the trace, which may have changed it
+    }
+    return updated;
 }
 
 }  // namespace win

@@ -3,6 +3,7 @@
 #include "common/logger/orvane_logger.h"
 
 #include <cstring>
+#include <exception>
 #include <memory>
 
 namespace {
@@ -26,21 +27,27 @@ HRESULT Checked(HRESULT result, const wchar_t* message) {
     return result;
 }
 
+// A success that delivers nothing is a failure.
+template <class Pointer>
+HRESULT Delivered(HRESULT result, const Pointer& pointer) {
+    return SUCCEEDED(result) && pointer == nullptr ? E_POINTER : result;
+}
+
 bool IsInteger(VARTYPE type) {
     return type == VT_I4 || type == VT_INT || type == VT_UINT;
 }
 
 int WholeInteger(const VARIANT& value) {
     switch (value.vt) {
-    case VT_I2:
-    case VT_BOOL:
-        return value.iVal;
-    case VT_UI2:
-        return value.uiVal;
-    case VT_UI4:
-        return static_cast<int>(value.ulVal);
-    default:
-        return IsInteger(value.vt) ? value.intVal : 0;
+        case VT_I2:
+        case VT_BOOL:
+            return value.iVal;
+        case VT_UI2:
+            return value.uiVal;
+        case VT_UI4:
+            return static_cast<int>(value.ulVal);
+        default:
+            return IsInteger(value.vt) ? value.intVal : 0;
     }
 }
 
@@ -51,25 +58,36 @@ int LowInteger(const VARIANT& value) {
 // Access to the elements of a one-dimensional array of strings for the length of a scope.
 class ArrayAccess {
 public:
-    explicit ArrayAccess(SAFEARRAY* array) : array_(array) {
-        if (FAILED(SafeArrayAccessData(array_, reinterpret_cast<void**>(&elements_)))) {
-            elements_ = nullptr;
-        }
-    }
+    explicit ArrayAccess(SAFEARRAY* array)
+        : array_(array),
+          locked_(SUCCEEDED(SafeArrayAccessData(array, reinterpret_cast<void**>(&elements_)))) {}
     ~ArrayAccess() {
-        if (elements_ != nullptr) {
+        if (locked_) {
             SafeArrayUnaccessData(array_);
         }
     }
     ArrayAccess(const ArrayAccess&) = delete;
     ArrayAccess& operator=(const ArrayAccess&) = delete;
 
-    const BSTR* elements() const { return elements_; }
+    // Null where the array could not be accessed.
+    const BSTR* elements() const { return locked_ ? elements_ : nullptr; }
 
 private:
-    SAFEARRAY* array_;
     BSTR* elements_ = nullptr;
+    SAFEARRAY* array_;
+    bool locked_;
 };
+
+// Takes a value over; false when there is no memory for it.
+template <class Take>
+bool WithoutThrowing(Take&& take) {
+    try {
+        take();
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
 
 std::wstring TextOf(BSTR text) {
     return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
@@ -99,32 +117,33 @@ CWmi::CWmi(const wchar_t* query) {
     if (SUCCEEDED(result)) {
         const UniqueBstr language(SysAllocString(L"WQL"));
         const UniqueBstr text(SysAllocString(query));
-        result = language && text ? services_->ExecQuery(language.get(), text.get(), WBEM_FLAG_RETURN_IMMEDIATELY,
-                                                         nullptr, &enumerator_)
+        result = language && text ? services_->ExecQuery(language.get(), text.get(),
+                                                         WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, &enumerator_)
                                   : E_OUTOFMEMORY;
-        Checked(result, L"CWmi::CWmi ExecQuery failed error 0x%x");
+        result = Checked(Delivered(result, enumerator_), L"CWmi::CWmi ExecQuery failed error 0x%x");
     }
     initialized_ = SUCCEEDED(result);
 }
 
 HRESULT CWmi::Connect() {
     // The pointer is the locator as it is delivered: asked for as IUnknown, used without a further query.
-    HRESULT result = Checked(CoCreateInstance(kAdministrativeLocator, nullptr,
-                                              CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown,
-                                              reinterpret_cast<void**>(&locator_)),
-                             L"CWmi::CWmi CoCreateInstance failed error 0x%x");
+    HRESULT result =
+        CoCreateInstance(kAdministrativeLocator, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
+                         IID_IUnknown, reinterpret_cast<void**>(&locator_));
+    result = Checked(Delivered(result, locator_), L"CWmi::CWmi CoCreateInstance failed error 0x%x");
     if (FAILED(result)) {
         return result;
     }
     const UniqueBstr name_space(SysAllocString(L"root\\cimv2"));
-    result = name_space ? locator_->ConnectServer(name_space.get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr,
-                                                  &services_)
+    result = name_space ? locator_->ConnectServer(name_space.get(), nullptr, nullptr, nullptr, 0, nullptr,
+                                                  nullptr, &services_)
                         : E_OUTOFMEMORY;
-    if (FAILED(Checked(result, L"CWmi::CWmi ConnectServer failed error 0x%x"))) {
+    result = Checked(Delivered(result, services_), L"CWmi::CWmi ConnectServer failed error 0x%x");
+    if (FAILED(result)) {
         return result;
     }
-    return Checked(CoSetProxyBlanket(services_, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
-                                     RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE),
+    return Checked(CoSetProxyBlanket(services_, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
+                                     RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE),
                    L"CWmi::CWmi CoSetProxyBlanket failed error 0x%x");
 }
 
@@ -172,10 +191,11 @@ bool CWmi::Get(const wchar_t* property, std::wstring& value) {
     if (!ReadProperty(property, read)) {
         return false;
     }
-    if (read.vt == VT_BSTR) {
-        value = TextOf(read.bstrVal);
-    }
-    return true;
+    return WithoutThrowing([&] {
+        if (read.vt == VT_BSTR) {
+            value = TextOf(read.bstrVal);
+        }
+    });
 }
 
 bool CWmi::Get(const wchar_t* property, std::vector<std::wstring>& value) {
@@ -183,10 +203,11 @@ bool CWmi::Get(const wchar_t* property, std::vector<std::wstring>& value) {
     if (!ReadProperty(property, read)) {
         return false;
     }
-    if (read.vt == (VT_ARRAY | VT_BSTR)) {
-        AppendStrings(read.parray, value);
-    }
-    return true;
+    return WithoutThrowing([&] {
+        if (read.vt == (VT_ARRAY | VT_BSTR)) {
+            AppendStrings(read.parray, value);
+        }
+    });
 }
 
 bool CWmi::GetLowInteger(const wchar_t* property, int& value) {

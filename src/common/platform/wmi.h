@@ -12,9 +12,9 @@ using WbemEnumeratorPtr = ComPointer<IEnumWbemClassObject, &IID_IEnumWbemClassOb
 using WbemLocatorPtr = ComPointer<IWbemLocator, &IID_IWbemLocator>;
 using WbemObjectPtr = ComPointer<IWbemClassObject, &IID_IWbemClassObject>;
 
-// One WQL query in "root\cimv2" and a forward cursor over its results. Connected and queried by the constructor.
-// To be used while a COMEnabler of the same thread lives. Nothing throws; failures are false, and one level 2 line
-// where the connection failed.
+// One WQL query in "root\cimv2" and a forward cursor over its results. Connected and queried by the
+// constructor. To be used while a COMEnabler of the same thread lives. Nothing throws; failures are false,
+// and one level 2 line where the connection failed.
 class CWmi {
 public:
     explicit CWmi(const wchar_t* query);
@@ -28,14 +28,14 @@ public:
     virtual bool FindFirstObject();
     virtual bool FindNextObject();
 
-    // A property of the current object. True whenever the property could be read at all: a value of another type
-    // leaves the text or the list as it was and gives the number 0. The list is appended to.
+    // A property of the current object. True whenever the property could be read at all: a value of another
+    // type leaves the text or the list as it was and gives the number 0. The list is appended to.
     virtual bool Get(const wchar_t* property, int& value);
     virtual bool Get(const wchar_t* property, std::wstring& value);
     virtual bool Get(const wchar_t* property, std::vector<std::wstring>& value);
 
-    // As the number above, but an unsigned 32-bit value gives its low 16 bits, and a property that cannot be read
-    // leaves `value` as it was.
+    // As the number above, but an unsigned 32-bit value gives its low 16 bits, and a property that cannot be
+    // read leaves `value` as it was.
     bool GetLowInteger(const wchar_t* property, int& value);
 
 private:

@@ -41,8 +41,8 @@ bool IsDriveName(const std::wstring& dos_name) {
 }  // namespace
 
 Volume::Volume(std::wstring volume_id, std::wstring device_name)
-    : status_{kGettingDriveType,   kGettingDeviceName,           kGettingVolumeInformation,
-              kGettingMountPoints, kOpeningVolume,               kGettingDiskExtents,
+    : status_{kGettingDriveType,           kGettingDeviceName,      kGettingVolumeInformation,
+              kGettingMountPoints,         kOpeningVolume,          kGettingDiskExtents,
               kGettingVolumePartitionSize, kGettingVolumeFreeSpace, kGettingVolumeFreeSpaceEx},
       volume_id_(std::move(volume_id)),
       volume_guid_(volume_id_.empty() ? std::wstring() : GetNormalizedVolumeGUID(volume_id_)),
@@ -87,16 +87,25 @@ void Volume::QueryOpenVolume() {
         InitializeDiskExtents(volume);
     } catch (...) {
         GetLogger().Write(kLogError, L"Exception in %s line %d", L"bmr_common::Volume::Initialize", __LINE__);
+        // What an exception left undone has failed: an unknown place on the disks must not pass for none.
+        FailIfNotAttempted(kGettingVolumePartitionSize, L"Failed to get volume partition size");
+        FailIfNotAttempted(kGettingDiskExtents, L"Failed to GetVolumeDiskExtents");
     }
 }
 
-// The root path by which the system is asked about the volume. Never an empty one: that would be answered with the
-// current drive.
+void Volume::FailIfNotAttempted(const std::wstring& operation, const wchar_t* failure) {
+    if (status_.FindOperation(operation).state == OperationStatus::kInitial) {
+        status_.SetError(operation, failure);
+    }
+}
+
+// The root path by which the system is asked about the volume. Never an empty one: that would be answered
+// with the current drive.
 std::wstring Volume::QueryPath() const {
     if (!volume_id_.empty()) {
         return volume_id_;
     }
-    const std::wstring path = GetWin32APICompatibleName(device_name_);
+    const std::wstring path = GetWin32APICompatibleName(WithoutTrailingBackslashes(device_name_));
     return path.empty() ? path : path + L'\\';
 }
 
@@ -147,6 +156,7 @@ void Volume::InitializeMountPoints() {
 bool Volume::FindMountPointsByDevice() {
     DWORD error = 0;
     std::vector<std::wstring> names;
+    std::vector<std::wstring> found;
     if (!win::WinAPIWrapper::QueryDosDeviceW(L"", names, error)) {
         return false;
     }
@@ -159,9 +169,10 @@ bool Volume::FindMountPointsByDevice() {
             return false;
         }
         if (!targets.empty() && boost::algorithm::iequals(targets.front(), device_name_)) {
-            mount_points_.push_back(name + L'\\');
+            found.push_back(name + L'\\');
         }
     }
+    mount_points_ = std::move(found);
     return true;
 }
 
@@ -196,8 +207,8 @@ UniqueFile Volume::OpenVolume() {
     const bool opened =
         !path.empty() &&
         win::WinAPIWrapper::CreateFileW(
-            path, {.access = GENERIC_READ, .flags = FILE_FLAG_NO_BUFFERING | FILE_FLAG_BACKUP_SEMANTICS}, volume,
-            error);
+            path, {.access = GENERIC_READ, .flags = FILE_FLAG_NO_BUFFERING | FILE_FLAG_BACKUP_SEMANTICS},
+            volume, error);
     Record(status_, kOpeningVolume, opened, L"Failed to open volume");
     return volume;
 }
@@ -217,11 +228,13 @@ void Volume::InitializeDiskExtents(const UniqueFile& volume) {
     if (known) {
         const auto& list = *reinterpret_cast<const VOLUME_DISK_EXTENTS*>(buffer.data());
         const DISK_EXTENT* const first = list.Extents;
-        std::transform(first, first + list.NumberOfDiskExtents, std::back_inserter(extents_),
+        std::vector<VolumeExtent> extents;
+        std::transform(first, first + list.NumberOfDiskExtents, std::back_inserter(extents),
                        [](const DISK_EXTENT& extent) {
                            return VolumeExtent{extent.DiskNumber, extent.StartingOffset.QuadPart,
                                                extent.ExtentLength.QuadPart};
                        });
+        extents_ = std::move(extents);
     }
     Record(status_, kGettingDiskExtents, known, L"Failed to GetVolumeDiskExtents");
 }

@@ -24,6 +24,9 @@ extern const std::wstring kGettingVolumePartitionSize;
 extern const std::wstring kGettingVolumeFreeSpace;
 extern const std::wstring kGettingVolumeFreeSpaceEx;
 
+// What a volume GUID path begins with.
+inline constexpr wchar_t kVolumeGuidPrefix[] = L"\\\\?\\Volume{";
+
 // Bytes of one disk that a volume occupies.
 struct VolumeExtent {
     std::uint32_t disk_number = 0;
@@ -31,8 +34,8 @@ struct VolumeExtent {
     std::int64_t length = 0;           // bytes
 };
 
-// One volume of the running system. Filled once, by Initialize, through a series of named queries whose failures
-// are recorded and abort nothing. Sizes are in bytes.
+// One volume of the running system. Filled once, by Initialize, through a series of named queries whose
+// failures are recorded and abort nothing. Sizes are in bytes.
 class Volume {
 public:
     // `volume_id` is the volume GUID path as the system lists it, empty for a device volume that has none;
@@ -42,8 +45,8 @@ public:
     Volume(const Volume&) = delete;
     Volume& operator=(const Volume&) = delete;
 
-    // Asks the system everything. The device names tell which volume the system and the boot volume are (empty:
-    // unknown). True when no query failed.
+    // Asks the system everything. The device names tell which volume the system and the boot volume are
+    // (empty: unknown). True when no query failed.
     virtual bool Initialize(const std::wstring& system_volume_device, const std::wstring& boot_volume_device,
                             const DeviceManager& disks);
 
@@ -90,7 +93,8 @@ public:
     static bool ConvertToNormalizedDeviceId(std::wstring& device_name);
     // The same on a copy; a failure is a failed assertion, the name is then returned as it is.
     static std::wstring GetNormalizedDeviceId(const std::wstring& device_name);
-    // The bare GUID text of a volume GUID path with or without its trailing backslash; another text is itself.
+    // The bare GUID text of a volume GUID path with or without its trailing backslash; another text is
+    // itself.
     static std::wstring GetGuidFromVolumeGUID(const std::wstring& volume_guid);
     // Any of these forms to "\\?\Volume{GUID}\".
     static bool ConvertToNormalizedVolumeGUID(std::wstring& volume_guid);
@@ -113,6 +117,7 @@ private:
     bool FindDeviceName();
     bool FindMountPointsByDevice();
     void QueryOpenVolume();
+    void FailIfNotAttempted(const std::wstring& operation, const wchar_t* failure);
     bool IsDevice(const std::wstring& device_name) const;
     bool MissesQuery() const;
 

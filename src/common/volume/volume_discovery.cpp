@@ -1,5 +1,5 @@
-// How the volume manager finds the volumes: two independent sources, of which both must know a volume's GUID, so
-// that stale symbolic links make no phantom volumes.
+// How the volume manager finds the volumes: two independent sources, of which both must know a volume's GUID,
+// so that stale symbolic links make no phantom volumes.
 
 #include "common/logger/trace.h"
 #include "common/volume/volume_manager.h"
@@ -15,6 +15,8 @@ namespace {
 
 // A listing that never ends is given up here; no directory of a real machine has so many entries.
 constexpr std::size_t kMostEntries = 200'000;
+
+constexpr wchar_t kMapFunction[] = L"bmr_common::VolumeManager::GetDeviceNamesMap";
 
 std::wstring CaseFolded(std::wstring text) {
     for (wchar_t& character : text) {
@@ -35,8 +37,12 @@ bool VolumeManager::GetObjectNamesPairList(const UniqueDirectory& directory, con
         win::ByteBuffer buffer;
         ULONG context = 0;
         DWORD code = ERROR_SUCCESS;
-        for (std::size_t i = 0; i < kMostEntries; ++i) {
+        for (std::size_t i = 0; code == ERROR_SUCCESS; ++i) {
             win::DirectoryEntry entry;
+            if (i == kMostEntries) {
+                code = ERROR_INVALID_DATA;
+                break;
+            }
             if (!win::NtAPIWrapper::QueryDirectoryObject(directory, i == 0, context, buffer, entry, code)) {
                 break;
             }
@@ -77,7 +83,8 @@ bool VolumeManager::GetDeviceNamesList(const std::wstring& directory_path, const
     });
 }
 
-bool VolumeManager::GetVolumeGUIDsFromFindFirstVolume(std::vector<std::wstring>& volumes, std::wstring& error) {
+bool VolumeManager::GetVolumeGUIDsFromFindFirstVolume(std::vector<std::wstring>& volumes,
+                                                      std::wstring& error) {
     return Traced(L"bmr_common::VolumeManager::GetVolumeGUIDsFromFindFirstVolume", [&] {
         std::wstring volume;
         UniqueVolumeSearch search;
@@ -88,7 +95,11 @@ bool VolumeManager::GetVolumeGUIDsFromFindFirstVolume(std::vector<std::wstring>&
         }
         do {
             volumes.push_back(volume);
-        } while (volumes.size() < kMostEntries && win::WinAPIWrapper::FindNextVolumeW(search, volume, code));
+            if (volumes.size() == kMostEntries) {
+                code = ERROR_INVALID_DATA;
+                break;
+            }
+        } while (win::WinAPIWrapper::FindNextVolumeW(search, volume, code));
         if (code != ERROR_NO_MORE_FILES) {
             error = WithCode(L" failed to FindNextVolume error=", code);
             return false;
@@ -98,8 +109,7 @@ bool VolumeManager::GetVolumeGUIDsFromFindFirstVolume(std::vector<std::wstring>&
 }
 
 bool VolumeManager::GetDeviceNamesMap(DeviceNamesMap& map, std::wstring& error) {
-    constexpr const wchar_t* kFunction = L"bmr_common::VolumeManager::GetDeviceNamesMap";
-    return Traced(kFunction, [&] {
+    return Traced(kMapFunction, [&] {
         std::vector<std::wstring> device_volumes;
         std::vector<std::wstring> links;
         if (!GetDeviceNamesList(L"\\Device", L"HarddiskVolume", device_volumes, error) ||
@@ -107,7 +117,7 @@ bool VolumeManager::GetDeviceNamesMap(DeviceNamesMap& map, std::wstring& error) 
             return false;
         }
         if (links.empty()) {
-            GetLogger().Write(kLogError, L"%s - volume list is empty", kFunction);
+            GetLogger().Write(kLogError, L"%s - volume list is empty", kMapFunction);
             return true;
         }
         if (!AddLinkedVolumes(links, map, error)) {
@@ -133,8 +143,9 @@ bool VolumeManager::AddLinkedVolumes(const std::vector<std::wstring>& links, Dev
     for (const std::wstring& link : links) {
         std::vector<std::wstring> targets;
         DWORD code = 0;
-        // A link whose target cannot be asked is dropped; the wrapper has logged why.
         if (!win::WinAPIWrapper::QueryDosDeviceW(link, targets, code) || targets.empty()) {
+            GetLogger().Write(kLogTrace, L"%s - skip volume link %s without a target", kMapFunction,
+                              link.c_str());
             continue;
         }
         const std::wstring guid_path = L"\\\\?\\" + link + L"\\";
@@ -142,8 +153,8 @@ bool VolumeManager::AddLinkedVolumes(const std::vector<std::wstring>& links, Dev
             continue;
         }
         if (!map.try_emplace(targets.front(), guid_path).second) {
-            GetLogger().Write(kLogTrace, L"%s - skip saving alias volume GUID %s",
-                              L"bmr_common::VolumeManager::GetDeviceNamesMap", guid_path.c_str());
+            GetLogger().Write(kLogTrace, L"%s - skip saving alias volume GUID %s", kMapFunction,
+                              guid_path.c_str());
         }
     }
     return true;

@@ -82,8 +82,8 @@ bool Volume::is_on_active_partition(const DeviceManager& disks) {
     if (disk) {
         is_on_active_partition_ = disk->ExtentIsOnBootablePartition(extent.starting_offset, extent.length);
     } else {
-        GetLogger().Write(kLogWarning, L"%s Volume %s is on non existing disk %u", kFunction, volume_id_.c_str(),
-                          extent.disk_number);
+        GetLogger().Write(kLogWarning, L"%s Volume %s is on non existing disk %u", kFunction,
+                          volume_id_.c_str(), extent.disk_number);
     }
     return is_on_active_partition_;
 }

@@ -4,6 +4,7 @@
 #include "common/xml/xml_values.h"
 
 #include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/trim.hpp>
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
@@ -23,7 +24,8 @@ bool VolumeManager::InitializeWithCurrentVolumes(const DeviceManager& disks,
             DeviceNamesMap map;
             std::wstring error;
             if (!GetDeviceNamesMap(map, error)) {
-                GetLogger().Write(kLogError, L"%s%s", kFunction, error.c_str());
+                GetLogger().Write(kLogError, L"%s %s", kFunction,
+                                  boost::algorithm::trim_left_copy(error).c_str());
                 status_.SetError(kFindVolume, error);
                 return false;
             }
@@ -33,13 +35,17 @@ bool VolumeManager::InitializeWithCurrentVolumes(const DeviceManager& disks,
         } catch (...) {
             GetLogger().Write(kLogError, L"Exception in %s", kFunction);
             volumes_.clear();
+            if (!status_.IsFailed(kFindVolume)) {
+                status_.SetError(kFindVolume, L" exception");
+            }
             return false;
         }
     });
 }
 
 void VolumeManager::CreateVolumes(const DeviceNamesMap& map, const DeviceManager& disks,
-                                  const std::wstring& system_volume_device, const std::wstring& boot_volume_device) {
+                                  const std::wstring& system_volume_device,
+                                  const std::wstring& boot_volume_device) {
     for (const auto& [device, guid] : map) {
         GetLogger().Write(kLogTrace, L"DeviceName[%s] VolumeGUID[%s]", device.c_str(), guid.c_str());
     }
@@ -52,15 +58,17 @@ void VolumeManager::CreateVolumes(const DeviceNamesMap& map, const DeviceManager
 
 VolumePtr VolumeManager::GetVolume(const std::wstring& guid_or_device) const {
     std::wstring name = guid_or_device;
-    if (!Volume::ConvertToNormalizedDeviceId(name)) {
-        Volume::ConvertToNormalizedVolumeGUID(name);
+    if (!Volume::ConvertToNormalizedDeviceId(name) && name.find(kVolumeGuidPrefix) == std::wstring::npos) {
+        name = kVolumeGuidPrefix + name + L"}";
+        name += L'\\';
     }
     const auto found = std::find_if(volumes_.begin(), volumes_.end(), [&](const VolumePtr& volume) {
         return boost::algorithm::iequals(volume->volume_guid(), name) ||
                boost::algorithm::iequals(volume->device_name(), name);
     });
-    if (found == volumes_.end() || name.empty()) {
-        GetLogger().Write(kLogTrace, L"VolumeManager::GetVolume: bad GUID %s, no match", guid_or_device.c_str());
+    if (found == volumes_.end()) {
+        GetLogger().Write(kLogTrace, L"VolumeManager::GetVolume: bad GUID %s, no match",
+                          guid_or_device.c_str());
         return {};
     }
     return *found;

@@ -12,8 +12,8 @@ extern const std::wstring kFindVolume;
 
 using VolumePtr = boost::shared_ptr<Volume>;
 
-// All volumes of the running system: those that both the object directories and the mount manager know, and the
-// device volumes that have no GUID. Offsets are in bytes.
+// All volumes of the running system: those that both the object directories and the mount manager know, and
+// the device volumes that have no GUID. Offsets are in bytes.
 class VolumeManager {
 public:
     VolumeManager();
@@ -21,14 +21,17 @@ public:
     VolumeManager(const VolumeManager&) = delete;
     VolumeManager& operator=(const VolumeManager&) = delete;
 
-    // Finds and asks every volume; to be called once. False, after a line and with no volumes, when they could not
-    // be found; what is wrong with a single volume stays inside it. Throws nothing.
-    virtual bool InitializeWithCurrentVolumes(const DeviceManager& disks, const std::wstring& system_volume_device,
+    // Finds and asks every volume; to be called once. False, after a line and with no volumes, when they
+    // could not be found; what is wrong with a single volume stays inside it. Throws nothing.
+    virtual bool InitializeWithCurrentVolumes(const DeviceManager& disks,
+                                              const std::wstring& system_volume_device,
                                               const std::wstring& boot_volume_device);
 
-    // The volume of that GUID (bare, or a volume GUID path) or NT device name; empty, after a level 5 line, if none.
+    // The volume of that GUID (bare, or a volume GUID path) or NT device name; empty, after a level 5 line,
+    // if none.
     VolumePtr GetVolume(const std::wstring& guid_or_device) const;
-    // The first volume with an extent that starts at `offset` of that disk; empty, after a level 5 line, if none.
+    // The first volume with an extent that starts at `offset` of that disk; empty, after a level 5 line, if
+    // none.
     VolumePtr GetVolume(std::uint32_t disk_number, std::int64_t offset) const;
 
     virtual void DumpInfo() const;
@@ -52,7 +55,8 @@ private:
                                    std::vector<std::wstring>& names, std::wstring& error);
     static bool GetVolumeGUIDsFromFindFirstVolume(std::vector<std::wstring>& volumes, std::wstring& error);
     static bool GetDeviceNamesMap(DeviceNamesMap& map, std::wstring& error);
-    static bool AddLinkedVolumes(const std::vector<std::wstring>& links, DeviceNamesMap& map, std::wstring& error);
+    static bool AddLinkedVolumes(const std::vector<std::wstring>& links, DeviceNamesMap& map,
+                                 std::wstring& error);
 
     void CreateVolumes(const DeviceNamesMap& map, const DeviceManager& disks,
                        const std::wstring& system_volume_device, const std::wstring& boot_volume_device);

@@ -14,15 +14,14 @@ namespace bmr_common {
 namespace {
 
 constexpr wchar_t kDevicePrefix[] = L"\\Device\\";
-constexpr wchar_t kVolumePrefix[] = L"\\\\?\\Volume{";
 constexpr wchar_t kAssertionSource[] = L"src/common/volume";
 
 void LogUnexpectedFormat(const wchar_t* function, const std::wstring& device_name) {
     GetLogger().Write(kLogTrace, L"%s device name '%s' in unexpected format", function, device_name.c_str());
 }
 
-void AssertConverted(bool converted, const wchar_t* condition, const wchar_t* message, const wchar_t* function,
-                     const std::wstring& text,
+void AssertConverted(bool converted, const wchar_t* condition, const wchar_t* message,
+                     const wchar_t* function, const std::wstring& text,
                      const std::source_location where = std::source_location::current()) {
     if (!converted) {
         GetLogger().Write(kLogError, message, function, text.c_str());
@@ -54,15 +53,16 @@ bool Volume::ConvertToNormalizedDeviceId(std::wstring& device_name) {
 std::wstring Volume::GetNormalizedDeviceId(const std::wstring& device_name) {
     std::wstring normalized = device_name;
     const bool able_to_convert_device_id = ConvertToNormalizedDeviceId(normalized);
-    AssertConverted(able_to_convert_device_id, L"able_to_convert_device_id", L"%s failed to convert device id %s",
-                    L"bmr_common::Volume::GetNormalizedDeviceId", device_name);
+    AssertConverted(able_to_convert_device_id, L"able_to_convert_device_id",
+                    L"%s failed to convert device id %s", L"bmr_common::Volume::GetNormalizedDeviceId",
+                    device_name);
     return normalized;
 }
 
 std::wstring Volume::GetGuidFromVolumeGUID(const std::wstring& volume_guid) {
     std::wstring guid = volume_guid;
-    if (guid.starts_with(kVolumePrefix)) {
-        guid.erase(0, std::size(kVolumePrefix) - 1);
+    if (guid.starts_with(kVolumeGuidPrefix)) {
+        guid.erase(0, std::size(kVolumeGuidPrefix) - 1);
     }
     for (const wchar_t* closing : {L"}\\", L"}"}) {
         if (guid.ends_with(closing)) {
@@ -78,7 +78,7 @@ bool Volume::ConvertToNormalizedVolumeGUID(std::wstring& volume_guid) {
     if (guid.empty() || guid.find_first_of(L"{}\\") != std::wstring::npos) {
         return false;
     }
-    volume_guid = kVolumePrefix + guid + L"}\\";
+    volume_guid = kVolumeGuidPrefix + guid + L"}\\";
     return true;
 }
 

@@ -12,9 +12,9 @@ namespace bmr_common {
 namespace {
 
 constexpr const wchar_t* kDriveTypeLines[] = {
-    L"Drive type: unknown",     L"Drive type: invalid - no root directory",
-    L"Drive type: removable",   L"Drive type: fixed drive",
-    L"Drive type: remote",      L"Drive type: CD ROM",
+    L"Drive type: unknown",   L"Drive type: invalid - no root directory",
+    L"Drive type: removable", L"Drive type: fixed drive",
+    L"Drive type: remote",    L"Drive type: CD ROM",
     L"Drive type: ramdisk",
 };
 

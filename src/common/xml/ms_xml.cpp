@@ -4,7 +4,8 @@
 
 namespace {
 
-constexpr CLSID kDomDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+constexpr CLSID kDomDocument30 = {
+    0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
 
 using SupportErrorInfoPtr = ComPointer<ISupportErrorInfo, &IID_ISupportErrorInfo>;
 
@@ -23,8 +24,7 @@ void Require(HRESULT result, IUnknown* object, REFIID iid) {
 }
 
 _bstr_t Bstr(const std::wstring& text) {
-    // Not by the wrapper's own constructor: it stops at an embedded terminator.
-    BSTR copy = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    BSTR copy = SysAllocString(text.c_str());
     if (copy == nullptr) {
         throw _com_error(E_OUTOFMEMORY);
     }
@@ -41,7 +41,7 @@ _bstr_t WideOf(const char* text) {
 
 }  // namespace
 
-CMSXmlNode::CMSXmlNode(XmlNodePtr node) : node_(std::move(node)) {}
+CMSXmlNode::CMSXmlNode(const XmlNodePtr& node) : node_(node) {}
 
 IXMLDOMNode& CMSXmlNode::Node() const {
     if (node_ == nullptr) {
@@ -57,7 +57,8 @@ CMSXmlNode CMSXmlNode::AddChild(const char* name) {
         return {};
     }
     XmlNodePtr created;
-    Require(document->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), WideOf(name), _bstr_t(L""), &created),
+    Require(document->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), WideOf(name), _bstr_t(L""),
+                                 &created),
             document, IID_IXMLDOMDocument);
     XmlNodeListPtr children;
     Require(Node().get_childNodes(&children), node_, IID_IXMLDOMNode);

@@ -6,8 +6,9 @@
 
 #include <string>
 
-// The platform's DOM, as far as documents are built with it. To be used on one thread, with COM initialised there.
-// A failed interface call throws _com_error with the interface's error information; the empty node throws E_POINTER.
+// The platform's DOM, as far as documents are built with it. To be used on one thread, with COM initialised
+// there. A failed interface call throws _com_error with the interface's error information; the empty node
+// throws E_POINTER.
 
 using XmlDocumentPtr = ComPointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
 using XmlElementPtr = ComPointer<IXMLDOMElement, &IID_IXMLDOMElement>;
@@ -18,7 +19,7 @@ using XmlNodeListPtr = ComPointer<IXMLDOMNodeList, &IID_IXMLDOMNodeList>;
 class CMSXmlNode {
 public:
     CMSXmlNode() = default;  // the empty node
-    explicit CMSXmlNode(XmlNodePtr node);
+    explicit CMSXmlNode(const XmlNodePtr& node);
     virtual ~CMSXmlNode() = default;
     CMSXmlNode(const CMSXmlNode&) = default;
     CMSXmlNode& operator=(const CMSXmlNode&) = default;
@@ -26,8 +27,10 @@ public:
     // Whether there is a node at all.
     explicit operator bool() const { return node_ != nullptr; }
 
-    // Appends a new element as the last child and returns it; the empty node where there is no owner document.
+    // Appends a new element as the last child and returns it; the empty node where there is no owner
+    // document.
     CMSXmlNode AddChild(const char* name);
+    // A text ends at its first zero character: XML cannot hold one.
     void SetText(const std::wstring& text);
     // This node and everything below it as text, without an XML declaration.
     std::wstring GetXML() const;

@@ -12,8 +12,8 @@ inline void AddTextElement(CMSXmlNode& parent, const char* name, const std::wstr
 
 // Appends a child element that holds a number in plain decimal.
 template <std::integral Number>
-    requires(!std::same_as<Number, bool>)
-void AddNumberElement(CMSXmlNode& parent, const char* name, Number value) {
+requires(!std::same_as<Number, bool>) void AddNumberElement(CMSXmlNode& parent, const char* name,
+                                                            Number value) {
     AddTextElement(parent, name, std::to_wstring(value));
 }
 

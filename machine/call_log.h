@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace machine {
+
+/// Which kind of code a call reports.
+enum class CallFamily { kWin32, kNative, kCom };
+
+struct CallRecord {
+    std::size_t ordinal = 0;  // 1 for the first call of the simulation
+    CallFamily family = CallFamily::kWin32;
+    std::string name;  // "CreateFileW", "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO", "IWbemClassObject::Get"
+    std::wstring object;  // "\\.\PhysicalDrive0", "\Device\HarddiskVolume3", "Win32_Processor.Name"
+    bool failed = false;
+    std::uint32_t error = 0;  // Win32 error, NTSTATUS or HRESULT
+    std::uint64_t value = 0;  // plain result or number of bytes returned
+};
+
+/// Every call that the simulation answered, in order.
+class CallLog {
+public:
+    const std::vector<CallRecord>& records() const noexcept { return records_; }
+    std::size_t size() const noexcept { return records_.size(); }
+
+    /// Calls with this name; a name without a colon also counts "NAME:anything".
+    std::size_t Count(const std::string& name) const;
+    std::size_t Count(const std::string& name, const std::wstring& object) const;
+
+    /// Forgets the records. The ordinals go on.
+    void Clear() noexcept { records_.clear(); }
+
+    /// Long runs need no record of each call.
+    void SetKept(bool kept) noexcept { kept_ = kept; }
+
+    std::size_t NextOrdinal() noexcept { return ++last_ordinal_; }
+    std::size_t last_ordinal() const noexcept { return last_ordinal_; }
+    void Add(CallRecord record);
+
+private:
+    std::vector<CallRecord> records_;
+    std::size_t last_ordinal_ = 0;
+    bool kept_ = true;
+};
+
+/// True when `name` is the call `wanted`, or one of its kinds after a colon.
+bool IsCallNamed(const std::string& name, const std::string& wanted);
+
+}  // namespace machine

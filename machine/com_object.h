@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "common/windows.h"
+#include <ole2.h>
+
+#include "machine/simulation.h"
+
+namespace machine {
+
+constexpr HRESULT AsHresult(std::uint32_t code) {
+    return static_cast<HRESULT>(code);
+}
+
+/// Reference counting and identity for an object with one main interface, which is also its IUnknown. The
+/// object counts as alive in the simulation that was current when it was made.
+template <class Interface>
+class ComObject : public Interface {
+public:
+    ComObject(const ComObject&) = delete;
+    ComObject& operator=(const ComObject&) = delete;
+
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --references_;
+        if (left == 0) {
+            delete this;
+        }
+        return left;
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        if (object == nullptr) {
+            return E_POINTER;
+        }
+        *object = Offer(iid);
+        if (*object == nullptr) {
+            return E_NOINTERFACE;
+        }
+        AddRef();
+        return S_OK;
+    }
+
+protected:
+    explicit ComObject(const IID& iid)
+        : iid_(iid),
+          live_(Simulation::Current() != nullptr ? Simulation::Current()->object_count()
+                                                 : std::make_shared<std::size_t>(0)) {
+        ++*live_;
+    }
+    virtual ~ComObject() { --*live_; }
+
+    /// The interface of this IID, without a reference; null when there is none.
+    virtual void* Offer(REFIID iid) {
+        return IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, iid_) ? static_cast<Interface*>(this)
+                                                                      : nullptr;
+    }
+
+private:
+    IID iid_;
+    ULONG references_ = 1;
+    std::shared_ptr<std::size_t> live_;
+};
+
+/// One call of a WMI object through the current simulation; without one the connection counts as lost. What
+/// the body puts into Answer::error besides failing is the call's (successful) result.
+inline HRESULT PerformCom(const char* name, const std::wstring& object, const CallErrors* errors,
+                          const std::function<Answer()>& body) noexcept {
+    try {
+        Simulation* simulation = Simulation::Current();
+        if (simulation == nullptr) {
+            return AsHresult(0x80010108);  // RPC_E_DISCONNECTED
+        }
+        return AsHresult(simulation->Perform({CallFamily::kCom, name, object, errors}, body).error);
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
+}
+
+}  // namespace machine

@@ -1,0 +1,223 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "common/windows.h"
+#include <wtypes.h>
+
+namespace machine {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// The code with which a call fails on one object (or, at machine level, on every object): a Win32 error, an
+/// NTSTATUS or an HRESULT, as the call reports. The key is the call's name as it stands in the call log; the
+/// name of a call with a part after a colon ("DeviceIoControl:...") is also found under the part before it.
+struct CallErrors {
+    std::unordered_map<std::string, std::uint32_t> codes;
+
+    std::optional<std::uint32_t> Find(const std::string& call) const;
+};
+
+/// One entry of a partition table, as the layout controls return it.
+struct Partition {
+    std::uint32_t style = PARTITION_STYLE_MBR;  // of the entry; normally the disk's
+    std::uint64_t offset = 0;                   // bytes from the start of the disk
+    std::uint64_t length = 0;                   // bytes
+    std::uint32_t number = 0;                   // 0 for unused entries, containers and links
+    bool rewrite = false;
+
+    std::uint8_t mbr_type = 0;
+    bool active = false;
+    bool recognized = false;
+    std::uint32_t hidden_sectors = 0;
+
+    GUID gpt_type{};
+    GUID gpt_id{};
+    std::uint64_t gpt_attributes = 0;
+    std::wstring gpt_name;  // at most 36 characters
+};
+
+/// A raw disk image behind a disk.
+struct Image {
+    std::filesystem::path file;
+    bool writable = false;                          // writes of the table go into `file` itself
+    std::optional<std::filesystem::path> write_to;  // or into this copy, made at the first write
+};
+
+/// A property of a WMI instance: a typed value, or the HRESULT with which reading it fails.
+struct WmiValue {
+    VARTYPE type = VT_NULL;  // scalar type, or VT_ARRAY | VT_BSTR
+    std::int64_t number = 0;
+    double real = 0;
+    std::wstring text;
+    std::vector<std::wstring> texts;
+    std::optional<std::uint32_t> error;
+};
+
+struct WmiProperty {
+    std::wstring name;
+    WmiValue value;
+};
+
+using WmiInstance = std::vector<WmiProperty>;
+
+struct WmiClass {
+    std::vector<WmiInstance> instances;
+    CallErrors errors;
+};
+
+struct Disk {
+    std::uint32_t index = 0;
+    std::uint64_t size = 0;  // bytes
+    std::uint32_t bytes_per_sector = 512;
+    std::uint32_t media_type = 12;  // FixedMedia
+    std::uint64_t cylinders = 0;
+    std::uint32_t tracks_per_cylinder = 255;
+    std::uint32_t sectors_per_track = 63;
+
+    std::uint32_t detection_type = 0;  // 0 none, 1 int 13, 2 extended int 13
+    DISK_INT13_INFO int13{};
+    DISK_EX_INT13_INFO ex_int13{};
+
+    std::uint32_t style = PARTITION_STYLE_RAW;
+    std::uint32_t signature = 0;
+    std::uint32_t checksum = 0;
+    GUID disk_id{};
+    std::uint64_t starting_usable_offset = 0;
+    std::uint64_t usable_length = 0;
+    std::uint32_t max_partition_count = 128;
+    std::vector<Partition> partitions;
+
+    bool hidden_from_wmi = false;
+    WmiInstance wmi;  // properties that differ from the ones derived from the disk
+
+    std::optional<Image> image;
+    CallErrors errors;
+};
+
+struct Extent {
+    std::uint32_t disk = 0;
+    std::uint64_t offset = 0;  // bytes
+    std::uint64_t length = 0;  // bytes
+};
+
+/// A further GUID name of a volume.
+struct VolumeAlias {
+    std::wstring guid;
+    bool enumerated = true;
+};
+
+struct Volume {
+    std::wstring guid;    // "{...}"; empty: no mount manager name
+    std::wstring device;  // "\Device\HarddiskVolume3"
+    std::vector<VolumeAlias> aliases;
+    bool linked = true;                      // has its "Volume{...}" link in the global directory
+    bool enumerated = true;                  // is found by the volume search
+    std::vector<std::wstring> mount_points;  // "C:\", "C:\Data\Archive\"
+
+    std::uint32_t drive_type = DRIVE_FIXED;
+    bool has_media = true;
+    std::wstring label;
+    std::wstring file_system;  // empty: not recognised
+    std::uint32_t serial = 0;
+    std::uint32_t max_component_length = 255;
+    std::uint32_t file_system_flags = 0;
+
+    std::uint32_t sectors_per_cluster = 0;
+    std::uint32_t bytes_per_sector = 512;
+    std::uint64_t total_clusters = 0;
+    std::uint64_t free_clusters = 0;
+    std::uint64_t total_bytes = 0;
+    std::uint64_t free_bytes = 0;
+    std::uint64_t free_bytes_to_caller = 0;
+
+    std::uint64_t length = 0;                          // bytes, as the length control answers
+    std::optional<std::vector<Extent>> extents;        // none: the extents control is not supported
+    std::optional<std::uint32_t> extents_short_error;  // for a buffer that cannot hold all extents
+    std::optional<Partition> partition;                // what the partition controls answer
+    CallErrors errors;
+};
+
+struct DosDevice {
+    std::wstring name;  // "C:", "PhysicalDrive0"
+    std::wstring target;
+};
+
+struct DirectoryEntry {
+    std::wstring name;
+    std::wstring type;
+};
+
+struct ObjectDirectory {
+    std::wstring path;
+    std::optional<std::vector<DirectoryEntry>> entries;  // none: derived from disks, volumes and DOS devices
+    CallErrors errors;
+};
+
+struct RegistryValue {
+    std::wstring name;
+    std::uint32_t type = REG_SZ;
+    Bytes data;
+};
+
+struct RegistryKey {
+    std::wstring path;  // below HKEY_LOCAL_MACHINE
+    std::vector<RegistryValue> values;
+};
+
+struct Firmware {
+    std::uint32_t type = 2;             // 0 unknown, 1 BIOS, 2 UEFI
+    std::uint32_t variable_length = 0;  // not 0: reading a firmware variable succeeds with this length
+    std::optional<std::uint32_t> variable_error;  // none: what such firmware gives
+};
+
+/// A Windows machine as a program can see it. Plain data: everything that the description file left out has
+/// been filled in, so that each field is what the system would answer.
+struct Description {
+    std::string name;
+    std::vector<Disk> disks;
+    std::vector<Volume> volumes;
+    std::vector<DosDevice> dos_devices;  // beside those of disks and volumes
+    std::vector<ObjectDirectory> directories;
+    std::wstring current_drive = L"C:\\";
+    std::map<std::wstring, WmiClass> wmi;  // by class name in upper case
+    std::vector<RegistryKey> registry;
+    Firmware firmware;
+    std::set<std::string> missing;  // functions that the system libraries lack
+    CallErrors errors;
+};
+
+/// A description that cannot be used. what() is "FILE: PATH: REASON".
+class DescriptionError : public std::runtime_error {
+public:
+    DescriptionError(std::string file, std::string path, std::string reason);
+
+    const std::string& file() const noexcept { return file_; }
+    const std::string& path() const noexcept { return path_; }  // JSON pointer, empty for the whole file
+    const std::string& reason() const noexcept { return reason_; }
+
+private:
+    std::string file_;
+    std::string path_;
+    std::string reason_;
+};
+
+/// Reads a description file (UTF-8 JSON); image files in it are relative to the file. Throws
+/// DescriptionError.
+Description LoadDescription(const std::filesystem::path& file);
+
+/// The same from memory: `name` stands for the file in errors, `directory` is where image files are looked
+/// for.
+Description ParseDescription(const std::string& json, const std::string& name,
+                             const std::filesystem::path& directory = {});
+
+}  // namespace machine

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "machine/description.h"
+
+namespace machine {
+
+/// Every name of a description, for look-ups that do not depend on the size of the machine. Holds positions
+/// in the description that it was built from. All look-ups ignore case.
+class NameIndex {
+public:
+    NameIndex() = default;
+    explicit NameIndex(const Description& description);
+
+    /// What a path given to a file function means.
+    struct Target {
+        enum class Kind { kNone, kDisk, kVolume };
+        Kind kind = Kind::kNone;
+        std::size_t position = 0;  // in Description::disks or Description::volumes
+        bool root = false;         // the root directory of the volume, not the volume itself
+    };
+
+    /// "\\.\PhysicalDrive0", "\\?\Volume{...}", "\\?\GLOBALROOT\Device\HarddiskVolume1", "C:\", folder mount
+    /// points.
+    Target Resolve(std::wstring_view path) const;
+
+    /// The longest mount point that the path starts with; Kind::kNone when there is none.
+    Target ResolveMountPoint(std::wstring_view path, std::wstring* mount_point) const;
+
+    Target FindDevice(std::wstring_view nt_device) const;
+    std::optional<std::size_t> FindDisk(std::uint32_t index) const;
+    std::optional<std::size_t> FindVolumeByGuid(std::wstring_view guid) const;  // "{...}"
+    const std::wstring* FindDosDevice(std::wstring_view name) const;
+    const std::vector<DirectoryEntry>* FindDirectory(std::wstring_view path) const;
+
+    /// In the order of the global directory.
+    const std::vector<DosDevice>& dos_devices() const noexcept { return dos_devices_; }
+
+    /// The names that a volume search finds, "\\?\Volume{...}\", in order.
+    const std::vector<std::wstring>& volume_names() const noexcept { return volume_names_; }
+
+    std::uint32_t drive_mask() const noexcept { return drive_mask_; }
+
+private:
+    void AddDisk(const Disk& disk, std::size_t position);
+    void AddVolume(const Volume& volume, std::size_t position);
+    void AddVolumeName(const std::wstring& guid, const Volume& volume, std::size_t position, bool enumerated);
+    void AddDosDevice(const std::wstring& name, const std::wstring& target);
+    void AddDirectories(const Description& description);
+
+    std::unordered_map<std::uint32_t, std::size_t> disks_;
+    std::unordered_map<std::wstring, Target> devices_;
+    std::unordered_map<std::wstring, std::size_t> guids_;
+    std::unordered_map<std::wstring, std::size_t> mount_points_;
+    std::unordered_map<std::wstring, std::wstring> dos_targets_;
+    std::unordered_map<std::wstring, std::vector<DirectoryEntry>> directories_;
+    std::vector<DosDevice> dos_devices_;
+    std::vector<std::wstring> volume_names_;
+    std::wstring current_drive_;
+    std::uint32_t drive_mask_ = 0;
+};
+
+/// The drive of a path like "C:\": 0 for A. None when the path is no drive root.
+std::optional<std::uint32_t> DriveNumber(std::wstring_view root);
+
+}  // namespace machine

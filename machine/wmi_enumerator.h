@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "machine/wmi_instance.h"
+
+namespace machine {
+
+/// The result of a query. `error`, when not 0, is what the first fetch gives: a query that returns at once
+/// reports its failures only there.
+class WmiEnumerator final : public ComObject<IEnumWbemClassObject> {
+public:
+    WmiEnumerator(std::shared_ptr<const WmiResult> result, std::uint32_t error, bool forward_only,
+                  std::size_t position = 0);
+
+    HRESULT STDMETHODCALLTYPE Reset() override;
+    HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject** objects,
+                                   ULONG* returned) override;
+    HRESULT STDMETHODCALLTYPE NextAsync(ULONG count, IWbemObjectSink* sink) override;
+    HRESULT STDMETHODCALLTYPE Clone(IEnumWbemClassObject** copy) override;
+    HRESULT STDMETHODCALLTYPE Skip(LONG timeout, ULONG count) override;
+
+private:
+    const CallErrors* errors() const { return &result_->found.errors; }
+    std::size_t left() const { return result_->found.instances.size() - position_; }
+
+    std::shared_ptr<const WmiResult> result_;
+    std::uint32_t error_;
+    bool forward_only_;
+    std::size_t position_;
+};
+
+}  // namespace machine

@@ -1,0 +1,138 @@
+#include "machine/wmi_services.h"
+
+#include <algorithm>
+#include <cwctype>
+#include <memory>
+#include <vector>
+
+#include "machine/text.h"
+#include "machine/wmi_defaults.h"
+#include "machine/wmi_enumerator.h"
+
+namespace machine {
+namespace {
+
+constexpr std::uint32_t kInvalidParameter = 0x80041008;  // WBEM_E_INVALID_PARAMETER
+constexpr std::uint32_t kInvalidClass = 0x80041010;      // WBEM_E_INVALID_CLASS
+constexpr std::uint32_t kInvalidQuery = 0x80041017;      // WBEM_E_INVALID_QUERY
+constexpr std::uint32_t kInvalidQueryType = 0x80041018;  // WBEM_E_INVALID_QUERY_TYPE
+constexpr LONG kReturnImmediately = 0x10;
+constexpr LONG kForwardOnly = 0x20;
+
+std::vector<std::wstring> Words(const std::wstring& text) {
+    std::vector<std::wstring> words;
+    std::wstring word;
+    for (const wchar_t c : text + L" ") {
+        if (std::iswspace(c) == 0) {
+            word += c;
+        } else if (!word.empty()) {
+            words.push_back(word);
+            word.clear();
+        }
+    }
+    return words;
+}
+
+}  // namespace
+
+std::wstring QueriedClass(const std::wstring& query) {
+    const std::vector<std::wstring> words = Words(query);
+    if (words.size() < 4 || !EqualNames(words.front(), L"select") ||
+        !EqualNames(words[words.size() - 2], L"from")) {
+        return {};
+    }
+    return words.back();
+}
+
+WmiServices::WmiServices() : ComObject(IID_IWbemServices) {}
+
+void* WmiServices::Offer(REFIID iid) {
+    if (IsEqualIID(iid, IID_IClientSecurity)) {
+        return static_cast<IClientSecurity*>(&security_);
+    }
+    return ComObject::Offer(iid);
+}
+
+HRESULT STDMETHODCALLTYPE WmiServices::ExecQuery(const BSTR language, const BSTR query, LONG flags,
+                                                 IWbemContext* /*context*/,
+                                                 IEnumWbemClassObject** enumerator) {
+    if (enumerator == nullptr) {
+        return AsHresult(kInvalidParameter);
+    }
+    *enumerator = nullptr;
+    Simulation* simulation = Simulation::Current();
+    const std::wstring class_name = query == nullptr ? std::wstring() : QueriedClass(query);
+    const WmiClass* known = nullptr;
+    if (simulation != nullptr) {
+        const auto found = simulation->machine().wmi.find(WmiClassKey(class_name));
+        known = found == simulation->machine().wmi.end() ? nullptr : &found->second;
+    }
+    IEnumWbemClassObject* made = nullptr;
+    const HRESULT result =
+        PerformCom("IWbemServices::ExecQuery", class_name, known == nullptr ? nullptr : &known->errors, [&] {
+            if (language == nullptr || !EqualNames(language, L"WQL")) {
+                return Answer::Failure(language == nullptr ? kInvalidParameter : kInvalidQueryType);
+            }
+            if (class_name.empty()) {
+                return Answer::Failure(kInvalidQuery);
+            }
+            const bool at_once = (flags & kReturnImmediately) != 0;
+            if (known == nullptr && !at_once) {
+                return Answer::Failure(kInvalidClass);
+            }
+            auto found = std::make_shared<WmiResult>();
+            found->class_name = class_name;
+            if (known != nullptr) {
+                found->found = *known;
+            }
+            made =
+                new WmiEnumerator(found, known == nullptr ? kInvalidClass : 0, (flags & kForwardOnly) != 0);
+            return Answer{};
+        });
+    if (FAILED(result) && made != nullptr) {
+        made->Release();
+        made = nullptr;
+    }
+    *enumerator = made;
+    return result;
+}
+
+HRESULT STDMETHODCALLTYPE WmiServices::Security::QueryInterface(REFIID iid, void** object) {
+    return owner_.QueryInterface(iid, object);
+}
+
+HRESULT STDMETHODCALLTYPE WmiServices::Security::QueryBlanket(IUnknown* /*proxy*/, DWORD* authentication,
+                                                              DWORD* authorisation, OLECHAR** principal,
+                                                              DWORD* level, DWORD* impersonation,
+                                                              void** identity, DWORD* capabilities) {
+    for (DWORD* number : {authentication, authorisation, level, impersonation, capabilities}) {
+        if (number != nullptr) {
+            *number = 0;
+        }
+    }
+    if (principal != nullptr) {
+        *principal = nullptr;
+    }
+    if (identity != nullptr) {
+        *identity = nullptr;
+    }
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE WmiServices::Security::SetBlanket(IUnknown* /*proxy*/, DWORD /*authentication*/,
+                                                            DWORD /*authorisation*/, OLECHAR* /*principal*/,
+                                                            DWORD /*level*/, DWORD /*impersonation*/,
+                                                            void* /*identity*/, DWORD /*capabilities*/) {
+    return PerformCom("IClientSecurity::SetBlanket", {}, nullptr, [] { return Answer{}; });
+}
+
+HRESULT STDMETHODCALLTYPE WmiServices::Security::CopyProxy(IUnknown* proxy, IUnknown** copy) {
+    if (proxy == nullptr || copy == nullptr) {
+        return E_INVALIDARG;
+    }
+    proxy->AddRef();
+    *copy = proxy;
+    return S_OK;
+}
+
+}  // namespace machine

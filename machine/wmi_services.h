@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+
+#include "machine/com_object.h"
+#include "machine/wmi_unsupported.h"
+
+namespace machine {
+
+/// A connection to the described machine's "root\cimv2". Security settings are accepted and without effect.
+class WmiServices final : public ComObject<UnsupportedServices> {
+public:
+    WmiServices();
+
+    HRESULT STDMETHODCALLTYPE ExecQuery(const BSTR language, const BSTR query, LONG flags,
+                                        IWbemContext* context, IEnumWbemClassObject** enumerator) override;
+
+protected:
+    void* Offer(REFIID iid) override;
+
+private:
+    // A part of the object, with the object's own identity.
+    class Security final : public IClientSecurity {
+    public:
+        explicit Security(WmiServices& owner) : owner_(owner) {}
+        HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
+        ULONG STDMETHODCALLTYPE AddRef() override { return owner_.AddRef(); }
+        ULONG STDMETHODCALLTYPE Release() override { return owner_.Release(); }
+        HRESULT STDMETHODCALLTYPE QueryBlanket(IUnknown* proxy, DWORD* authentication, DWORD* authorisation,
+                                               OLECHAR** principal, DWORD* level, DWORD* impersonation,
+                                               void** identity, DWORD* capabilities) override;
+        HRESULT STDMETHODCALLTYPE SetBlanket(IUnknown* proxy, DWORD authentication, DWORD authorisation,
+                                             OLECHAR* principal, DWORD level, DWORD impersonation,
+                                             void* identity, DWORD capabilities) override;
+        HRESULT STDMETHODCALLTYPE CopyProxy(IUnknown* proxy, IUnknown** copy) override;
+
+    private:
+        WmiServices& owner_;
+    };
+
+    Security security_{*this};
+};
+
+/// The class that a query "select ... from CLASS" asks for; empty when the text is no such query.
+std::wstring QueriedClass(const std::wstring& query);
+
+}  // namespace machine

@@ -1,0 +1,113 @@
+#include "capture/environment/boot_volumes.h"
+
+#include "common/logger/orvane_logger.h"
+#include "common/platform/privileges.h"
+#include "common/platform/registry.h"
+#include "common/platform/scope_exit.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr wchar_t kSystemStartOptions[] = L"SystemStartOptions";
+
+int NotFound(const wchar_t* message, const std::wstring& device) {
+    GetLogger().Write(kLogError, message, device.c_str());
+    return 0;
+}
+
+int SystemVolumeNotFound(const OSInfo& os) {
+    return NotFound(
+        L"Failed to find System volume '%s'. This happens if disk has been converted to Dynamic or after "
+        L"BMR restore. Rebooting usually fixes problem.",
+        os.SystemDevice);
+}
+
+int BootVolumeNotFound(const OSInfo& os) {
+    return NotFound(
+        L"Failed to find Boot volume '%s'. This happens if disk has been converted to Dynamic or after "
+        L"BMR restore. Rebooting usually fixes problem.",
+        os.BootDevice);
+}
+
+void CopyIdentity(const OSInfo& os, BootConfig& boot_config) {
+    boot_config.m_strBootFolder = os.WindowsDirectory;
+    boot_config.m_strOS = os.Name;
+    boot_config.numeric_version_string = os.Version;
+    boot_config.product_type = os.ProductType;
+    boot_config.m_OSArchitecture = os.OSArchitecture;
+}
+
+// The value's data as they are: a terminator that is stored with them is part of the text.
+std::wstring TextOf(const RegistryValueCursor& cursor) {
+    std::wstring text(cursor.data_length / sizeof(wchar_t), L'\0');
+    std::memcpy(text.data(), cursor.data.data(), text.size() * sizeof(wchar_t));
+    return text;
+}
+
+// Looks for the value through the key's values; returns the system's last code.
+LSTATUS FindStartOptions(HKEY key, std::wstring& options) {
+    constexpr std::size_t kDataBytes = 16383;
+    RegistryValueCursor cursor(key, kDataBytes);
+    LSTATUS status = CRegistry::FindFirstValue(cursor);
+    while (status == ERROR_SUCCESS && cursor.Name() != kSystemStartOptions) {
+        status = CRegistry::FindNextValue(cursor);
+    }
+    if (status == ERROR_SUCCESS) {
+        options = TextOf(cursor);
+    }
+    return status;
+}
+
+}  // namespace
+
+void SortVolumeTable(std::vector<::Volume>& volumes) {
+    std::stable_sort(volumes.begin(), volumes.end(), [](const ::Volume& left, const ::Volume& right) {
+        return left.VolumeLetter < right.VolumeLetter;
+    });
+}
+
+int FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLetterEntry>& drive_letters,
+                             BootConfig& boot_config, const OSInfo& os) {
+    CopyIdentity(os, boot_config);
+    bool system_found = false;
+    bool boot_found = false;
+    for (::Volume& volume : volumes) {
+        drive_letters.push_back({volume.m_GUID, volume.VolumeLetter});
+        if (volume.DeviceName == os.SystemDevice) {
+            boot_config.m_guidSystemVolume = volume.m_GUID;
+            volume.SystemVolume = true;
+            system_found = true;
+        }
+        if (volume.DeviceName == os.BootDevice) {
+            boot_config.m_guidBootVolume = volume.m_GUID;
+            volume.BootVolume = true;
+            boot_found = true;
+        }
+    }
+    if (!system_found) {
+        return SystemVolumeNotFound(os);
+    }
+    return boot_found ? GetBootOptions(boot_config.m_strBootOptions) : BootVolumeNotFound(os);
+}
+
+int GetBootOptions(std::wstring& options) {
+    EnableBackupPrivileges();
+    CRegistry registry;
+    HKEY key = nullptr;
+    if (!registry.OpenKey(HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control", KEY_READ, key)) {
+        GetLogger().Write(kLogError, L"GetBootOptions Failed to open registry");
+        return 0;
+    }
+    const LSTATUS status = [&] {
+        const ScopeExit close([&] { registry.CloseKey(key); });
+        return FindStartOptions(key, options);
+    }();
+    if (status != ERROR_SUCCESS) {
+        GetLogger().Write(kLogError, L"GetBootOptions failed to find %s error=%d", kSystemStartOptions,
+                          status);
+        return 0;
+    }
+    return 1;
+}

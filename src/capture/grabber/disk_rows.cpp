@@ -1,0 +1,149 @@
+#include "capture/grabber/disk_rows.h"
+
+#include "common/disk/disk_drive_manager_gpt.h"
+#include "common/enumdisk/partition_rows.h"
+#include "common/logger/trace.h"
+#include "common/platform/byte_range.h"
+
+#include <boost/lexical_cast.hpp>
+
+#include <algorithm>
+
+namespace orvane {
+
+namespace {
+
+// Where a volume's run stands to a partition row.
+enum class Position { kInside, kPartial, kOutside };
+
+Position PositionIn(const PartitionRow& row, const VolumeOnDisk& volume) {
+    const std::int64_t ps = row.offset;
+    const std::int64_t pe = EndOf(ps, row.length);
+    const std::int64_t es = volume.offset;
+    const std::int64_t ee = EndOf(es, volume.length);
+    if ((ps == es && pe == ee) || (ps <= es && ee <= pe && es < pe)) {
+        return Position::kInside;
+    }
+    const bool same_end = pe == ee && row.length != 0 && volume.length != 0;
+    return ps == es || same_end || (es < pe && ps < ee) ? Position::kPartial : Position::kOutside;
+}
+
+PARTITION_INFORMATION ClassicEntry(const PARTITION_INFORMATION_EX& entry) {
+    PARTITION_INFORMATION classic{};
+    classic.StartingOffset = entry.StartingOffset;
+    classic.PartitionLength = entry.PartitionLength;
+    classic.HiddenSectors = entry.Mbr.HiddenSectors;
+    classic.PartitionNumber = entry.PartitionNumber;
+    classic.PartitionType = entry.Mbr.PartitionType;
+    classic.BootIndicator = entry.Mbr.BootIndicator;
+    classic.RecognizedPartition = entry.Mbr.RecognizedPartition;
+    classic.RewritePartition = entry.RewritePartition;
+    return classic;
+}
+
+void AddMbrRows(const DRIVE_LAYOUT_INFORMATION_EX& layout, DiskRow& row) {
+    const PARTITION_INFORMATION_EX* const first = layout.PartitionEntry;
+    std::vector<PARTITION_INFORMATION> entries;
+    std::transform(first, first + layout.PartitionCount, std::back_inserter(entries), ClassicEntry);
+    BuildPartitionRows(entries, static_cast<std::int64_t>(row.size), row.partitions);
+}
+
+void AddGptRows(const bmr_common::DiskDriveManagerGPT& disk, DiskRow& row) {
+    disk.FillDiskRow(row);
+    for (PartitionRow& partition : row.partitions) {
+        partition.partition_style = row.partition_style;
+    }
+}
+
+}  // namespace
+
+bool GetMaxPhysicalDiskId(const bmr_common::DeviceManager& device_manager, std::uint32_t& maximum) {
+    bool found = false;
+    maximum = 0;
+    for (const auto& [index, disk] : device_manager.disks()) {
+        if (!disk) {
+            GetLogger().Write(kLogError,
+                              L"DeviceManager::GetMaxPhysicalDiskId - NULL device found with id %s",
+                              index.c_str());
+            continue;
+        }
+        maximum = std::max(maximum, boost::lexical_cast<std::uint32_t>(index));
+        found = true;
+    }
+    if (!found) {
+        GetLogger().Write(kLogError, L"DeviceManager::GetMaxPhysicalDiskId no devices so no maximum id");
+    }
+    return found;
+}
+
+bool AddExistingDiskInformation(const bmr_common::DiskDriveManager& disk, DiskRow& row) {
+    constexpr const wchar_t* kFunction = L"orvane::InfoGrabberV2::AddExistingDiskInformation";
+    return Traced(kFunction, [&] {
+        const std::uint32_t style = disk.GetPartitionStyle();
+        row.disk_number = disk.disk_index();
+        row.size = static_cast<std::uint64_t>(disk.geometry().disk_size());
+        row.bytes_per_sector = disk.geometry().geometry().BytesPerSector;
+        row.partition_style = static_cast<std::int32_t>(style);
+        if (style == bmr_common::kStyleGPT) {
+            row.disk_guid = disk.geometry().disk_id();
+        }
+        if (style == bmr_common::kStyleRAW || disk.GetPartitionLayoutExPtr() == nullptr ||
+            disk.GetPartitionCount() == 0) {
+            MakeWholeDiskRow(row);
+            return true;
+        }
+        if (style == bmr_common::kStyleMBR) {
+            AddMbrRows(*disk.GetPartitionLayoutExPtr(), row);
+            SortDiskPartitionNumbers(row);
+            return true;
+        }
+        if (const auto* gpt = dynamic_cast<const bmr_common::DiskDriveManagerGPT*>(&disk)) {
+            AddGptRows(*gpt, row);
+            SortDiskPartitionNumbers(row);
+            return true;
+        }
+        // The name goes first although the line has no place for it: the number shown is a part of its
+        // address.
+        GetLogger().Write(kLogError, L"unsupported partition style %d", kFunction, style);
+        return false;
+    });
+}
+
+DiskRow AddUnknownDiskInformation(std::uint32_t disk_number) {
+    return Traced(L"orvane::InfoGrabberV2::AddUnknownDiskInformation",
+                  [&] { return CreateFakeDisk(disk_number); });
+}
+
+bool SetPartitionVolumeLetterFileSystem(const VolumeOnDisk& volume, std::vector<DiskRow>& disks) {
+    constexpr const wchar_t* kFunction = L"orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem";
+    return Traced(kFunction, [&] {
+        const std::int64_t last = LastBefore(EndOf(volume.offset, volume.length));
+        for (DiskRow& disk : disks) {
+            if (disk.disk_number != volume.disk_number) {
+                continue;
+            }
+            for (PartitionRow& row : disk.partitions) {
+                const Position position = PositionIn(row, volume);
+                if (position == Position::kInside) {
+                    row.drive = volume.letter;
+                    row.file_system = volume.file_system;
+                    return true;
+                }
+                if (position == Position::kPartial) {
+                    GetLogger().Write(
+                        kLogWarning,
+                        L"%s extent (%I64i to %I64i) from volume %s on disk %u only partially inside "
+                        L"partition (%I64i to %I64i length %I64i).",
+                        kFunction, volume.offset, last, volume.volume_name.c_str(), disk.disk_number,
+                        row.offset, LastBefore(EndOf(row.offset, row.length)), row.length);
+                    return false;
+                }
+            }
+        }
+        GetLogger().Write(kLogWarning, L"%s Failed to find extent (%I64i to %I64i) from volume %s", kFunction,
+                          volume.offset, last, volume.volume_name.c_str());
+        return false;
+    });
+}
+
+}  // namespace orvane

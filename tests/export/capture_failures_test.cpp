@@ -1,0 +1,194 @@
+// What stops a capture, and how the export tells it.
+
+#include "export/capture_fixture.h"
+#include "machine/wmi_defaults.h"
+#include "support/scoped_import.h"
+#include "unit/capture/xml_tree.h"
+
+#include <gmock/gmock.h>
+#include <objbase.h>
+
+namespace {
+
+using testing::HasSubstr;
+
+constexpr char kNoEnvironment[] = "CaptureSystemRestorePointInfo Env Exception: Failed to obtain EnvInfo";
+constexpr char kOtherException[] = "CaptureSystemRestorePointInfo Exception";
+
+class CaptureFailures : public CaptureTest {
+protected:
+    std::vector<machine::WmiInstance>& Instances(const wchar_t* class_name) {
+        return simulation().description().wmi[machine::WmiClassKey(class_name)].instances;
+    }
+};
+
+// --- The system does not answer.
+
+struct FailingCall {
+    const char* call;
+    std::uint32_t code;
+    const wchar_t* object;
+    const char* line;  // among the errors
+};
+
+void PrintTo(const FailingCall& failing, std::ostream* out) {
+    *out << failing.call << ' ' << failing.code;
+}
+
+class FailingCollection : public CaptureFailures, public testing::WithParamInterface<FailingCall> {};
+
+TEST_P(FailingCollection, Capture_FailsWithItsLine) {
+    simulation().faults().Fail(GetParam().call, GetParam().code, GetParam().object);
+    ExpectFailure();
+    EXPECT_TRUE(log_.Contains(support::kHostError, GetParam().line)) << log_;
+    EXPECT_EQ(LastError(), kNoEnvironment);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Calls, FailingCollection,
+    testing::Values(FailingCall{"IClassFactory::CreateInstance", 0x80040154, L"",
+                                "CWmi::CWmi CoCreateInstance failed error 0x80040154"},
+                    FailingCall{"IWbemLocator::ConnectServer", 0x80070005, L"",
+                                "CWmi::CWmi ConnectServer failed error 0x80070005"},
+                    FailingCall{"IClientSecurity::SetBlanket", 0x80070005, L"",
+                                "CWmi::CWmi CoSetProxyBlanket failed error 0x80070005"},
+                    FailingCall{"IWbemServices::ExecQuery", 0x80041003, L"Win32_Processor",
+                                "GetProcessorInfo wmi not initialized"},
+                    FailingCall{"IWbemServices::ExecQuery", 0x80041003, L"Win32_OperatingSystem",
+                                "GetOSInfo wmi not initialized"},
+                    FailingCall{"IWbemServices::ExecQuery", 0x80041003, L"Win32_ComputerSystem",
+                                "GetComputerSystem wmi not initialized"},
+                    FailingCall{"IWbemServices::ExecQuery", 0x80041003, L"Win32_BootConfiguration",
+                                "GetBootConfiguration wmi not initialized"},
+                    FailingCall{"IWbemServices::ExecQuery", 0x80041003, L"Win32_DiskDrive",
+                                "DeviceManager::ObtainPhysicalDrivesIndexes wmi not initialized"},
+                    FailingCall{"IEnumWbemClassObject::Next", 0x80041001, L"Win32_DiskDrive",
+                                "DeviceManager::ObtainPhysicalDrivesIndexes FindFirstObject failed"},
+                    FailingCall{"IWbemClassObject::Get", 0x80041001, L"Win32_DiskDrive.Index",
+                                "DeviceManager::ObtainPhysicalDrivesIndexes wmi.Get failed"},
+                    FailingCall{"IWbemClassObject::Get", 0x80041001, L"Win32_OperatingSystem.SystemDevice",
+                                "GetOSInfo GetSystemDevice failed"}));
+
+class MissingClass : public CaptureFailures, public testing::WithParamInterface<const wchar_t*> {};
+
+TEST_P(MissingClass, Capture_Fails) {
+    simulation().description().wmi.erase(machine::WmiClassKey(GetParam()));
+    ExpectFailure();
+    EXPECT_EQ(LastError(), kNoEnvironment);
+}
+
+INSTANTIATE_TEST_SUITE_P(Classes, MissingClass,
+                         testing::Values(L"Win32_Processor", L"Win32_OperatingSystem",
+                                         L"Win32_ComputerSystem", L"Win32_BootConfiguration",
+                                         L"Win32_DiskDrive"));
+
+TEST_F(CaptureFailures, VolumeSearchThatFails_FailsTheCapture) {
+    simulation().faults().Fail("FindFirstVolumeW", 5);
+    ExpectFailure();
+    EXPECT_EQ(LastError(), kNoEnvironment);
+    EXPECT_TRUE(log_.ContainsPart(support::kHostError, " failed to FindFirstVolume error=5")) << log_;
+}
+
+TEST_F(CaptureFailures, FailedCapture_DoesNotHinderTheNext) {
+    simulation().faults().Fail("FindFirstVolumeW", 5);
+    ExpectFailure();
+    simulation().faults().Clear();
+    EXPECT_EQ(Capture(0).status, ORVANE_BUFFER_TOO_SMALL);
+}
+
+// --- The exception boundary.
+
+class NoDisks : public CaptureTest {
+protected:
+    NoDisks() : CaptureTest(Machine("no-disks")) {}
+};
+
+TEST_F(NoDisks, Capture_Fails) {
+    ExpectFailure();
+    EXPECT_TRUE(log_.Contains(support::kHostError,
+                              "DeviceManager::ObtainPhysicalDrivesIndexes FindFirstObject failed"))
+        << log_;
+    EXPECT_EQ(LastError(), kNoEnvironment);
+}
+
+// The names of the elements come to nothing, which the DOM refuses; the text of the empty document passes.
+int WINAPI ConvertNoNames(UINT page, DWORD flags, const char* text, int length, wchar_t* wide, int size) {
+    return *text == '<' ? MultiByteToWideChar(page, flags, text, length, wide, size) : 0;
+}
+
+TEST_F(CaptureFailures, ComError_IsToldByItsMessage) {
+    const support::ScopedImport import("MultiByteToWideChar", &ConvertNoNames, library_.module);
+    ExpectFailure();
+    EXPECT_THAT(LastError(), testing::StartsWith("CaptureSystemRestorePointInfo COM Exception: "));
+    EXPECT_GT(LastError().size(), std::string("CaptureSystemRestorePointInfo COM Exception: ").size());
+}
+
+// CoCreateInstance as a thread without COM answers for the document alone.
+HRESULT WINAPI CreateAllButTheDocument(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
+                                       void** object) {
+    constexpr CLSID kDocument = {
+        0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+    if (IsEqualCLSID(clsid, kDocument)) {
+        *object = nullptr;
+        return CO_E_NOTINITIALIZED;
+    }
+    return CoCreateInstance(clsid, outer, context, iid, object);
+}
+
+TEST_F(CaptureFailures, DocumentThatCannotBeMade_IsAnUnnamedException) {
+    const support::ScopedImport import("CoCreateInstance", &CreateAllButTheDocument, library_.module);
+    ExpectFailure();
+    EXPECT_EQ(LastError(), kOtherException);
+}
+
+HRESULT WINAPI RefuseGuid(GUID*) {
+    return E_FAIL;
+}
+
+TEST_F(CaptureFailures, IdentifiersThatCannotBeMade_FailTheCollection) {
+    const support::ScopedImport import("CoCreateGuid", &RefuseGuid, library_.module);
+    ExpectFailure();
+    EXPECT_TRUE(log_.Contains(support::kHostError, "CoCreateGuid call failed error: 2147500037")) << log_;
+    EXPECT_EQ(LastError(), kNoEnvironment);
+}
+
+// --- A broken disk or volume is described as far as it can be.
+
+TEST_F(CaptureFailures, DiskThatCannotBeOpened_HasNoMoreThanItsNumber) {
+    simulation().faults().Fail("CreateFileW", 5, L"\\\\.\\PhysicalDrive1");
+    const XmlTree root = XmlTree::Of(Document());
+    const XmlTree& disks = root.Child("BMREnvInfo").Child("DeviceInfo");
+    EXPECT_EQ(disks.Child("NumberOfDisks").text, "2");
+    EXPECT_EQ(disks.Child("Disk2"), Branch("Disk2", {Leaf("DiskId", "1"), Leaf("DiskSize", "0")}));
+}
+
+TEST_F(CaptureFailures, DiskThatOnlyWmiKnows_HasNoMoreThanItsNumber) {
+    machine::WmiInstance ghost = Instances(L"Win32_DiskDrive").at(0);
+    machine::WmiValue index;
+    index.type = VT_I4;
+    index.number = 7;
+    machine::SetProperty(ghost, {L"Index", index});
+    Instances(L"Win32_DiskDrive").push_back(ghost);
+    const XmlTree root = XmlTree::Of(Document());
+    EXPECT_EQ(root.Child("BMREnvInfo").Child("DeviceInfo").Child("Disk3"),
+              Branch("Disk3", {Leaf("DiskId", "7"), Leaf("DiskSize", "0")}));
+}
+
+TEST_F(CaptureFailures, DriveWithoutIndex_IsLeftOut) {
+    machine::WmiValue none;
+    none.type = VT_I4;
+    none.number = 255;
+    machine::SetProperty(Instances(L"Win32_DiskDrive").at(1), {L"Index", none});
+    EXPECT_THAT(Document(), HasSubstr("<NumberOfDisks>1</NumberOfDisks>"));
+}
+
+TEST_F(CaptureFailures, VolumeQueriesThatFail_LeaveTheirElementsOut) {
+    simulation().faults().Fail("GetVolumeInformationW", 21);
+    simulation().faults().Fail("DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS", 1);
+    const std::string document = Document();
+    EXPECT_EQ(document.find("<SerialNumber>", document.find("<VolumeInfo>")), std::string::npos);
+    EXPECT_EQ(document.find("<NumberOfDiskExtents>"), std::string::npos);
+    EXPECT_THAT(document, HasSubstr("<NumberOfVolumes>7</NumberOfVolumes>"));
+}
+
+}  // namespace

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "export/shipped_library.h"
+#include "machine/session.h"
+#include "support/log_capture.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+/// The shipped library with its settings restored after each test.
+class ExportTest : public testing::Test {
+protected:
+    ~ExportTest() override { library_.ResetSettings(); }
+
+    const ShippedLibrary& library_ = ShippedLibrary::Get();
+};
+
+/// What a capture left behind.
+struct Captured {
+    static constexpr std::uint32_t kUntouched = 0xAAAAAAAA;
+
+    std::uint32_t status = kUntouched;
+    std::uint32_t required_size = kUntouched;
+    std::string buffer;  // '#' where nothing was written
+};
+
+/// A described machine under the shipped library, format 3, and the library's log.
+class CaptureTest : public ExportTest {
+protected:
+    static machine::Description Machine(const std::string& name) {
+        return machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/" + name + ".json");
+    }
+
+    explicit CaptureTest(machine::Description description = Machine("uefi-workstation"))
+        : session_(std::move(description)), log_(library_.SetEventFunc) {
+        library_.SetXmlFormat(3);
+        log_.Clear();
+    }
+
+    /// Every capture, however it ends, leaves nothing open and nothing alive.
+    void TearDown() override {
+        EXPECT_EQ(simulation().open_handles(), 0U);
+        EXPECT_EQ(simulation().live_objects(), 0U);
+        EXPECT_EQ(simulation().stale_handle_uses(), 0U);
+    }
+
+    machine::Simulation& simulation() { return session_.simulation(); }
+
+    Captured Capture(std::uint32_t size) {
+        Captured captured;
+        captured.buffer.assign(size, '#');
+        captured.status =
+            library_.CaptureSystemRestorePointInfo(captured.buffer.data(), size, &captured.required_size);
+        return captured;
+    }
+
+    /// The document's length in bytes.
+    std::uint32_t Length() {
+        const Captured captured = Capture(0);
+        EXPECT_EQ(captured.status, ORVANE_BUFFER_TOO_SMALL) << log_;
+        return captured.status == ORVANE_BUFFER_TOO_SMALL ? captured.required_size : 0;
+    }
+
+    /// The whole document.
+    std::string Document() {
+        const Captured captured = Capture(Length());
+        EXPECT_EQ(captured.status, ORVANE_SUCCESS) << log_;
+        return captured.buffer;
+    }
+
+    /// A capture that is expected to fail: status 1, nothing written.
+    void ExpectFailure() {
+        log_.Clear();
+        const Captured captured = Capture(100000);
+        EXPECT_EQ(captured.status, ORVANE_FAILED);
+        EXPECT_EQ(captured.required_size, Captured::kUntouched);
+        EXPECT_EQ(captured.buffer, std::string(100000, '#'));
+        EXPECT_EQ(log_.Lines(support::kHostTrace).back(), "Exiting CaptureSystemRestorePointInfo");
+    }
+
+    /// The last error line of the log.
+    std::string LastError() const {
+        const std::vector<std::string> errors = log_.Lines(support::kHostError);
+        return errors.empty() ? "" : errors.back();
+    }
+
+    machine::Session session_;
+    support::LogCapture log_;
+};

@@ -1,0 +1,110 @@
+// The document of format 3, element by element, of every example machine.
+
+#include "export/capture_fixture.h"
+#include "export/expected_document.h"
+#include "export/expected_sections.h"
+#include "support/text.h"
+#include "unit/capture/grabber/mixed_machine.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+namespace {
+
+using testing::ElementsAre;
+
+XmlTree TreeOf(const std::string& document) {
+    return XmlTree::Of(support::Utf8(support::Wide(document)));
+}
+
+std::vector<std::string> CapturableExamples() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(ORVANE_SOURCE_DIR "/examples/machines")) {
+        // Without a disk there is no capture.
+        if (entry.path().extension() == ".json" &&
+            !ListedDisks(machine::LoadDescription(entry.path())).empty()) {
+            names.push_back(entry.path().stem().string());
+        }
+    }
+    return names;
+}
+
+class ExampleDocument : public CaptureTest, public testing::WithParamInterface<std::string> {
+protected:
+    ExampleDocument() : CaptureTest(Machine(GetParam())) {}
+};
+
+TEST_P(ExampleDocument, EveryElement_IsAsDescribed) {
+    EXPECT_EQ(WithoutAddresses(TreeOf(Document())), ExpectedDocument(simulation().machine()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Machines, ExampleDocument, testing::ValuesIn(CapturableExamples()),
+                         [](const auto& name) {
+                             std::string text = name.param;
+                             std::replace(text.begin(), text.end(), '-', '_');
+                             return text;
+                         });
+
+TEST(ExampleMachines, AllKinds_AreThere) {
+    EXPECT_THAT(CapturableExamples(),
+                testing::IsSupersetOf({"uefi-workstation", "bios-laptop", "server-many-disks",
+                                       "spanned-dynamic", "large-4kn"}));
+}
+
+class MixedDocument : public CaptureTest {
+protected:
+    MixedDocument() : CaptureTest(MixedMachine()) {}
+};
+
+TEST_F(MixedDocument, EveryElement_IsAsDescribed) {
+    EXPECT_EQ(WithoutAddresses(TreeOf(Document())), ExpectedDocument(simulation().machine()));
+}
+
+class ServerDocument : public CaptureTest {
+protected:
+    ServerDocument() : CaptureTest(Machine("server-many-disks")) {}
+};
+
+TEST_F(ServerDocument, Disks_StandInTheOrderOfTheirNumbersAsText) {
+    const XmlTree root = TreeOf(Document());
+    const XmlTree& disks = root.Child("BMREnvInfo").Child("DeviceInfo");
+    EXPECT_THAT(disks.Names(), ElementsAre("NumberOfDisks", "Disk1", "Disk2", "Disk3", "Disk4"));
+    EXPECT_EQ(disks.Child("Disk1").Child("DiskId").text, "0");
+    EXPECT_EQ(disks.Child("Disk2").Child("DiskId").text, "1");
+    EXPECT_EQ(disks.Child("Disk3").Child("DiskId").text, "10");
+    EXPECT_EQ(disks.Child("Disk4").Child("DiskId").text, "2");
+}
+
+class DocumentTexts : public CaptureTest {};
+
+TEST_F(DocumentTexts, MarkupInALabel_IsEscaped) {
+    simulation().description().volumes.at(2).label = L"<a> & \"b\" ]]>";
+    const std::string document = Document();
+    EXPECT_THAT(document, testing::HasSubstr("<VolumeLabel>&lt;a&gt; &amp; "));
+    EXPECT_EQ(WithoutAddresses(TreeOf(document)), ExpectedDocument(simulation().machine()));
+}
+
+TEST_F(DocumentTexts, LettersOfTheCodePage_ComeAsItsBytes) {
+    simulation().description().volumes.at(2).label =
+        L"\x00DC"
+        L"bung";
+    EXPECT_THAT(Document(), testing::HasSubstr("<VolumeLabel>" +
+                                               support::Ansi(L"\x00DC"
+                                                             L"bung") +
+                                               "</VolumeLabel>"));
+}
+
+TEST_F(DocumentTexts, LettersBeyondTheCodePage_LeaveTheDocumentWhole) {
+    simulation().description().volumes.at(2).label = L"\x4E2D\xD83D\xDCBE";
+    EXPECT_EQ(WithoutAddresses(TreeOf(Document())), ExpectedDocument(simulation().machine()));
+}
+
+TEST_F(DocumentTexts, TextsAsLongAsTheyMayBe_AreKept) {
+    simulation().description().volumes.at(2).label = std::wstring(32, L'L');
+    simulation().description().volumes.at(2).mount_points.push_back(L"C:\\" + std::wstring(240, L'd') +
+                                                                    L"\\");
+    EXPECT_EQ(WithoutAddresses(TreeOf(Document())), ExpectedDocument(simulation().machine()));
+}
+
+}  // namespace

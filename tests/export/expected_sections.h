@@ -1,0 +1,40 @@
+#pragma once
+
+// The parts of ExpectedDocument.
+
+#include "machine/description.h"
+#include "unit/capture/xml_tree.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+std::vector<XmlTree> ExpectedSystemSections(const machine::Description& machine);
+XmlTree ExpectedDisks(const machine::Description& machine);
+XmlTree ExpectedVolumes(const machine::Description& machine);
+
+/// The numbers of the disks that the management classes tell of, in the order of the document.
+std::vector<std::uint32_t> ListedDisks(const machine::Description& machine);
+/// Null when there is none.
+const machine::Disk* FindDisk(const machine::Description& machine, std::uint32_t index);
+/// Whether the library takes it for an MBR or a GPT disk.
+bool IsPartitioned(const machine::Disk& disk);
+bool IsUnused(const machine::Partition& partition);
+bool IsDynamic(const machine::Disk& disk);
+
+/// A property of the class's last instance as a text, as the code page has it: of the operating system, and
+/// so on.
+std::string WmiTextOf(const machine::Description& machine, const wchar_t* class_name,
+                      const wchar_t* property);
+
+template <class Number>
+XmlTree NumberLeaf(const char* name, Number value) {
+    return Leaf(name, std::to_string(value));
+}
+
+inline XmlTree TruthLeaf(const char* name, bool value) {
+    return Leaf(name, value ? "True" : "False");
+}
+
+/// UTF-8, with what the ANSI code page lacks replaced.
+std::string AnsiText(const std::wstring& text);

@@ -1,0 +1,105 @@
+// Captures with volumes selected for backup.
+
+#include "export/capture_fixture.h"
+#include "unit/capture/grabber/mixed_machine.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr char kEnd[] = "CaptureSystemRestorePointInfo Env Exception: I cannot backup the needed information";
+
+class SelectedVolumes : public CaptureTest {
+protected:
+    SelectedVolumes() : CaptureTest(MixedMachine()) {}
+
+    std::vector<std::string> Refused(const std::vector<std::wstring>& volumes) {
+        library_.Select(volumes);
+        ExpectFailure();
+        std::vector<std::string> lines = log_.Lines(support::kHostError);
+        // What the disks said of their own while they were read.
+        std::erase_if(lines, [](const std::string& line) { return line.starts_with("bmr_common::"); });
+        return lines;
+    }
+
+    void ExpectDone(const std::vector<std::wstring>& volumes) {
+        library_.Select(volumes);
+        EXPECT_EQ(Capture(100000).status, ORVANE_SUCCESS) << log_;
+    }
+};
+
+TEST_F(SelectedVolumes, NoVolumes_CaptureDescribesTheMachine) {
+    ExpectDone({});
+}
+
+TEST_F(SelectedVolumes, VolumesThatCanBeBackedUp_Pass) {
+    ExpectDone({kGoodVolume, kTwiceMountedVolume});
+}
+
+TEST_F(SelectedVolumes, OtherCaseOfAGuid_IsTheSameVolume) {
+    simulation().description().volumes.at(0).guid = L"{abcdef00-0000-0000-0000-000000000000}";
+    ExpectDone({L"\\\\?\\Volume{ABCDEF00-0000-0000-0000-000000000000}\\"});
+}
+
+TEST_F(SelectedVolumes, UnknownVolume_FailsTheCapture) {
+    EXPECT_THAT(Refused({kUnknownVolume}),
+                ElementsAre("Backup cannot proceed. Failed to find any information about volume "
+                            "\\\\?\\Volume{99999999-0000-0000-0000-000000000000}\\.",
+                            kEnd));
+}
+
+TEST_F(SelectedVolumes, RemovableVolume_FailsTheCapture) {
+    EXPECT_THAT(
+        Refused({kGoodVolume, kRemovableVolume}),
+        ElementsAre(
+            "Volume \\\\?\\Volume{33333333-0000-0000-0000-000000000000}\\ (Mounted as: E:\\) cannot be "
+            "backed up because:",
+            "This not a fixed disk, type is 2", kEnd));
+}
+
+TEST_F(SelectedVolumes, VolumeOnAMissingDisk_FailsTheCapture) {
+    EXPECT_THAT(
+        Refused({kVolumeOnMissingDisk}),
+        ElementsAre(
+            "Volume \\\\?\\Volume{44444444-0000-0000-0000-000000000000}\\ cannot be backed up because:",
+            "Extent is on disk 4 but we don't have such disk.", kEnd));
+}
+
+TEST_F(SelectedVolumes, VolumeOnARawDisk_FailsTheCapture) {
+    EXPECT_THAT(
+        Refused({kVolumeOnRawDisk}),
+        ElementsAre(
+            "Volume \\\\?\\Volume{55555555-0000-0000-0000-000000000000}\\ (Mounted as: F:\\) cannot be "
+            "backed up because:",
+            "Unknown disk partition style 2", kEnd));
+}
+
+TEST_F(SelectedVolumes, VolumeOnADiskThatCannotBeOpened_NamesTheError) {
+    simulation().faults().Fail("CreateFileW", 5, L"\\\\.\\PhysicalDrive0");
+    EXPECT_THAT(
+        Refused({kGoodVolume}),
+        ElementsAre(
+            "Volume \\\\?\\Volume{11111111-0000-0000-0000-000000000000}\\ (Mounted as: C:\\) cannot be "
+            "backed up because:",
+            "Failed to open hard disk 0 error: 5", kEnd));
+}
+
+TEST_F(SelectedVolumes, VolumeWhoseFreeSpaceIsUnknown_CanBeBackedUp) {
+    simulation().faults().Fail("GetDiskFreeSpaceW", 21);
+    simulation().faults().Fail("GetDiskFreeSpaceExW", 21);
+    ExpectDone({kGoodVolume});
+}
+
+TEST_F(SelectedVolumes, EveryRefusal_IsReportedInTheOrderOfTheList) {
+    const std::vector<std::string> lines =
+        Refused({kVolumeOnRawDisk, kUnknownVolume, kGoodVolume, kRemovableVolume});
+    ASSERT_EQ(lines.size(), 6U);
+    EXPECT_THAT(lines[0], testing::HasSubstr("{55555555-"));
+    EXPECT_THAT(lines[2], testing::HasSubstr("{99999999-"));
+    EXPECT_THAT(lines[3], testing::HasSubstr("{33333333-"));
+    EXPECT_EQ(lines[5], kEnd);
+}
+
+}  // namespace

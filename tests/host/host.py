@@ -1,0 +1,88 @@
+"""What the command-line tests of orvane.exe share.
+
+They run the program of ORVANE_EXE, on a build machine without Windows through the command of ORVANE_RUN.
+"""
+
+import functools
+import os
+import pathlib
+import subprocess
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+EXAMPLES = ROOT / "examples/machines"
+PROGRAM = pathlib.Path(os.environ["ORVANE_EXE"])
+
+# The code page that belongs to the locale below.
+ANSI = "cp1252"
+
+
+class Result:
+    """What a run left behind: the exit code, standard output in bytes, standard error as lines."""
+
+    def __init__(self, process):
+        self.code = process.returncode
+        self.out = process.stdout
+        self.errors = process.stderr.decode("utf-8").splitlines()
+
+
+def build_folder():
+    for folder in PROGRAM.resolve().parents:
+        if (folder / "CMakeCache.txt").exists():
+            return folder
+    raise RuntimeError(f"{PROGRAM} lies in no build folder")
+
+
+def run(*arguments, program=PROGRAM, folder=ROOT):
+    environment = dict(os.environ, LC_ALL="C.UTF-8")
+    environment.setdefault("ORVANE_WINEPREFIX", str(build_folder() / "wine-prefix"))
+    command = [*os.environ.get("ORVANE_RUN", "").split(), str(program), *map(str, arguments)]
+    return Result(subprocess.run(command, capture_output=True, cwd=folder, env=environment, check=False))
+
+
+@functools.cache
+def capture(*arguments):
+    """A capture that writes nothing but its document, run once for all tests."""
+    return run("capture", *arguments)
+
+
+def content(document):
+    """A document as nested (name, text or children), without layout and without the addresses of GPT disks."""
+
+    def of(element):
+        children = [of(child) for child in element]
+        if element.tag == "GUID":
+            return (element.tag, "an address" if int(element.text, 16) else "nothing")
+        return (element.tag, children or element.text or "")
+
+    return of(ElementTree.fromstring(document))
+
+
+class HostTest(unittest.TestCase):
+    """A test with a folder of its own."""
+
+    maxDiff = None
+
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder = pathlib.Path(scratch.name)
+
+    def assert_done(self, result):
+        self.assertEqual((result.code, result.errors), (0, []))
+
+    def assert_refused(self, result, code, *parts):
+        """The exit code, nothing on standard output, and on standard error a line of ours with every part."""
+        self.assertEqual(result.code, code, result.errors)
+        self.assertEqual(result.out, b"")
+        self.assertTrue(result.errors and result.errors[-1] != "", "nothing was said")
+        ours = [line for line in result.errors if line.startswith("orvane: ")]
+        self.assertEqual(len(ours), 1, result.errors)
+        for part in parts:
+            self.assertIn(part, ours[0])
+
+    def assert_well_formed(self, document):
+        check = subprocess.run(["xmllint", "--noout", "-"], input=document, capture_output=True, check=False)
+        self.assertEqual((check.returncode, check.stderr), (0, b""))

@@ -1,0 +1,47 @@
+#!/usr/bin/env -S python3 -B
+"""Arguments, help and version of orvane.exe."""
+
+import shutil
+import unittest
+
+from host import HostTest, PROGRAM, run
+
+OPTIONS = ["--format", "--volume", "--machine", "--output", "--raw", "--log", "--verbose"]
+
+
+class Arguments(HostTest):
+    def test_help_lists_commands_and_exit_codes(self):
+        result = run("--help")
+        self.assert_done(result)
+        for word in (b"capture", b"version", b"Exit codes"):
+            self.assertIn(word, result.out)
+
+    def test_help_of_capture_lists_every_option(self):
+        result = run("capture", "--help")
+        self.assert_done(result)
+        for option in OPTIONS:
+            self.assertIn(option.encode(), result.out)
+
+    def test_version_tells_library_and_interface(self):
+        result = run("version")
+        self.assert_done(result)
+        self.assertEqual(result.out, b"Orvane.dll 9.50.6732.0, interface version 4\n")
+
+    def test_bad_usage_is_refused(self):
+        for arguments in ([], ["frobnicate"], ["capture", "--frobnicate"], ["capture", "--format", "9"],
+                          ["capture", "extra"], ["capture", "--volume"]):
+            with self.subTest(arguments=arguments):
+                result = run(*arguments)
+                self.assertEqual((result.code, result.out), (2, b""))
+                self.assertTrue(result.errors[0].startswith("orvane: "), result.errors)
+
+    def test_missing_library_is_named(self):
+        lonely = self.folder / PROGRAM.name
+        shutil.copy(PROGRAM, lonely)
+        for command in ("version", "capture"):
+            with self.subTest(command=command):
+                self.assert_refused(run(command, program=lonely), 1, "Orvane.dll", "cannot be loaded")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,52 @@
+#include "support/allocation_failure.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+namespace {
+
+constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
+
+std::atomic<std::size_t> smallest_failing_now{kNever};
+std::atomic<std::size_t> hit_count{0};
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    if (size >= smallest_failing_now) {
+        ++hit_count;
+        throw std::bad_alloc();
+    }
+    void* const memory = std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
+
+namespace support {
+
+AllocationFailure::AllocationFailure(std::size_t smallest_failing) {
+    hit_count = 0;
+    smallest_failing_now = smallest_failing;
+}
+
+AllocationFailure::~AllocationFailure() {
+    smallest_failing_now = kNever;
+}
+
+std::size_t AllocationFailure::hits() const noexcept {
+    return hit_count;
+}
+
+}  // namespace support

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "common/windows.h"
+#include "support/scoped_import.h"
+
+namespace support {
+
+/// Collects what a module (the test program, unless told otherwise) writes with OutputDebugStringW, instead
+/// of the debugger. One at a time.
+class DebuggerCapture {
+public:
+    explicit DebuggerCapture(HMODULE module = GetModuleHandleW(nullptr));
+    ~DebuggerCapture();
+
+    DebuggerCapture(const DebuggerCapture&) = delete;
+    DebuggerCapture& operator=(const DebuggerCapture&) = delete;
+
+    const std::vector<std::wstring>& lines() const noexcept { return lines_; }
+    void Clear() noexcept { lines_.clear(); }
+
+private:
+    static void WINAPI Collect(const wchar_t* text);
+
+    static DebuggerCapture* current_;
+
+    std::vector<std::wstring> lines_;
+    ScopedImport<decltype(&OutputDebugStringW)> import_;
+};
+
+}  // namespace support

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "common/windows.h"
+#include "machine/redirect.h"
+
+namespace support {
+
+/// Lets a module (the test program, unless told otherwise) call `replacement` where it imports `function`,
+/// for the life of the object. A replacement that carries state keeps it in a static: it is a plain function
+/// pointer. Throws std::runtime_error when the module does not import the function: a test that redirects
+/// nothing tests nothing.
+template <class Function>
+class ScopedImport {
+public:
+    ScopedImport(const char* function, Function replacement, HMODULE module = GetModuleHandleW(nullptr))
+        : module_(module), function_(function) {
+        previous_ = machine::RedirectImport(module_, function_, AsProc(replacement));
+        if (previous_ == nullptr) {
+            throw std::runtime_error(std::string("not imported: ") + function_);
+        }
+    }
+    ~ScopedImport() { machine::RedirectImport(module_, function_, previous_); }
+
+    ScopedImport(const ScopedImport&) = delete;
+    ScopedImport& operator=(const ScopedImport&) = delete;
+
+    /// What the module called before.
+    Function previous() const noexcept {
+        return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(previous_));
+    }
+
+private:
+    static FARPROC AsProc(Function function) {
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(function));
+    }
+
+    HMODULE module_;
+    const char* function_;
+    FARPROC previous_ = nullptr;
+};
+
+}  // namespace support

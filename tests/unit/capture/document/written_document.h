@@ -1,0 +1,24 @@
+#pragma once
+
+#include "common/platform/com_enabler.h"
+#include "common/xml/ms_xml.h"
+#include "support/text.h"
+#include "unit/capture/xml_tree.h"
+
+#include <stdexcept>
+
+/// What `write` puts under the root of an empty document, as a tree.
+template <class Write>
+XmlTree Written(Write&& write) {
+    bmr_common::COMEnabler com;
+    if (!com.InitializeCOM(L"Written")) {
+        throw std::runtime_error("no COM");
+    }
+    CMSXmlDoc document;
+    if (!document.LoadXML("<root></root>")) {
+        throw std::runtime_error("no document");
+    }
+    CMSXmlNode root = document.GetRoot();
+    write(root);
+    return XmlTree::Of(support::Utf8(root.GetXML()));
+}

@@ -1,0 +1,193 @@
+// What the collectors make of the texts, lists and instances that they read.
+
+#include "capture/environment/system_information.h"
+#include "unit/capture/environment/wmi_machine.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class PropertyValues : public testing::Test {
+protected:
+    void Set(const wchar_t* property, const machine::WmiValue& value) {
+        machine_.Set(class_name_, property, value);
+    }
+
+    WmiMachine machine_;
+    std::wstring class_name_;
+};
+
+// --- Texts, each into the member of its own name.
+
+template <class Section>
+struct TextMember {
+    const wchar_t* property;
+    std::wstring Section::*member;
+};
+
+const TextMember<OSInfo> kOSTexts[] = {
+    {L"BootDevice", &OSInfo::BootDevice},
+    {L"CountryCode", &OSInfo::CountryCode},
+    {L"CSDVersion", &OSInfo::CSDVersion},
+    {L"CSName", &OSInfo::CSName},
+    {L"Description", &OSInfo::Description},
+    {L"Locale", &OSInfo::Locale},
+    {L"Manufacturer", &OSInfo::Manufacturer},
+    {L"Organization", &OSInfo::Organization},
+    {L"SerialNumber", &OSInfo::SerialNumber},
+    {L"SystemDevice", &OSInfo::SystemDevice},
+    {L"SystemDirectory", &OSInfo::SystemDirectory},
+    {L"SystemDrive", &OSInfo::SystemDrive},
+    {L"Version", &OSInfo::Version},
+    {L"Caption", &OSInfo::Name},
+    {L"WindowsDirectory", &OSInfo::WindowsDirectory},
+};
+const TextMember<ComputerSystemInfo> kComputerSystemTexts[] = {
+    {L"Description", &ComputerSystemInfo::Description},
+    {L"Domain", &ComputerSystemInfo::Domain},
+    {L"Manufacturer", &ComputerSystemInfo::Manufacturer},
+    {L"Model", &ComputerSystemInfo::Model},
+    {L"SystemType", &ComputerSystemInfo::SystemType},
+    {L"TotalPhysicalMemory", &ComputerSystemInfo::TotalPhysicalMemory},
+    {L"UserName", &ComputerSystemInfo::UserName},
+};
+const TextMember<BootConfigurationInfo> kBootConfigurationTexts[] = {
+    {L"BootDirectory", &BootConfigurationInfo::BootDirectory},
+    {L"ConfigurationPath", &BootConfigurationInfo::ConfigurationPath},
+    {L"Description", &BootConfigurationInfo::Description},
+    {L"LastDrive", &BootConfigurationInfo::LastDrive},
+    {L"Name", &BootConfigurationInfo::Name},
+    {L"ScratchDirectory", &BootConfigurationInfo::ScratchDirectory},
+    {L"TempDirectory", &BootConfigurationInfo::TempDirectory},
+};
+const TextMember<ProcessorInfo> kProcessorTexts[] = {{L"Manufacturer", &ProcessorInfo::Manufacturer}};
+
+template <class Section, class Members>
+void ExpectTexts(WmiMachine& machine, const wchar_t* class_name, int (*collect)(Section&),
+                 const Members& members) {
+    for (const auto& text : members) {
+        machine.Set(class_name, text.property, WmiText(std::wstring(L"<") + text.property + L">"));
+    }
+    machine.Set(class_name, L"Name", WmiText(L"<Name>"));
+    Section section;
+    EXPECT_EQ(collect(section), 1);
+    for (const auto& text : members) {
+        EXPECT_EQ(section.*text.member, std::wstring(L"<") + text.property + L">");
+    }
+}
+
+TEST_F(PropertyValues, Texts_GoToTheirMembers) {
+    ExpectTexts(machine_, L"Win32_Processor", GetProcessorInfo, kProcessorTexts);
+    ExpectTexts(machine_, L"Win32_OperatingSystem", GetOSInfo, kOSTexts);
+    ExpectTexts(machine_, L"Win32_ComputerSystem", GetComputerSystem, kComputerSystemTexts);
+    ExpectTexts(machine_, L"Win32_BootConfiguration", GetBootConfiguration, kBootConfigurationTexts);
+}
+
+TEST_F(PropertyValues, TextThatIsNoText_LeavesTheMemberAsItWas) {
+    class_name_ = L"Win32_Processor";
+    for (const machine::WmiValue& value : {WmiNull(), WmiNumber(VT_I4, 5), WmiTexts({L"a"}), WmiFailure()}) {
+        Set(L"Manufacturer", value);
+        ProcessorInfo processor;
+        processor.Manufacturer = L"before";
+        EXPECT_EQ(GetProcessorInfo(processor), 1);
+        EXPECT_EQ(processor.Manufacturer, L"before");
+    }
+}
+
+TEST_F(PropertyValues, EmptyText_ReplacesTheMember) {
+    class_name_ = L"Win32_Processor";
+    Set(L"Manufacturer", WmiText(L""));
+    ProcessorInfo processor;
+    processor.Manufacturer = L"before";
+    EXPECT_EQ(GetProcessorInfo(processor), 1);
+    EXPECT_EQ(processor.Manufacturer, L"");
+}
+
+// --- Lists, instances, constants.
+
+TEST_F(PropertyValues, StartupOptions_ComeInTheOrderOfTheArray) {
+    machine_.Set(L"Win32_ComputerSystem", L"SystemStartupOptions", WmiTexts({L"second", L"", L"first"}));
+    ComputerSystemInfo computer_system;
+    EXPECT_EQ(GetComputerSystem(computer_system), 1);
+    EXPECT_THAT(computer_system.SystemStartupOptions, ElementsAre(L"second", L"", L"first"));
+}
+
+TEST_F(PropertyValues, StartupOptionsThatAreNoList_GiveNone) {
+    for (const machine::WmiValue& value : {WmiNull(), WmiText(L"a"), WmiTexts({}), WmiFailure()}) {
+        machine_.Set(L"Win32_ComputerSystem", L"SystemStartupOptions", value);
+        ComputerSystemInfo computer_system;
+        EXPECT_EQ(GetComputerSystem(computer_system), 1);
+        EXPECT_THAT(computer_system.SystemStartupOptions, IsEmpty());
+    }
+}
+
+TEST_F(PropertyValues, SecondProcessor_OverwritesTheFirst) {
+    machine::WmiClass& processors = machine_.Class(L"Win32_Processor");
+    processors.instances.push_back(processors.instances.at(0));
+    machine::SetProperty(processors.instances[0], {L"Manufacturer", WmiText(L"first")});
+    machine::SetProperty(processors.instances[0], {L"Family", WmiNumber(VT_I4, 1)});
+    machine::SetProperty(processors.instances[1], {L"Manufacturer", WmiText(L"second")});
+    machine::SetProperty(processors.instances[1], {L"Family", WmiNumber(VT_I4, 2)});
+    ProcessorInfo processor;
+    EXPECT_EQ(GetProcessorInfo(processor), 1);
+    EXPECT_EQ(processor.Manufacturer, L"second");
+    EXPECT_EQ(processor.Family, 2);
+}
+
+TEST_F(PropertyValues, MandatoryFailureOfTheSecondInstance_KeepsWhatWasRead) {
+    machine::WmiClass& systems = machine_.Class(L"Win32_BootConfiguration");
+    systems.instances.push_back(systems.instances.at(0));
+    machine::SetProperty(systems.instances[0], {L"LastDrive", WmiText(L"X:")});
+    machine::SetProperty(systems.instances[1], {L"BootDirectory", WmiFailure()});
+    BootConfigurationInfo boot_configuration;
+    EXPECT_EQ(GetBootConfiguration(boot_configuration), 0);
+    EXPECT_EQ(boot_configuration.LastDrive, L"X:");
+}
+
+TEST_F(PropertyValues, NoInstance_LeavesTheSectionUntouched) {
+    machine_.Class(L"Win32_Processor").instances.clear();
+    ProcessorInfo processor;
+    processor.Family = 77;
+    processor.Manufacturer = L"before";
+    EXPECT_EQ(GetProcessorInfo(processor), 0);
+    EXPECT_EQ(processor.Family, 77);
+    EXPECT_EQ(processor.Manufacturer, L"before");
+}
+
+TEST_F(PropertyValues, NullBootDevice_KeepsItsTextAndGoesOn) {
+    machine_.Set(L"Win32_OperatingSystem", L"BootDevice", WmiNull());
+    OSInfo os;
+    EXPECT_EQ(GetOSInfo(os), 1);
+    EXPECT_EQ(os.BootDevice, L"");
+    EXPECT_FALSE(os.SystemDrive.empty());
+}
+
+TEST_F(PropertyValues, Architecture_IsSetRightAfterTheBootDevice) {
+    machine_.Set(L"Win32_OperatingSystem", L"OSArchitecture", WmiText(L"32-bit"));
+    machine_.Set(L"Win32_OperatingSystem", L"SystemDevice", WmiFailure());
+    OSInfo os;
+    EXPECT_EQ(GetOSInfo(os), 0);
+    EXPECT_EQ(os.OSArchitecture, 64U);
+}
+
+TEST_F(PropertyValues, Architecture_IsNotSetWithoutTheBootDevice) {
+    machine_.Set(L"Win32_OperatingSystem", L"BootDevice", WmiFailure());
+    OSInfo os;
+    EXPECT_EQ(GetOSInfo(os), 0);
+    EXPECT_EQ(os.OSArchitecture, 0U);
+}
+
+TEST_F(PropertyValues, Caption_IsTheNameOfTheRecord) {
+    machine_.Set(L"Win32_OperatingSystem", L"Name",
+                 WmiText(L"caption|C:\\Windows|\\Device\\Harddisk0\\Partition3"));
+    machine_.Set(L"Win32_OperatingSystem", L"Caption", WmiText(L"caption"));
+    OSInfo os;
+    EXPECT_EQ(GetOSInfo(os), 1);
+    EXPECT_EQ(os.Name, L"caption");
+}
+
+}  // namespace

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "machine/session.h"
+#include "machine/wmi_defaults.h"
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// A machine of which only the management classes matter.
+class WmiMachine {
+public:
+    WmiMachine() : session_(machine::ParseDescription("{}", "wmi machine")) {}
+
+    machine::Simulation& simulation() { return session_.simulation(); }
+
+    machine::WmiClass& Class(const std::wstring& name) {
+        return simulation().description().wmi[machine::WmiClassKey(name)];
+    }
+
+    /// Sets a property of the first instance.
+    void Set(const std::wstring& class_name, const std::wstring& property, const machine::WmiValue& value) {
+        machine::SetProperty(Class(class_name).instances.at(0), {property, value});
+    }
+
+    /// The properties that were read of that class, in order.
+    std::vector<std::wstring> ReadProperties(const std::wstring& class_name) {
+        std::vector<std::wstring> properties;
+        for (const machine::CallRecord& record : simulation().calls().records()) {
+            if (record.name == "IWbemClassObject::Get" && record.object.starts_with(class_name + L".")) {
+                properties.push_back(record.object.substr(class_name.size() + 1));
+            }
+        }
+        return properties;
+    }
+
+    /// The classes that were queried, in order.
+    std::vector<std::wstring> QueriedClasses() {
+        std::vector<std::wstring> classes;
+        for (const machine::CallRecord& record : simulation().calls().records()) {
+            if (record.name == "IWbemServices::ExecQuery") {
+                classes.push_back(record.object);
+            }
+        }
+        return classes;
+    }
+
+private:
+    machine::Session session_;
+};
+
+inline machine::WmiValue WmiText(std::wstring text) {
+    machine::WmiValue value;
+    value.type = VT_BSTR;
+    value.text = std::move(text);
+    return value;
+}
+
+inline machine::WmiValue WmiNumber(VARTYPE type, std::int64_t number) {
+    machine::WmiValue value;
+    value.type = type;
+    value.number = number;
+    return value;
+}
+
+inline machine::WmiValue WmiTexts(std::vector<std::wstring> texts) {
+    machine::WmiValue value;
+    value.type = VT_ARRAY | VT_BSTR;
+    value.texts = std::move(texts);
+    return value;
+}
+
+inline machine::WmiValue WmiNull() {
+    return {};
+}
+
+/// A property whose reading fails.
+inline machine::WmiValue WmiFailure() {
+    machine::WmiValue value;
+    value.error = 0x80041001;  // WBEM_E_FAILED
+    return value;
+}

@@ -1,0 +1,194 @@
+// The capture that the grabbers share: the document, its size, the caller's buffer.
+
+#include "capture/grabber/grabber_exception.h"
+#include "support/logger_capture.h"
+#include "support/scoped_import.h"
+#include "support/text.h"
+#include "unit/capture/grabber/fake_grabber.h"
+#include "unit/capture/xml_tree.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <objbase.h>
+
+namespace {
+
+using orvane::GrabberException;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::uint32_t kUntouched = 0xAAAAAAAA;
+constexpr char kTooSmall[] = "InfoGrabber::CaptureInfo: output buffer too small";
+
+class CaptureInfoTest : public testing::Test {
+protected:
+    CaptureInfoTest() { environment_->OS.Name = L"A <caption> & more"; }
+
+    void Capture(char* buffer, std::uint32_t buffer_size) {
+        FakeGrabber(environment_).CaptureInfo(buffer_size, buffer, &required_size_, &status_);
+    }
+
+    std::uint32_t Length() {
+        Capture(nullptr, 0);
+        return std::exchange(required_size_, kUntouched);
+    }
+
+    std::wstring MessageOfFailure(FakeGrabber& grabber) {
+        std::vector<char> buffer(100000, '#');
+        try {
+            grabber.CaptureInfo(100000, buffer.data(), &required_size_, &status_);
+        } catch (const GrabberException& error) {
+            EXPECT_EQ(required_size_, kUntouched);
+            EXPECT_EQ(status_, kUntouched);
+            EXPECT_EQ(buffer, std::vector<char>(100000, '#'));
+            return error.message();
+        }
+        return L"no exception";
+    }
+
+    boost::shared_ptr<EnvInfo> environment_ = boost::make_shared<EnvInfo>();
+    std::uint32_t required_size_ = kUntouched;
+    std::uint32_t status_ = kUntouched;
+    support::LoggerCapture log_;
+};
+
+TEST_F(CaptureInfoTest, SizeQuery_TellsTheLengthAndIsNoError) {
+    Capture(nullptr, 0);
+    EXPECT_EQ(status_, 2U);
+    EXPECT_GT(required_size_, 0U);
+    EXPECT_NE(required_size_, kUntouched);
+    EXPECT_TRUE(log_.Contains(support::kHostTrace, kTooSmall)) << log_;
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(CaptureInfoTest, BufferOfTheExactLength_ReceivesTheWholeDocument) {
+    const std::uint32_t length = Length();
+    log_.Clear();
+    std::string buffer(length + 1, '#');
+    Capture(buffer.data(), length);
+    EXPECT_EQ(status_, 0U);
+    EXPECT_EQ(required_size_, length);
+    EXPECT_EQ(buffer.back(), '#');
+    buffer.pop_back();
+    const XmlTree root = XmlTree::Of(buffer);
+    EXPECT_EQ(root.name, "root");
+    EXPECT_EQ(root.Child("BMREnvInfo").Child("OS").Child("Name").text, "A <caption> & more");
+    EXPECT_FALSE(log_.Contains(support::kHostTrace, kTooSmall)) << log_;
+}
+
+TEST_F(CaptureInfoTest, BufferOneByteTooShort_IsUntouched) {
+    const std::uint32_t length = Length();
+    std::string buffer(length, '#');
+    Capture(buffer.data(), length - 1);
+    EXPECT_EQ(status_, 2U);
+    EXPECT_EQ(required_size_, length);
+    EXPECT_EQ(buffer, std::string(length, '#'));
+}
+
+TEST_F(CaptureInfoTest, LargerBuffer_KeepsItsRest) {
+    const std::uint32_t length = Length();
+    std::string buffer(length + 100, '#');
+    Capture(buffer.data(), length + 100);
+    EXPECT_EQ(status_, 0U);
+    EXPECT_EQ(required_size_, length);
+    EXPECT_EQ(buffer.substr(length), std::string(100, '#'));
+}
+
+TEST_F(CaptureInfoTest, NullRequiredSize_IsAllowed) {
+    const std::uint32_t length = Length();
+    std::string buffer(length, '#');
+    FakeGrabber grabber(environment_);
+    grabber.CaptureInfo(length, buffer.data(), nullptr, &status_);
+    EXPECT_EQ(status_, 0U);
+    grabber.CaptureInfo(0, nullptr, nullptr, &status_);
+    EXPECT_EQ(status_, 2U);
+}
+
+TEST_F(CaptureInfoTest, Document_HasNoDeclarationAndNoTerminator) {
+    const std::uint32_t length = Length();
+    std::string buffer(length, '#');
+    Capture(buffer.data(), length);
+    EXPECT_THAT(buffer, testing::StartsWith("<root>"));
+    EXPECT_THAT(buffer, testing::EndsWith("</root>"));
+}
+
+TEST_F(CaptureInfoTest, Text_IsConvertedToTheAnsiCodePage) {
+    environment_->OS.Name = L"\x00FC\x20AC\x4E2D";
+    const std::uint32_t length = Length();
+    std::string buffer(length, '#');
+    Capture(buffer.data(), length);
+    EXPECT_THAT(buffer, testing::HasSubstr("<Name>" + support::Ansi(L"\x00FC\x20AC\x4E2D") + "</Name>"));
+}
+
+TEST_F(CaptureInfoTest, NoRecord_Throws) {
+    FakeGrabber grabber;
+    EXPECT_EQ(MessageOfFailure(grabber), L"InfoGrabber::CaptureInfo: Cannot get BMREnvInfo");
+}
+
+HRESULT WINAPI RefuseCom(void*, DWORD) {
+    return E_OUTOFMEMORY;
+}
+
+TEST_F(CaptureInfoTest, ComThatCannotBeInitialised_Throws) {
+    const support::ScopedImport import("CoInitializeEx", &RefuseCom);
+    FakeGrabber grabber(environment_);
+    EXPECT_EQ(MessageOfFailure(grabber), L"Failed to initialize COM");
+    EXPECT_THAT(
+        log_.Lines(support::kHostError),
+        ElementsAre(
+            "CoInitializeEx failed error=0x8007000e calling function orvane::InfoGrabber::CaptureInfo"));
+}
+
+HRESULT WINAPI RefuseToCreate(REFCLSID, IUnknown*, DWORD, REFIID, void** object) {
+    *object = nullptr;
+    return REGDB_E_CLASSNOTREG;
+}
+
+TEST_F(CaptureInfoTest, SystemWithoutTheDom_Throws) {
+    const support::ScopedImport import("CoCreateInstance", &RefuseToCreate);
+    FakeGrabber grabber(environment_);
+    EXPECT_EQ(MessageOfFailure(grabber), L"InfoGrabber::CaptureInfo: Failed to load XML configuration");
+}
+
+int WINAPI RefuseToConvert(UINT, DWORD, const wchar_t*, int, char*, int, const char*, BOOL*) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return 0;
+}
+
+TEST_F(CaptureInfoTest, DocumentThatCannotBeConverted_Throws) {
+    const support::ScopedImport import("WideCharToMultiByte", &RefuseToConvert);
+    FakeGrabber grabber(environment_);
+    EXPECT_EQ(MessageOfFailure(grabber), L"InfoGrabber::CaptureInfo: XML is invalid");
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                ElementsAre("ConvertWStrToStr: WideCharToMultiByte failed error = 87"));
+}
+
+int g_com_depth = 0;
+
+HRESULT WINAPI CountInitialize(void*, DWORD) {
+    ++g_com_depth;
+    return S_FALSE;
+}
+
+void WINAPI CountUninitialize() {
+    --g_com_depth;
+}
+
+TEST_F(CaptureInfoTest, ComScope_EndsOnEveryWayOut) {
+    const std::uint32_t length = Length();
+    ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
+    {
+        const support::ScopedImport initialize("CoInitializeEx", &CountInitialize);
+        const support::ScopedImport uninitialize("CoUninitialize", &CountUninitialize);
+        std::string buffer(length, '#');
+        Capture(buffer.data(), length);
+        EXPECT_EQ(g_com_depth, 0);
+        const support::ScopedImport create("CoCreateInstance", &RefuseToCreate);
+        EXPECT_THROW(Capture(buffer.data(), length), GrabberException);
+        EXPECT_EQ(g_com_depth, 0);
+    }
+    CoUninitialize();
+}
+
+}  // namespace

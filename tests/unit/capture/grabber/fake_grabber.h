@@ -1,0 +1,23 @@
+#pragma once
+
+#include "capture/grabber/info_grabber.h"
+
+/// The base as it is, over a record that the test hands in.
+class FakeGrabber : public orvane::InfoGrabber {
+public:
+    explicit FakeGrabber(boost::shared_ptr<EnvInfo> environment = {})
+        : environment_(std::move(environment)) {}
+
+    using InfoGrabber::CanBackup;
+
+    bool ObtainInformation() override { return true; }
+    bool CanBackup(const std::vector<std::wstring>& /*volumes*/,
+                   const std::vector<orvane::RequestedDisk>& /*disks*/, bool /*all_volumes*/) override {
+        return true;
+    }
+    boost::shared_ptr<EnvInfo> GetEnvInfo() override { return environment_; }
+    void DumpVolumeInfo() override {}
+
+private:
+    boost::shared_ptr<EnvInfo> environment_;
+};

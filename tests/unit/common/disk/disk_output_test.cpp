@@ -1,0 +1,256 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "common/disk/disk_drive_manager_factory.h"
+#include "support/logger_capture.h"
+#include "unit/common/disk/captured_elements.h"
+#include "unit/common/disk/expected_lines.h"
+#include "unit/common/disk/simulated_disks.h"
+
+namespace bmr_common {
+namespace {
+
+using expected::Error;
+using expected::Info;
+using simulated_disks::Machine;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+using Lines = std::vector<support::LogLine>;
+
+constexpr const char* kMbrDisk = R"({"disks": [{"index": 1, "size": "8 GiB", "signature": 439041101,
+    "partitions": [{"offset": "1 MiB", "size": "1 GiB", "type": "ntfs"}]}]})";
+constexpr const char* kGptDisk = R"({"disks": [{"index": 3, "size": 1610612736,
+    "diskId": "{11111111-2222-3333-4444-555555555555}",
+    "partitions": [{"offset": "1 MiB", "size": "1 GiB", "type": "basic-data"}]}]})";
+constexpr const char* kEmptyMbrDisk = R"({"disks": [{"index": 10, "size": "8 GiB", "signature": 7}]})";
+constexpr const char* kRawDisk = R"({"disks": [{"index": 5, "size": "8 GiB", "bytesPerSector": 4096,
+    "mediaType": "removable", "geometry": {"cylinders": 130, "tracksPerCylinder": 255, "sectorsPerTrack": 63}}]})";
+
+constexpr const char* kDynamicNotImplemented =
+    "bmr_common::DiskDriveManagerUnknown::is_dynamic not implemented for this disk type.";
+
+// What an 8 GiB disk says of its geometry.
+Lines GeometryLines() {
+    return {Info("  Dynamic disk: False"),    Info("  Disk Size: 8589934592(8.00 GB)"),
+            Info("  Cyclinders: 1044"),       Info("  MediaType: 12"),
+            Info("  TracksPerCylinder: 255"), Info("  SectorsPerTrack: 63"),
+            Info("  BytesPerSector: 512")};
+}
+
+class DiskOutputTest : public testing::Test {
+protected:
+    static DiskDriveManagerPtr DiskOf(const std::string& json) {
+        Machine machine(json);
+        return DiskDriveManagerFactory().CreateAndInitialize(machine.disk().index);
+    }
+
+    // The MBR disk with a detection record.
+    static DiskDriveManagerPtr DetectedDisk(const std::string& detection) {
+        std::string json = kMbrDisk;
+        json.replace(json.find("\"partitions\""), 0, "\"detection\": " + detection + ", ");
+        return DiskOf(json);
+    }
+
+    Lines DumpOf(const DiskDriveManagerPtr& disk) {
+        log_.Clear();
+        disk->DumpInfo();
+        return log_.Messages();
+    }
+
+    // The lines from `first` to the one before `next`.
+    static Lines Between(const Lines& lines, const std::string& first, const std::string& next) {
+        const auto begin = std::find(lines.begin(), lines.end(), Info(first));
+        return {begin, std::find(begin, lines.end(), Info(next))};
+    }
+
+    static std::vector<std::string> ElementsOf(const DiskDriveManagerPtr& disk) {
+        return captured::Elements([&](CMSXmlNode& node) { disk->CaptureInfo(node); });
+    }
+
+    // The elements from `first` to the one before `next`.
+    static std::vector<std::string> Between(const std::vector<std::string>& elements,
+                                            const std::string& first, const std::string& next) {
+        const auto begin = std::find(elements.begin(), elements.end(), first);
+        return {begin, std::find(begin, elements.end(), next)};
+    }
+
+    support::LoggerCapture log_;
+};
+
+TEST_F(DiskOutputTest, Dump_Mbr_WritesDiskThenSignatureThenTable) {
+    const Lines lines = DumpOf(DiskOf(kMbrDisk));
+
+    Lines expected = {Info(""), Info("[Disk/Partition Information]"), Info("Disk id: 1"),
+                      Info("  Available for backup: True")};
+    const Lines geometry = GeometryLines();
+    expected.insert(expected.end(), geometry.begin(), geometry.end());
+    for (const char* line : {"  DetectionType: 0", "  Partition Style: MBR", "    Signature: 0x1a2b3c4d", "",
+                             "  Disk partition style: 0", "  Number of partitions: 4",
+                             "  Signature: 0x1a2b3c4d", "    Partition Number: 1"}) {
+        expected.push_back(Info(line));
+    }
+    ASSERT_GE(lines.size(), expected.size());
+    EXPECT_THAT(Lines(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(expected.size())),
+                ElementsAreArray(expected));
+}
+
+TEST_F(DiskOutputTest, Dump_Gpt_WritesDiskThenIdThenTable) {
+    const Lines lines = DumpOf(DiskOf(kGptDisk));
+
+    EXPECT_THAT(Between(lines, "  Dynamic disk: False", "  Cyclinders: 195"),
+                ElementsAre(Info("  Dynamic disk: False"), Info("  Disk Size: 1610612736(1.50 GB)")));
+    EXPECT_THAT(Between(lines, "  DetectionType: 0", "    Partition Number: 1"),
+                ElementsAre(Info("  DetectionType: 0"), Info("  Partition Style: GPT"),
+                            Info("    DiskId: {11111111-2222-3333-4444-555555555555}"), Info(""),
+                            Info("  Disk partition style: 1"), Info("  Number of partitions: 1"),
+                            Info("  Disk Id: {11111111-2222-3333-4444-555555555555}"),
+                            Info("  Starting Usable Offset: 17408"), Info("  Usable Length: 1610578432"),
+                            Info("  Usable Max Partition Count: 128")));
+}
+
+TEST_F(DiskOutputTest, Dump_Raw_WritesTheStyleAndThatItIsNotSupported) {
+    EXPECT_THAT(
+        DumpOf(DiskOf(kRawDisk)),
+        ElementsAre(Info(""), Info("[Disk/Partition Information]"), Info("Disk id: 5"),
+                    Info("  Available for backup: False"),
+                    Info("    Failure reason: Unknown disk partition style 2"), Error(kDynamicNotImplemented),
+                    Info("  Dynamic disk: False"), Info("  Disk Size: 8589934592(8.00 GB)"),
+                    Info("  Cyclinders: 130"), Info("  MediaType: 11"), Info("  TracksPerCylinder: 255"),
+                    Info("  SectorsPerTrack: 63"), Info("  BytesPerSector: 4096"), Info("  DetectionType: 0"),
+                    Info("  Partition Style: RAW"),
+                    Info("The application does not support this partition style.")));
+}
+
+TEST_F(DiskOutputTest, Dump_MbrWithoutSignature_IsUnknownOfStyleZero) {
+    const Lines lines =
+        DumpOf(DiskOf(R"({"disks": [{"index": 1, "size": "8 GiB", "style": "mbr", "signature": 0}]})"));
+
+    ASSERT_GE(lines.size(), 2U);
+    EXPECT_EQ(Info("  Partition Style: UNKNOWN (0)"), lines[lines.size() - 2]);
+    EXPECT_EQ(Info("The application does not support this partition style."), lines.back());
+    EXPECT_THAT(lines, testing::Contains(Info("    Failure reason: Unknown disk partition style 0")));
+}
+
+TEST_F(DiskOutputTest, Dump_DiskThatCannotBeOpened_HasNoGeometryLines) {
+    Machine machine(kMbrDisk);
+
+    EXPECT_THAT(DumpOf(DiskDriveManagerFactory().CreateAndInitialize(12)),
+                ElementsAre(Info(""), Info("[Disk/Partition Information]"), Info("Disk id: 12"),
+                            Info("  Available for backup: False"),
+                            Info("    Failure reason: Failed to open hard disk 12 error: 2"),
+                            Info("operation Getting Drive Geometry has not attempted"),
+                            Error("operation Opening Disk failed - Failed to open hard disk 12 error: 2"),
+                            Info("The application does not support this partition style.")));
+}
+
+TEST_F(DiskOutputTest, Dump_RefusedByItsTable_GivesTheTablesReason) {
+    const std::string reason = " All partitions are marked as unused entry - cannot backup disk 10";
+
+    EXPECT_THAT(Between(DumpOf(DiskOf(kEmptyMbrDisk)), "Disk id: 10", "  Dynamic disk: False"),
+                ElementsAre(Info("Disk id: 10"), Info(reason), Info("  Available for backup: False"),
+                            Info("    Failure reason: " + reason)));
+}
+
+TEST_F(DiskOutputTest, Dump_Int13_WritesItsFiveNumbers) {
+    const DiskDriveManagerPtr disk =
+        DetectedDisk(R"({"type": "int13", "driveSelect": 128, "maxCylinders": 1023,
+        "sectorsPerTrack": 62, "maxHeads": 254, "numberDrives": 2})");
+
+    EXPECT_THAT(
+        Between(DumpOf(disk), "  DetectionType: 1", "  Partition Style: MBR"),
+        ElementsAre(Info("  DetectionType: 1"), Info("  DriveSelect: 128"), Info("  MaxCylinders: 1023"),
+                    Info("  SectorsPerTrack: 62"), Info("  MaxHeads: 254"), Info("  NumberDrives: 2")));
+    EXPECT_THAT(Between(ElementsOf(disk), "DetectionType=1", "PartitionStyle=0"),
+                ElementsAre("DetectionType=1", "DriveSelect=128", "MaxCylinders=1023", "SectorsPerTrack=62",
+                            "MaxHeads=254", "NumberDrives=2"));
+}
+
+TEST_F(DiskOutputTest, Dump_ExtendedInt13_WritesItsEightNumbersTheSectorsCut) {
+    const DiskDriveManagerPtr disk = DetectedDisk(R"({"type": "exint13", "exBufferSize": 30, "exFlags": 7,
+        "exCylinders": 16383, "exHeads": 16, "exSectorsPerTrack": 61, "exSectorsPerDrive": 4294967301,
+        "exSectorSize": 512, "exReserved": 9})");
+
+    EXPECT_THAT(
+        Between(DumpOf(disk), "  DetectionType: 2", "  Partition Style: MBR"),
+        ElementsAre(Info("  DetectionType: 2"), Info("  ExBufferSize: 30"), Info("  ExFlags: 7"),
+                    Info("  ExCylinders: 16383"), Info("  ExHeads: 16"), Info("  ExSectorsPerTrack: 61"),
+                    Info("  ExSectorsPerDrive: 5"), Info("  ExSectorSize: 512"), Info("  ExReserved: 9")));
+    EXPECT_THAT(Between(ElementsOf(disk), "DetectionType=2", "PartitionStyle=0"),
+                ElementsAre("DetectionType=2", "ExBufferSize=30", "ExFlags=7", "ExCylinders=16383",
+                            "ExHeads=16", "ExSectorsPerTrack=61", "ExSectorsPerDrive=4294967301",
+                            "ExSectorSize=512", "ExReserved=9"));
+}
+
+TEST_F(DiskOutputTest, Dump_OtherDetectionType_WritesItsNumberOnly) {
+    const DiskDriveManagerPtr disk = DetectedDisk(R"({"type": 3, "driveSelect": 128, "exFlags": 7})");
+
+    EXPECT_THAT(Between(DumpOf(disk), "  DetectionType: 3", "  Partition Style: MBR"),
+                ElementsAre(Info("  DetectionType: 3")));
+    EXPECT_THAT(Between(ElementsOf(disk), "DetectionType=3", "PartitionStyle=0"),
+                ElementsAre("DetectionType=3"));
+}
+
+TEST_F(DiskOutputTest, Capture_Mbr_WritesDiskThenTable) {
+    const std::vector<std::string> elements = ElementsOf(DiskOf(kMbrDisk));
+
+    ASSERT_GE(elements.size(), 15U);
+    EXPECT_THAT(
+        std::vector<std::string>(elements.begin(), elements.begin() + 15),
+        ElementsAre("DiskId=1", "DynamicDisk=False", "DiskSize=8589934592", "Cyclinders=1044", "MediaType=12",
+                    "TracksPerCylinder=255", "SectorsPerTrack=63", "bytes_per_sector=512",
+                    "PartitionStyle=MBR", "Signature=439041101", "DetectionType=0", "PartitionStyle=0",
+                    "NumberOfPartitions=4", "Partition1", "Partition1/DynamicPartition=False"));
+    EXPECT_EQ("Partition4/HiddenSectors=0", elements.back());
+}
+
+TEST_F(DiskOutputTest, Capture_Gpt_WritesTheAddressOfItsIdAndNoTable) {
+    const std::vector<std::string> elements = ElementsOf(DiskOf(kGptDisk));
+
+    ASSERT_EQ(11U, elements.size());
+    EXPECT_THAT(std::vector<std::string>(elements.begin(), elements.begin() + 9),
+                ElementsAre("DiskId=3", "DynamicDisk=False", "DiskSize=1610612736", "Cyclinders=195",
+                            "MediaType=12", "TracksPerCylinder=255", "SectorsPerTrack=63",
+                            "bytes_per_sector=512", "PartitionStyle=GPT"));
+    ASSERT_EQ(0U, elements[9].find("GUID="));
+    const std::string address = elements[9].substr(5);
+    EXPECT_EQ(16U, address.size());
+    EXPECT_EQ(std::string::npos, address.find_first_not_of("0123456789ABCDEFabcdef")) << address;
+    EXPECT_NE(std::string::npos, address.find_first_not_of('0')) << address;
+    EXPECT_EQ("DetectionType=0", elements[10]);
+}
+
+TEST_F(DiskOutputTest, Capture_RefusedDisks_WriteIdAndSizeZeroOnly) {
+    Machine machine(kMbrDisk);
+    const DiskDriveManagerPtr missing = DiskDriveManagerFactory().CreateAndInitialize(12);
+
+    EXPECT_THAT(ElementsOf(missing), ElementsAre("DiskId=12", "DiskSize=0"));
+}
+
+TEST_F(DiskOutputTest, Capture_RawOrEmptyDisk_WritesIdAndSizeZeroOnly) {
+    EXPECT_THAT(ElementsOf(DiskOf(kRawDisk)), ElementsAre("DiskId=5", "DiskSize=0"));
+    EXPECT_THAT(ElementsOf(DiskOf(kEmptyMbrDisk)), ElementsAre("DiskId=10", "DiskSize=0"));
+}
+
+TEST_F(DiskOutputTest, DumpAndCapture_TraceThemselves) {
+    for (const char* json : {kMbrDisk, kGptDisk, kRawDisk}) {
+        const DiskDriveManagerPtr disk = DiskOf(json);
+        disk->DumpInfo();
+        ElementsOf(disk);
+    }
+    for (const std::string function :
+         {"bmr_common::DiskDriveManager::DumpInfo", "bmr_common::DiskDriveManagerGPT::DumpInfo",
+          "bmr_common::DiskDriveManagerMBR::DumpInfo", "bmr_common::DiskDriveManagerUnknown::DumpInfo",
+          "bmr_common::DiskDriveManager::CaptureInfo", "bmr_common::DiskDriveManagerMBR::CaptureInfo"}) {
+        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function " + function + " line "))
+            << function;
+        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Leaving function " + function + " line "))
+            << function;
+    }
+}
+
+}  // namespace
+}  // namespace bmr_common

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "support/log_capture.h"
+
+// Lines of the log as a test expects them.
+namespace expected {
+
+inline support::LogLine Info(std::string text) {
+    return {support::kHostInformation, std::move(text)};
+}
+inline support::LogLine Warning(std::string text) {
+    return {support::kHostWarning, std::move(text)};
+}
+inline support::LogLine Error(std::string text) {
+    return {support::kHostError, std::move(text)};
+}
+
+}  // namespace expected

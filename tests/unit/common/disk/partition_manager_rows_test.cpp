@@ -1,0 +1,175 @@
+#include <cstdint>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+#include "common/disk/disk_drive_manager_gpt.h"
+#include "common/disk/partition_mbr.h"
+#include "support/logger_capture.h"
+#include "support/text.h"
+#include "unit/common/disk/expected_lines.h"
+#include "unit/common/disk/made_managers.h"
+#include "unit/common/disk/partition_entries.h"
+#include "unit/common/disk/simulated_disks.h"
+
+namespace bmr_common {
+namespace {
+
+using expected::Error;
+using made::GptManager;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::int64_t kMiB = 1LL << 20;
+
+// A row in one line: what it is, where it lies, and its number.
+std::string Described(const PartitionRow& row) {
+    return support::Ansi(row.kind) + "/" + support::Ansi(row.operation) + " " + std::to_string(row.offset) +
+           "+" + std::to_string(row.length) + " #" + std::to_string(row.partition_number);
+}
+
+class PartitionManagerRowsTest : public testing::Test {
+protected:
+    std::vector<std::string> RowsOf(const GptManager& manager, std::int64_t disk_size) {
+        DiskRow disk;
+        disk.size = static_cast<std::uint64_t>(disk_size);
+        rows_.assign(1, PartitionRow{});
+        EXPECT_TRUE(manager.GetEnumDiskPartitionVector(disk, rows_));
+        std::vector<std::string> described;
+        for (const PartitionRow& row : rows_) {
+            described.push_back(Described(row));
+        }
+        return described;
+    }
+
+    std::vector<PartitionRow> rows_;
+    support::LoggerCapture log_;
+};
+
+TEST_F(PartitionManagerRowsTest, DiskSizeZero_LogsAndGivesNoRows) {
+    EXPECT_THAT(RowsOf(GptManager{entries::Gpt(kMiB, kMiB)}, 0), IsEmpty());
+    EXPECT_THAT(
+        log_.Messages(),
+        ElementsAre(Error("bmr_common::PartitionManagerGPT::GetEnumDiskPartitionVector disk size is 0 no "
+                          "partitions will be visible")));
+}
+
+TEST_F(PartitionManagerRowsTest, OnePartitionAtOneMebibyte_IsFollowedByTheFreeRest) {
+    EXPECT_THAT(
+        RowsOf(GptManager{entries::Gpt(kMiB, 10 * kMiB)}, 100 * kMiB),
+        ElementsAre("Primary/Existing 1048576+10485760 #1", "Unallocated/Unallocated 11534336+93323264 #-1"));
+}
+
+TEST_F(PartitionManagerRowsTest, PartitionToTheEnd_HasNoFreeRest) {
+    EXPECT_THAT(RowsOf(GptManager{entries::Gpt(kMiB, 99 * kMiB)}, 100 * kMiB),
+                ElementsAre("Primary/Existing 1048576+103809024 #1"));
+}
+
+TEST_F(PartitionManagerRowsTest, FirstPartitionBelowOneMebibyte_HasNoLeadingRow) {
+    EXPECT_THAT(RowsOf(GptManager{entries::Gpt(17408, 100 * kMiB - 17408)}, 100 * kMiB),
+                ElementsAre("Primary/Existing 17408+104840192 #1"));
+}
+
+TEST_F(PartitionManagerRowsTest, FirstPartitionBehindOneMebibyte_LeavesTheFirstMebibyteOut) {
+    EXPECT_THAT(
+        RowsOf(GptManager{entries::Gpt(3 * kMiB, 97 * kMiB)}, 100 * kMiB),
+        ElementsAre("Unallocated/Unallocated 1048576+2097152 #-1", "Primary/Existing 3145728+101711872 #1"));
+}
+
+TEST_F(PartitionManagerRowsTest, NoPartitions_IsOneFreeRowFromOneMebibyte) {
+    EXPECT_THAT(RowsOf(GptManager(), 100 * kMiB),
+                ElementsAre("Unallocated/Unallocated 1048576+103809024 #-1"));
+}
+
+TEST_F(PartitionManagerRowsTest, NoPartitionsOnATinyDisk_HasNoRows) {
+    EXPECT_THAT(RowsOf(GptManager(), kMiB), IsEmpty());
+}
+
+TEST_F(PartitionManagerRowsTest, UnsortedWithGaps_AreInDiskOrderAndCountedFromOne) {
+    EXPECT_THAT(RowsOf(GptManager{entries::Gpt(50 * kMiB, 10 * kMiB), entries::Gpt(kMiB, 9 * kMiB),
+                                  entries::Gpt(10 * kMiB, 10 * kMiB)},
+                       60 * kMiB),
+                ElementsAre("Primary/Existing 1048576+9437184 #1", "Primary/Existing 10485760+10485760 #2",
+                            "Unallocated/Unallocated 20971520+31457280 #-1",
+                            "Primary/Existing 52428800+10485760 #3"));
+}
+
+TEST_F(PartitionManagerRowsTest, GapOfOneByte_IsShown) {
+    EXPECT_THAT(RowsOf(GptManager{entries::Gpt(kMiB, kMiB - 1), entries::Gpt(2 * kMiB, kMiB)}, 3 * kMiB),
+                ElementsAre("Primary/Existing 1048576+1048575 #1", "Unallocated/Unallocated 2097151+1 #-1",
+                            "Primary/Existing 2097152+1048576 #2"));
+}
+
+TEST_F(PartitionManagerRowsTest, Overlapping_MakesNoNegativeGap) {
+    EXPECT_THAT(
+        RowsOf(GptManager{entries::Gpt(kMiB, 10 * kMiB), entries::Gpt(5 * kMiB, 10 * kMiB)}, 15 * kMiB),
+        ElementsAre("Primary/Existing 1048576+10485760 #1", "Primary/Existing 5242880+10485760 #2"));
+}
+
+TEST_F(PartitionManagerRowsTest, PartitionRow_TakesBootFlagAndGuids) {
+    PARTITION_INFORMATION_EX system = entries::Gpt(kMiB, kMiB, entries::kEfiSystem);
+    system.Gpt.PartitionId = entries::kForeign;
+    system.PartitionNumber = 9;
+    RowsOf(GptManager{system, entries::Gpt(2 * kMiB, kMiB)}, 3 * kMiB);
+
+    ASSERT_EQ(2U, rows_.size());
+    EXPECT_TRUE(rows_[0].active);
+    EXPECT_TRUE(IsEqualGUID(entries::kEfiSystem, rows_[0].gpt_type));
+    EXPECT_TRUE(IsEqualGUID(entries::kForeign, rows_[0].gpt_id));
+    EXPECT_EQ(rows_[0].length, rows_[0].length_copy);
+    EXPECT_EQ(1, rows_[0].partition_number) << "counted, not the system's number";
+    EXPECT_FALSE(rows_[1].active);
+}
+
+TEST_F(PartitionManagerRowsTest, FreeRow_HasNeitherFlagNorGuids) {
+    RowsOf(GptManager(), 2 * kMiB);
+
+    ASSERT_EQ(1U, rows_.size());
+    EXPECT_FALSE(rows_[0].active);
+    EXPECT_TRUE(IsEqualGUID(GUID{}, rows_[0].gpt_type));
+    EXPECT_TRUE(IsEqualGUID(GUID{}, rows_[0].gpt_id));
+    EXPECT_EQ(rows_[0].length, rows_[0].length_copy);
+}
+
+TEST_F(PartitionManagerRowsTest, EntryOfAnotherKind_EndsTheRowsAfterItsGap) {
+    GptManager manager{entries::Gpt(kMiB, kMiB), entries::Gpt(20 * kMiB, kMiB)};
+    const auto foreign = boost::make_shared<PartitionMBR>();
+    foreign->Initialize(entries::Mbr(10 * kMiB, kMiB));
+    manager.list().push_back(foreign);
+
+    EXPECT_THAT(RowsOf(manager, 100 * kMiB), ElementsAre("Primary/Existing 1048576+1048576 #1",
+                                                         "Unallocated/Unallocated 2097152+8388608 #-1"));
+}
+
+TEST_F(PartitionManagerRowsTest, EntryBeyondTheNumbers_IsARowAllTheSame) {
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+    const GptManager manager{entries::Gpt(kMiB, kMost), entries::Gpt(kMost - 1, kMost)};
+
+    EXPECT_EQ("Primary/Existing 1048576+9223372036854775807 #1", RowsOf(manager, 100 * kMiB).front());
+}
+
+TEST_F(PartitionManagerRowsTest, DiskObject_FillsStyleAndRows) {
+    simulated_disks::Machine machine(simulated_disks::kGptDisk);
+    const UniqueFile drive = machine.Open();
+    win::ByteBuffer geometry;
+    DWORD error = 0;
+    ASSERT_TRUE(win::WinAPIWrapper::GetDriveGeometryEx(drive, 3, geometry, error));
+    DiskDriveManagerGPT disk(3);
+    disk.Initialize(drive, geometry);
+    DiskRow row;
+    row.size = 10ULL << 30;
+
+    EXPECT_TRUE(disk.FillDiskRow(row));
+
+    EXPECT_EQ(1, row.partition_style);
+    ASSERT_EQ(4U, row.partitions.size());
+    EXPECT_EQ("Primary/Existing 1048576+104857600 #1", Described(row.partitions[0]));
+    EXPECT_EQ("Unallocated/Unallocated 4417650688+6319767552 #-1", Described(row.partitions[3]));
+}
+
+}  // namespace
+}  // namespace bmr_common

@@ -1,0 +1,261 @@
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "common/disk/partition_manager_gpt.h"
+#include "common/platform/system_library.h"
+#include "support/logger_capture.h"
+#include "unit/common/disk/expected_lines.h"
+#include "unit/common/disk/partition_entries.h"
+#include "unit/common/disk/simulated_disks.h"
+
+namespace bmr_common {
+namespace {
+
+using expected::Error;
+using simulated_disks::kMiB;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kSetLayout = "DeviceIoControl:IOCTL_DISK_SET_DRIVE_LAYOUT_EX";
+constexpr const char* kUpdate = "DeviceIoControl:IOCTL_DISK_UPDATE_PROPERTIES";
+constexpr const char* kWriteFunction = "bmr_common::PartitionManager::WritePartitionTableToDisk";
+constexpr std::uint32_t kAlignment = 1U << 20;
+constexpr std::int64_t kDiskSize = 10LL << 30;
+
+// Keeps what is sent with the control code that sets a layout, for the life of the object.
+class LayoutSpy {
+public:
+    LayoutSpy() : previous_(Kernel32DLL::Get().DeviceIoControl) {
+        sent_.clear();
+        real_ = previous_;
+        Kernel32DLL::Get().DeviceIoControl = &Control;
+    }
+    ~LayoutSpy() { Kernel32DLL::Get().DeviceIoControl = previous_; }
+    LayoutSpy(const LayoutSpy&) = delete;
+    LayoutSpy& operator=(const LayoutSpy&) = delete;
+
+    const std::vector<unsigned char>& sent() const { return sent_; }
+    const DRIVE_LAYOUT_INFORMATION_EX& layout() const {
+        return *reinterpret_cast<const DRIVE_LAYOUT_INFORMATION_EX*>(sent_.data());
+    }
+
+private:
+    static BOOL WINAPI Control(HANDLE device, DWORD code, void* input, DWORD input_bytes, void* output,
+                               DWORD output_bytes, DWORD* returned, OVERLAPPED* overlapped) {
+        if (code == IOCTL_DISK_SET_DRIVE_LAYOUT_EX) {
+            const auto* const bytes = static_cast<const unsigned char*>(input);
+            sent_.assign(bytes, bytes + input_bytes);
+        }
+        return real_(device, code, input, input_bytes, output, output_bytes, returned, overlapped);
+    }
+
+    static inline decltype(Kernel32DLL::DeviceIoControl) real_ = nullptr;
+    static inline std::vector<unsigned char> sent_;
+
+    decltype(Kernel32DLL::DeviceIoControl) previous_;
+};
+
+// Disk 3 with its table read; the log holds what the test itself does.
+class PartitionManagerWritingTest : public testing::Test {
+protected:
+    PartitionManagerWritingTest() {
+        manager_.Initialize(machine_.Open());
+        machine_.simulation().calls().Clear();
+        log_.Clear();
+    }
+
+    bool Add(std::int64_t start, std::int64_t size) {
+        std::int64_t used_start = 0;
+        std::int64_t used_size = 0;
+        return manager_.AddPartitionInMemory(start, size, size, kDiskSize, kAlignment, entries::kBasicData,
+                                             &used_start, &used_size);
+    }
+
+    std::vector<std::uint64_t> StartsOnDisk() {
+        std::vector<std::uint64_t> starts;
+        for (const machine::Partition& partition : machine_.disk().partitions) {
+            starts.push_back(partition.offset >> 20);
+        }
+        return starts;
+    }
+
+    support::LoggerCapture log_;
+    simulated_disks::Machine machine_{simulated_disks::kGptDisk};
+    PartitionManagerGPT manager_{3};
+};
+
+TEST_F(PartitionManagerWritingTest, Commit_Unchanged_OpensWritesUpdatesFlushesCloses) {
+    EXPECT_TRUE(manager_.CommitPartitionTable());
+
+    EXPECT_EQ(std::string("CreateFileW ") + kSetLayout + " " + kUpdate + " FlushFileBuffers CloseHandle ",
+              machine_.CallNames());
+    EXPECT_EQ(L"\\\\.\\PhysicalDrive3", machine_.simulation().calls().records().front().object);
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(PartitionManagerWritingTest, Commit_NewPartition_ReachesTheDiskInOrder) {
+    ASSERT_TRUE(Add(5000 * kMiB, 100 * kMiB));
+    ASSERT_TRUE(manager_.DeletePartitionFromMemory(101 * kMiB));
+
+    EXPECT_TRUE(manager_.CommitPartitionTable());
+
+    EXPECT_THAT(StartsOnDisk(), ElementsAre(1, 117, 5000));
+    EXPECT_EQ(L"Basic data partition", machine_.disk().partitions[2].gpt_name);
+    EXPECT_EQ(104857600U, machine_.disk().partitions[2].length);
+}
+
+TEST_F(PartitionManagerWritingTest, Commit_Layout_IsSortedNumberedAndMarkedToBeRewritten) {
+    ASSERT_TRUE(manager_.DeletePartitionFromMemory(kMiB));
+    ASSERT_TRUE(Add(2 * kMiB, 10 * kMiB));
+    const LayoutSpy spy;
+
+    ASSERT_TRUE(manager_.CommitPartitionTable());
+
+    ASSERT_EQ(48U + 144U * 3U, spy.sent().size());
+    const DRIVE_LAYOUT_INFORMATION_EX& layout = spy.layout();
+    EXPECT_EQ(1U, layout.PartitionStyle);
+    ASSERT_EQ(3U, layout.PartitionCount);
+    const std::int64_t starts[] = {2 * kMiB, 101 * kMiB, 117 * kMiB};
+    for (DWORD i = 0; i < 3; ++i) {
+        EXPECT_EQ(starts[i], layout.PartitionEntry[i].StartingOffset.QuadPart);
+        EXPECT_EQ(i + 1, layout.PartitionEntry[i].PartitionNumber);
+        EXPECT_EQ(TRUE, layout.PartitionEntry[i].RewritePartition);
+    }
+}
+
+TEST_F(PartitionManagerWritingTest, Commit_Header_IsTheOneThatWasRead) {
+    machine_.disk().max_partition_count = 256;
+    PartitionManagerGPT manager(3);
+    const UniqueFile drive = machine_.Open();
+    manager.Initialize(drive);
+    const LayoutSpy spy;
+
+    ASSERT_TRUE(manager.CommitPartitionTable());
+
+    const DRIVE_LAYOUT_INFORMATION_GPT& header = spy.layout().Gpt;
+    EXPECT_TRUE(IsEqualGUID(machine_.disk().disk_id, header.DiskId));
+    EXPECT_EQ(17408, header.StartingUsableOffset.QuadPart);
+    EXPECT_EQ(10737383936, header.UsableLength.QuadPart);
+    EXPECT_EQ(256U, header.MaxPartitionCount);
+}
+
+TEST_F(PartitionManagerWritingTest, Commit_FewPartitions_SendsAtLeast192Bytes) {
+    const LayoutSpy spy;
+    ASSERT_TRUE(manager_.DeletePartitionFromMemory(kMiB));
+    ASSERT_TRUE(manager_.DeletePartitionFromMemory(101 * kMiB));
+    ASSERT_TRUE(manager_.CommitPartitionTable());
+    EXPECT_EQ(192U, spy.sent().size());
+
+    ASSERT_TRUE(manager_.DeletePartitionFromMemory(117 * kMiB));
+    ASSERT_TRUE(manager_.CommitPartitionTable());
+
+    EXPECT_EQ(192U, spy.sent().size());
+    EXPECT_EQ(0U, spy.layout().PartitionCount);
+    EXPECT_EQ(std::vector<unsigned char>(144),
+              std::vector<unsigned char>(spy.sent().begin() + 48, spy.sent().end()));
+    EXPECT_THAT(StartsOnDisk(), IsEmpty());
+}
+
+TEST_F(PartitionManagerWritingTest, Commit_Done_ReplacesTheManagersLayout) {
+    ASSERT_TRUE(manager_.DeletePartitionFromMemory(101 * kMiB));
+
+    ASSERT_TRUE(manager_.CommitPartitionTable());
+
+    ASSERT_EQ(2U, manager_.layout()->PartitionCount);
+    EXPECT_EQ(117 * kMiB, manager_.layout()->PartitionEntry[1].StartingOffset.QuadPart);
+}
+
+TEST_F(PartitionManagerWritingTest, DeletePartitionsAndWrite_All_WritesTheRest) {
+    EXPECT_TRUE(manager_.DeletePartitionsAndWrite({117 * kMiB, kMiB}));
+
+    EXPECT_THAT(StartsOnDisk(), ElementsAre(101));
+}
+
+TEST_F(PartitionManagerWritingTest, DeletePartitionsAndWrite_OneMissing_WritesNothing) {
+    EXPECT_FALSE(manager_.DeletePartitionsAndWrite({117 * kMiB, 7}));
+
+    EXPECT_EQ("", machine_.CallNames());
+    EXPECT_EQ(2U, manager_.partitions().size());
+}
+
+TEST_F(PartitionManagerWritingTest, OpenRefused_LogsAndLeavesTheDisk) {
+    machine_.simulation().faults().Fail("CreateFileW", ERROR_ACCESS_DENIED);
+
+    EXPECT_FALSE(manager_.DeletePartitionsAndWrite({kMiB}));
+
+    EXPECT_EQ("CreateFileW ", machine_.CallNames());
+    EXPECT_THAT(StartsOnDisk(), ElementsAre(1, 101, 117));
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Error(std::string(kWriteFunction) + " OpenPhysicalDrive disk 3 error=5")));
+}
+
+TEST_F(PartitionManagerWritingTest, SetRefused_LogsClosesAndLeavesTheDisk) {
+    machine_.simulation().faults().Fail(kSetLayout, ERROR_WRITE_PROTECT);
+
+    EXPECT_FALSE(manager_.DeletePartitionsAndWrite({kMiB}));
+
+    EXPECT_EQ(std::string("CreateFileW ") + kSetLayout + " CloseHandle ", machine_.CallNames());
+    EXPECT_THAT(StartsOnDisk(), ElementsAre(1, 101, 117));
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Error("win::WinAPIWrapper::SetDriveLayoutEx IOCTL_DISK_SET_DRIVE_LAYOUT "
+                                  "of disk 3 error=19")));
+}
+
+TEST_F(PartitionManagerWritingTest, UpdateRefused_LogsAndCloses) {
+    machine_.simulation().faults().Fail(kUpdate, ERROR_NOT_READY);
+
+    EXPECT_FALSE(manager_.CommitPartitionTable());
+
+    EXPECT_EQ(std::string("CreateFileW ") + kSetLayout + " " + kUpdate + " CloseHandle ",
+              machine_.CallNames());
+    EXPECT_THAT(
+        log_.Messages(),
+        ElementsAre(Error("win::WinAPIWrapper::UpdateDiskProperties IOCTL_DISK_UPDATE_PROPERTIES error=21"),
+                    Error(std::string(kWriteFunction) + " IOCTL_DISK_UPDATE_PROPERTIES disk 3 error=21")));
+}
+
+TEST_F(PartitionManagerWritingTest, FlushNotSupported_IsAcceptedWithATraceLine) {
+    machine_.simulation().faults().Fail("FlushFileBuffers", ERROR_INVALID_FUNCTION);
+
+    EXPECT_TRUE(manager_.CommitPartitionTable());
+
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+    EXPECT_TRUE(log_.Contains(support::kHostTrace, "win::WinAPIWrapper::FlushFileBuffers error=1")) << log_;
+}
+
+TEST_F(PartitionManagerWritingTest, FlushRefused_LogsAndCloses) {
+    machine_.simulation().faults().Fail("FlushFileBuffers", ERROR_ACCESS_DENIED);
+
+    EXPECT_FALSE(manager_.CommitPartitionTable());
+
+    EXPECT_EQ("CloseHandle", machine_.simulation().calls().records().back().name);
+    EXPECT_TRUE(log_.Contains(support::kHostTrace, "win::WinAPIWrapper::FlushFileBuffers error=5")) << log_;
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Error(std::string(kWriteFunction) + " FlushFileBuffers error=5")));
+}
+
+TEST_F(PartitionManagerWritingTest, FunctionsMissing_AreFailuresLikeOthers) {
+    const auto create = Kernel32DLL::Get().CreateFileW;
+    Kernel32DLL::Get().CreateFileW = nullptr;
+
+    EXPECT_FALSE(manager_.CommitPartitionTable());
+
+    Kernel32DLL::Get().CreateFileW = create;
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Error(std::string(kWriteFunction) + " OpenPhysicalDrive disk 3 error=127")));
+}
+
+TEST_F(PartitionManagerWritingTest, Commit_LayoutNeverRead_WritesNothing) {
+    PartitionManagerGPT manager(3);
+
+    EXPECT_FALSE(manager.CommitPartitionTable());
+
+    EXPECT_EQ("", machine_.CallNames());
+}
+
+}  // namespace
+}  // namespace bmr_common

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "common/platform/win_api_wrapper.h"
+#include "machine/simulation.h"
+
+// Machines of one or two disks, and the way to open those.
+namespace simulated_disks {
+
+inline constexpr std::int64_t kMiB = 1LL << 20;
+
+// Disk 3, 10 GiB: an EFI system partition, a reserved one, a data partition of 4 GiB, and free space.
+inline constexpr const char* kGptDisk = R"({"disks": [{
+    "index": 3, "size": "10 GiB", "diskId": "{11111111-2222-3333-4444-555555555555}",
+    "startingUsableOffset": 17408, "usableLength": 10737383936,
+    "partitions": [
+        {"offset": "1 MiB", "size": "100 MiB", "type": "efi-system", "id": "{00000001-0000-0000-0000-000000000000}"},
+        {"offset": "101 MiB", "size": "16 MiB", "type": "reserved", "id": "{00000002-0000-0000-0000-000000000000}"},
+        {"offset": "117 MiB", "size": "4 GiB", "type": "basic-data", "id": "{00000003-0000-0000-0000-000000000000}"}
+    ]}]})";
+
+// Disk 1, 8 GiB: an active partition, another one, two unused slots.
+inline constexpr const char* kMbrDisk = R"({"disks": [{
+    "index": 1, "size": "8 GiB", "signature": 439041101,
+    "partitions": [
+        {"offset": "1 MiB", "size": "500 MiB", "type": "ntfs", "active": true},
+        {"offset": "501 MiB", "size": "4 GiB", "type": "ntfs"}
+    ]}]})";
+
+// The machine of a test: its simulation, and no handle left open when it ends.
+class Machine {
+public:
+    explicit Machine(const std::string& json) : simulation_(machine::ParseDescription(json, "machine")) {}
+    ~Machine() {
+        EXPECT_EQ(0U, simulation_.open_handles());
+        EXPECT_EQ(0U, simulation_.stale_handle_uses());
+    }
+    Machine(const Machine&) = delete;
+    Machine& operator=(const Machine&) = delete;
+
+    machine::Simulation& simulation() { return simulation_; }
+    machine::Disk& disk() { return simulation_.description().disks.front(); }
+
+    UniqueFile Open() { return OpenDisk(disk().index); }
+
+    static UniqueFile OpenDisk(std::uint32_t index) {
+        UniqueFile drive;
+        DWORD error = 0;
+        EXPECT_TRUE(win::WinAPIWrapper::OpenPhysicalDrive(index, 0, &drive, error));
+        return drive;
+    }
+
+    // The calls that stand for one system function, in order, each with a blank behind it.
+    std::string CallNames() {
+        std::string names;
+        for (const machine::CallRecord& call : simulation_.calls().records()) {
+            names += call.name + " ";
+        }
+        return names;
+    }
+
+private:
+    machine::Simulation simulation_;
+};
+
+}  // namespace simulated_disks

@@ -1,0 +1,196 @@
+#include "common/logger/orvane_logger.h"
+
+#include <clocale>
+#include <stdexcept>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "support/debugger_capture.h"
+#include "support/logger_capture.h"
+
+namespace {
+
+using support::DebuggerCapture;
+using support::LoggerCapture;
+using support::LogLine;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::IsEmpty;
+
+// Before main, when nothing of this program has been initialised in any order to rely on.
+const int early_result = GetLogger().Write(kLogTrace, L"before main");
+
+// The locale of the C runtime, for the length of a test.
+class ScopedLocale {
+public:
+    explicit ScopedLocale(const char* name)
+        : previous_(std::setlocale(LC_ALL, nullptr)), known_(std::setlocale(LC_ALL, name) != nullptr) {}
+    ~ScopedLocale() { std::setlocale(LC_ALL, previous_.c_str()); }
+    ScopedLocale(const ScopedLocale&) = delete;
+    ScopedLocale& operator=(const ScopedLocale&) = delete;
+
+    bool known() const { return known_; }
+
+private:
+    std::string previous_;
+    bool known_;
+};
+
+const LogLine kConversionAssertion{2, "ASSERTION FAILED, src/common/logger:79 !err"};
+
+TEST(OrvaneLogger, GetLogger_BeforeMain_WorksAlready) {
+    EXPECT_EQ(early_result, 1);
+}
+
+TEST(OrvaneLogger, GetLogger_Twice_IsTheSameLogger) {
+    EXPECT_EQ(&GetLogger(), &GetLogger());
+}
+
+TEST(OrvaneLogger, GetLevel_Always_IsFive) {
+    EXPECT_EQ(OrvaneLogger().GetLevel(), 5);
+}
+
+class OrvaneLoggerLevels : public testing::TestWithParam<std::pair<int, std::int32_t>> {};
+
+TEST_P(OrvaneLoggerLevels, Write_WithCallback_MapsTheLevel) {
+    const auto [level, host_level] = GetParam();
+    LoggerCapture log;
+
+    EXPECT_EQ(GetLogger().Write(level, L"level %d", level), 1);
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{host_level, "level " + std::to_string(level)}));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, OrvaneLoggerLevels,
+                         testing::Values(std::pair{1, 4}, std::pair{2, 3}, std::pair{3, 2}, std::pair{4, 1},
+                                         std::pair{5, 0}, std::pair{0, 3}, std::pair{-1, 3},
+                                         std::pair{-2147483647 - 1, 3}));
+
+TEST(OrvaneLogger, Output_LevelAboveFive_MapsToThree) {
+    LoggerCapture log;
+
+    GetLogger().Output(6, L"six", 3);
+    GetLogger().Output(2147483647, L"most", 4);
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, "six"}, LogLine{3, "most"}));
+}
+
+TEST(OrvaneLogger, Write_LevelSix_IsDropped) {
+    LoggerCapture log;
+
+    EXPECT_EQ(GetLogger().Write(6, L"six"), 0);
+
+    EXPECT_THAT(log.all(), IsEmpty());
+}
+
+TEST(OrvaneLogger, Write_300Characters_ReachTheCallbackAs254) {
+    LoggerCapture log;
+    const std::wstring text(300, L'n');
+
+    GetLogger().Write(2, L"%s", text.c_str());
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, std::string(254, 'n')}));
+}
+
+TEST(OrvaneLogger, Write_PercentSignsInTheFinishedText_ReachTheCallbackUnchanged) {
+    LoggerCapture log;
+
+    GetLogger().Write(2, L"%s", L"100%d %s %%");
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, "100%d %s %%"}));
+}
+
+TEST(OrvaneLogger, Write_CallbackSet_LeavesTheDebuggerAlone) {
+    const LoggerCapture log;
+    const DebuggerCapture debugger;
+
+    GetLogger().Write(2, L"for the host");
+
+    EXPECT_THAT(debugger.lines(), IsEmpty());
+}
+
+TEST(OrvaneLogger, Write_CharacterOutsideTheLocale_BecomesTheAssertion) {
+    LoggerCapture log;
+
+    EXPECT_EQ(GetLogger().Write(2, L"label \x4E2D"), 1);
+
+    EXPECT_THAT(log.all(), ElementsAre(kConversionAssertion));
+}
+
+TEST(OrvaneLogger, Write_CharacterOutsideTheLocaleAtTraceLevel_BecomesTheAssertionAtItsOwnLevel) {
+    LoggerCapture log;
+
+    GetLogger().Write(5, L"\x4E2D");
+
+    EXPECT_THAT(log.all(), ElementsAre(kConversionAssertion));
+}
+
+TEST(OrvaneLogger, Write_CharacterOfTheLocale_IsConverted) {
+    const ScopedLocale locale(".1252");
+    ASSERT_TRUE(locale.known());
+    LoggerCapture log;
+
+    GetLogger().Write(2, L"\x20AC");
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, "\x80"}));
+}
+
+TEST(OrvaneLogger, Write_NarrowTextLongerThanItsBuffer_BecomesTheAssertion) {
+    const ScopedLocale locale(".932");
+    ASSERT_TRUE(locale.known());
+    LoggerCapture log;
+    const std::wstring two_bytes_each(128, L'\x4E2D');  // 256 bytes, one more than the buffer
+
+    GetLogger().Write(2, L"%s", two_bytes_each.substr(1).c_str());
+    GetLogger().Write(2, L"%s", two_bytes_each.c_str());
+
+    std::string fits;
+    for (int i = 0; i < 127; ++i) {
+        fits += "\x92\x86";
+    }
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, fits}, kConversionAssertion));
+}
+
+TEST(OrvaneLogger, SetCallback_Null_SendsTheNextMessageToTheDebugger) {
+    LoggerCapture log;
+    const DebuggerCapture debugger;
+
+    GetLogger().SetCallback(nullptr);
+    GetLogger().Write(2, L"for the debugger");
+
+    EXPECT_THAT(log.all(), IsEmpty());
+    EXPECT_THAT(debugger.lines(), ElementsAre(EndsWith(L" for the debugger\n")));
+}
+
+TEST(OrvaneLogger, SetCallback_Another_ReplacesTheFirst) {
+    LoggerCapture first;
+    {
+        LoggerCapture second;
+        GetLogger().Write(2, L"to the second");
+        EXPECT_THAT(second.all(), ElementsAre(LogLine{3, "to the second"}));
+    }
+    GetLogger().Write(2, L"to the first");
+
+    EXPECT_THAT(first.all(), ElementsAre(LogLine{3, "to the first"}));
+}
+
+TEST(OrvaneLogger, Write_CallbackThrows_ReturnsZeroAndTellsTheDebugger) {
+    const DebuggerCapture debugger;
+    OrvaneLogger logger;
+    logger.SetCallback([](std::int32_t, const char*) { throw std::runtime_error("host"); });
+
+    EXPECT_EQ(logger.Write(2, L"message %d", 1), 0);
+
+    EXPECT_THAT(debugger.lines(), ElementsAre(L"Exception in CLogger::Write while writing message %d"));
+}
+
+TEST(OrvaneLogger, LogAssertionFailure_Always_NamesSourceLineAndCondition) {
+    LoggerCapture log;
+
+    LogAssertionFailure(L"src/common/disk", 12, L"size > 0");
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{2, "ASSERTION FAILED, src/common/disk:12 size > 0"}));
+}
+
+}  // namespace

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "common/windows.h"
+
+#include <objbase.h>
+
+#include "support/stub.h"
+
+/// COM's initialisation as the program imports it: every call is kept, and answered with the given results.
+class ComCalls {
+public:
+    ComCalls();
+
+    HRESULT initialize_result = S_OK;
+    HRESULT security_result = S_OK;
+
+    std::vector<DWORD> initialized;  // the flags of each CoInitializeEx
+    bool reserved_passed = false;
+    int security_calls = 0;
+    int uninitialized = 0;
+
+    struct Security {
+        bool pointers = true;  // whether any of the pointers was not null
+        LONG services = 0;
+        DWORD authentication = 99;
+        DWORD impersonation = 99;
+        DWORD capabilities = 99;
+    };
+    Security security;
+
+private:
+    template <class Function>
+    using Import = support::StubImport<Function, std::function<std::remove_pointer_t<Function>>>;
+    Import<decltype(&::CoInitializeEx)> initialize_;
+    Import<decltype(&::CoInitializeSecurity)> initialize_security_;
+    Import<decltype(&::CoUninitialize)> uninitialize_;
+};

@@ -1,0 +1,79 @@
+#include "common/platform/multi_string.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "common/windows.h"
+#include "support/text.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+struct Block {
+    std::vector<wchar_t> characters;
+    std::vector<std::wstring> entries;
+};
+
+class MultiStrings : public testing::TestWithParam<Block> {};
+
+TEST_P(MultiStrings, Split_Block_GivesItsCompleteEntries) {
+    const Block& block = GetParam();
+    EXPECT_THAT(SplitMultiString(block.characters.data(), block.characters.size()),
+                ElementsAreArray(block.entries));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, MultiStrings,
+    testing::Values(Block{{}, {}},                                      // nothing at all
+                    Block{{0}, {}},                                     // the end of an empty list
+                    Block{{0, 0}, {}},                                  //
+                    Block{{0, L'a', 0, 0}, {}},                         // the empty entry ends the list
+                    Block{{L'a'}, {}},                                  // no terminator at all
+                    Block{{L'a', 0}, {L"a"}},                           // no end of the list
+                    Block{{L'a', 0, 0}, {L"a"}},                        //
+                    Block{{L'a', 0, L'b', L'c', 0, 0}, {L"a", L"bc"}},  //
+                    Block{{L'a', 0, L'b', L'c', 0}, {L"a", L"bc"}},     // no end of the list
+                    Block{{L'a', 0, L'b', L'c'}, {L"a"}},               // the second is cut off
+                    Block{{L'a', 0, 0, L'b', 0, 0}, {L"a"}},            // what follows the end is none
+                    Block{{L'a', 0, L'a', 0, 0}, {L"a", L"a"}},         // twice the same
+                    Block{{L' ', 0, L'\n', 0, 0}, {L" ", L"\n"}},       // blanks are characters
+                    Block{{0xD83D, 0xDE00, 0, 0xD83D, 0, 0}, {{0xD83D, 0xDE00}, {0xD83D}}}));
+
+TEST(MultiString, Split_NothingMayBeRead_ReadsNothing) {
+    EXPECT_THAT(SplitMultiString(nullptr, 0), IsEmpty());
+}
+
+TEST(MultiString, Split_BlockThatEndsAtAForbiddenPage_IsReadNoFurther) {
+    constexpr std::size_t kPage = 4096;
+    auto* const memory =
+        static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    ASSERT_NE(memory, nullptr);
+    DWORD previous = 0;
+    ASSERT_NE(VirtualProtect(memory + kPage, kPage, PAGE_NOACCESS, &previous), FALSE);
+    const std::wstring text(L"one\0two", 7);
+    auto* const block = reinterpret_cast<wchar_t*>(memory + kPage) - text.size();
+    text.copy(block, text.size());
+
+    EXPECT_THAT(SplitMultiString(block, text.size()), ElementsAre(L"one"));
+
+    VirtualFree(memory, 0, MEM_RELEASE);
+}
+
+TEST(MultiString, Split_ManyEntries_KeepsTheirOrder) {
+    std::wstring block;
+    std::vector<std::wstring> entries;
+    for (int i = 0; i < 10000; ++i) {
+        entries.push_back(L"entry " + std::to_wstring(i));
+        block.append(entries.back()).push_back(L'\0');
+    }
+    block.push_back(L'\0');
+
+    EXPECT_EQ(SplitMultiString(block.data(), block.size()), entries);
+}
+
+}  // namespace

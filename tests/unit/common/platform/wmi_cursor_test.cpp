@@ -1,0 +1,250 @@
+#include <string>
+#include <vector>
+
+#include "support/stub.h"
+#include "wmi_machine.h"
+
+namespace {
+
+using support::LogLine;
+using support::StubImport;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class WmiCursor : public WmiMachine {
+protected:
+    WmiCursor() : WmiMachine(R"({"Name": "first"}, {"Name": "second"}, {"Name": "third"})") {}
+
+    static std::wstring NameOf(CWmi& wmi) {
+        std::wstring name = L"(none)";
+        wmi.Get(L"Name", name);
+        return name;
+    }
+    // The failures of the constructor, and what the cursor then says.
+    void ExpectFailed(const std::string& line, std::size_t queries) {
+        {
+            CWmi wmi(kQuery);
+            EXPECT_FALSE(wmi.initialized());
+            EXPECT_FALSE(wmi.FindFirstObject());
+            EXPECT_FALSE(wmi.FindNextObject());
+            EXPECT_EQ(NameOf(wmi), L"(none)");
+        }
+        EXPECT_THAT(log_.all(), ElementsAre(LogLine{support::kHostError, line})) << log_;
+        EXPECT_EQ(simulation().calls().Count("IWbemServices::ExecQuery"), queries);
+        EXPECT_EQ(simulation().live_objects(), 0U);
+    }
+};
+
+TEST_F(WmiCursor, Construction_AllFourStepsSucceed_IsInitializedAndSilent) {
+    const CWmi wmi(kQuery);
+    EXPECT_TRUE(wmi.initialized());
+    EXPECT_THAT(log_.all(), IsEmpty()) << log_;
+    EXPECT_EQ(simulation().calls().Count("IWbemLocator::ConnectServer", L"root\\cimv2"), 1U);
+}
+
+TEST_F(WmiCursor, Walk_ThreeObjects_GivesThemInTheirOrder) {
+    CWmi wmi(kQuery);
+    std::vector<std::wstring> names;
+
+    for (bool found = wmi.FindFirstObject(); found; found = wmi.FindNextObject()) {
+        names.push_back(NameOf(wmi));
+    }
+
+    EXPECT_THAT(names, ElementsAre(L"first", L"second", L"third"));
+}
+
+TEST_F(WmiCursor, FindFirstObject_Twice_StartsAnew) {
+    CWmi wmi(kQuery);
+    wmi.FindFirstObject();
+    wmi.FindNextObject();
+
+    EXPECT_TRUE(wmi.FindFirstObject());
+
+    EXPECT_EQ(NameOf(wmi), L"first");
+}
+
+TEST_F(WmiCursor, FindNextObject_PastTheEnd_LeavesNoCurrentObject) {
+    CWmi wmi(kQuery);
+    wmi.FindFirstObject();
+    wmi.FindNextObject();
+    wmi.FindNextObject();
+
+    EXPECT_FALSE(wmi.FindNextObject());
+
+    std::wstring text = L"kept";
+    int number = 5;
+    std::vector<std::wstring> list = {L"kept"};
+    EXPECT_FALSE(wmi.Get(L"Name", text));
+    EXPECT_FALSE(wmi.Get(L"Name", number));
+    EXPECT_FALSE(wmi.Get(L"Name", list));
+    EXPECT_EQ(text, L"kept");
+    EXPECT_THAT(list, ElementsAre(L"kept"));
+    EXPECT_FALSE(wmi.FindNextObject());
+}
+
+TEST_F(WmiCursor, Get_BeforeTheFirstObject_IsFalse) {
+    CWmi wmi(kQuery);
+    std::wstring text = L"kept";
+    EXPECT_FALSE(wmi.Get(L"Name", text));
+    EXPECT_EQ(text, L"kept");
+}
+
+TEST_F(WmiCursor, FindNextObject_Always_ReleasesTheObjectBefore) {
+    CWmi wmi(kQuery);
+    wmi.FindFirstObject();
+    const std::size_t with_one = simulation().live_objects();
+
+    wmi.FindNextObject();
+    EXPECT_EQ(simulation().live_objects(), with_one);
+    wmi.FindNextObject();
+    wmi.FindNextObject();
+
+    EXPECT_EQ(simulation().live_objects(), with_one - 1);
+}
+
+TEST_F(WmiCursor, FindFirstObject_NoObjects_IsFalse) {
+    simulation().description().wmi.begin()->second.instances.clear();
+    CWmi wmi(L"Select * from Test_Class");
+    EXPECT_TRUE(wmi.initialized());
+    EXPECT_FALSE(wmi.FindFirstObject());
+    EXPECT_FALSE(wmi.FindNextObject());
+}
+
+// The query answers at once; that the class is unknown shows when the first object is asked for.
+TEST_F(WmiCursor, FindFirstObject_UnknownClass_IsFalse) {
+    CWmi wmi(L"Select * from No_Such_Class");
+    EXPECT_TRUE(wmi.initialized());
+    EXPECT_FALSE(wmi.FindFirstObject());
+    EXPECT_THAT(log_.all(), IsEmpty()) << log_;
+}
+
+TEST_F(WmiCursor, FindFirstObject_ResetFails_IsFalse) {
+    simulation().faults().Fail("IEnumWbemClassObject::Reset", 0x80041016);
+    CWmi wmi(kQuery);
+    EXPECT_FALSE(wmi.FindFirstObject());
+    EXPECT_EQ(simulation().calls().Count("IEnumWbemClassObject::Next"), 0U);
+}
+
+TEST_F(WmiCursor, FindFirstObject_ResetGivesASuccessBesideZero_IsFalse) {
+    simulation().faults().Alter("IEnumWbemClassObject::Reset",
+                                [](machine::Answer& answer) { answer.error = 1; });
+    CWmi wmi(kQuery);
+    EXPECT_FALSE(wmi.FindFirstObject());
+}
+
+TEST_F(WmiCursor, FindNextObject_SystemFails_ClearsTheCurrentObject) {
+    CWmi wmi(kQuery);
+    wmi.FindFirstObject();
+    simulation().faults().Fail("IEnumWbemClassObject::Next", 0x80041003);
+
+    EXPECT_FALSE(wmi.FindNextObject());
+
+    EXPECT_EQ(NameOf(wmi), L"(none)");
+}
+
+TEST_F(WmiCursor, FindNextObject_ObjectWithASuccessBesideZero_IsReleasedAndNotTaken) {
+    CWmi wmi(kQuery);
+    wmi.FindFirstObject();
+    const std::size_t with_one = simulation().live_objects();
+    simulation().faults().Alter("IEnumWbemClassObject::Next",
+                                [](machine::Answer& answer) { answer.error = 1; });
+
+    EXPECT_FALSE(wmi.FindNextObject());
+
+    EXPECT_EQ(NameOf(wmi), L"(none)");
+    EXPECT_EQ(simulation().live_objects(), with_one - 1);
+}
+
+TEST_F(WmiCursor, FindNextObject_ClassWithoutAnEnd_IsGivenUp) {
+    simulation().calls().SetKept(false);
+    simulation().description().wmi.begin()->second.instances.resize(100'001);
+    CWmi wmi(kQuery);
+    int found = 0;
+
+    for (bool more = wmi.FindFirstObject(); more; more = wmi.FindNextObject()) {
+        ++found;
+    }
+
+    EXPECT_EQ(found, 100'000);
+    EXPECT_EQ(log_.Count(support::kHostError), 1U) << log_;
+}
+
+TEST_F(WmiCursor, Construction_CreationFails_NamesThatStep) {
+    simulation().faults().Fail("IClassFactory::CreateInstance", 0x80040154);
+    ExpectFailed("CWmi::CWmi CoCreateInstance failed error 0x80040154", 0);
+}
+
+TEST_F(WmiCursor, Construction_ConnectionFails_NamesThatStep) {
+    simulation().faults().Fail("IWbemLocator::ConnectServer", 0x8004100E);
+    ExpectFailed("CWmi::CWmi ConnectServer failed error 0x8004100e", 0);
+}
+
+TEST_F(WmiCursor, Construction_BlanketFails_NamesThatStep) {
+    simulation().faults().Fail("IClientSecurity::SetBlanket", 0x80070005);
+    ExpectFailed("CWmi::CWmi CoSetProxyBlanket failed error 0x80070005", 0);
+}
+
+TEST_F(WmiCursor, Construction_QueryFails_NamesThatStep) {
+    simulation().faults().Fail("IWbemServices::ExecQuery", 0x80041017);
+    ExpectFailed("CWmi::CWmi ExecQuery failed error 0x80041017", 1);
+}
+
+TEST_F(WmiCursor, Construction_Locator_IsCreatedAsAnUnknown) {
+    GUID clsid{};
+    GUID iid{};
+    DWORD context = 0;
+    bool outer = true;
+    const StubImport create("CoCreateInstance", &::CoCreateInstance,
+                            [&](REFCLSID asked_clsid, IUnknown* asked_outer, DWORD asked_context,
+                                REFIID asked_iid, void** object) -> HRESULT {
+                                clsid = asked_clsid;
+                                iid = asked_iid;
+                                context = asked_context;
+                                outer = asked_outer != nullptr;
+                                *object = nullptr;
+                                return E_FAIL;
+                            });
+
+    const CWmi wmi(kQuery);
+
+    constexpr GUID kLocator = {0xcb8555cc, 0x9128, 0x11d1, {0xad, 0x9b, 0x00, 0xc0, 0x4f, 0xd8, 0xfd, 0xff}};
+    EXPECT_FALSE(wmi.initialized());
+    EXPECT_TRUE(IsEqualGUID(clsid, kLocator));
+    EXPECT_TRUE(IsEqualGUID(iid, IID_IUnknown));
+    EXPECT_EQ(context, 5U);
+    EXPECT_FALSE(outer);
+}
+
+TEST_F(WmiCursor, Construction_Blanket_HasTheAgreedLevels) {
+    std::vector<DWORD> numbers;
+    bool pointers = true;
+    const StubImport blanket(
+        "CoSetProxyBlanket", &::CoSetProxyBlanket,
+        [&](IUnknown*, DWORD authentication, DWORD authorisation, OLECHAR* principal, DWORD level,
+            DWORD impersonation, RPC_AUTH_IDENTITY_HANDLE identity, DWORD capabilities) -> HRESULT {
+            numbers = {authentication, authorisation, level, impersonation, capabilities};
+            pointers = principal != nullptr || identity != nullptr;
+            return S_OK;
+        });
+
+    const CWmi wmi(kQuery);
+
+    EXPECT_TRUE(wmi.initialized());
+    EXPECT_THAT(numbers, ElementsAre(10U, 0U, 3U, 3U, 0U));
+    EXPECT_FALSE(pointers);
+}
+
+TEST_F(WmiCursor, Construction_CreationGivesNoPointer_FailsWithoutACrash) {
+    const StubImport create("CoCreateInstance", &::CoCreateInstance,
+                            [](REFCLSID, IUnknown*, DWORD, REFIID, void** object) -> HRESULT {
+                                *object = nullptr;
+                                return S_OK;
+                            });
+
+    CWmi wmi(kQuery);
+
+    EXPECT_FALSE(wmi.initialized());
+    EXPECT_FALSE(wmi.FindFirstObject());
+}
+
+}  // namespace

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "common/platform/wmi.h"
+#include "machine/session.h"
+#include "support/logger_capture.h"
+
+/// A session of a machine whose class Test_Class has the given instances (JSON); ends by looking for objects
+/// that were not released.
+class WmiMachine : public testing::Test {
+protected:
+    explicit WmiMachine(const std::string& instances)
+        : session_(
+              machine::ParseDescription(R"({"wmi": {"Test_Class": [)" + instances + "]}}", "the machine")) {}
+    ~WmiMachine() override { EXPECT_EQ(session_.simulation().live_objects(), 0U); }
+
+    machine::Simulation& simulation() { return session_.simulation(); }
+
+    static constexpr const wchar_t* kQuery = L"Select * from Test_Class";
+
+    machine::Session session_;
+    support::LoggerCapture log_;
+};

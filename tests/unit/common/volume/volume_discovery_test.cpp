@@ -1,0 +1,280 @@
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+#include "common/disk/disk_drive_manager_unknown.h"
+#include "common/volume/volume_manager.h"
+#include "support/logger_capture.h"
+#include "support/text.h"
+#include "unit/common/volume/described_volumes.h"
+
+namespace bmr_common {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kFunction = "bmr_common::VolumeManager::InitializeWithCurrentVolumes";
+
+class VolumeDiscoveryTest : public testing::Test {
+protected:
+    bool Discover(const std::wstring& system = {}, const std::wstring& boot = {}) {
+        return manager_.InitializeWithCurrentVolumes(machine_.disks(), system, boot);
+    }
+    machine::FaultPlan& faults() { return machine_.simulation().faults(); }
+
+    // "device=GUID path" of every volume found.
+    std::vector<std::string> Found() const {
+        std::vector<std::string> found;
+        for (const VolumePtr& volume : manager_.volumes()) {
+            found.push_back(support::Ansi(volume->device_name()) + "=" + support::Ansi(volume->volume_id()));
+        }
+        return found;
+    }
+
+    // A discovery that fails leaves the reason in the log and no volumes.
+    void ExpectFailureWith(const std::string& part) {
+        EXPECT_FALSE(Discover());
+        EXPECT_TRUE(manager_.IsFailed(L"Find Volume"));
+        EXPECT_THAT(manager_.volumes(), IsEmpty());
+        EXPECT_TRUE(log_.ContainsPart(support::kHostError, part)) << log_;
+        EXPECT_EQ(0U, machine_.simulation().open_handles());
+    }
+
+    support::LoggerCapture log_;
+    described::Machine machine_;
+    VolumeManager manager_;
+};
+
+const std::string kSystem = "\\Device\\HarddiskVolume1=\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\";
+const std::string kData = "\\Device\\HarddiskVolume2=\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\";
+
+TEST_F(VolumeDiscoveryTest, TwoVolumes_AreFoundAndInitialised) {
+    EXPECT_TRUE(Discover(L"\\Device\\HarddiskVolume1", L"\\Device\\HarddiskVolume2"));
+
+    EXPECT_TRUE(manager_.IsSucceeded(L"Find Volume"));
+    ASSERT_THAT(Found(), ElementsAre(kSystem, kData));
+    EXPECT_TRUE(manager_.volumes()[0]->is_system_volume());
+    EXPECT_FALSE(manager_.volumes()[0]->is_boot_volume());
+    EXPECT_TRUE(manager_.volumes()[1]->is_boot_volume());
+    EXPECT_TRUE(manager_.volumes()[1]->can_backup());
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(VolumeDiscoveryTest, TwoVolumes_AreTraced) {
+    Discover();
+
+    EXPECT_EQ(1U, log_.Count(support::kHostTrace,
+                             "DeviceName[\\Device\\HarddiskVolume1] "
+                             "VolumeGUID[\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\]"));
+    for (const std::string step :
+         {"InitializeWithCurrentVolumes", "GetObjectNamesPairList", "GetDeviceNamesList",
+          "GetVolumeGUIDsFromFindFirstVolume", "GetDeviceNamesMap"}) {
+        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace,
+                                      "Entering function bmr_common::VolumeManager::" + step + " line "))
+            << step;
+        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace,
+                                      "Leaving function bmr_common::VolumeManager::" + step + " line "))
+            << step;
+    }
+}
+
+TEST_F(VolumeDiscoveryTest, Discovery_LeavesNothingOpen) {
+    Discover();
+
+    EXPECT_EQ(0U, machine_.simulation().open_handles());
+    EXPECT_EQ(1U, machine_.simulation().calls().Count("FindVolumeClose"));
+    EXPECT_EQ(2U, machine_.simulation().calls().Count("ZwClose"));
+}
+
+TEST_F(VolumeDiscoveryTest, Volumes_AreInTheOrderOfTheirDeviceNames) {
+    machine_.volume(0).device = L"\\Device\\HarddiskVolume2";
+    machine_.volume(1).device = L"\\Device\\HarddiskVolume10";
+
+    EXPECT_TRUE(Discover());
+
+    ASSERT_EQ(2U, manager_.volumes().size());
+    EXPECT_EQ(L"\\Device\\HarddiskVolume10", manager_.volumes()[0]->device_name());
+    EXPECT_EQ(L"\\Device\\HarddiskVolume2", manager_.volumes()[1]->device_name());
+}
+
+TEST_F(VolumeDiscoveryTest, LinkThatTheEnumerationLacks_IsDropped) {
+    machine_.volume(1).enumerated = false;
+
+    EXPECT_TRUE(Discover());
+
+    EXPECT_THAT(Found(), ElementsAre(kSystem, "\\Device\\HarddiskVolume2="));
+}
+
+TEST_F(VolumeDiscoveryTest, VolumeWithoutALink_HasNoGuidThoughTheEnumerationKnowsIt) {
+    machine_.volume(1).linked = false;
+
+    EXPECT_TRUE(Discover());
+
+    EXPECT_THAT(Found(), ElementsAre(kSystem, "\\Device\\HarddiskVolume2="));
+}
+
+TEST_F(VolumeDiscoveryTest, DeviceVolumeWithoutGuid_IsFoundByItsDeviceAlone) {
+    machine_.volume(1).guid.clear();
+
+    EXPECT_TRUE(Discover());
+
+    ASSERT_THAT(Found(), ElementsAre(kSystem, "\\Device\\HarddiskVolume2="));
+    EXPECT_THAT(manager_.volumes()[1]->mount_points(), ElementsAre(L"D:\\"));
+    EXPECT_EQ(1U, log_.Count(support::kHostTrace, "DeviceName[\\Device\\HarddiskVolume2] VolumeGUID[]"));
+}
+
+TEST_F(VolumeDiscoveryTest, SecondGuidOfADevice_IsSkippedWithALine) {
+    machine_.volume(1).aliases = {{L"{00000000-0000-0000-0000-00000000000A}", true}};
+
+    EXPECT_TRUE(Discover());
+
+    EXPECT_THAT(Found(), ElementsAre(kSystem, kData));
+    EXPECT_EQ(1U, log_.Count(support::kHostTrace,
+                             "bmr_common::VolumeManager::GetDeviceNamesMap - skip saving alias volume GUID "
+                             "\\\\?\\Volume{00000000-0000-0000-0000-00000000000A}\\"))
+        << log_;
+}
+
+TEST_F(VolumeDiscoveryTest, DeviceThatIsNoDiskVolume_IsFoundByItsLinkOnly) {
+    machine_.volume(1).device = L"\\Device\\CdRom0";
+    EXPECT_TRUE(Discover());
+    EXPECT_THAT(Found(), ElementsAre("\\Device\\CdRom0=\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\",
+                                     kSystem));
+
+    machine_.volume(1).linked = false;
+    VolumeManager again;
+    EXPECT_TRUE(again.InitializeWithCurrentVolumes(machine_.disks(), L"", L""));
+    EXPECT_EQ(1U, again.volumes().size());
+}
+
+TEST_F(VolumeDiscoveryTest, LettersOfAnotherCase_AreTheSameName) {
+    machine::Description& description = machine_.simulation().description();
+    description.volumes[1].guid = L"{abcdef00-0000-0000-0000-000000000002}";
+    description.directories.push_back({L"\\GLOBAL??",
+                                       std::vector<machine::DirectoryEntry>{
+                                           {L"volume{ABCDEF00-0000-0000-0000-000000000002}", L"SymbolicLink"},
+                                           {L"VolumeOfSomeOtherKind", L"SymbolicLink"}},
+                                       {}});
+    description.directories.push_back(
+        {L"\\Device", std::vector<machine::DirectoryEntry>{{L"HARDDISKVOLUME1", L"Device"}}, {}});
+
+    EXPECT_TRUE(Discover());
+
+    EXPECT_THAT(
+        Found(),
+        ElementsAre("\\Device\\HARDDISKVOLUME1=",
+                    "\\Device\\HarddiskVolume2=\\\\?\\volume{ABCDEF00-0000-0000-0000-000000000002}\\"));
+}
+
+TEST_F(VolumeDiscoveryTest, LinkWhoseTargetCannotBeAsked_IsDroppedAlone) {
+    faults().Fail("QueryDosDeviceW", ERROR_ACCESS_DENIED, L"Volume{00000000-0000-0000-0000-000000000001}");
+
+    EXPECT_TRUE(Discover());
+
+    EXPECT_THAT(Found(), ElementsAre("\\Device\\HarddiskVolume1=", kData));
+    EXPECT_TRUE(
+        log_.ContainsPart(support::kHostTrace, "Volume{00000000-0000-0000-0000-000000000001} error=5"))
+        << log_;
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(VolumeDiscoveryTest, NoLinks_LogsAndFindsNothing) {
+    machine_.simulation().description().directories.push_back(
+        {L"\\GLOBAL??", std::vector<machine::DirectoryEntry>{{L"C:", L"SymbolicLink"}}, {}});
+
+    Discover();
+
+    EXPECT_THAT(manager_.volumes(), IsEmpty());
+    EXPECT_EQ(1U, log_.Count(support::kHostError,
+                             "bmr_common::VolumeManager::GetDeviceNamesMap - volume list is empty"))
+        << log_;
+    EXPECT_EQ(0U, machine_.simulation().calls().Count("FindFirstVolumeW"));
+}
+
+TEST_F(VolumeDiscoveryTest, DirectoryCannotBeOpened_IsARecordedFailure) {
+    faults().Fail("ZwOpenDirectoryObject", 0xC0000022, L"\\Device");
+
+    ExpectFailureWith("\\Device OpenDirectoryObject failed");
+}
+
+TEST_F(VolumeDiscoveryTest, LinkDirectoryCannotBeOpened_IsARecordedFailure) {
+    faults().Fail("ZwOpenDirectoryObject", 0xC0000022, L"\\GLOBAL??");
+
+    ExpectFailureWith("\\GLOBAL?? OpenDirectoryObject failed");
+}
+
+TEST_F(VolumeDiscoveryTest, DirectoryCannotBeListed_IsARecordedFailure) {
+    faults().Fail("ZwQueryDirectoryObject", 0xC0000022, L"\\Device");
+
+    ExpectFailureWith(" QueryDirectoryObject failed error=31");
+}
+
+TEST_F(VolumeDiscoveryTest, ListingBreaksOff_IsARecordedFailure) {
+    machine::FaultRule rule;
+    rule.name = "ZwQueryDirectoryObject";
+    rule.object = L"\\GLOBAL??";
+    rule.ordinal = 3;
+    faults().Add(rule);
+
+    ExpectFailureWith(" QueryDirectoryObject failed error=31");
+}
+
+TEST_F(VolumeDiscoveryTest, DirectoryCannotBeClosed_IsTracedAndNoFailure) {
+    faults().Fail("ZwClose", 0xC0000008, L"\\Device");
+
+    EXPECT_TRUE(Discover());
+
+    EXPECT_EQ(2U, manager_.volumes().size());
+    EXPECT_EQ(1U, log_.Count(support::kHostTrace,
+                             "bmr_common::VolumeManager::GetDeviceNamesList - ZwClose \\Device failed"))
+        << log_;
+}
+
+TEST_F(VolumeDiscoveryTest, EnumerationCannotBegin_IsARecordedFailure) {
+    faults().Fail("FindFirstVolumeW", ERROR_NOT_READY);
+
+    ExpectFailureWith(" failed to FindFirstVolume error=21");
+}
+
+TEST_F(VolumeDiscoveryTest, EnumerationBreaksOff_IsARecordedFailure) {
+    faults().Fail("FindNextVolumeW", ERROR_NOT_READY);
+
+    ExpectFailureWith(" failed to FindNextVolume error=21");
+}
+
+TEST_F(VolumeDiscoveryTest, VolumeThatFailsItsQueries_IsStillThere) {
+    faults().Fail("GetDriveTypeW", ERROR_NOT_READY);
+    faults().Fail("CreateFileW", ERROR_NOT_READY);
+
+    EXPECT_TRUE(Discover());
+
+    EXPECT_THAT(Found(), ElementsAre(kSystem, kData));
+    EXPECT_EQ(2U, manager_.volumes()[0]->ErrorCount());
+    EXPECT_EQ(0U, manager_.ErrorCount());
+}
+
+class ThrowingDisk : public DiskDriveManagerUnknown {
+public:
+    using DiskDriveManagerUnknown::DiskDriveManagerUnknown;
+    bool ExtentIsOnBootablePartition(const std::int64_t& /*offset*/,
+                                     const std::int64_t& /*length*/) const override {
+        throw std::runtime_error("the disk");
+    }
+};
+
+TEST_F(VolumeDiscoveryTest, Exception_IsLoggedAndDoesNotEscape) {
+    machine_.disks().Put(boost::make_shared<ThrowingDisk>(0U));
+
+    EXPECT_NO_THROW(EXPECT_FALSE(Discover()));
+
+    EXPECT_EQ(1U, log_.Count(support::kHostError, std::string("Exception in ") + kFunction)) << log_;
+    EXPECT_FALSE(manager_.IsSucceeded(L"Find Volume"));
+    EXPECT_EQ(0U, machine_.simulation().open_handles());
+}
+
+}  // namespace
+}  // namespace bmr_common

@@ -1,0 +1,222 @@
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "common/volume/volume.h"
+#include "support/logger_capture.h"
+#include "unit/common/volume/described_volumes.h"
+
+namespace bmr_common {
+namespace {
+
+using described::kDataDevice;
+using described::kDataId;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+constexpr const char* kLengthCall = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
+constexpr const char* kExtentsCall = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
+
+// What the data volume dumps when every query succeeds.
+const std::vector<std::string> kDataLines = {
+    "Volume ID: \\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\",
+    "Volume GUID: \\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\",
+    "Device name: \\Device\\HarddiskVolume2",
+    "Volume available for backup: True",
+    "Drive type: fixed drive",
+    "Drive letter/Mount points: ",
+    "  D:\\",
+    "  C:\\Data\\Archive\\",
+    "Serial number: 0x1a2b3c4d",
+    "Volume Label: Data & <more>",
+    "Max component length: 255",
+    "File system: NTFS",
+    "File system flags: 0x3e72eff",
+    "Volume partition size: 4294967296(4.00 GB)",
+    "Sectors per cluster: 8",
+    "Bytes per sector: 512",
+    "Volume block size: 4 KB (4096 bytes)",
+    "Free user spaces: 1073741824(1.00 GB)",
+    "Total user spaces: 4294963200(4.00 GB)",
+    "Total free spaces: 1610612736(1.50 GB)",
+    "Error: failed to obtain the application's used spaces information",
+    "System volume: False",
+    "Boot volume: True",
+    "Dynamic volume: False",
+    "Active partition: False",
+    "Number of disk extents: 1",
+    "  Disk number: 0",
+    "  Disk offset: 525336576",
+    "  Extent length: 4294967296",
+    "",
+};
+
+class VolumeDumpTest : public testing::Test {
+protected:
+    void Initialize(Volume& volume) {
+        volume.Initialize(L"", L"\\Device\\HarddiskVolume2", machine_.disks());
+    }
+
+    // The lines that the data volume dumps, all at the level of dumps.
+    std::vector<std::string> DumpOf(const Volume& volume) {
+        log_.Clear();
+        volume.DumpInfo();
+        EXPECT_EQ(log_.Messages().size(), log_.Count(support::kHostInformation)) << log_;
+        return log_.Lines(support::kHostInformation);
+    }
+
+    std::vector<std::string> DumpOfDataVolume() {
+        Volume volume(kDataId, kDataDevice);
+        Initialize(volume);
+        return DumpOf(volume);
+    }
+
+    support::LoggerCapture log_;
+    described::Machine machine_;
+};
+
+TEST_F(VolumeDumpTest, EveryQuerySucceeded_WritesAllInOrder) {
+    EXPECT_THAT(DumpOfDataVolume(), ElementsAreArray(kDataLines));
+}
+
+TEST_F(VolumeDumpTest, QueryFailed_SaysSoInThePlaceOfItsLines) {
+    struct FailureCase {
+        const char* call;
+        const char* first;  // of the lines that are replaced
+        const char* next;   // the one behind them
+        const char* line;
+    };
+    const FailureCase cases[] = {
+        {"GetVolumePathNamesForVolumeNameW", "Drive letter/Mount points: ", "Serial number: 0x1a2b3c4d",
+         "Error: failed to obtain mount points information"},
+        {"GetVolumeInformationW", "Serial number: 0x1a2b3c4d", "Volume partition size: 4294967296(4.00 GB)",
+         "Error: failed to obtain volume information"},
+        {kLengthCall, "Volume partition size: 4294967296(4.00 GB)", "Sectors per cluster: 8",
+         "Error: failed to obtain disk length information"},
+        {"GetDiskFreeSpaceW", "Sectors per cluster: 8", "Free user spaces: 1073741824(1.00 GB)",
+         "Error: failed to obtain block sizes"},
+        {"GetDiskFreeSpaceExW", "Free user spaces: 1073741824(1.00 GB)",
+         "Error: failed to obtain the application's used spaces information",
+         "Error: failed to obtain user spaces information"},
+        {kExtentsCall, "Dynamic volume: False", "", "Error: failed to obtain disk extents information"},
+    };
+    for (const FailureCase& failure : cases) {
+        machine_.simulation().faults().Clear();
+        machine_.simulation().faults().Fail(failure.call, ERROR_NOT_READY);
+        std::vector<std::string> lines = kDataLines;
+        const auto first = std::find(lines.begin(), lines.end(), failure.first);
+        const auto place = lines.erase(first, std::find(first, lines.end(), failure.next));
+        lines.insert(place, failure.line);
+
+        std::vector<std::string> dumped = DumpOfDataVolume();
+
+        // What the failure means for the backup is another matter.
+        std::erase_if(dumped, [](const std::string& line) { return line.starts_with("  Failure reason: "); });
+        EXPECT_EQ(lines.size(), dumped.size()) << failure.call;
+        std::erase_if(dumped, [](const std::string& line) { return line.starts_with("Volume available"); });
+        std::erase_if(lines, [](const std::string& line) { return line.starts_with("Volume available"); });
+        EXPECT_THAT(dumped, ElementsAreArray(lines)) << failure.call;
+    }
+}
+
+TEST_F(VolumeDumpTest, Refused_WritesEveryReason) {
+    machine_.simulation().faults().Fail("GetVolumeInformationW", ERROR_NOT_READY);
+    machine_.simulation().faults().Fail("GetDiskFreeSpaceW", ERROR_NOT_READY);
+
+    const std::vector<std::string> lines = DumpOfDataVolume();
+
+    ASSERT_GT(lines.size(), 6U);
+    EXPECT_EQ("Volume available for backup: False", lines[3]);
+    EXPECT_EQ("  Failure reason: Failed to get disk free space", lines[4]);
+    EXPECT_EQ("  Failure reason: Failed to get volume information", lines[5]);
+    EXPECT_EQ("Drive type: fixed drive", lines[6]);
+}
+
+TEST_F(VolumeDumpTest, EachDriveType_HasItsLine) {
+    const std::pair<UINT, const char*> types[] = {
+        {1, "Drive type: invalid - no root directory"},
+        {2, "Drive type: removable"},
+        {3, "Drive type: fixed drive"},
+        {4, "Drive type: remote"},
+        {5, "Drive type: CD ROM"},
+        {6, "Drive type: ramdisk"},
+        {7, "Drive type: 7"},
+        {0xFFFFFFFF, "Drive type: 4294967295"},
+    };
+    for (const auto& [type, line] : types) {
+        machine_.volume(1).drive_type = type;
+        EXPECT_THAT(DumpOfDataVolume(), Contains(line));
+    }
+}
+
+TEST_F(VolumeDumpTest, DriveTypeNotObtained_SaysSo) {
+    machine_.simulation().faults().Fail("GetDriveTypeW", ERROR_NOT_READY);
+
+    EXPECT_THAT(DumpOfDataVolume(), Contains("Drive type: error - failed to obtain"));
+}
+
+TEST_F(VolumeDumpTest, NotInitialised_ClaimsNothing) {
+    EXPECT_THAT(
+        DumpOf(Volume(kDataId)),
+        ElementsAre(
+            kDataLines[0], kDataLines[1], "Device name: ", "Volume available for backup: False",
+            "Drive type: error - failed to obtain", "Error: failed to obtain mount points information",
+            "Error: failed to obtain volume information", "Error: failed to obtain disk length information",
+            "Error: failed to obtain block sizes", "Error: failed to obtain user spaces information",
+            "Error: failed to obtain the application's used spaces information", "System volume: False",
+            "Boot volume: False", "Error: failed to obtain disk extents information", ""));
+}
+
+TEST_F(VolumeDumpTest, PartitionSizeZero_IsPrinted) {
+    machine_.volume(1).length = 0;
+
+    EXPECT_THAT(DumpOfDataVolume(), Contains("Volume partition size: 0(0.00 GB)"));
+}
+
+TEST_F(VolumeDumpTest, SizesOf64Bits_ArePrintedWhole) {
+    machine_.volume(1).length = 0x7FFFFFFFFFFFFFFF;
+    machine_.volume(1).total_bytes = 1ULL << 50;
+
+    const std::vector<std::string> lines = DumpOfDataVolume();
+
+    EXPECT_THAT(lines, Contains("Volume partition size: 9223372036854775807(8589934592.00 GB)"));
+    EXPECT_THAT(lines, Contains("Total user spaces: 1125899906842624(1048576.00 GB)"));
+}
+
+TEST_F(VolumeDumpTest, BlockSizeBelowAKilobyte_ShowsZeroKilobytes) {
+    machine_.volume(1).sectors_per_cluster = 1;
+
+    EXPECT_THAT(DumpOfDataVolume(), Contains("Volume block size: 0 KB (512 bytes)"));
+}
+
+TEST_F(VolumeDumpTest, UsedSpaceKnown_IsPrinted) {
+    Volume volume(kDataId, kDataDevice);
+    Initialize(volume);
+    volume.set_vorn_used_spaces(536870912);
+
+    const std::vector<std::string> lines = DumpOf(volume);
+
+    EXPECT_EQ("The application's used spaces: 536870912(0.50 GB)", lines[20]);
+    EXPECT_EQ(kDataLines.size(), lines.size());
+}
+
+TEST_F(VolumeDumpTest, SeveralExtents_ArePartedByALineAfterEach) {
+    machine_.volume(1).extents = std::vector<machine::Extent>{{0, 1, 2}, {4000000000, 3, 4}};
+
+    const std::vector<std::string> lines = DumpOfDataVolume();
+
+    const auto first = std::find(lines.begin(), lines.end(), "Dynamic volume: True");
+    EXPECT_THAT(
+        std::vector<std::string>(first, lines.end()),
+        ElementsAre("Dynamic volume: True", "Active partition: False", "Number of disk extents: 2",
+                    "  Disk number: 0", "  Disk offset: 1", "  Extent length: 2",
+                    "  --------------------------------", "  Disk number: 4000000000", "  Disk offset: 3",
+                    "  Extent length: 4", "  --------------------------------", ""));
+}
+
+}  // namespace
+}  // namespace bmr_common

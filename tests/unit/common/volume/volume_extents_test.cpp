@@ -1,0 +1,195 @@
+#include <cstdint>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "common/volume/volume.h"
+#include "support/logger_capture.h"
+#include "unit/common/volume/described_volumes.h"
+
+namespace bmr_common {
+namespace {
+
+using described::kDataDevice;
+using described::kDataId;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kLengthCall = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
+constexpr const char* kExtentsCall = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
+
+class VolumeExtentsTest : public testing::Test {
+protected:
+    // Gives the volume so many extents of one MiB on disk 0.
+    void Scatter(std::uint64_t count) {
+        std::vector<machine::Extent> extents;
+        for (std::uint64_t i = 0; i < count; ++i) {
+            extents.push_back({0, i << 21, 1U << 20});
+        }
+        machine_.volume(1).extents = extents;
+    }
+
+    support::LoggerCapture log_;
+    described::Machine machine_;
+    Volume volume_{kDataId, kDataDevice};
+};
+
+TEST_F(VolumeExtentsTest, SeveralExtents_KeepTheSystemsOrder) {
+    machine_.volume(1).extents =
+        std::vector<machine::Extent>{{7, 3ULL << 40, 1ULL << 40}, {2, 512, 1024}, {7, 0, 1}};
+
+    volume_.Initialize(L"", L"", machine_.disks());
+
+    ASSERT_EQ(3U, volume_.extents().size());
+    EXPECT_EQ(7U, volume_.extents()[0].disk_number);
+    EXPECT_EQ(3LL << 40, volume_.extents()[0].starting_offset);
+    EXPECT_EQ(1LL << 40, volume_.extents()[0].length);
+    EXPECT_EQ(2U, volume_.extents()[1].disk_number);
+    EXPECT_EQ(512, volume_.extents()[1].starting_offset);
+    EXPECT_EQ(1, volume_.extents()[2].length);
+}
+
+TEST_F(VolumeExtentsTest, NoExtents_IsASuccess) {
+    Scatter(0);
+
+    EXPECT_TRUE(volume_.Initialize(L"", L"", machine_.disks()));
+
+    EXPECT_TRUE(volume_.IsSucceeded(L"Getting disk extents"));
+    EXPECT_THAT(volume_.extents(), IsEmpty());
+}
+
+TEST_F(VolumeExtentsTest, AsManyAsTheFirstBufferHolds_AreReadAtOnce) {
+    Scatter(21);
+
+    EXPECT_TRUE(volume_.Initialize(L"", L"", machine_.disks()));
+
+    EXPECT_EQ(21U, volume_.extents().size());
+    EXPECT_EQ(1U, machine_.simulation().calls().Count(kExtentsCall));
+}
+
+TEST_F(VolumeExtentsTest, MoreThanTheBufferHolds_BufferTooSmall_DoublesIt) {
+    Scatter(50);
+    machine_.volume(1).extents_short_error = ERROR_INSUFFICIENT_BUFFER;
+
+    EXPECT_TRUE(volume_.Initialize(L"", L"", machine_.disks()));
+
+    EXPECT_EQ(50U, volume_.extents().size());
+    EXPECT_EQ(3U, machine_.simulation().calls().Count(kExtentsCall)) << "512, 1024 and 2048 bytes";
+}
+
+TEST_F(VolumeExtentsTest, MoreThanTheBufferHolds_AnyOtherError_IsRecorded) {
+    Scatter(22);
+    machine_.volume(1).extents_short_error = ERROR_MORE_DATA;
+
+    EXPECT_FALSE(volume_.Initialize(L"", L"", machine_.disks()));
+
+    EXPECT_TRUE(volume_.IsFailed(L"Getting disk extents"));
+    EXPECT_THAT(volume_.extents(), IsEmpty());
+}
+
+void CountOneMore(machine::Answer& answer) {
+    ++answer.bytes[0];
+}
+void CountTheMost(machine::Answer& answer) {
+    std::memset(answer.bytes.data(), 0xFF, sizeof(DWORD));
+}
+void ReturnLessThanTheHeader(machine::Answer& answer) {
+    answer.returned = 7;
+}
+void ReturnNothing(machine::Answer& answer) {
+    answer.returned = 0;
+}
+void ReturnMoreThanTheBuffer(machine::Answer& answer) {
+    answer.returned = 513;
+}
+void CutTheExtent(machine::Answer& answer) {
+    --answer.returned;
+}
+
+TEST_F(VolumeExtentsTest, LyingList_IsARecordedError) {
+    void (*const lies[])(machine::Answer&) = {
+        CountOneMore, CountTheMost, ReturnLessThanTheHeader, ReturnNothing, ReturnMoreThanTheBuffer,
+        CutTheExtent};
+    for (const auto& lie : lies) {
+        machine_.simulation().faults().Clear();
+        machine_.simulation().faults().Alter(kExtentsCall, lie);
+        Volume volume(kDataId, kDataDevice);
+
+        EXPECT_FALSE(volume.Initialize(L"", L"", machine_.disks()));
+
+        EXPECT_TRUE(volume.IsFailed(L"Getting disk extents"));
+        EXPECT_THAT(volume.extents(), IsEmpty());
+        EXPECT_THAT(volume.backup_failure_reasons(), ElementsAre(L"Failed to GetVolumeDiskExtents"));
+    }
+}
+
+TEST_F(VolumeExtentsTest, LengthOfOtherSize_IsARecordedError) {
+    for (const std::uint64_t returned : {0U, 4U, 9U}) {
+        machine_.simulation().faults().Clear();
+        machine_.simulation().faults().Alter(kLengthCall,
+                                             [&](machine::Answer& answer) { answer.returned = returned; });
+        Volume volume(kDataId, kDataDevice);
+
+        EXPECT_FALSE(volume.Initialize(L"", L"", machine_.disks()));
+
+        EXPECT_TRUE(volume.IsFailed(L"Getting volume partition size"));
+        EXPECT_TRUE(volume.IsSucceeded(L"Getting disk extents"));
+    }
+}
+
+TEST_F(VolumeExtentsTest, NegativeLength_IsARecordedError) {
+    machine_.volume(1).length = 0xFFFFFFFFFFFFFFFF;
+
+    EXPECT_FALSE(volume_.Initialize(L"", L"", machine_.disks()));
+
+    EXPECT_TRUE(volume_.IsFailed(L"Getting volume partition size"));
+}
+
+// Throws from one of the queries on the open volume.
+class ThrowingVolume : public Volume {
+public:
+    ThrowingVolume(bool size_throws, bool extents_throw)
+        : Volume(kDataId, kDataDevice), size_throws_(size_throws), extents_throw_(extents_throw) {}
+
+protected:
+    void InitializeVolumePartitionSize(const UniqueFile& volume) override {
+        if (size_throws_) {
+            throw std::runtime_error("size");
+        }
+        Volume::InitializeVolumePartitionSize(volume);
+    }
+    void InitializeDiskExtents(const UniqueFile& volume) override {
+        if (extents_throw_) {
+            throw std::runtime_error("extents");
+        }
+        Volume::InitializeDiskExtents(volume);
+    }
+
+private:
+    bool size_throws_;
+    bool extents_throw_;
+};
+
+TEST_F(VolumeExtentsTest, ExceptionInEitherQuery_IsLoggedAndTheVolumeClosed) {
+    const std::pair<bool, bool> cases[] = {{true, false}, {false, true}};
+    for (const auto& [size_throws, extents_throw] : cases) {
+        log_.Clear();
+        ThrowingVolume volume(size_throws, extents_throw);
+
+        EXPECT_NO_THROW(volume.Initialize(L"", L"", machine_.disks()));
+
+        ASSERT_EQ(1U, log_.Count(support::kHostError)) << log_;
+        EXPECT_THAT(log_.Lines(support::kHostError).front(),
+                    testing::StartsWith("Exception in bmr_common::Volume::Initialize line "));
+        EXPECT_EQ(0U, machine_.simulation().open_handles());
+        EXPECT_FALSE(volume.IsSucceeded(L"Getting disk extents"));
+        EXPECT_EQ(!size_throws, volume.IsSucceeded(L"Getting volume partition size"));
+        EXPECT_FALSE(volume.can_backup()) << "where it lies is not known";
+    }
+}
+
+}  // namespace
+}  // namespace bmr_common

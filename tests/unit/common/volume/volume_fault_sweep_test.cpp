@@ -1,0 +1,44 @@
+#include <cstddef>
+
+#include <gtest/gtest.h>
+
+#include "common/volume/volume_manager.h"
+#include "support/logger_capture.h"
+#include "unit/common/volume/described_volumes.h"
+
+// Every single call of a discovery fails once, and once with all that follow it.
+namespace bmr_common {
+namespace {
+
+// Whether the k-th call there is was made to fail. The machine itself looks for handles left open.
+bool DiscoverWithFault(std::size_t ordinal, bool from_there_on) {
+    const support::LoggerCapture log;
+    described::Machine machine;
+    machine.volume(0).guid.clear();
+    machine::FaultPlan& faults = machine.simulation().faults();
+    faults.FailOrdinal(ordinal, from_there_on);
+    VolumeManager manager;
+
+    bool discovered = false;
+    EXPECT_NO_THROW(discovered = manager.InitializeWithCurrentVolumes(machine.disks(), L"", L"")) << ordinal;
+
+    EXPECT_EQ(discovered, manager.IsSucceeded(L"Find Volume")) << ordinal;
+    EXPECT_EQ(!discovered, manager.IsFailed(L"Find Volume")) << ordinal;
+    EXPECT_TRUE(discovered || manager.volumes().empty()) << ordinal;
+    EXPECT_NO_THROW(manager.DumpInfo()) << ordinal;
+    return faults.hits() != 0;
+}
+
+TEST(VolumeFaultSweepTest, EachCallFails_DiscoveryEndsOrderly) {
+    for (const bool from_there_on : {false, true}) {
+        std::size_t ordinal = 1;
+        while (DiscoverWithFault(ordinal, from_there_on)) {
+            ++ordinal;
+        }
+        EXPECT_GT(ordinal, 40U)
+            << "the directories, the enumeration, the links and two volumes are more calls";
+    }
+}
+
+}  // namespace
+}  // namespace bmr_common

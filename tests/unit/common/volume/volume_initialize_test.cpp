@@ -1,0 +1,247 @@
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "common/platform/system_library.h"
+#include "common/volume/volume.h"
+#include "support/logger_capture.h"
+#include "unit/common/volume/described_volumes.h"
+
+namespace bmr_common {
+namespace {
+
+using described::kDataDevice;
+using described::kDataId;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kLengthCall = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
+constexpr const char* kExtentsCall = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
+
+// A query: its operation, the system call behind it, and what is recorded when that fails.
+struct QueryCase {
+    const wchar_t* operation;
+    const char* call;
+    const wchar_t* failure;
+};
+
+constexpr QueryCase kQueries[] = {
+    {L"Getting Drive Type", "GetDriveTypeW", L"Failed to get drive type"},
+    {L"Getting Device Name", "QueryDosDeviceW", L"Failed to get device name"},
+    {L"Getting mount points", "GetVolumePathNamesForVolumeNameW", L"Failed to get mount points"},
+    {L"Getting volume information", "GetVolumeInformationW", L"Failed to get volume information"},
+    {L"Getting volume free space", "GetDiskFreeSpaceW", L"Failed to get disk free space"},
+    {L"Getting volume free space ex", "GetDiskFreeSpaceExW", L"Failed to get disk free space ex"},
+    {L"Opening volume", "CreateFileW", L"Failed to open volume"},
+    {L"Getting volume partition size", kLengthCall, L"Failed to get volume partition size"},
+    {L"Getting disk extents", kExtentsCall, L"Failed to GetVolumeDiskExtents"},
+};
+
+bool IsInitial(const Volume& volume, const std::wstring& operation) {
+    return !volume.IsFailed(operation) && !volume.IsSucceeded(operation);
+}
+
+class VolumeInitializeTest : public testing::Test {
+protected:
+    bool Initialize(Volume& volume) { return volume.Initialize(L"", L"", machine_.disks()); }
+    machine::FaultPlan& faults() { return machine_.simulation().faults(); }
+
+    support::LoggerCapture log_;
+    described::Machine machine_;
+};
+
+TEST_F(VolumeInitializeTest, New_EveryOperationIsInitial) {
+    const Volume volume(kDataId);
+
+    for (const QueryCase& query : kQueries) {
+        EXPECT_TRUE(IsInitial(volume, query.operation)) << query.call;
+    }
+    EXPECT_EQ(0U, volume.ErrorCount());
+    EXPECT_EQ(kDataId, volume.volume_id());
+    EXPECT_FALSE(volume.can_backup() || volume.is_dynamic() || volume.is_on_active_partition() ||
+                 volume.is_system_volume() || volume.is_boot_volume());
+}
+
+TEST_F(VolumeInitializeTest, NineOperations_DumpInTheOrderOfTheirNames) {
+    const OperationStatus status{
+        kGettingDriveType,           kGettingDeviceName,      kGettingVolumeInformation,
+        kGettingMountPoints,         kOpeningVolume,          kGettingDiskExtents,
+        kGettingVolumePartitionSize, kGettingVolumeFreeSpace, kGettingVolumeFreeSpaceEx};
+
+    status.DumpAll();
+
+    EXPECT_THAT(log_.Lines(support::kHostInformation),
+                ElementsAre("operation Getting Device Name has not attempted",
+                            "operation Getting Drive Type has not attempted",
+                            "operation Getting disk extents has not attempted",
+                            "operation Getting mount points has not attempted",
+                            "operation Getting volume free space has not attempted",
+                            "operation Getting volume free space ex has not attempted",
+                            "operation Getting volume information has not attempted",
+                            "operation Getting volume partition size has not attempted",
+                            "operation Opening volume has not attempted"));
+}
+
+TEST_F(VolumeInitializeTest, FixedVolume_EveryFieldIsTheSystemsAnswer) {
+    Volume volume(kDataId, kDataDevice);
+
+    EXPECT_TRUE(Initialize(volume));
+
+    for (const QueryCase& query : kQueries) {
+        EXPECT_TRUE(volume.IsSucceeded(query.operation)) << query.call;
+    }
+    EXPECT_EQ(kDataId, volume.volume_guid());
+    EXPECT_EQ(kDataDevice, volume.device_name());
+    EXPECT_EQ(3U, volume.drive_type());
+    EXPECT_THAT(volume.mount_points(), ElementsAre(L"D:\\", L"C:\\Data\\Archive\\"));
+    EXPECT_EQ(L"Data & <more>", volume.information().label);
+    EXPECT_EQ(439041101U, volume.information().serial_number);
+    EXPECT_EQ(255U, volume.information().maximum_component_length);
+    EXPECT_EQ(65482495U, volume.information().file_system_flags);
+    EXPECT_EQ(L"NTFS", volume.information().file_system);
+    EXPECT_EQ(4ULL << 30, volume.volume_partition_size());
+    EXPECT_EQ(8U, volume.free_space().sectors_per_cluster);
+    EXPECT_EQ(512U, volume.free_space().bytes_per_sector);
+    EXPECT_EQ(4096U, volume.volume_block_size());
+    EXPECT_EQ(1073741824U, volume.free_space_ex().free_available_to_caller);
+    EXPECT_EQ(4294963200U, volume.free_space_ex().total);
+    EXPECT_EQ(1610612736U, volume.free_space_ex().total_free);
+    ASSERT_EQ(1U, volume.extents().size());
+    EXPECT_EQ(0U, volume.extents()[0].disk_number);
+    EXPECT_EQ(501LL << 20, volume.extents()[0].starting_offset);
+    EXPECT_EQ(4LL << 30, volume.extents()[0].length);
+    EXPECT_TRUE(volume.can_backup());
+    EXPECT_THAT(volume.backup_failure_reasons(), IsEmpty());
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(VolumeInitializeTest, FixedVolume_AsksInOrderAndClosesTheVolume) {
+    Volume volume(kDataId, kDataDevice);
+
+    Initialize(volume);
+
+    EXPECT_EQ(
+        std::string("GetDriveTypeW GetVolumePathNamesForVolumeNameW GetVolumeInformationW GetDiskFreeSpaceW "
+                    "GetDiskFreeSpaceExW CreateFileW ") +
+            kLengthCall + " " + kExtentsCall + " CloseHandle ",
+        machine_.CallNames());
+    const auto& calls = machine_.simulation().calls();
+    for (const char* call : {"GetDriveTypeW", "GetVolumePathNamesForVolumeNameW", "GetVolumeInformationW",
+                             "GetDiskFreeSpaceW", "GetDiskFreeSpaceExW"}) {
+        EXPECT_EQ(1U, calls.Count(call, kDataId)) << call;
+    }
+    EXPECT_EQ(1U, calls.Count("CreateFileW", L"\\\\?\\GLOBALROOT\\Device\\HarddiskVolume2"));
+}
+
+DWORD opening_access = 0;
+DWORD opening_flags = 0;
+DWORD opening_disposition = 0;
+HANDLE WINAPI KeepOpening(LPCWSTR /*path*/, DWORD access, DWORD /*share*/, SECURITY_ATTRIBUTES* /*security*/,
+                          DWORD disposition, DWORD flags, HANDLE /*model*/) {
+    opening_access = access;
+    opening_flags = flags;
+    opening_disposition = disposition;
+    SetLastError(ERROR_ACCESS_DENIED);
+    return INVALID_HANDLE_VALUE;
+}
+
+TEST_F(VolumeInitializeTest, OpenVolume_AsksToReadWithoutBuffering) {
+    const auto previous = Kernel32DLL::Get().CreateFileW;
+    Kernel32DLL::Get().CreateFileW = &KeepOpening;
+    Volume volume(kDataId, kDataDevice);
+
+    Initialize(volume);
+
+    Kernel32DLL::Get().CreateFileW = previous;
+    EXPECT_EQ(0x80000000U, opening_access);
+    EXPECT_EQ(0x22000000U, opening_flags);
+    EXPECT_EQ(DWORD{OPEN_EXISTING}, opening_disposition);
+}
+
+TEST_F(VolumeInitializeTest, EachQueryRefused_IsRecordedAndTheOthersGoOn) {
+    for (const QueryCase& query : kQueries) {
+        faults().Clear();
+        faults().Fail(query.call, ERROR_NOT_READY);
+        Volume volume(kDataId);
+
+        EXPECT_FALSE(Initialize(volume)) << query.call;
+
+        EXPECT_TRUE(volume.IsFailed(query.operation)) << query.call;
+        const std::wstring opening = L"Opening volume";
+        for (const QueryCase& other : kQueries) {
+            const std::wstring name = other.operation;
+            const bool needs_the_name = query.call == std::string("QueryDosDeviceW") && name == opening;
+            const bool needs_the_handle =
+                name == L"Getting volume partition size" || name == L"Getting disk extents";
+            if (name == query.operation || needs_the_name) {
+                EXPECT_TRUE(volume.IsFailed(name)) << other.call;
+            } else if (needs_the_handle && volume.IsFailed(opening)) {
+                EXPECT_TRUE(IsInitial(volume, name)) << other.call;
+            } else {
+                EXPECT_TRUE(volume.IsSucceeded(name)) << query.call << " " << other.call;
+            }
+        }
+        EXPECT_EQ(0U, machine_.simulation().open_handles()) << query.call;
+    }
+}
+
+TEST_F(VolumeInitializeTest, EachQueryRefused_RecordsItsText) {
+    for (const QueryCase& query : kQueries) {
+        if (query.operation == std::wstring(L"Getting Drive Type")) {
+            continue;  // such a volume is refused for its type, and nothing tells the text
+        }
+        faults().Clear();
+        faults().Fail(query.call, ERROR_NOT_READY);
+        faults().Fail(kExtentsCall, ERROR_NOT_READY);  // makes the texts of all failures reasons
+        faults().Fail("GetVolumeInformationW", ERROR_NOT_READY);
+        Volume volume(kDataId);
+
+        Initialize(volume);
+
+        EXPECT_THAT(volume.backup_failure_reasons(), testing::Contains(std::wstring(query.failure)));
+    }
+}
+
+TEST_F(VolumeInitializeTest, RemovableVolume_AsksThreeQuestionsOnly) {
+    machine_.volume(1).drive_type = DRIVE_REMOVABLE;
+    Volume volume(kDataId, kDataDevice);
+
+    EXPECT_TRUE(Initialize(volume));
+
+    EXPECT_EQ("GetDriveTypeW GetVolumePathNamesForVolumeNameW ", machine_.CallNames());
+    for (const QueryCase& query : kQueries) {
+        const std::wstring name = query.operation;
+        const bool asked = name == L"Getting Drive Type" || name == L"Getting Device Name" ||
+                           name == L"Getting mount points";
+        EXPECT_EQ(asked, volume.IsSucceeded(name)) << query.call;
+        EXPECT_EQ(!asked, IsInitial(volume, name)) << query.call;
+    }
+    EXPECT_THAT(volume.backup_failure_reasons(), ElementsAre(L"This not a fixed disk, type is 2"));
+}
+
+TEST_F(VolumeInitializeTest, CdRom_IsAskedEverything) {
+    machine_.volume(1).drive_type = DRIVE_CDROM;
+    Volume volume(kDataId, kDataDevice);
+
+    EXPECT_TRUE(Initialize(volume));
+
+    EXPECT_TRUE(volume.IsSucceeded(L"Getting disk extents"));
+    EXPECT_THAT(volume.backup_failure_reasons(), ElementsAre(L"This not a fixed disk, type is 5"));
+}
+
+TEST_F(VolumeInitializeTest, Initialize_TracesItself) {
+    Volume volume(kDataId, kDataDevice);
+    Initialize(volume);
+
+    for (const std::string function : {"bmr_common::Volume::Initialize", "bmr_common::Volume::can_backup"}) {
+        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function " + function + " line "))
+            << function;
+        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Leaving function " + function + " line "))
+            << function;
+    }
+}
+
+}  // namespace
+}  // namespace bmr_common

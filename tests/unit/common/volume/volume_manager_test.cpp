@@ -1,0 +1,168 @@
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "common/volume/volume_manager.h"
+#include "support/logger_capture.h"
+#include "unit/common/disk/captured_elements.h"
+#include "unit/common/disk/expected_lines.h"
+#include "unit/common/volume/described_volumes.h"
+
+namespace bmr_common {
+namespace {
+
+using expected::Info;
+using testing::ElementsAre;
+using testing::StartsWith;
+
+// Knows the two volumes of the machine.
+class VolumeManagerTest : public testing::Test {
+protected:
+    VolumeManagerTest() {
+        manager_.InitializeWithCurrentVolumes(machine_.disks(), L"", L"");
+        log_.Clear();
+    }
+
+    std::wstring DeviceOf(const std::wstring& name) const {
+        const VolumePtr volume = manager_.GetVolume(name);
+        return volume ? volume->device_name() : L"";
+    }
+
+    support::LoggerCapture log_;
+    described::Machine machine_;
+    VolumeManager manager_;
+};
+
+TEST_F(VolumeManagerTest, New_HasNothingAndHasNotAttempted) {
+    const VolumeManager manager;
+
+    EXPECT_TRUE(manager.volumes().empty());
+    EXPECT_FALSE(manager.IsFailed(L"Find Volume"));
+    EXPECT_FALSE(manager.IsSucceeded(L"Find Volume"));
+    EXPECT_EQ(0U, manager.ErrorCount());
+}
+
+TEST_F(VolumeManagerTest, GetVolume_EachFormOfItsNames_IsTheVolume) {
+    for (const wchar_t* name :
+         {L"00000000-0000-0000-0000-000000000002", L"\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\",
+          L"\\Device\\HarddiskVolume2", L"\\Device\\HARDDISKVOLUME2\\",
+          L"\\\\?\\GLOBALROOT\\Device\\HarddiskVolume2"}) {
+        EXPECT_EQ(L"\\Device\\HarddiskVolume2", DeviceOf(name)) << name;
+    }
+}
+
+TEST_F(VolumeManagerTest, GetVolume_GuidInAnotherCase_IsTheVolume) {
+    machine_.volume(1).guid = L"{abcdef00-0000-0000-0000-000000000002}";
+    VolumeManager manager;
+    manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L"");
+
+    const VolumePtr volume = manager.GetVolume(L"ABCDEF00-0000-0000-0000-000000000002");
+
+    ASSERT_TRUE(volume);
+    EXPECT_EQ(L"\\Device\\HarddiskVolume2", volume->device_name());
+}
+
+TEST_F(VolumeManagerTest, GetVolume_NoSuchName_IsTracedOnce) {
+    const std::pair<const wchar_t*, const char*> names[] = {
+        {L"00000000-0000-0000-0000-000000000009", "00000000-0000-0000-0000-000000000009"},
+        {L"\\Device\\HarddiskVolume9", "\\Device\\HarddiskVolume9"},
+        {L"\\Device\\HarddiskVolume", "\\Device\\HarddiskVolume"},
+        {L"C:\\", "C:\\"},
+        // Holds the prefix already, and is therefore not completed.
+        {L"\\\\?\\Volume{00000000-0000-0000-0000-000000000002}",
+         "\\\\?\\Volume{00000000-0000-0000-0000-000000000002}"},
+    };
+    for (const auto& [name, text] : names) {
+        log_.Clear();
+        EXPECT_FALSE(manager_.GetVolume(name)) << text;
+        EXPECT_EQ(1U, log_.Count(support::kHostTrace,
+                                 std::string("VolumeManager::GetVolume: bad GUID ") + text + ", no match"))
+            << log_;
+    }
+}
+
+TEST_F(VolumeManagerTest, GetVolume_EmptyName_IsNotTheVolumeWithoutGuid) {
+    machine_.volume(0).guid.clear();
+    VolumeManager manager;
+    manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L"");
+    ASSERT_EQ(2U, manager.volumes().size());
+
+    EXPECT_FALSE(manager.GetVolume(L""));
+}
+
+TEST_F(VolumeManagerTest, GetVolume_StartOfAnExtent_IsTheVolume) {
+    const VolumePtr volume = manager_.GetVolume(0, 501LL << 20);
+
+    ASSERT_TRUE(volume);
+    EXPECT_EQ(L"\\Device\\HarddiskVolume2", volume->device_name());
+}
+
+TEST_F(VolumeManagerTest, GetVolume_SecondExtent_IsFoundToo) {
+    machine_.volume(1).extents = std::vector<machine::Extent>{{0, 1 << 20, 512}, {7, 4096, 512}};
+    VolumeManager manager;
+    manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L"");
+
+    EXPECT_EQ(manager.volumes()[1], manager.GetVolume(7, 4096));
+    EXPECT_EQ(manager.volumes()[0], manager.GetVolume(0, 1 << 20))
+        << "the first of two volumes that start there";
+}
+
+TEST_F(VolumeManagerTest, GetVolume_NoSuchExtent_IsTraced) {
+    EXPECT_FALSE(manager_.GetVolume(1, 501LL << 20));
+    EXPECT_FALSE(manager_.GetVolume(0, 7));
+    EXPECT_THAT(
+        log_.Lines(support::kHostTrace),
+        ElementsAre("bmr_common::VolumeManager::GetVolume no volume with extent on disk 1 offset 525336576",
+                    "bmr_common::VolumeManager::GetVolume no volume with extent on disk 0 offset 7"));
+}
+
+TEST_F(VolumeManagerTest, Dump_TwoVolumes_AreNumberedFromOne) {
+    manager_.DumpInfo();
+
+    const std::vector<std::string> lines = log_.Lines(support::kHostInformation);
+    EXPECT_EQ(log_.Messages().size(), lines.size());
+    ASSERT_GT(lines.size(), 4U);
+    EXPECT_EQ("[Volume Information]", lines[0]);
+    EXPECT_EQ("Number of volumes: 2", lines[1]);
+    EXPECT_EQ("Volume #1", lines[2]);
+    EXPECT_EQ("Volume ID: \\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\", lines[3]);
+    const auto second = std::find(lines.begin(), lines.end(), "Volume #2");
+    ASSERT_NE(lines.end(), second);
+    EXPECT_EQ("", *(second - 1));
+    EXPECT_EQ("Volume ID: \\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\", *(second + 1));
+}
+
+TEST_F(VolumeManagerTest, Dump_NoVolumes_SaysSo) {
+    VolumeManager().DumpInfo();
+
+    EXPECT_THAT(log_.Messages(), ElementsAre(Info("[Volume Information]"), Info("Number of volumes: 0")));
+}
+
+TEST_F(VolumeManagerTest, Capture_TwoVolumes_AreInListOrder) {
+    const std::vector<std::string> elements =
+        captured::Elements([&](CMSXmlNode& node) { manager_.CaptureInfo(node); });
+
+    ASSERT_GT(elements.size(), 4U);
+    EXPECT_EQ("VolumeInfo", elements[0]);
+    EXPECT_EQ("VolumeInfo/NumberOfVolumes=2", elements[1]);
+    EXPECT_EQ("VolumeInfo/Volume", elements[2]);
+    EXPECT_THAT(elements[3],
+                StartsWith("VolumeInfo/Volume/VolumeId=\\\\?\\Volume{00000000-0000-0000-0000-000000000001"));
+    const auto second = std::find(elements.begin() + 3, elements.end(), "VolumeInfo/Volume");
+    ASSERT_NE(elements.end(), second);
+    EXPECT_THAT(*(second + 1),
+                StartsWith("VolumeInfo/Volume/VolumeId=\\\\?\\Volume{00000000-0000-0000-0000-000000000002"));
+}
+
+TEST_F(VolumeManagerTest, Capture_NoVolumes_WritesTheirNumber) {
+    const VolumeManager manager;
+
+    EXPECT_THAT(captured::Elements([&](CMSXmlNode& node) { manager.CaptureInfo(node); }),
+                ElementsAre("VolumeInfo", "VolumeInfo/NumberOfVolumes=0"));
+}
+
+}  // namespace
+}  // namespace bmr_common

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "common/windows.h"
+
+#include <objbase.h>
+
+#include <algorithm>
+#include <string>
+
+/// Tests whose thread has COM.
+class ComThread : public testing::Test {
+protected:
+    ComThread() : initialized_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    ~ComThread() override {
+        if (initialized_) {
+            CoUninitialize();
+        }
+    }
+
+    void SetUp() override { ASSERT_TRUE(initialized_); }
+
+private:
+    bool initialized_;
+};
+
+/// XML without the line ends and tabs that a DOM may put between elements.
+inline std::wstring Flat(const std::wstring& xml) {
+    std::wstring flat;
+    for (std::size_t at = 0; at < xml.size();) {
+        if (xml.compare(at, 2, L"\r\n") == 0) {
+            at = std::min(xml.find_first_not_of(L"\r\n\t", at), xml.size());
+        } else {
+            flat += xml[at++];
+        }
+    }
+    return flat;
+}

@@ -1,0 +1,158 @@
+// What the wrapper does when there is no document, no node, or an interface call fails.
+
+#include <optional>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "com_thread.h"
+#include "common/xml/ms_xml.h"
+#include "support/logger_capture.h"
+#include "support/stub.h"
+
+namespace {
+
+using support::LoggerCapture;
+using support::StubImport;
+using testing::IsEmpty;
+
+// The code of the COM error that `body` throws; none when it throws nothing.
+template <class Body>
+std::optional<std::uint32_t> ComErrorOf(Body&& body) {
+    try {
+        body();
+    } catch (const _com_error& error) {
+        return static_cast<std::uint32_t>(error.Error());
+    }
+    return std::nullopt;
+}
+
+constexpr std::uint32_t kPointer = 0x80004003;
+constexpr std::uint32_t kOutOfMemory = 0x8007000E;
+
+class MsXmlFailures : public ComThread {
+protected:
+    LoggerCapture log_;
+};
+
+TEST_F(MsXmlFailures, EmptyNode_EveryOperation_RaisesTheNullPointer) {
+    CMSXmlNode node;
+
+    EXPECT_FALSE(node);
+    EXPECT_EQ(ComErrorOf([&] { node.AddChild("a"); }), kPointer);
+    EXPECT_EQ(ComErrorOf([&] { node.SetText(L"a"); }), kPointer);
+    EXPECT_EQ(ComErrorOf([&] { node.GetXML(); }), kPointer);
+    EXPECT_THAT(log_.all(), IsEmpty());
+}
+
+class MsXmlCreation : public MsXmlFailures {
+protected:
+    void ExpectNoDocument() {
+        CMSXmlDoc document;
+        EXPECT_FALSE(document.LoadXML("<root></root>"));
+        EXPECT_FALSE(document.GetRoot());
+        EXPECT_THAT(log_.all(), IsEmpty()) << log_;
+    }
+};
+
+TEST_F(MsXmlCreation, Construction_ClassIsNotThere_LeavesNoDocumentWithoutAWord) {
+    GUID clsid{};
+    GUID iid{};
+    DWORD context = 0;
+    int calls = 0;
+    const StubImport create("CoCreateInstance", &::CoCreateInstance,
+                            [&](REFCLSID asked_clsid, IUnknown*, DWORD asked_context, REFIID asked_iid,
+                                void** object) -> HRESULT {
+                                ++calls;
+                                clsid = asked_clsid;
+                                iid = asked_iid;
+                                context = asked_context;
+                                *object = nullptr;
+                                return REGDB_E_CLASSNOTREG;
+                            });
+
+    ExpectNoDocument();
+
+    constexpr GUID kDocument30 = {
+        0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+    EXPECT_EQ(calls, 1);
+    EXPECT_TRUE(IsEqualGUID(clsid, kDocument30));
+    EXPECT_TRUE(IsEqualGUID(iid, IID_IUnknown));
+    EXPECT_EQ(context & CLSCTX_SERVER, DWORD{CLSCTX_SERVER});
+}
+
+TEST_F(MsXmlCreation, Construction_NoPointerComes_LeavesNoDocument) {
+    const StubImport create("CoCreateInstance", &::CoCreateInstance,
+                            [](REFCLSID, IUnknown*, DWORD, REFIID, void** object) -> HRESULT {
+                                *object = nullptr;
+                                return S_OK;
+                            });
+    ExpectNoDocument();
+}
+
+TEST_F(MsXmlCreation, Construction_ObjectDoesNotRun_LeavesNoDocument) {
+    int calls = 0;
+    const StubImport run("OleRun", &::OleRun, [&](IUnknown*) -> HRESULT {
+        ++calls;
+        return E_FAIL;
+    });
+    ExpectNoDocument();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(MsXmlWithoutCom, Construction_ThreadHasNoCom_LeavesNoDocument) {
+    if (CoGetContextToken(nullptr) != CO_E_NOTINITIALIZED) {
+        GTEST_SKIP() << "this thread has COM";
+    }
+    CMSXmlDoc document;
+    EXPECT_FALSE(document.LoadXML("<root></root>"));
+    EXPECT_FALSE(document.GetRoot());
+}
+
+class MsXmlCalls : public MsXmlFailures {
+protected:
+    void SetUp() override {
+        MsXmlFailures::SetUp();
+        ASSERT_TRUE(document_.LoadXML("<root></root>"));
+        root_ = document_.GetRoot();
+    }
+
+    CMSXmlDoc document_;
+    CMSXmlNode root_;
+};
+
+TEST_F(MsXmlCalls, AddChild_NoName_RaisesTheFailureAndAddsNothing) {
+    const std::wstring before = root_.GetXML();
+
+    const std::optional<std::uint32_t> error = ComErrorOf([&] { root_.AddChild(""); });
+
+    ASSERT_TRUE(error);
+    EXPECT_TRUE(FAILED(static_cast<HRESULT>(*error)));
+    EXPECT_EQ(root_.GetXML(), before);
+    EXPECT_THAT(log_.all(), IsEmpty());
+}
+
+// No memory for a text, while it lives.
+class NoTextMemory {
+private:
+    using Function = decltype(&::SysAllocString);
+    support::StubImport<Function, BSTR (*)(const OLECHAR*)> stub_{
+        "SysAllocString", &::SysAllocString, [](const OLECHAR*) -> BSTR { return nullptr; }};
+};
+
+TEST_F(MsXmlCalls, SetText_NoMemoryForTheText_RaisesOutOfMemory) {
+    const NoTextMemory none;
+    EXPECT_EQ(ComErrorOf([&] { root_.SetText(L"text"); }), kOutOfMemory);
+}
+
+TEST_F(MsXmlCalls, LoadXML_NoMemoryForTheText_RaisesOutOfMemory) {
+    const NoTextMemory none;
+    EXPECT_EQ(ComErrorOf([&] { document_.LoadXML("<a></a>"); }), kOutOfMemory);
+}
+
+TEST_F(MsXmlCalls, AddChild_NoMemoryForTheName_RaisesOutOfMemory) {
+    const NoTextMemory none;
+    EXPECT_EQ(ComErrorOf([&] { root_.AddChild("a"); }), kOutOfMemory);
+}
+
+}  // namespace

@@ -1,0 +1,140 @@
+#include "common/xml/ms_xml.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "com_thread.h"
+
+namespace {
+
+using testing::AnyOf;
+
+class MsXml : public ComThread {
+protected:
+    void SetUp() override {
+        ComThread::SetUp();
+        ASSERT_TRUE(document_.LoadXML("<root></root>"));
+        root_ = document_.GetRoot();
+        ASSERT_TRUE(root_);
+    }
+    std::wstring Xml() const { return Flat(root_.GetXML()); }
+
+    CMSXmlDoc document_;
+    CMSXmlNode root_;
+};
+
+TEST_F(MsXml, GetXML_FreshRoot_IsTheEmptyElement) {
+    EXPECT_THAT(Xml(), AnyOf(L"<root/>", L"<root></root>"));
+}
+
+TEST_F(MsXml, AddChild_ThreeTimes_KeepsTheOrderOfTheCalls) {
+    root_.AddChild("Zebra").SetText(L"1");
+    root_.AddChild("Ape").SetText(L"2");
+    root_.AddChild("Ape").SetText(L"3");
+
+    EXPECT_EQ(Xml(), L"<root><Zebra>1</Zebra><Ape>2</Ape><Ape>3</Ape></root>");
+}
+
+TEST_F(MsXml, AddChild_OfAChild_Nests) {
+    CMSXmlNode outer = root_.AddChild("Outer");
+    outer.AddChild("First").AddChild("Inner").SetText(L"x");
+    outer.AddChild("Second").SetText(L"y");
+    root_.AddChild("After").SetText(L"z");
+
+    EXPECT_EQ(
+        Xml(),
+        L"<root><Outer><First><Inner>x</Inner></First><Second>y</Second></Outer><After>z</After></root>");
+}
+
+TEST_F(MsXml, GetXML_OfAChild_IsThatPartAlone) {
+    CMSXmlNode child = root_.AddChild("Child");
+    child.AddChild("Text").SetText(L"x");
+
+    EXPECT_EQ(Flat(child.GetXML()), L"<Child><Text>x</Text></Child>");
+}
+
+TEST_F(MsXml, GetXML_Always_HasNoDeclaration) {
+    ASSERT_TRUE(document_.LoadXML("<?xml version=\"1.0\"?><root><a>1</a></root>"));
+    EXPECT_EQ(Flat(document_.GetRoot().GetXML()), L"<root><a>1</a></root>");
+}
+
+TEST_F(MsXml, Copies_OfANode_AreTheSameNode) {
+    CMSXmlNode copy = root_;
+    copy.AddChild("Child").SetText(L"x");
+    EXPECT_EQ(Xml(), L"<root><Child>x</Child></root>");
+}
+
+TEST_F(MsXml, Nodes_OutliveTheDocumentObject) {
+    CMSXmlNode root;
+    {
+        CMSXmlDoc document;
+        ASSERT_TRUE(document.LoadXML("<root></root>"));
+        root = document.GetRoot();
+    }
+    root.AddChild("Child").SetText(L"x");
+    EXPECT_EQ(Flat(root.GetXML()), L"<root><Child>x</Child></root>");
+}
+
+struct Text {
+    std::wstring given;
+    std::wstring written;
+};
+
+class MsXmlTexts : public MsXml, public testing::WithParamInterface<Text> {};
+
+TEST_P(MsXmlTexts, SetText_AnyCharacters_AreEscapedAsNeeded) {
+    root_.SetText(GetParam().given);
+    EXPECT_EQ(root_.GetXML(), L"<root>" + GetParam().written + L"</root>");
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, MsXmlTexts,
+                         testing::Values(Text{L"plain", L"plain"},                            //
+                                         Text{L"a < b & c > d", L"a &lt; b &amp; c &gt; d"},  //
+                                         Text{L"&amp;", L"&amp;amp;"},                        //
+                                         Text{L"\\\\?\\Volume{1}\\", L"\\\\?\\Volume{1}\\"},  //
+                                         Text{L"\x00E4\x20AC\x4E2D", L"\x00E4\x20AC\x4E2D"},  //
+                                         Text{L"\xD83D\xDE00", L"\xD83D\xDE00"},              //
+                                         Text{L"  two  blanks  ", L"  two  blanks  "}));
+
+TEST_F(MsXml, SetText_Twice_KeepsTheSecond) {
+    root_.SetText(L"first");
+    root_.SetText(L"second");
+    EXPECT_EQ(Xml(), L"<root>second</root>");
+}
+
+TEST_F(MsXml, SetText_Empty_LeavesAnEmptyElement) {
+    root_.SetText(L"first");
+    root_.SetText(L"");
+    EXPECT_THAT(Xml(), AnyOf(L"<root/>", L"<root></root>"));
+}
+
+TEST_F(MsXml, SetText_VeryLong_IsWhole) {
+    const std::wstring text(1'000'000, L'x');
+    root_.SetText(text);
+    EXPECT_EQ(Xml(), L"<root>" + text + L"</root>");
+}
+
+TEST_F(MsXml, LoadXML_AgainAfterwards_ReplacesTheContent) {
+    root_.AddChild("Old");
+    ASSERT_TRUE(document_.LoadXML("<fresh></fresh>"));
+    EXPECT_THAT(Flat(document_.GetRoot().GetXML()), AnyOf(L"<fresh/>", L"<fresh></fresh>"));
+}
+
+class MsXmlRefused : public MsXml, public testing::WithParamInterface<const char*> {};
+
+TEST_P(MsXmlRefused, LoadXML_NoXml_IsFalseAndLeavesNoRoot) {
+    CMSXmlDoc document;
+    EXPECT_FALSE(document.LoadXML(GetParam()));
+    EXPECT_FALSE(document.GetRoot());
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, MsXmlRefused,
+                         testing::Values("", "no xml", "<root>", "<root></other>", "<a></a><b></b>"));
+
+TEST_F(MsXml, GetRoot_NothingLoaded_IsTheEmptyNode) {
+    const CMSXmlDoc document;
+    EXPECT_FALSE(document.GetRoot());
+}
+
+}  // namespace

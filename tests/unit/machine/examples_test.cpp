@@ -1,0 +1,274 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "machine/partition_table.h"
+#include "machine/text.h"
+#include "machine/wmi_defaults.h"
+#include "test_machine.h"
+
+namespace machine_test {
+namespace {
+
+std::vector<std::filesystem::path> ExampleFiles() {
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(ORVANE_SOURCE_DIR "/examples/machines")) {
+        if (entry.path().extension() == ".json") {
+            files.push_back(entry.path());
+        }
+    }
+    return files;
+}
+
+bool IsUsed(const machine::Partition& partition) {
+    return partition.number != 0;
+}
+
+bool IsDynamic(const machine::Disk& disk) {
+    return std::any_of(disk.partitions.begin(), disk.partitions.end(),
+                       [](const machine::Partition& partition) { return partition.mbr_type == 0x42; });
+}
+
+const machine::Disk* FindDisk(const machine::Description& description, std::uint32_t index) {
+    for (const machine::Disk& disk : description.disks) {
+        if (disk.index == index) {
+            return &disk;
+        }
+    }
+    return nullptr;
+}
+
+// What must hold of any real machine.
+class Example : public testing::TestWithParam<std::filesystem::path> {
+protected:
+    const machine::Description description_ = machine::LoadDescription(GetParam());
+};
+
+TEST_P(Example, Partitions_LieInsideTheDiskOnSectorBounds) {
+    for (const machine::Disk& disk : description_.disks) {
+        EXPECT_EQ(disk.size % disk.bytes_per_sector, 0u);
+        EXPECT_NE(disk.cylinders, 0u);
+        for (const machine::Partition& partition : disk.partitions) {
+            EXPECT_EQ(partition.offset % disk.bytes_per_sector, 0u);
+            EXPECT_EQ(partition.length % disk.bytes_per_sector, 0u);
+            EXPECT_LE(partition.offset + partition.length, disk.size);
+            if (disk.style == PARTITION_STYLE_GPT) {
+                EXPECT_GE(partition.offset, disk.starting_usable_offset);
+                EXPECT_LE(partition.offset + partition.length,
+                          disk.starting_usable_offset + disk.usable_length);
+            }
+        }
+    }
+}
+
+TEST_P(Example, Partitions_DoNotOverlap) {
+    for (const machine::Disk& disk : description_.disks) {
+        std::vector<machine::Partition> used;
+        std::copy_if(disk.partitions.begin(), disk.partitions.end(), std::back_inserter(used), IsUsed);
+        std::sort(used.begin(), used.end(),
+                  [](const auto& left, const auto& right) { return left.offset < right.offset; });
+        for (std::size_t i = 1; i < used.size(); ++i) {
+            EXPECT_LE(used[i - 1].offset + used[i - 1].length, used[i].offset);
+        }
+    }
+}
+
+TEST_P(Example, LogicalPartitions_LieBehindTheirRecordInTheContainer) {
+    for (const machine::Disk& disk : description_.disks) {
+        const auto container =
+            std::find_if(disk.partitions.begin(), disk.partitions.end(),
+                         [](const auto& partition) { return machine::IsContainerType(partition.mbr_type); });
+        for (std::size_t group = 4; group < disk.partitions.size() && disk.style == PARTITION_STYLE_MBR;
+             group += 4) {
+            ASSERT_NE(container, disk.partitions.end());
+            const machine::Partition& logical = disk.partitions[group];
+            EXPECT_GT(logical.offset, container->offset);
+            EXPECT_LE(logical.offset + logical.length, container->offset + container->length);
+            EXPECT_GT(logical.hidden_sectors, 0u);
+        }
+    }
+}
+
+TEST_P(Example, Identifiers_AreUnique) {
+    std::set<std::string> ids;
+    for (const machine::Disk& disk : description_.disks) {
+        EXPECT_TRUE(ids.insert(disk.style == PARTITION_STYLE_GPT ? machine::GuidText(disk.disk_id)
+                                                                 : std::to_string(disk.signature))
+                        .second);
+        for (const machine::Partition& partition : disk.partitions) {
+            if (partition.style == PARTITION_STYLE_GPT) {
+                EXPECT_TRUE(ids.insert(machine::GuidText(partition.gpt_id)).second);
+            }
+        }
+    }
+    std::set<std::uint32_t> serials;
+    for (const machine::Volume& volume : description_.volumes) {
+        if (volume.serial != 0) {
+            EXPECT_TRUE(serials.insert(volume.serial).second);
+        }
+    }
+}
+
+TEST_P(Example, Volumes_LieOnOnePartitionOrOnDynamicDisks) {
+    for (const machine::Volume& volume : description_.volumes) {
+        if (!volume.extents) {
+            EXPECT_NE(volume.drive_type, std::uint32_t{DRIVE_FIXED});
+            continue;
+        }
+        std::uint64_t length = 0;
+        for (const machine::Extent& extent : *volume.extents) {
+            const machine::Disk* disk = FindDisk(description_, extent.disk);
+            ASSERT_NE(disk, nullptr);
+            EXPECT_LE(extent.offset + extent.length, disk->size);
+            length += extent.length;
+            const auto partition =
+                std::find_if(disk->partitions.begin(), disk->partitions.end(), [&](const auto& own) {
+                    return own.number != 0 && own.offset == extent.offset && own.length == extent.length;
+                });
+            EXPECT_TRUE(partition != disk->partitions.end() || IsDynamic(*disk));
+        }
+        EXPECT_EQ(volume.length, length);
+    }
+}
+
+TEST_P(Example, ExtentsOfVolumes_DoNotOverlap) {
+    std::vector<machine::Extent> extents;
+    for (const machine::Volume& volume : description_.volumes) {
+        const auto own = volume.extents.value_or(std::vector<machine::Extent>{});
+        extents.insert(extents.end(), own.begin(), own.end());
+    }
+    std::sort(extents.begin(), extents.end(), [](const auto& left, const auto& right) {
+        return std::pair(left.disk, left.offset) < std::pair(right.disk, right.offset);
+    });
+    for (std::size_t i = 1; i < extents.size(); ++i) {
+        if (extents[i - 1].disk == extents[i].disk) {
+            EXPECT_LE(extents[i - 1].offset + extents[i - 1].length, extents[i].offset);
+        }
+    }
+}
+
+TEST_P(Example, Space_FitsTheVolume) {
+    for (const machine::Volume& volume : description_.volumes) {
+        const std::uint64_t cluster = std::uint64_t{volume.sectors_per_cluster} * volume.bytes_per_sector;
+        EXPECT_LE(volume.total_clusters * cluster, volume.length);
+        EXPECT_LE(volume.free_clusters, volume.total_clusters);
+        EXPECT_EQ(volume.total_bytes, volume.total_clusters * cluster);
+        EXPECT_EQ(volume.free_bytes, volume.free_clusters * cluster);
+        EXPECT_EQ(volume.sectors_per_cluster == 0, volume.file_system.empty());
+    }
+}
+
+TEST_P(Example, SystemDevice_IsTheVolumeOfTheCurrentDrive) {
+    const auto& system = description_.wmi.at(machine::WmiClassKey(L"Win32_OperatingSystem")).instances.at(0);
+    const auto volume =
+        std::find_if(description_.volumes.begin(), description_.volumes.end(), [&](const auto& own) {
+            return std::count(own.mount_points.begin(), own.mount_points.end(), description_.current_drive) !=
+                   0;
+        });
+    ASSERT_NE(volume, description_.volumes.end());
+    EXPECT_EQ(machine::FindProperty(system, L"SystemDevice")->value.text, volume->device);
+}
+
+TEST_P(Example, EveryVolumeOnOnePartition_KnowsItsPartition) {
+    for (const machine::Volume& volume : description_.volumes) {
+        if (volume.extents && volume.extents->size() == 1 &&
+            !IsDynamic(*FindDisk(description_, volume.extents->front().disk))) {
+            ASSERT_TRUE(volume.partition.has_value());
+            EXPECT_EQ(volume.partition->length, volume.length);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Machines, Example, testing::ValuesIn(ExampleFiles()),
+                         [](const testing::TestParamInfo<std::filesystem::path>& example) {
+                             std::string name = example.param.stem().string();
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+machine::Description Load(const char* name) {
+    return machine::LoadDescription(std::string(ORVANE_SOURCE_DIR "/examples/machines/") + name);
+}
+
+// The blocks of the README that are whole machines must load like the files.
+TEST(Examples, Readme_ShowsMachinesThatLoad) {
+    std::ifstream stream(ORVANE_SOURCE_DIR "/examples/machines/README.md", std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    std::size_t blocks = 0;
+    const std::string fence = "```";
+    for (std::size_t start = text.find("```json"); start != std::string::npos;
+         start = text.find("```json", start)) {
+        start = text.find('\n', start);
+        const std::size_t end = text.find(fence, start);
+        EXPECT_NO_THROW(Parse(text.substr(start, end - start)));
+        start = end + fence.size();
+        ++blocks;
+    }
+    EXPECT_EQ(blocks, 2u);
+}
+
+TEST(Examples, AllMachines_AreThere) {
+    std::set<std::string> names;
+    for (const auto& file : ExampleFiles()) {
+        names.insert(file.filename().string());
+    }
+    for (const char* name : {"uefi-workstation.json", "bios-laptop.json", "server-many-disks.json",
+                             "spanned-dynamic.json", "large-4kn.json", "no-disks.json"}) {
+        EXPECT_TRUE(names.count(name) != 0) << name;
+    }
+}
+
+TEST(Examples, Workstation_StartsFromTheEfiSystemPartition) {
+    const machine::Description description = Load("uefi-workstation.json");
+    EXPECT_EQ(description.firmware.type, 2u);
+    EXPECT_EQ(description.volumes[0].file_system, L"FAT32");
+    EXPECT_TRUE(description.volumes[0].mount_points.empty());
+    EXPECT_EQ(description.volumes.back().drive_type, std::uint32_t{DRIVE_CDROM});
+}
+
+TEST(Examples, Laptop_HasAnActivePartitionAndTwoLogicals) {
+    const machine::Description description = Load("bios-laptop.json");
+    ASSERT_EQ(description.disks[0].partitions.size(), 12u);
+    EXPECT_TRUE(description.disks[0].partitions[0].active);
+    EXPECT_EQ(description.disks[0].partitions[4].number, 3u);
+    EXPECT_EQ(description.disks[0].partitions[8].number, 4u);
+    EXPECT_EQ(description.firmware.type, 1u);
+}
+
+TEST(Examples, Server_HasDisks0And1And2And10) {
+    std::vector<std::uint32_t> indexes;
+    for (const machine::Disk& disk : Load("server-many-disks.json").disks) {
+        indexes.push_back(disk.index);
+    }
+    EXPECT_EQ(indexes, (std::vector<std::uint32_t>{0, 1, 2, 10}));
+}
+
+TEST(Examples, Spanned_HasAVolumeOverTwoDisksAndAFolderMount) {
+    const machine::Description description = Load("spanned-dynamic.json");
+    EXPECT_EQ(description.volumes[2].extents->size(), 2u);
+    EXPECT_EQ(description.volumes[2].mount_points.back(), L"C:\\Data\\Archive\\");
+    EXPECT_FALSE(description.volumes[2].partition.has_value());
+}
+
+TEST(Examples, Large_HasLargeSectorsBeyondTwoTerabytes) {
+    for (const machine::Disk& disk : Load("large-4kn.json").disks) {
+        EXPECT_EQ(disk.bytes_per_sector, 4096u);
+        EXPECT_GT(disk.size, 2ULL << 40);
+        EXPECT_EQ(disk.starting_usable_offset, 6u * 4096);
+    }
+}
+
+TEST(Examples, NoDisks_HasNone) {
+    const machine::Description description = Load("no-disks.json");
+    EXPECT_TRUE(description.disks.empty());
+    EXPECT_TRUE(description.wmi.at(machine::WmiClassKey(L"Win32_DiskDrive")).instances.empty());
+}
+
+}  // namespace
+}  // namespace machine_test

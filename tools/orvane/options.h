@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace host {
+
+// What the program returns to its caller.
+enum ExitCode : int {
+    kExitDone = 0,
+    kExitFailed = 1,    // the capture failed, or its document could not be delivered
+    kExitBadUsage = 2,  // arguments or a machine description that cannot be used
+};
+
+// The library's own default, format 2, is not available yet.
+inline constexpr std::uint32_t kDefaultFormat = 3;
+
+// An argument that could be read and yet cannot be used. what() is UTF-8.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct VersionOptions {};
+
+struct CaptureOptions {
+    std::uint32_t format = kDefaultFormat;
+    std::vector<std::wstring> volumes;             // volume GUID paths, as given
+    std::optional<std::filesystem::path> machine;  // a machine description; none: the default machine
+    std::optional<std::filesystem::path> output;   // none: standard output
+    std::optional<std::filesystem::path> log;
+    bool raw = false;
+    bool verbose = false;
+};
+
+// The arguments ask for nothing but a text: the help, or what is wrong with them.
+struct Message {
+    int exit_code = kExitDone;
+    std::string text;  // UTF-8, ends with a line feed; for standard error when `exit_code` is not kExitDone
+};
+
+using Command = std::variant<VersionOptions, CaptureOptions, Message>;
+
+// Reads the arguments, the program's name left out. Throws nothing of its own.
+Command ParseArguments(const std::vector<std::wstring>& arguments);
+
+}  // namespace host

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "common/windows.h"
+#include "orvane/orvane.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace host {
+
+// The library cannot be loaded, or is none that this program knows. what() is UTF-8.
+class LibraryError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Orvane.dll, loaded for the lifetime of the object, and its exports.
+class OrvaneLibrary {
+public:
+    // Throws LibraryError.
+    explicit OrvaneLibrary(const std::filesystem::path& file);
+    ~OrvaneLibrary();
+    OrvaneLibrary(const OrvaneLibrary&) = delete;
+    OrvaneLibrary& operator=(const OrvaneLibrary&) = delete;
+
+    HMODULE module() const { return module_; }
+    // The product version in the file, "9.50.6732.0"; empty where there is none.
+    std::string FileVersion() const;
+
+    // NOLINTBEGIN: the exports, by their own names.
+    decltype(&::GetOrvaneVersion) GetOrvaneVersion = nullptr;
+    decltype(&::SetEventFunc) SetEventFunc = nullptr;
+    decltype(&::SetXmlFormat) SetXmlFormat = nullptr;
+    decltype(&::SetupSelectedVolumesList) SetupSelectedVolumesList = nullptr;
+    decltype(&::CaptureSystemRestorePointInfo) CaptureSystemRestorePointInfo = nullptr;
+    // NOLINTEND
+
+private:
+    template <class Function>
+    void Bind(Function& function, const char* name);
+    void BindAll();
+
+    std::filesystem::path file_;
+    HMODULE module_;
+};
+
+// Where this program looks for the library: in its own folder.
+std::filesystem::path LibraryPath();
+
+}  // namespace host
