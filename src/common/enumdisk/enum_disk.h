@@ -43,7 +43,7 @@ public:
     // Appends a row for every fixed volume.
     int GetDrives(std::vector<DriveRow>& drives);
     // Inserts placeholders for the numbers that are left out.
-    int AddMissingPhysicalDisks(std::vector<DiskRow>& disks);
+    static int AddMissingPhysicalDisks(std::vector<DiskRow>& disks);
 
 private:
     enum class Usability { kUsable, kUnavailable, kError };

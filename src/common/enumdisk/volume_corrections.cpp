@@ -144,7 +144,7 @@ void assignDriveDetails(std::vector<::Volume>& volumes) {
     Traced(L"assignDriveDetails", [&] {
         std::vector<std::uint32_t> indexes;
         std::int32_t maximum = -1;
-        if (EnumDisk().GetPhysicalDrivesIndexes(indexes, maximum) == 0) {
+        if (EnumDisk::GetPhysicalDrivesIndexes(indexes, maximum) == 0) {
             return;
         }
         DriveInfos disks;
