@@ -2,9 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
+#include <new>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "common/windows.h"
@@ -69,19 +70,28 @@ private:
     std::shared_ptr<std::size_t> live_;
 };
 
+/// Runs a method's body; memory that runs out is the method's failure.
+template <class Body>
+HRESULT GuardedCom(const Body& body) noexcept {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
+}
+
 /// One call of a WMI object through the current simulation; without one the connection counts as lost. What
 /// the body puts into Answer::error besides failing is the call's (successful) result.
-inline HRESULT PerformCom(const char* name, const std::wstring& object, const CallErrors* errors,
-                          const std::function<Answer()>& body) noexcept {
-    try {
+inline HRESULT PerformCom(const char* name, std::wstring_view object, const CallErrors* errors,
+                          const AnswerBody& body) noexcept {
+    return GuardedCom([&] {
         Simulation* simulation = Simulation::Current();
         if (simulation == nullptr) {
             return AsHresult(0x80010108);  // RPC_E_DISCONNECTED
         }
-        return AsHresult(simulation->Perform({CallFamily::kCom, name, object, errors}, body).error);
-    } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
-    }
+        return AsHresult(
+            simulation->Perform({CallFamily::kCom, name, std::wstring(object), errors}, body).error);
+    });
 }
 
 }  // namespace machine

@@ -22,7 +22,7 @@ struct Answer {
     std::uint64_t value = 0;  // the plain result: handle, drive type, mask, number of characters
     Bytes bytes;              // copied into the caller's buffer, never more than it holds
     std::uint64_t returned = 0;     // the length told to the caller
-    tagVARIANT* variant = nullptr;  // the value of a WMI property
+    tagVARIANT* variant = nullptr;  // the value of a WMI property; null when reading it failed
 
     static Answer Failure(std::uint32_t code);
 };

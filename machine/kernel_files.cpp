@@ -233,6 +233,18 @@ const CallErrors* ErrorsOf(const Simulation& simulation, const NameIndex::Target
     return nullptr;
 }
 
+void AppendText(Bytes& bytes, const std::wstring& text) {
+    const auto* start = reinterpret_cast<const std::uint8_t*>(text.c_str());
+    bytes.insert(bytes.end(), start, start + (text.size() + 1) * sizeof(wchar_t));
+}
+
+void CopyBytes(const Answer& answer, LPWSTR buffer, DWORD size) {
+    if (buffer != nullptr) {
+        const std::size_t count = std::min(answer.bytes.size(), size * sizeof(wchar_t));
+        std::copy_n(answer.bytes.begin(), count, reinterpret_cast<std::uint8_t*>(buffer));
+    }
+}
+
 std::wstring TextOrEmpty(LPCWSTR text) {
     return text == nullptr ? std::wstring() : std::wstring(text);
 }

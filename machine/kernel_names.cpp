@@ -11,18 +11,6 @@ bool IsVolumeName(const std::wstring& name) {
            name.compare(name.size() - 2, 2, L"}\\") == 0;
 }
 
-void AppendText(Bytes& bytes, const std::wstring& text) {
-    const auto* start = reinterpret_cast<const std::uint8_t*>(text.c_str());
-    bytes.insert(bytes.end(), start, start + (text.size() + 1) * sizeof(wchar_t));
-}
-
-void CopyBytes(const Answer& answer, LPWSTR buffer, DWORD size) {
-    if (buffer != nullptr) {
-        const std::size_t count = std::min(answer.bytes.size(), size * sizeof(wchar_t));
-        std::copy_n(answer.bytes.begin(), count, reinterpret_cast<std::uint8_t*>(buffer));
-    }
-}
-
 // The answer of a call that gives one text or nothing.
 Answer OneText(const std::wstring& text, DWORD size) {
     if (size < text.size() + 1) {

@@ -1,22 +1,22 @@
-#include <algorithm>
-
 #include "machine/simulated_functions.h"
 
 namespace machine::simulated {
 namespace {
 
 // The name at the search's position; the search moves on only when the name fits.
-Answer NextName(Simulation& simulation, std::uint64_t& position, DWORD size, std::wstring& name) {
+Answer NextName(Simulation& simulation, std::uint64_t& position, DWORD size) {
     const std::vector<std::wstring>& names = simulation.names().volume_names();
     if (position >= names.size()) {
         return Answer::Failure(ERROR_NO_MORE_FILES);
     }
-    name = names[static_cast<std::size_t>(position)];
+    const std::wstring& name = names[static_cast<std::size_t>(position)];
     if (size < name.size() + 1) {
         return Answer::Failure(ERROR_FILENAME_EXCED_RANGE);
     }
     ++position;
-    return {};
+    Answer answer;
+    AppendText(answer.bytes, name);
+    return answer;
 }
 
 const CallErrors* ErrorsOfName(Simulation& simulation, std::uint64_t position) {
@@ -24,12 +24,6 @@ const CallErrors* ErrorsOfName(Simulation& simulation, std::uint64_t position) {
     return position < names.size()
                ? ErrorsOf(simulation, simulation.names().Resolve(names[static_cast<std::size_t>(position)]))
                : nullptr;
-}
-
-void CopyName(const std::wstring& name, LPWSTR buffer, DWORD size) {
-    if (buffer != nullptr && size > name.size()) {
-        std::copy_n(name.c_str(), name.size() + 1, buffer);
-    }
 }
 
 }  // namespace
@@ -40,12 +34,11 @@ HANDLE WINAPI FindFirstVolumeW(LPWSTR name, DWORD size) {
         return ::FindFirstVolumeW(name, size);
     }
     return Guarded(INVALID_HANDLE_VALUE, [&] {
-        std::wstring found;
         const Answer answer = simulation->Perform(
             {CallFamily::kWin32, "FindFirstVolumeW", {}, ErrorsOfName(*simulation, 0)}, [&] {
                 OpenObject search;
                 search.kind = OpenObject::Kind::kVolumeSearch;
-                Answer next = NextName(*simulation, search.position, size, found);
+                Answer next = NextName(*simulation, search.position, size);
                 if (!next.failed) {
                     next.value = reinterpret_cast<std::uintptr_t>(simulation->handles().Open(search));
                 }
@@ -53,7 +46,7 @@ HANDLE WINAPI FindFirstVolumeW(LPWSTR name, DWORD size) {
             });
         const auto handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(answer.value));
         if (Deliver(answer)) {
-            CopyName(found, name, size);
+            CopyBytes(answer, name, size);
             return handle;
         }
         if (handle != nullptr) {
@@ -71,13 +64,12 @@ BOOL WINAPI FindNextVolumeW(HANDLE search, LPWSTR name, DWORD size) {
     return Guarded(FALSE, [&]() -> BOOL {
         OpenObject* object = simulation->handles().Find(search, OpenObject::Kind::kVolumeSearch);
         const CallErrors* errors = object == nullptr ? nullptr : ErrorsOfName(*simulation, object->position);
-        std::wstring found;
         const Answer answer = simulation->Perform({CallFamily::kWin32, "FindNextVolumeW", {}, errors}, [&] {
             return object == nullptr ? Answer::Failure(ERROR_INVALID_HANDLE)
-                                     : NextName(*simulation, object->position, size, found);
+                                     : NextName(*simulation, object->position, size);
         });
         if (Deliver(answer)) {
-            CopyName(found, name, size);
+            CopyBytes(answer, name, size);
             return TRUE;
         }
         return FALSE;

@@ -112,7 +112,7 @@ class Names {
 public:
     void Claim(const JsonObject& object, const std::wstring& name) {
         if (!names_.insert(Folded(name)).second) {
-            object.Refuse("\"" + Narrow(name) + "\" is the name of another volume too");
+            object.Refuse(Narrow(name) + " is the name of another volume too");
         }
     }
 

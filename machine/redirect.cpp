@@ -160,16 +160,18 @@ FARPROC WINAPI SimulatedProcAddress(HMODULE module, LPCSTR name) {
     if (simulation == nullptr) {
         return Found(module, *functions, name);
     }
-    FARPROC found = nullptr;
-    const Answer answer =
-        simulation->Perform({CallFamily::kWin32, "GetProcAddress", Widen(name), nullptr}, [&] {
-            if (simulation->machine().missing.contains(name)) {
-                return Answer::Failure(ERROR_PROC_NOT_FOUND);
-            }
-            found = Found(module, *functions, name);
-            return found == nullptr ? Answer::Failure(ERROR_PROC_NOT_FOUND) : Answer{};
-        });
-    return simulated::Deliver(answer) ? found : nullptr;
+    return simulated::Guarded(FARPROC{nullptr}, [&]() -> FARPROC {
+        FARPROC found = nullptr;
+        const Answer answer =
+            simulation->Perform({CallFamily::kWin32, "GetProcAddress", Widen(name), nullptr}, [&] {
+                if (simulation->machine().missing.contains(name)) {
+                    return Answer::Failure(ERROR_PROC_NOT_FOUND);
+                }
+                found = Found(module, *functions, name);
+                return found == nullptr ? Answer::Failure(ERROR_PROC_NOT_FOUND) : Answer{};
+            });
+        return simulated::Deliver(answer) ? found : nullptr;
+    });
 }
 
 bool PutModuleOnSimulation(HMODULE module) {

@@ -67,6 +67,12 @@ bool Deliver(const Answer& answer);
 /// The described errors of what a path names; null when it names nothing.
 const CallErrors* ErrorsOf(const Simulation& simulation, const NameIndex::Target& target);
 
+/// Puts a text and its terminator at the end of an answer's bytes.
+void AppendText(Bytes& bytes, const std::wstring& text);
+
+/// Copies the answer's bytes, as many as the buffer of `size` characters holds.
+void CopyBytes(const Answer& answer, LPWSTR buffer, DWORD size);
+
 /// A null path is empty text.
 std::wstring TextOrEmpty(LPCWSTR text);
 

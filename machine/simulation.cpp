@@ -11,7 +11,7 @@ Simulation* current = nullptr;
 
 constexpr FaultCodes kOutOfMemory = {ERROR_NOT_ENOUGH_MEMORY, 0xC0000017, 0x8007000E};
 
-Answer Computed(CallFamily family, const std::function<Answer()>& body) {
+Answer Computed(CallFamily family, const AnswerBody& body) {
     try {
         return body();
     } catch (const std::bad_alloc&) {
@@ -64,7 +64,7 @@ Volume* Simulation::FindVolume(const std::wstring& device) {
     return target.kind == NameIndex::Target::Kind::kVolume ? &description_.volumes[target.position] : nullptr;
 }
 
-Answer Simulation::Perform(const Call& call, const std::function<Answer()>& body) {
+Answer Simulation::Perform(const Call& call, const AnswerBody& body) {
     CallRecord record;
     record.ordinal = calls_.NextOrdinal();
     record.family = call.family;

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -13,6 +12,20 @@
 #include "machine/name_index.h"
 
 namespace machine {
+
+/// The code that computes one answer, without a copy of it and without memory of its own.
+class AnswerBody {
+public:
+    template <class Body>
+    AnswerBody(const Body& body) noexcept
+        : body_(&body), call_([](const void* own) { return (*static_cast<const Body*>(own))(); }) {}
+
+    Answer operator()() const { return call_(body_); }
+
+private:
+    const void* body_;
+    Answer (*call_)(const void*);
+};
 
 /// A described machine that answers system calls. While it lives it is the current one, of which there is one
 /// at a time; the redirected functions (redirect.h) and the WMI objects (wmi_locator.h) ask the current
@@ -61,7 +74,7 @@ public:
 
     /// Answers one call: counts and records it, applies the fault plan and the described errors, and else
     /// asks `body`. A std::bad_alloc of the body becomes the family's out-of-memory code.
-    Answer Perform(const Call& call, const std::function<Answer()>& body);
+    Answer Perform(const Call& call, const AnswerBody& body);
 
 private:
     Description description_;

@@ -107,32 +107,36 @@ VARIANT VariantOf(const WmiValue& value) {
 WmiInstanceObject::WmiInstanceObject(std::shared_ptr<const WmiResult> result, std::size_t position)
     : ComObject(IID_IWbemClassObject), result_(std::move(result)), position_(position) {}
 
+Answer WmiInstanceObject::Found(LPCWSTR name, VARIANT& variant, CIMTYPE& cim_type) const {
+    if (name == nullptr) {
+        return Answer::Failure(kInvalidParameter);
+    }
+    const auto system = SystemProperty(result_->class_name, name);
+    const WmiProperty* property = FindProperty(instance(), name);
+    if (!system && property == nullptr) {
+        return Answer::Failure(kNotFound);
+    }
+    const WmiValue& found = system ? *system : property->value;
+    if (found.error) {
+        return Answer::Failure(*found.error);
+    }
+    variant = VariantOf(found);
+    cim_type = CimTypeOf(found.type);
+    Answer answer;
+    answer.variant = &variant;
+    return answer;
+}
+
 HRESULT STDMETHODCALLTYPE WmiInstanceObject::Get(LPCWSTR name, LONG /*flags*/, VARIANT* value, CIMTYPE* type,
                                                  LONG* flavor) {
-    const std::wstring property_name = name == nullptr ? L"" : name;
     VARIANT variant;
     VariantInit(&variant);
     CIMTYPE cim_type = 0;
-    const HRESULT result = PerformCom(
-        "IWbemClassObject::Get", result_->class_name + L"." + property_name, &result_->found.errors, [&] {
-            if (name == nullptr) {
-                return Answer::Failure(kInvalidParameter);
-            }
-            const auto system = SystemProperty(result_->class_name, property_name);
-            const WmiProperty* property = FindProperty(instance(), property_name);
-            if (!system && property == nullptr) {
-                return Answer::Failure(kNotFound);
-            }
-            const WmiValue& found = system ? *system : property->value;
-            if (found.error) {
-                return Answer::Failure(*found.error);
-            }
-            variant = VariantOf(found);
-            cim_type = CimTypeOf(found.type);
-            Answer answer;
-            answer.variant = &variant;
-            return answer;
-        });
+    const HRESULT result = GuardedCom([&] {
+        const std::wstring object = result_->class_name + L"." + (name == nullptr ? L"" : name);
+        return PerformCom("IWbemClassObject::Get", object, &result_->found.errors,
+                          [&] { return Found(name, variant, cim_type); });
+    });
     if (FAILED(result) || value == nullptr) {
         VariantClear(&variant);
     } else {
@@ -152,16 +156,14 @@ HRESULT STDMETHODCALLTYPE WmiInstanceObject::GetNames(LPCWSTR /*qualifier*/, LON
     if (names == nullptr) {
         return AsHresult(kInvalidParameter);
     }
-    try {
+    return GuardedCom([&] {
         std::vector<std::wstring> texts;
         for (const WmiProperty& property : instance()) {
             texts.push_back(property.name);
         }
         *names = ArrayOf(texts);
         return S_OK;
-    } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
-    }
+    });
 }
 
 HRESULT STDMETHODCALLTYPE WmiInstanceObject::BeginEnumeration(LONG /*flags*/) {

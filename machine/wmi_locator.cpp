@@ -1,5 +1,7 @@
 #include "machine/wmi_locator.h"
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -18,12 +20,9 @@ constexpr CLSID kCommonLocator = {
     0x4590F811, 0x1D3A, 0x11D0, {0x89, 0x1F, 0x00, 0xAA, 0x00, 0x4B, 0x2E, 0x24}};
 
 bool IsKnownNamespace(const std::wstring& name) {
-    for (const wchar_t* known : {L"root\\cimv2", L"\\\\.\\root\\cimv2", L"root/cimv2"}) {
-        if (EqualNames(name, known)) {
-            return true;
-        }
-    }
-    return false;
+    constexpr const wchar_t* kKnown[] = {L"root\\cimv2", L"\\\\.\\root\\cimv2", L"root/cimv2"};
+    return std::any_of(std::begin(kKnown), std::end(kKnown),
+                       [&](const wchar_t* known) { return EqualNames(name, known); });
 }
 
 // Lives as long as the program; COM's references to it do not count.

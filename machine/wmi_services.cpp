@@ -33,6 +33,31 @@ std::vector<std::wstring> Words(const std::wstring& text) {
     return words;
 }
 
+const WmiClass* KnownClass(const std::wstring& name) {
+    const Simulation* simulation = Simulation::Current();
+    if (simulation == nullptr) {
+        return nullptr;
+    }
+    const auto found = simulation->machine().wmi.find(WmiClassKey(name));
+    return found == simulation->machine().wmi.end() ? nullptr : &found->second;
+}
+
+// What is wrong with a query; 0 for nothing. That the class is unknown comes out here only when the caller
+// waits for it.
+std::uint32_t Objection(const wchar_t* language, const std::wstring& class_name, const WmiClass* known,
+                        LONG flags) {
+    if (language == nullptr) {
+        return kInvalidParameter;
+    }
+    if (!EqualNames(language, L"WQL")) {
+        return kInvalidQueryType;
+    }
+    if (class_name.empty()) {
+        return kInvalidQuery;
+    }
+    return known == nullptr && (flags & kReturnImmediately) == 0 ? kInvalidClass : 0;
+}
+
 }  // namespace
 
 std::wstring QueriedClass(const std::wstring& query) {
@@ -60,41 +85,32 @@ HRESULT STDMETHODCALLTYPE WmiServices::ExecQuery(const BSTR language, const BSTR
         return AsHresult(kInvalidParameter);
     }
     *enumerator = nullptr;
-    Simulation* simulation = Simulation::Current();
-    const std::wstring class_name = query == nullptr ? std::wstring() : QueriedClass(query);
-    const WmiClass* known = nullptr;
-    if (simulation != nullptr) {
-        const auto found = simulation->machine().wmi.find(WmiClassKey(class_name));
-        known = found == simulation->machine().wmi.end() ? nullptr : &found->second;
-    }
-    IEnumWbemClassObject* made = nullptr;
-    const HRESULT result =
-        PerformCom("IWbemServices::ExecQuery", class_name, known == nullptr ? nullptr : &known->errors, [&] {
-            if (language == nullptr || !EqualNames(language, L"WQL")) {
-                return Answer::Failure(language == nullptr ? kInvalidParameter : kInvalidQueryType);
-            }
-            if (class_name.empty()) {
-                return Answer::Failure(kInvalidQuery);
-            }
-            const bool at_once = (flags & kReturnImmediately) != 0;
-            if (known == nullptr && !at_once) {
-                return Answer::Failure(kInvalidClass);
-            }
-            auto found = std::make_shared<WmiResult>();
-            found->class_name = class_name;
-            if (known != nullptr) {
-                found->found = *known;
-            }
-            made =
-                new WmiEnumerator(found, known == nullptr ? kInvalidClass : 0, (flags & kForwardOnly) != 0);
-            return Answer{};
-        });
-    if (FAILED(result) && made != nullptr) {
-        made->Release();
-        made = nullptr;
-    }
-    *enumerator = made;
-    return result;
+    return GuardedCom([&] {
+        const std::wstring class_name = query == nullptr ? std::wstring() : QueriedClass(query);
+        const WmiClass* known = KnownClass(class_name);
+        IEnumWbemClassObject* made = nullptr;
+        const HRESULT result = PerformCom(
+            "IWbemServices::ExecQuery", class_name, known == nullptr ? nullptr : &known->errors, [&] {
+                const std::uint32_t error = Objection(language, class_name, known, flags);
+                if (error != 0) {
+                    return Answer::Failure(error);
+                }
+                auto found = std::make_shared<WmiResult>();
+                found->class_name = class_name;
+                if (known != nullptr) {
+                    found->found = *known;
+                }
+                made = new WmiEnumerator(found, known == nullptr ? kInvalidClass : 0,
+                                         (flags & kForwardOnly) != 0);
+                return Answer{};
+            });
+        if (FAILED(result) && made != nullptr) {
+            made->Release();
+            made = nullptr;
+        }
+        *enumerator = made;
+        return result;
+    });
 }
 
 HRESULT STDMETHODCALLTYPE WmiServices::Security::QueryInterface(REFIID iid, void** object) {

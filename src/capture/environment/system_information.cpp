@@ -24,7 +24,7 @@ enum class Rule {
 
 template <class Section>
 struct Property {
-    const wchar_t* name;
+    const wchar_t* name = nullptr;
     Target<Section> target;
     Rule rule = Rule::kOptional;
     const wchar_t* failure = nullptr;  // logged where a mandatory property cannot be read

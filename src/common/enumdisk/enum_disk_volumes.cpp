@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cwchar>
 #include <cwctype>
+#include <new>
 #include <set>
 
 namespace {
@@ -133,7 +134,11 @@ bool EnumDisk::QueryExtents(const std::wstring& volume, win::ByteBuffer& extents
 
 EnumDisk::ExtentResult EnumDisk::GetVolumeExtents(const std::wstring& volume, DriveRow& drive) {
     win::ByteBuffer buffer;
-    if (!QueryExtents(volume, buffer)) {
+    try {
+        if (!QueryExtents(volume, buffer)) {
+            return ExtentResult::kFailed;
+        }
+    } catch (const std::bad_alloc&) {  // a volume that counts more extents than there is memory for
         return ExtentResult::kFailed;
     }
     const auto& list = *reinterpret_cast<const VOLUME_DISK_EXTENTS*>(buffer.data());

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cwchar>
+#include <new>
 #include <optional>
 
 namespace {
@@ -121,8 +122,13 @@ const VOLUME_DISK_EXTENTS& ExtentList(const win::ByteBuffer& buffer) {
 bool ReadExtents(const Candidate& candidate, const UniqueFile& file) {
     constexpr std::size_t kFirstBytes = 512;
     win::ByteBuffer buffer;
-    DWORD error = win::ReadGrowingControl(file, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, kFirstBytes,
-                                          ERROR_MORE_DATA, buffer, win::IsWholeExtentList);
+    DWORD error = ERROR_SUCCESS;
+    try {
+        error = win::ReadGrowingControl(file, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, kFirstBytes,
+                                        ERROR_MORE_DATA, buffer, win::IsWholeExtentList);
+    } catch (const std::bad_alloc&) {
+        error = ERROR_OUTOFMEMORY;
+    }
     // A fixed volume that lies nowhere could not be told from one at the start of the first disk.
     if (error == ERROR_SUCCESS && ExtentList(buffer).NumberOfDiskExtents == 0) {
         error = ERROR_INVALID_DATA;

@@ -109,8 +109,8 @@ TEST_F(PartitionManagerWritingTest, Commit_NewPartition_ReachesTheDiskInOrder) {
 }
 
 TEST_F(PartitionManagerWritingTest, Commit_Layout_IsSortedNumberedAndMarkedToBeRewritten) {
-    ASSERT_TRUE(manager_.DeletePartitionFromMemory(kMiB));
-    ASSERT_TRUE(Add(2 * kMiB, 10 * kMiB));
+    ASSERT_TRUE(manager_.DeletePartitionFromMemory(101 * kMiB));
+    ASSERT_TRUE(Add(103 * kMiB, 10 * kMiB));
     const LayoutSpy spy;
 
     ASSERT_TRUE(manager_.CommitPartitionTable());
@@ -119,7 +119,7 @@ TEST_F(PartitionManagerWritingTest, Commit_Layout_IsSortedNumberedAndMarkedToBeR
     const DRIVE_LAYOUT_INFORMATION_EX& layout = spy.layout();
     EXPECT_EQ(1U, layout.PartitionStyle);
     ASSERT_EQ(3U, layout.PartitionCount);
-    const std::int64_t starts[] = {2 * kMiB, 101 * kMiB, 117 * kMiB};
+    const std::int64_t starts[] = {kMiB, 103 * kMiB, 117 * kMiB};
     for (DWORD i = 0; i < 3; ++i) {
         EXPECT_EQ(starts[i], layout.PartitionEntry[i].StartingOffset.QuadPart);
         EXPECT_EQ(i + 1, layout.PartitionEntry[i].PartitionNumber);

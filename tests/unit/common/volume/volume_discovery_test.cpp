@@ -267,9 +267,12 @@ public:
 };
 
 TEST_F(VolumeDiscoveryTest, Exception_IsLoggedAndDoesNotEscape) {
-    machine_.disks().Put(boost::make_shared<ThrowingDisk>(0U));
+    machine_.volume(1).extents = std::vector<machine::Extent>{{6, 0, 512}};
+    machine_.disks().Put(boost::make_shared<ThrowingDisk>(6U));
 
     EXPECT_NO_THROW(EXPECT_FALSE(Discover()));
+
+    EXPECT_THAT(manager_.volumes(), IsEmpty()) << "not even the one that stands before it";
 
     EXPECT_EQ(1U, log_.Count(support::kHostError, std::string("Exception in ") + kFunction)) << log_;
     EXPECT_FALSE(manager_.IsSucceeded(L"Find Volume"));

@@ -255,6 +255,15 @@ TEST_F(VolumeJudgementTest, IsOnActivePartition_DiskDenies_IsFalseAgain) {
     EXPECT_FALSE(volume_.is_on_active_partition());
 }
 
+TEST_F(VolumeJudgementTest, IsOnActivePartition_DiskGone_IsFalseAgain) {
+    zero_->bootable = true;
+    Initialize();
+    ASSERT_TRUE(volume_.is_on_active_partition());
+
+    EXPECT_FALSE(volume_.is_on_active_partition(listed::Disks()));
+    EXPECT_FALSE(volume_.is_on_active_partition());
+}
+
 TEST_F(VolumeJudgementTest, IsOnActivePartition_NoSuchDisk_IsLoggedAndFalse) {
     Lie({{4, 0, 1}, {0, 0, 1}});
     zero_->bootable = true;

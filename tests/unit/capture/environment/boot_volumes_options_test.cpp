@@ -1,0 +1,217 @@
+#include "capture/environment/boot_volumes.h"
+#include "machine/session.h"
+#include "support/logger_capture.h"
+#include "support/stub.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using support::LogLine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr wchar_t kControlKey[] = L"SYSTEM\\CurrentControlSet\\Control";
+constexpr wchar_t kUntouched[] = L"untouched";
+
+machine::RegistryValue Value(const wchar_t* name, std::wstring_view text, std::uint32_t type = REG_SZ) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    return {name, type, {bytes, bytes + text.size() * sizeof(wchar_t)}};
+}
+
+machine::Description MachineWith(std::vector<machine::RegistryValue> values,
+                                 const wchar_t* key = kControlKey) {
+    machine::Description description = machine::ParseDescription("{}", "boot options");
+    description.registry = {{key, std::move(values)}};
+    return description;
+}
+
+struct Answer {
+    int result;
+    std::wstring options;
+    std::vector<LogLine> messages;
+    std::vector<std::string> trace;
+};
+
+Answer BootOptionsOf(machine::Description description) {
+    const machine::Session session(std::move(description));
+    const support::LoggerCapture log;
+    std::wstring options = kUntouched;
+    const int result = GetBootOptions(options);
+    return {result, options, log.Messages(), log.Lines(support::kHostTrace)};
+}
+
+// --- Looking for the value.
+
+TEST(GetBootOptions, TextWithItsTerminator_KeepsTheTerminator) {
+    const Answer answer = BootOptionsOf(
+        MachineWith({Value(L"SystemStartOptions", std::wstring_view(L" NOEXECUTE=OPTIN  FOO\0", 22))}));
+    EXPECT_NE(answer.result, 0);
+    EXPECT_EQ(answer.options, std::wstring(L" NOEXECUTE=OPTIN  FOO\0", 22));
+    EXPECT_THAT(answer.messages, IsEmpty());
+}
+
+TEST(GetBootOptions, TextWithoutTerminator_IsTheTextAlone) {
+    EXPECT_EQ(BootOptionsOf(MachineWith({Value(L"SystemStartOptions", L"DEBUG", REG_BINARY)})).options,
+              L"DEBUG");
+}
+
+TEST(GetBootOptions, OddNumberOfBytes_IsHalvedDownwards) {
+    machine::RegistryValue value = Value(L"SystemStartOptions", L"DEBUG", REG_BINARY);
+    value.data.pop_back();
+    EXPECT_EQ(BootOptionsOf(MachineWith({value})).options, L"DEBU");
+}
+
+TEST(GetBootOptions, EmptyValue_SucceedsWithAnEmptyText) {
+    const Answer answer = BootOptionsOf(MachineWith({Value(L"SystemStartOptions", L"", REG_BINARY)}));
+    EXPECT_NE(answer.result, 0);
+    EXPECT_EQ(answer.options, L"");
+}
+
+TEST(GetBootOptions, OtherValues_AreWalkedPast) {
+    const Answer answer = BootOptionsOf(MachineWith(
+        {Value(L"CurrentUser", L"USERNAME"), Value(L"SystemStartOptionsOld", L"OLD"),
+         Value(L"SystemStartOption", L"SHORT"), Value(L"SystemStartOptions", L"DEBUG"), Value(L"Z", L"")}));
+    EXPECT_NE(answer.result, 0);
+    EXPECT_EQ(answer.options, L"DEBUG");
+}
+
+TEST(GetBootOptions, LongestDataThatFits_IsRead) {
+    const std::wstring longest(16383 / 2, L'x');
+    EXPECT_EQ(BootOptionsOf(MachineWith({Value(L"SystemStartOptions", longest, REG_BINARY)})).options,
+              longest);
+}
+
+class GetBootOptionsAbsent : public testing::TestWithParam<const wchar_t*> {};
+
+TEST_P(GetBootOptionsAbsent, Value_IsReportedWithTheEndOfTheList) {
+    const Answer answer = BootOptionsOf(MachineWith({Value(GetParam(), L"DEBUG")}));
+    EXPECT_EQ(answer.result, 0);
+    EXPECT_EQ(answer.options, kUntouched);
+    EXPECT_THAT(answer.messages,
+                ElementsAre(LogLine{support::kHostError,
+                                    "GetBootOptions failed to find SystemStartOptions error=259"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, GetBootOptionsAbsent,
+                         testing::Values(L"Other", L"systemstartoptions", L"SystemStartOptions ",
+                                         L"SystemStartOption"));
+
+TEST(GetBootOptions, KeyWithoutValues_IsReportedWithTheEndOfTheList) {
+    EXPECT_THAT(BootOptionsOf(MachineWith({})).messages,
+                ElementsAre(LogLine{support::kHostError,
+                                    "GetBootOptions failed to find SystemStartOptions error=259"}));
+}
+
+TEST(GetBootOptions, DataLongerThanTheBuffer_EndTheSearchWithTheirError) {
+    const Answer answer =
+        BootOptionsOf(MachineWith({Value(L"SystemStartOptions", std::wstring(8192, L'x'), REG_BINARY)}));
+    EXPECT_EQ(answer.result, 0);
+    EXPECT_EQ(answer.options, kUntouched);
+    EXPECT_THAT(answer.messages,
+                ElementsAre(LogLine{support::kHostError,
+                                    "GetBootOptions failed to find SystemStartOptions error=234"}));
+}
+
+TEST(GetBootOptions, NoKey_IsReported) {
+    const Answer answer = BootOptionsOf(MachineWith({}, L"SYSTEM\\Select"));
+    EXPECT_EQ(answer.result, 0);
+    EXPECT_EQ(answer.options, kUntouched);
+    EXPECT_THAT(answer.messages,
+                ElementsAre(LogLine{support::kHostError, "GetBootOptions Failed to open registry"}));
+    EXPECT_THAT(answer.trace, testing::Not(testing::Contains("Function CloseKey")));
+}
+
+// --- The key.
+
+constexpr const char* kClosing[] = {"Function CloseKey", "CRegistry::CloseKey res=0", "bRet is TRUE",
+                                    "Exiting CloseKey"};
+
+TEST(GetBootOptions, Key_IsOpenedForReadingAndClosed) {
+    const Answer answer = BootOptionsOf(MachineWith({Value(L"SystemStartOptions", L"DEBUG")}));
+    EXPECT_THAT(
+        answer.trace,
+        ElementsAre("Function OpenKey", "Opening the Key",
+                    "CRegistry::OpenKey keyName=SYSTEM\\CurrentControlSet\\Control access=0x20019 "
+                    "res=0",
+                    "bRet is TRUE", "Exiting OpenKey", kClosing[0], kClosing[1], kClosing[2], kClosing[3]));
+}
+
+TEST(GetBootOptions, AbsentValue_IsReportedOnceTheKeyIsClosed) {
+    const machine::Session session(MachineWith({}));
+    const support::LoggerCapture log;
+    std::wstring options;
+    EXPECT_EQ(GetBootOptions(options), 0);
+    const std::vector<LogLine>& all = log.all();
+    ASSERT_GE(all.size(), 2U);
+    EXPECT_EQ(all.back().level, support::kHostError);
+    EXPECT_EQ(all[all.size() - 2].text, "Exiting CloseKey");
+}
+
+// --- The privileges.
+
+class BootOptionsPrivileges : public testing::Test {
+protected:
+    int Read() {
+        std::wstring options;
+        return GetBootOptions(options);
+    }
+
+    machine::Session session_{machine::ParseDescription("{}", "boot options")};
+    std::vector<std::wstring> looked_up_;
+    std::vector<DWORD> adjusted_;
+    DWORD access_ = 0;
+};
+
+TEST_F(BootOptionsPrivileges, BackupAndRestore_AreEnabledEachByItself) {
+    const auto real_open = &::OpenProcessToken;
+    const support::StubImport open("OpenProcessToken", &::OpenProcessToken,
+                                   [&](HANDLE process, DWORD access, HANDLE* token) -> BOOL {
+                                       access_ = access;
+                                       return real_open(process, access, token);
+                                   });
+    const support::StubImport look_up("LookupPrivilegeValueW", &::LookupPrivilegeValueW,
+                                      [&](const wchar_t*, const wchar_t* name, LUID* id) -> BOOL {
+                                          looked_up_.emplace_back(name);
+                                          *id = {static_cast<DWORD>(looked_up_.size()), 0};
+                                          return TRUE;
+                                      });
+    const support::StubImport adjust(
+        "AdjustTokenPrivileges", &::AdjustTokenPrivileges,
+        [&](HANDLE, BOOL disable_all, TOKEN_PRIVILEGES* state, DWORD, TOKEN_PRIVILEGES*, DWORD*) -> BOOL {
+            EXPECT_FALSE(disable_all);
+            EXPECT_EQ(state->PrivilegeCount, 1U);
+            EXPECT_EQ(state->Privileges[0].Attributes, static_cast<DWORD>(SE_PRIVILEGE_ENABLED));
+            adjusted_.push_back(state->Privileges[0].Luid.LowPart);
+            return FALSE;
+        });
+    EXPECT_NE(Read(), 0);
+    EXPECT_THAT(looked_up_, ElementsAre(L"SeBackupPrivilege", L"SeRestorePrivilege"));
+    EXPECT_THAT(adjusted_, ElementsAre(1U, 2U));
+    EXPECT_EQ(access_, static_cast<DWORD>(TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY));
+}
+
+TEST_F(BootOptionsPrivileges, OneThatIsUnknown_IsSkipped) {
+    const support::StubImport look_up("LookupPrivilegeValueW", &::LookupPrivilegeValueW,
+                                      [&](const wchar_t*, const wchar_t* name, LUID* id) -> BOOL {
+                                          *id = {9, 0};
+                                          return std::wstring(name) == L"SeRestorePrivilege" ? TRUE : FALSE;
+                                      });
+    const support::StubImport adjust(
+        "AdjustTokenPrivileges", &::AdjustTokenPrivileges,
+        [&](HANDLE, BOOL, TOKEN_PRIVILEGES* state, DWORD, TOKEN_PRIVILEGES*, DWORD*) -> BOOL {
+            adjusted_.push_back(state->Privileges[0].Luid.LowPart);
+            return TRUE;
+        });
+    EXPECT_NE(Read(), 0);
+    EXPECT_THAT(adjusted_, ElementsAre(9U));
+}
+
+TEST_F(BootOptionsPrivileges, TokenThatCannotBeOpened_IsNoFailure) {
+    const support::StubImport open("OpenProcessToken", &::OpenProcessToken,
+                                   [](HANDLE, DWORD, HANDLE*) -> BOOL { return FALSE; });
+    EXPECT_NE(Read(), 0);
+}
+
+}  // namespace

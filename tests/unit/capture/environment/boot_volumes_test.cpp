@@ -1,0 +1,196 @@
+#include "capture/environment/boot_volumes.h"
+
+#include "machine/session.h"
+#include "support/logger_capture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using support::LogLine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr char kNoSystemVolume[] =
+    "Failed to find System volume '\\Device\\System'. This happens if disk has been converted to Dynamic or "
+    "after BMR restore. Rebooting usually fixes problem.";
+constexpr char kNoBootVolume[] =
+    "Failed to find Boot volume '\\Device\\Boot'. This happens if disk has been converted to Dynamic or "
+    "after "
+    "BMR restore. Rebooting usually fixes problem.";
+
+::Volume VolumeOf(const wchar_t* guid, const wchar_t* device, const wchar_t* letter = L"") {
+    ::Volume volume;
+    volume.m_GUID = guid;
+    volume.DeviceName = device;
+    volume.VolumeLetter = letter;
+    return volume;
+}
+
+OSInfo System() {
+    OSInfo os;
+    os.SystemDevice = L"\\Device\\System";
+    os.BootDevice = L"\\Device\\Boot";
+    os.WindowsDirectory = L"C:\\WINDOWS";
+    os.Name = L"The caption";
+    os.Version = L"10.0.22631";
+    os.ProductType = 3;
+    os.OSArchitecture = 64;
+    return os;
+}
+
+class FindBootAndSystemVolumesTest : public testing::Test {
+protected:
+    int Find() { return FindBootAndSystemVolumes(volumes_, letters_, boot_, os_); }
+
+    machine::Session session_{machine::ParseDescription("{}", "boot volumes")};
+    support::LoggerCapture log_;
+    std::vector<::Volume> volumes_;
+    std::vector<DriveLetterEntry> letters_;
+    BootConfig boot_;
+    OSInfo os_ = System();
+};
+
+TEST_F(FindBootAndSystemVolumesTest, BothFound_FillsTheWholeSection) {
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot"), VolumeOf(L"{2}", L"\\Device\\System", L"C:\\")};
+    EXPECT_NE(Find(), 0);
+    EXPECT_EQ(boot_.m_guidBootVolume, L"{1}");
+    EXPECT_EQ(boot_.m_guidSystemVolume, L"{2}");
+    EXPECT_EQ(boot_.m_strBootFolder, L"C:\\WINDOWS");
+    EXPECT_EQ(boot_.m_strOS, L"The caption");
+    EXPECT_EQ(boot_.numeric_version_string, L"10.0.22631");
+    EXPECT_EQ(boot_.product_type, 3U);
+    EXPECT_EQ(boot_.m_OSArchitecture, 64U);
+    EXPECT_EQ(boot_.m_strBootOptions, std::wstring(L" NOEXECUTE=OPTIN\0", 17));
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(FindBootAndSystemVolumesTest, BothFound_MarksEachByItsOwnFlag) {
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot"), VolumeOf(L"{2}", L"\\Device\\System"),
+                VolumeOf(L"{3}", L"\\Device\\Other")};
+    EXPECT_NE(Find(), 0);
+    EXPECT_TRUE(volumes_[0].BootVolume);
+    EXPECT_FALSE(volumes_[0].SystemVolume);
+    EXPECT_FALSE(volumes_[1].BootVolume);
+    EXPECT_TRUE(volumes_[1].SystemVolume);
+    EXPECT_FALSE(volumes_[2].BootVolume);
+    EXPECT_FALSE(volumes_[2].SystemVolume);
+}
+
+TEST_F(FindBootAndSystemVolumesTest, OneVolume_MayBeBoth) {
+    os_.BootDevice = os_.SystemDevice;
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\System")};
+    EXPECT_NE(Find(), 0);
+    EXPECT_EQ(boot_.m_guidBootVolume, L"{1}");
+    EXPECT_EQ(boot_.m_guidSystemVolume, L"{1}");
+    EXPECT_TRUE(volumes_[0].BootVolume);
+    EXPECT_TRUE(volumes_[0].SystemVolume);
+}
+
+TEST_F(FindBootAndSystemVolumesTest, TwoWithTheSameDevice_LaterGuidStandsAndBothAreMarked) {
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\System"), VolumeOf(L"{2}", L"\\Device\\Boot"),
+                VolumeOf(L"{3}", L"\\Device\\System"), VolumeOf(L"{4}", L"\\Device\\Boot")};
+    EXPECT_NE(Find(), 0);
+    EXPECT_EQ(boot_.m_guidSystemVolume, L"{3}");
+    EXPECT_EQ(boot_.m_guidBootVolume, L"{4}");
+    EXPECT_TRUE(volumes_[0].SystemVolume);
+    EXPECT_TRUE(volumes_[2].SystemVolume);
+    EXPECT_TRUE(volumes_[1].BootVolume);
+    EXPECT_TRUE(volumes_[3].BootVolume);
+}
+
+TEST_F(FindBootAndSystemVolumesTest, DriveLetters_GetARowForEveryVolumeInOrder) {
+    letters_ = {{L"{0}", L"A:\\"}};
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot"), VolumeOf(L"{2}", L"\\Device\\System", L"C:\\")};
+    EXPECT_NE(Find(), 0);
+    ASSERT_EQ(letters_.size(), 3U);
+    EXPECT_EQ(letters_[0].m_guidVolume, L"{0}");
+    EXPECT_EQ(letters_[1].m_guidVolume, L"{1}");
+    EXPECT_EQ(letters_[1].m_strDrive, L"");
+    EXPECT_EQ(letters_[2].m_guidVolume, L"{2}");
+    EXPECT_EQ(letters_[2].m_strDrive, L"C:\\");
+}
+
+TEST_F(FindBootAndSystemVolumesTest, NoVolumes_ReportsTheSystemVolumeAndKeepsTheIdentity) {
+    EXPECT_EQ(Find(), 0);
+    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoSystemVolume}));
+    EXPECT_THAT(letters_, IsEmpty());
+    EXPECT_EQ(boot_.m_strBootFolder, L"C:\\WINDOWS");
+    EXPECT_EQ(boot_.m_strOS, L"The caption");
+    EXPECT_EQ(boot_.m_strBootOptions, L"");
+}
+
+TEST_F(FindBootAndSystemVolumesTest, SystemVolumeMissing_ReportsItAloneEvenWhenBootIsFound) {
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot")};
+    EXPECT_EQ(Find(), 0);
+    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoSystemVolume}));
+    EXPECT_EQ(boot_.m_guidBootVolume, L"{1}");
+    EXPECT_TRUE(volumes_[0].BootVolume);
+    EXPECT_EQ(letters_.size(), 1U);
+}
+
+TEST_F(FindBootAndSystemVolumesTest, NeitherFound_ReportsTheSystemVolumeAlone) {
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\Other")};
+    EXPECT_EQ(Find(), 0);
+    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoSystemVolume}));
+}
+
+TEST_F(FindBootAndSystemVolumesTest, BootVolumeMissing_IsReportedAndNoOptionsAreRead) {
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\System")};
+    EXPECT_EQ(Find(), 0);
+    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoBootVolume}));
+    EXPECT_EQ(boot_.m_guidSystemVolume, L"{1}");
+    EXPECT_EQ(boot_.m_strBootOptions, L"");
+}
+
+class FindBootAndSystemVolumesName : public FindBootAndSystemVolumesTest,
+                                     public testing::WithParamInterface<const wchar_t*> {};
+
+TEST_P(FindBootAndSystemVolumesName, NotQuiteTheSame_IsAnotherVolume) {
+    volumes_ = {VolumeOf(L"{1}", GetParam()), VolumeOf(L"{2}", L"\\Device\\Boot")};
+    EXPECT_EQ(Find(), 0);
+    EXPECT_FALSE(volumes_[0].SystemVolume);
+    EXPECT_EQ(boot_.m_guidSystemVolume, L"");
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, FindBootAndSystemVolumesName,
+                         testing::Values(L"\\device\\system", L"\\Device\\System\\", L"\\Device\\System1",
+                                         L"\\Device\\Syste", L""));
+
+// --- The order of the table.
+
+std::vector<std::wstring> GuidsSortedBy(std::vector<::Volume> volumes) {
+    SortVolumeTable(volumes);
+    std::vector<std::wstring> guids;
+    for (const ::Volume& volume : volumes) {
+        guids.push_back(volume.m_GUID);
+    }
+    return guids;
+}
+
+TEST(SortVolumeTable, Letters_ComeInOrderAfterVolumesWithoutOne) {
+    EXPECT_THAT(GuidsSortedBy({VolumeOf(L"{D}", L"", L"D:\\"), VolumeOf(L"{C}", L"", L"C:\\"),
+                               VolumeOf(L"{none}", L"", L"")}),
+                ElementsAre(L"{none}", L"{C}", L"{D}"));
+}
+
+TEST(SortVolumeTable, Letters_AreComparedByCodeUnitAndPrefixesComeFirst) {
+    EXPECT_THAT(GuidsSortedBy({VolumeOf(L"{c}", L"", L"c:\\"), VolumeOf(L"{Z}", L"", L"Z:\\"),
+                               VolumeOf(L"{C:\\}", L"", L"C:\\"), VolumeOf(L"{C:}", L"", L"C:")}),
+                ElementsAre(L"{C:}", L"{C:\\}", L"{Z}", L"{c}"));
+}
+
+TEST(SortVolumeTable, Volumes_KeepWhatBelongsToThem) {
+    std::vector<::Volume> volumes = {VolumeOf(L"{D}", L"\\Device\\D", L"D:\\"),
+                                     VolumeOf(L"{C}", L"\\Device\\C", L"C:\\")};
+    volumes[0].extents.resize(2);
+    volumes[0].m_PartitionNumber = 7;
+    SortVolumeTable(volumes);
+    EXPECT_EQ(volumes[1].DeviceName, L"\\Device\\D");
+    EXPECT_EQ(volumes[1].m_PartitionNumber, 7);
+    EXPECT_EQ(volumes[1].extents.size(), 2U);
+    EXPECT_TRUE(volumes[0].extents.empty());
+}
+
+}  // namespace

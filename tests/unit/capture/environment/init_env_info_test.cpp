@@ -1,0 +1,289 @@
+#include "capture/environment/init_env_info.h"
+
+#include "machine/session.h"
+#include "machine/wmi_defaults.h"
+#include "support/logger_capture.h"
+#include "support/scoped_import.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <objbase.h>
+
+#include <optional>
+
+namespace {
+
+using support::LogLine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::uint64_t kMiB = 1ULL << 20;
+const LogLine kFailed{support::kHostError, "InitEnvInfo Failed"};
+
+constexpr char kTwoPartitions[] = R"({
+    "disks": [{"index": 0, "size": "64 GiB", "style": "mbr", "signature": "0x11223344", "partitions": [
+        {"offset": "1 MiB", "size": "500 MiB", "type": "ntfs", "active": true},
+        {"offset": "501 MiB", "size": "30 GiB", "type": "ntfs"},
+        {"offset": "40 GiB", "size": "10 GiB", "type": "ntfs"}]}],
+    "volumes": [
+        {"device": "\\Device\\HarddiskVolume3", "guid": "{33333333-0000-0000-0000-000000000000}",
+         "partition": {"disk": 0, "number": 3}, "mountPoints": ["D:\\"]},
+        {"device": "\\Device\\HarddiskVolume2", "guid": "{22222222-0000-0000-0000-000000000000}",
+         "partition": {"disk": 0, "number": 2}, "mountPoints": ["C:\\"]},
+        {"device": "\\Device\\HarddiskVolume1", "guid": "{11111111-0000-0000-0000-000000000000}",
+         "partition": {"disk": 0, "number": 1}}
+    ]
+})";
+
+class InitEnvInfoTest : public testing::Test {
+protected:
+    InitEnvInfoTest() { Describe(machine::ParseDescription(kTwoPartitions, "legacy machine")); }
+
+    void Describe(machine::Description description) {
+        session_.reset();
+        session_.emplace(std::move(description));
+    }
+    machine::Simulation& simulation() { return session_->simulation(); }
+    machine::Description& description() { return simulation().description(); }
+
+    std::vector<std::string> DtsLines() const {
+        std::vector<std::string> lines;
+        for (const std::string& line : log_.Lines(support::kHostTrace)) {
+            if (line.starts_with("DTS 19963")) {
+                lines.push_back(line);
+            }
+        }
+        return lines;
+    }
+
+    support::LoggerCapture log_;
+    std::optional<machine::Session> session_;
+    EnvInfo record_;
+};
+
+// --- What it fills.
+
+TEST_F(InitEnvInfoTest, Machine_FillsTheRecord) {
+    EXPECT_NE(InitEnvInfo(record_), 0) << log_;
+    EXPECT_EQ(record_.Version, 3U);
+    EXPECT_EQ(record_.DllVersion, L"9.50.6732.");
+    EXPECT_FALSE(record_.Processor.Manufacturer.empty());
+    EXPECT_EQ(record_.OS.SystemDevice, L"\\Device\\HarddiskVolume2");
+    EXPECT_FALSE(record_.ComputerSystem.Model.empty());
+    EXPECT_FALSE(record_.BootConfiguration.BootDirectory.empty());
+    EXPECT_EQ(record_.DiskDrives.size(), 1U);
+    EXPECT_EQ(record_.VolumeTable.size(), 3U);
+    EXPECT_EQ(record_.BootConfig.m_guidSystemVolume,
+              L"\\\\?\\Volume{22222222-0000-0000-0000-000000000000}\\");
+    EXPECT_EQ(record_.BootIniContents, L"");
+    EXPECT_EQ(log_.Count(support::kHostError), 0U) << log_;
+}
+
+TEST_F(InitEnvInfoTest, Volumes_AreSortedByLetterAndSoAreTheDrives) {
+    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    std::vector<std::wstring> volumes;
+    std::vector<std::wstring> drives;
+    for (const ::Volume& volume : record_.VolumeTable) {
+        volumes.push_back(volume.VolumeLetter);
+    }
+    for (const DriveLetterEntry& drive : record_.DriveLetterTable) {
+        drives.push_back(drive.m_strDrive);
+    }
+    EXPECT_THAT(volumes, ElementsAre(L"", L"C:\\", L"D:\\"));
+    EXPECT_THAT(drives, ElementsAre(L"", L"C:\\", L"D:\\"));
+}
+
+TEST_F(InitEnvInfoTest, Machine_LeavesNothingOpen) {
+    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    EXPECT_EQ(simulation().open_handles(), 0U);
+    EXPECT_EQ(simulation().live_objects(), 0U);
+}
+
+// --- Steps that fail.
+
+HRESULT WINAPI RefuseCom(void*, DWORD) {
+    return E_OUTOFMEMORY;
+}
+
+TEST_F(InitEnvInfoTest, ComThatCannotBeInitialised_IsReportedBeforeTheFailure) {
+    const support::ScopedImport import("CoInitializeEx", &RefuseCom);
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                ElementsAre("CoInitializeEx failed error=0x8007000e calling function GetWMIInfo",
+                            "GetWMIInfo: Cannot initialize COM", "InitEnvInfo Failed"));
+    EXPECT_EQ(record_.Version, 0U);
+}
+
+struct Section {
+    const wchar_t* class_name;
+    const char* line;
+};
+
+void PrintTo(const Section& section, std::ostream* out) {
+    *out << section.line;
+}
+
+class InitEnvInfoSection : public InitEnvInfoTest, public testing::WithParamInterface<Section> {};
+
+TEST_P(InitEnvInfoSection, ThatCannotBeRead_FailsAfterAllFourWereTried) {
+    description().wmi[machine::WmiClassKey(GetParam().class_name)].instances.clear();
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_THAT(log_.Lines(support::kHostError), ElementsAre(GetParam().line, kFailed.text));
+    std::vector<std::wstring> queried;
+    for (const machine::CallRecord& record : simulation().calls().records()) {
+        if (record.name == "IWbemServices::ExecQuery") {
+            queried.push_back(record.object);
+        }
+    }
+    EXPECT_THAT(queried, ElementsAre(L"Win32_Processor", L"Win32_BootConfiguration", L"Win32_ComputerSystem",
+                                     L"Win32_OperatingSystem"));
+    EXPECT_EQ(simulation().calls().Count("FindFirstVolumeW"), 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sections, InitEnvInfoSection,
+    testing::Values(Section{L"Win32_Processor", "GetProcessorInfo FindFirstObject failed"},
+                    Section{L"Win32_BootConfiguration", "GetBootConfiguration FindFirstObject failed"},
+                    Section{L"Win32_ComputerSystem", "GetComputerSystem FindFirstObject failed"},
+                    Section{L"Win32_OperatingSystem", "GetOSInfo FindFirstObject failed"}));
+
+TEST_F(InitEnvInfoTest, VolumesThatCannotBeListed_Fail) {
+    simulation().faults().Fail("FindFirstVolumeW", 5);
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError,
+                                                     "getFixedVolumes: FindFirstVolume failed error=0x5 5"},
+                                             kFailed));
+}
+
+TEST_F(InitEnvInfoTest, SystemVolumeThatIsMissing_FailsBeforeTheVersionIsSet) {
+    description().volumes.erase(description().volumes.begin() + 1);
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                ElementsAre("Failed to find System volume '\\Device\\HarddiskVolume2'. This happens if disk "
+                            "has been converted to Dynamic or after BMR restore. Rebooting usually fixes "
+                            "problem.",
+                            kFailed.text));
+    EXPECT_EQ(record_.Version, 0U);
+    EXPECT_EQ(record_.DllVersion, L"");
+    EXPECT_THAT(record_.DiskDrives, IsEmpty());
+    EXPECT_EQ(record_.VolumeTable.size(), 2U);
+}
+
+TEST_F(InitEnvInfoTest, BootOptionsThatAreMissing_Fail) {
+    machine::Description machine = machine::ParseDescription(kTwoPartitions, "legacy machine");
+    machine.registry.clear();
+    Describe(std::move(machine));
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                ElementsAre("GetBootOptions Failed to open registry", kFailed.text));
+}
+
+TEST_F(InitEnvInfoTest, DrivesThatCannotBeListed_FailWithTheirOwnLineAlone) {
+    machine::FaultRule second;
+    second.name = "FindFirstVolumeW";
+    second.ordinal = 2;
+    second.codes.win32 = 5;
+    simulation().faults().Add(second);
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                ElementsAre("EnumDisk::GetDrives on FindFirstVolumeW failed with error code 5\n"));
+    EXPECT_EQ(record_.Version, 3U);
+    EXPECT_THAT(record_.DiskDrives, IsEmpty());
+}
+
+TEST_F(InitEnvInfoTest, DisksThatCannotBeRead_FailWithTheirOwnLinesAlone) {
+    simulation().faults().Fail("DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT", 1117);
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_THAT(
+        log_.Lines(support::kHostError),
+        ElementsAre("Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=1117 0x45d",
+                    "GetPartitionInfo: GetDriveLayout failed", "Error occurred in EnumDisk::GetDiskDetails"));
+    EXPECT_EQ(record_.Version, 3U);
+}
+
+// --- The repair of the partition numbers.
+
+TEST_F(InitEnvInfoTest, NumberThatAgrees_IsNotTouched) {
+    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    EXPECT_THAT(DtsLines(), IsEmpty());
+}
+
+TEST_F(InitEnvInfoTest, NumberThatDiffers_IsCorrectedInTheVolumeAlone) {
+    // Without the first volume the second partition is the first that a fixed volume lies on.
+    description().volumes.pop_back();
+    description().volumes[1].partition->active = true;
+    machine::WmiValue device;
+    device.type = VT_BSTR;
+    device.text = L"\\Device\\HarddiskVolume2";
+    machine::SetProperty(description().wmi[machine::WmiClassKey(L"Win32_OperatingSystem")].instances.at(0),
+                         {L"BootDevice", device});
+    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    ASSERT_EQ(record_.VolumeTable.size(), 2U);
+    EXPECT_EQ(record_.VolumeTable[0].m_PartitionNumber, 2);
+    EXPECT_EQ(record_.VolumeTable[0].extents.at(0).m_PartitionNumber, 1);
+    EXPECT_EQ(record_.VolumeTable[1].m_PartitionNumber, 3);
+    EXPECT_EQ(record_.VolumeTable[1].extents.at(0).m_PartitionNumber, 2);
+    EXPECT_THAT(DtsLines(),
+                ElementsAre("DTS 19963 InitEnvInfo changing partition number from 1 to 2 for volume C:\\ "
+                            "\\\\?\\Volume{22222222-0000-0000-0000-000000000000}\\",
+                            "DTS 19963 InitEnvInfo changing partition number from 2 to 3 for volume D:\\ "
+                            "\\\\?\\Volume{33333333-0000-0000-0000-000000000000}\\"));
+}
+
+TEST_F(InitEnvInfoTest, Lookup_IsTraced) {
+    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    std::size_t entered = 0;
+    for (const std::string& line : log_.Lines(support::kHostTrace)) {
+        entered += line.starts_with("Entering function GetPartitionNumber line ") ? 1 : 0;
+    }
+    EXPECT_EQ(entered, 3U);
+}
+
+TEST_F(InitEnvInfoTest, BasicVolumeWhereNoPartitionStarts_FailsWithoutAFurtherLine) {
+    // The sorted table begins with the volume that has no letter; the letter C comes after it.
+    (*description().volumes[1].extents)[0].offset += kMiB;
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                ElementsAre("InitEnvInfo failed to fix volume C:\\ partition number"));
+    EXPECT_FALSE(log_.ContainsPart(support::kHostTrace, "for volume D:\\")) << log_;
+    EXPECT_EQ(record_.DiskDrives.size(), 1U);
+}
+
+TEST_F(InitEnvInfoTest, VolumeOnADiskWithoutPartitions_FailsOnTheWholeDiskRow) {
+    // The placeholder of a disk that is not described begins at 0 and is no partition.
+    machine::Extent& extent = (*description().volumes[0].extents)[0];
+    extent.disk = 1;
+    extent.offset = 0;
+    machine::Disk disk = description().disks[0];
+    disk.index = 1;
+    disk.style = PARTITION_STYLE_GPT;
+    disk.partitions.clear();
+    description().disks.push_back(disk);
+    machine::WmiInstance drive = description().wmi[machine::WmiClassKey(L"Win32_DiskDrive")].instances.at(0);
+    machine::WmiValue index;
+    index.type = VT_I4;
+    index.number = 1;
+    machine::SetProperty(drive, {L"Index", index});
+    description().wmi[machine::WmiClassKey(L"Win32_DiskDrive")].instances.push_back(drive);
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_TRUE(log_.Contains(support::kHostError, "InitEnvInfo failed to fix volume D:\\ partition number"))
+        << log_;
+    ASSERT_EQ(record_.DiskDrives.size(), 2U);
+    EXPECT_EQ(record_.DiskDrives[1].size, 500U);
+}
+
+TEST_F(InitEnvInfoTest, DynamicVolume_KeepsItsNumberAndFailsNothing) {
+    description().disks[0].partitions[2].mbr_type = 0x42;  // makes the disk a dynamic one
+    (*description().volumes[0].extents)[0].offset += kMiB;
+    (*description().volumes[1].extents)[0].offset += kMiB;
+    description().volumes[1].partition->number = 9;
+    EXPECT_NE(InitEnvInfo(record_), 0) << log_;
+    for (const ::Volume& volume : record_.VolumeTable) {
+        EXPECT_TRUE(volume.Dynamic);
+    }
+    EXPECT_EQ(record_.VolumeTable[1].m_PartitionNumber, 2);
+    EXPECT_THAT(DtsLines(), IsEmpty());
+    EXPECT_FALSE(log_.ContainsPart(support::kHostTrace, "Entering function GetPartitionNumber")) << log_;
+}
+
+}  // namespace

@@ -1,0 +1,275 @@
+#include "capture/grabber/disk_rows.h"
+
+#include "common/disk/disk_drive_manager_unknown.h"
+#include "support/logger_capture.h"
+#include "unit/capture/grabber/example_machine.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <regex>
+
+namespace {
+
+using orvane::VolumeOnDisk;
+using support::LogLine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// --- The largest disk number.
+
+class ListedDisks : public bmr_common::DeviceManager {
+public:
+    void Put(const wchar_t* key, const bmr_common::DiskDriveManagerPtr& disk) { disks_[key] = disk; }
+};
+
+bmr_common::DiskDriveManagerPtr AnyDisk(std::uint32_t number) {
+    return boost::make_shared<bmr_common::DiskDriveManagerUnknown>(number);
+}
+
+TEST(GetMaxPhysicalDiskId, Numbers_AreComparedAsNumbers) {
+    const support::LoggerCapture log;
+    ListedDisks disks;
+    disks.Put(L"2", AnyDisk(2));
+    disks.Put(L"10", AnyDisk(10));
+    std::uint32_t maximum = 77;
+    EXPECT_TRUE(orvane::GetMaxPhysicalDiskId(disks, maximum));
+    EXPECT_EQ(maximum, 10U);
+    EXPECT_THAT(log.Messages(), IsEmpty());
+}
+
+TEST(GetMaxPhysicalDiskId, NoDisks_FailWithALine) {
+    const support::LoggerCapture log;
+    std::uint32_t maximum = 77;
+    EXPECT_FALSE(orvane::GetMaxPhysicalDiskId(ListedDisks(), maximum));
+    ASSERT_EQ(log.all().size(), 1U);
+    EXPECT_EQ(log.all()[0].text, "DeviceManager::GetMaxPhysicalDiskId no devices so no maximum id");
+}
+
+TEST(GetMaxPhysicalDiskId, EmptyEntry_IsReportedByItsKey) {
+    const support::LoggerCapture log;
+    ListedDisks disks;
+    disks.Put(L"1", AnyDisk(1));
+    disks.Put(L"5", nullptr);
+    std::uint32_t maximum = 77;
+    EXPECT_TRUE(orvane::GetMaxPhysicalDiskId(disks, maximum));
+    EXPECT_THAT(log.Messages(),
+                ElementsAre(LogLine{support::kHostError,
+                                    "DeviceManager::GetMaxPhysicalDiskId - NULL device found with id 5"}));
+}
+
+// --- Numbers without a disk.
+
+TEST(AddUnknownDiskInformation, Number_GetsA500BytePlaceholder) {
+    const DiskRow disk = orvane::AddUnknownDiskInformation(6);
+    EXPECT_EQ(disk.disk_number, 6U);
+    EXPECT_EQ(disk.size, 500U);
+    EXPECT_EQ(disk.interface_type, L"");
+    EXPECT_TRUE(IsEqualGUID(disk.disk_guid, GUID{}));
+    EXPECT_THAT(FactsOf(disk), ElementsAre(RowFacts{L"Unallocated", L"Unallocated", 0, 500, 0, L"", L""}));
+}
+
+// --- Disks that are there.
+
+class AddExistingDiskInformationTest : public testing::Test {
+protected:
+    /// The row of the only disk of a machine, size 10 GiB.
+    DiskRow RowOf(const std::string& style_and_partitions) {
+        const machine::Session session(machine::ParseDescription(
+            R"({"disks": [{"index": 3, "size": "10 GiB", )" + style_and_partitions + "}]}", "one disk"));
+        bmr_common::DeviceManager disks;
+        EXPECT_TRUE(disks.InitializeWithCurrentDisks());
+        DiskRow row;
+        EXPECT_TRUE(orvane::AddExistingDiskInformation(*disks.GetDevice(3), row));
+        EXPECT_EQ(row.disk_number, 3U);
+        EXPECT_EQ(row.size, MiB(10240));
+        EXPECT_EQ(row.bytes_per_sector, 512U);
+        return row;
+    }
+
+    support::LoggerCapture log_;
+};
+
+const RowFacts kWholeDisk{L"Unallocated", L"Unallocated", 0, MiB(10240), 0, L"", L""};
+
+TEST_F(AddExistingDiskInformationTest, RawDisk_IsOneWholeDiskRow) {
+    const DiskRow row = RowOf(R"("style": "raw")");
+    EXPECT_EQ(row.partition_style, 2);
+    EXPECT_THAT(FactsOf(row), ElementsAre(kWholeDisk));
+}
+
+TEST_F(AddExistingDiskInformationTest, GptWithoutPartitions_IsOneWholeDiskRow) {
+    const DiskRow row =
+        RowOf(R"("style": "gpt", "diskId": "{6f1f4a52-9c0d-4e1b-8a37-52d1b0c4e9a1}", "partitions": [])");
+    EXPECT_EQ(row.partition_style, 1);
+    EXPECT_EQ(row.disk_guid.Data1, 0x6f1f4a52U);
+    EXPECT_THAT(FactsOf(row), ElementsAre(kWholeDisk));
+}
+
+TEST_F(AddExistingDiskInformationTest, Mbr_IsBuiltByTheClassicRules) {
+    const DiskRow row = RowOf(R"("style": "mbr", "signature": "0x11223344", "partitions": [
+        {"offset": "2 MiB", "size": "98 MiB", "type": "ntfs", "active": true},
+        {"offset": "200 MiB", "size": "1000 MiB", "type": "extended-lba", "logical": [
+            {"offset": "201 MiB", "size": "99 MiB", "type": "fat32-lba"}]}])");
+    EXPECT_EQ(row.partition_style, 0);
+    EXPECT_TRUE(IsEqualGUID(row.disk_guid, GUID{}));
+    EXPECT_THAT(FactsOf(row),
+                ElementsAre(RowFacts{L"Unallocated", L"Unallocated", MiB(1), MiB(1), -1, L"", L""},
+                            RowFacts{L"Primary", L"Existing", MiB(2), MiB(98), 1, L"", L""},
+                            RowFacts{L"Unallocated", L"Unallocated", MiB(100), MiB(100), -1, L"", L""},
+                            RowFacts{L"Free space", L"Free space", MiB(200), MiB(1), -1, L"", L""},
+                            RowFacts{L"Logical", L"Existing", MiB(201), MiB(99), 2, L"", L""},
+                            RowFacts{L"Free space", L"Free space", MiB(300), MiB(900), -1, L"", L""},
+                            RowFacts{L"Unallocated", L"Unallocated", MiB(1200), MiB(9040), -1, L"", L""}));
+    EXPECT_TRUE(row.partitions[1].active);
+    EXPECT_EQ(row.partitions[1].mbr_type, 0x07);
+    EXPECT_EQ(row.partitions[4].mbr_type, 0x0C);
+}
+
+TEST_F(AddExistingDiskInformationTest, MbrSlotsInReversedDiskOrder_AreNumberedByOffset) {
+    const DiskRow row = RowOf(R"("style": "mbr", "partitions": [
+        {"offset": "5000 MiB", "size": "100 MiB", "type": "ntfs"},
+        {"offset": "1 MiB", "size": "100 MiB", "type": "ntfs"}])");
+    std::vector<std::pair<std::uint64_t, std::int32_t>> numbers;
+    for (const RowFacts& facts : FactsOf(row)) {
+        if (facts.operation == L"Existing") {
+            numbers.emplace_back(facts.offset, facts.number);
+        }
+    }
+    EXPECT_THAT(numbers, testing::UnorderedElementsAre(std::pair(MiB(1), 1), std::pair(MiB(5000), 2)));
+}
+
+TEST_F(AddExistingDiskInformationTest, Gpt_GivesGapsTheDisksStyleAndNoGuids) {
+    const DiskRow row = RowOf(R"("style": "gpt", "partitions": [
+        {"offset": "300 MiB", "size": "100 MiB", "type": "basic-data",
+         "id": "{3c5d7e10-42b6-4d0f-9f6e-0a1b2c3d4e03}"},
+        {"offset": "1 MiB", "size": "100 MiB", "type": "efi-system"}])");
+    EXPECT_THAT(FactsOf(row),
+                ElementsAre(RowFacts{L"Primary", L"Existing", MiB(1), MiB(100), 1, L"", L""},
+                            RowFacts{L"Unallocated", L"Unallocated", MiB(101), MiB(199), -1, L"", L""},
+                            RowFacts{L"Primary", L"Existing", MiB(300), MiB(100), 2, L"", L""},
+                            RowFacts{L"Unallocated", L"Unallocated", MiB(400), MiB(9840), -1, L"", L""}));
+    for (const PartitionRow& partition : row.partitions) {
+        EXPECT_EQ(partition.partition_style, 1);
+    }
+    EXPECT_EQ(row.partitions[2].gpt_id.Data1, 0x3c5d7e10U);
+    EXPECT_EQ(row.partitions[2].gpt_type.Data1, 0xebd0a0a2U);
+    EXPECT_TRUE(IsEqualGUID(row.partitions[1].gpt_id, GUID{}));
+    EXPECT_TRUE(IsEqualGUID(row.partitions[1].gpt_type, GUID{}));
+}
+
+TEST_F(AddExistingDiskInformationTest, Disk_IsTraced) {
+    RowOf(R"("style": "raw")");
+    const std::vector<std::string> trace = log_.Lines(support::kHostTrace);
+    const auto starts = [&](const char* prefix) { return testing::Contains(testing::StartsWith(prefix)); };
+    EXPECT_THAT(trace, starts("Entering function orvane::InfoGrabberV2::AddExistingDiskInformation line "));
+    EXPECT_THAT(trace, starts("Leaving function orvane::InfoGrabberV2::AddExistingDiskInformation line "));
+}
+
+// A disk with a table of a style that no system has.
+class OddDisk : public bmr_common::DiskDriveManagerUnknown {
+public:
+    OddDisk() : DiskDriveManagerUnknown(0) {}
+
+    std::uint32_t GetPartitionStyle() const override { return 5; }
+    const DRIVE_LAYOUT_INFORMATION_EX* GetPartitionLayoutExPtr() const override { return &layout_; }
+    std::uint32_t GetPartitionCount() const override { return 1; }
+
+private:
+    DRIVE_LAYOUT_INFORMATION_EX layout_{};
+};
+
+TEST_F(AddExistingDiskInformationTest, OtherStyle_FailsWithALineThatShowsAnotherNumber) {
+    DiskRow row;
+    EXPECT_FALSE(orvane::AddExistingDiskInformation(OddDisk(), row));
+    const std::vector<std::string> errors = log_.Lines(support::kHostError);
+    ASSERT_EQ(errors.size(), 1U);
+    EXPECT_TRUE(std::regex_match(errors[0], std::regex("unsupported partition style -?[0-9]+"))) << log_;
+    EXPECT_NE(errors[0], "unsupported partition style 5");
+}
+
+// --- Volumes on rows.
+
+struct Placing {
+    const char* name;
+    std::int64_t offset;
+    std::int64_t length;
+    int row;  // the row that takes the letter; -1: partly inside one; -2: in none
+};
+
+void PrintTo(const Placing& placing, std::ostream* out) {
+    *out << placing.name;
+}
+
+DiskRow TwoRows() {
+    DiskRow disk;
+    disk.disk_number = 4;
+    disk.partitions.resize(2);
+    disk.partitions[0].offset = 1000;
+    disk.partitions[0].length = 1000;
+    disk.partitions[1].offset = 3000;
+    disk.partitions[1].length = 500;
+    return disk;
+}
+
+class SetPartitionVolumeLetterFileSystemPlace : public testing::TestWithParam<Placing> {};
+
+TEST_P(SetPartitionVolumeLetterFileSystemPlace, Extent_IsJudgedByItsEnds) {
+    const support::LoggerCapture log;
+    std::vector<DiskRow> disks(1);
+    disks[0].partitions.resize(1);  // disk 0, which the volume does not lie on
+    disks[0].partitions[0].length = 1000000;
+    disks.push_back(TwoRows());
+    const VolumeOnDisk volume{4, GetParam().offset, GetParam().length, L"C:\\", L"NTFS", L"the volume"};
+    EXPECT_EQ(orvane::SetPartitionVolumeLetterFileSystem(volume, disks), GetParam().row >= 0);
+    for (int row = 0; row < 2; ++row) {
+        const PartitionRow& partition = disks[1].partitions[static_cast<std::size_t>(row)];
+        EXPECT_EQ(partition.drive, row == GetParam().row ? L"C:\\" : L"") << row;
+        EXPECT_EQ(partition.file_system, row == GetParam().row ? L"NTFS" : L"") << row;
+    }
+    EXPECT_EQ(disks[0].partitions[0].drive, L"");
+    EXPECT_EQ(log.ContainsPart(support::kHostWarning, "only partially inside partition"),
+              GetParam().row == -1)
+        << log;
+    EXPECT_EQ(log.ContainsPart(support::kHostWarning, "Failed to find extent"), GetParam().row == -2) << log;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Places, SetPartitionVolumeLetterFileSystemPlace,
+    testing::Values(Placing{"exactly", 1000, 1000, 0}, Placing{"exactly the second", 3000, 500, 1},
+                    Placing{"inside", 1200, 100, 0}, Placing{"at the start", 1000, 500, 0},
+                    Placing{"at the end", 1500, 500, 0}, Placing{"empty inside", 1500, 0, 0},
+                    Placing{"starts inside, ends past", 1500, 600, -1},
+                    Placing{"starts before, ends inside", 900, 200, -1},
+                    Placing{"same start, longer", 1000, 1001, -1},
+                    Placing{"starts before, same end", 900, 1100, -1}, Placing{"around", 900, 1200, -1},
+                    Placing{"over both", 1000, 2500, -1}, Placing{"before", 100, 100, -2},
+                    Placing{"up to the start", 900, 100, -2}, Placing{"behind the end", 2000, 100, -2},
+                    Placing{"empty at the end", 2000, 0, -2}, Placing{"behind all", 9000, 100, -2}));
+
+TEST(SetPartitionVolumeLetterFileSystem, PartlyInside_IsReportedWithInclusiveEnds) {
+    const support::LoggerCapture log;
+    std::vector<DiskRow> disks{TwoRows()};
+    EXPECT_FALSE(orvane::SetPartitionVolumeLetterFileSystem({4, 1500, 600, L"C:\\", L"NTFS", L"VOL"}, disks));
+    EXPECT_THAT(
+        log.Messages(),
+        ElementsAre(LogLine{support::kHostWarning,
+                            "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem extent (1500 to "
+                            "2099) from volume VOL on disk 4 only partially inside partition (1000 to "
+                            "1999 length 1000)."}));
+}
+
+TEST(SetPartitionVolumeLetterFileSystem, OtherDisk_IsReportedAsNotFound) {
+    const support::LoggerCapture log;
+    std::vector<DiskRow> disks{TwoRows()};
+    EXPECT_FALSE(
+        orvane::SetPartitionVolumeLetterFileSystem({5, 1000, 1000, L"C:\\", L"NTFS", L"VOL"}, disks));
+    EXPECT_THAT(
+        log.Messages(),
+        ElementsAre(LogLine{support::kHostWarning,
+                            "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem Failed to find "
+                            "extent (1000 to 1999) from volume VOL"}));
+}
+
+}  // namespace

@@ -1,0 +1,132 @@
+// What the collection of format 2 makes of volumes that are out of the ordinary.
+
+#include "unit/capture/grabber/workstation_v2.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using InfoGrabberV2Volumes = InfoGrabberV2Test;
+
+TEST_F(InfoGrabberV2Volumes, VolumeThatIsNotFixed_GetsNoRowAndATraceLine) {
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    EXPECT_THROW(VolumeOn(record(), L"\\Device\\CdRom0"), std::out_of_range);
+    EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "volume \\Device\\CdRom0 is not fixed")) << log_;
+    EXPECT_FALSE(log_.ContainsPart(support::kHostWarning, "\\Device\\CdRom0")) << log_;
+}
+
+TEST_F(InfoGrabberV2Volumes, FixedVolumeWithoutKnownExtents_GetsNoRowAndAWarning) {
+    DataVolume().errors.codes["DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS"] = 21;
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    EXPECT_THROW(VolumeOn(record(), L"\\Device\\HarddiskVolume6"), std::out_of_range);
+    EXPECT_EQ(record().VolumeTable.size(), 5U);
+    EXPECT_EQ(record().DriveLetterTable.size(), 5U);
+    EXPECT_TRUE(
+        log_.ContainsPart(support::kHostWarning, "volume \\Device\\HarddiskVolume6 has no known extents"))
+        << log_;
+}
+
+TEST_F(InfoGrabberV2Volumes, VolumeThatCannotBeOpened_GetsNoRowAndAWarning) {
+    DataVolume().errors.codes["CreateFileW"] = 5;
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    EXPECT_EQ(record().VolumeTable.size(), 5U);
+    EXPECT_TRUE(
+        log_.ContainsPart(support::kHostWarning, "volume \\Device\\HarddiskVolume6 has no known extents"))
+        << log_;
+}
+
+TEST_F(InfoGrabberV2Volumes, LengthThatIsKnown_IsTheVolumesOwn) {
+    DataVolume().length = MiB(1000);
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    const ::Volume& volume = VolumeOn(record(), L"\\Device\\HarddiskVolume6");
+    EXPECT_EQ(volume.m_Size, MiB(1000));
+    EXPECT_EQ(volume.extents.at(0).m_Size, MiB(953852));
+}
+
+TEST_F(InfoGrabberV2Volumes, VolumeOnAMissingDisk_FailsTheCollection) {
+    DataVolume().extents->front().disk = 4;
+    EXPECT_FALSE(grabber_.ObtainInformation());
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                Contains("orvane::InfoGrabberV2::AddVolumeInfo Can't find disk 4"));
+    EXPECT_THAT(record().DiskDrives, IsEmpty());
+}
+
+TEST_F(InfoGrabberV2Volumes, SecondExtentOnAMissingDisk_FailsTheCollection) {
+    DataVolume().extents->push_back({4, MiB(1), MiB(1)});
+    EXPECT_FALSE(grabber_.ObtainInformation());
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                Contains("orvane::InfoGrabberV2::AddVolumeInfo Can't find disk 4"));
+}
+
+TEST_F(InfoGrabberV2Volumes, VolumeOnARawDisk_FailsTheCollection) {
+    description().disks.at(1).style = PARTITION_STYLE_RAW;
+    description().disks.at(1).partitions.clear();
+    EXPECT_FALSE(grabber_.ObtainInformation());
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                Contains("orvane::InfoGrabberV2::AddVolumeInfo unknown partition style"));
+}
+
+TEST_F(InfoGrabberV2Volumes, ExtentThatEndsPastItsPartition_FailsTheCollection) {
+    DataVolume().extents->front().length = MiB(953852) + 1;
+    EXPECT_FALSE(grabber_.ObtainInformation());
+    EXPECT_TRUE(log_.Contains(
+        support::kHostWarning,
+        "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem extent (16777216 to 1000203091968) from "
+        "volume \\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a06}\\ on disk 1 only partially inside "
+        "partition (16777216 to 1000203091967 length 1000186314752)."))
+        << log_;
+}
+
+TEST_F(InfoGrabberV2Volumes, ExtentBehindAllPartitionsAndGaps_FailsTheCollection) {
+    DataVolume().extents->front().offset = 1000204886016;
+    DataVolume().extents->front().length = 512;
+    EXPECT_FALSE(grabber_.ObtainInformation());
+    EXPECT_TRUE(log_.Contains(support::kHostWarning,
+                              "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem Failed to find "
+                              "extent (1000204886016 to 1000204886527) from volume "
+                              "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a06}\\"))
+        << log_;
+}
+
+TEST_F(InfoGrabberV2Volumes, ExtentInsideAPartitionButNotAtItsStart_HasNoNumber) {
+    DataVolume().extents->front() = {1, MiB(20), MiB(100)};
+    DataVolume().length = MiB(99);
+    EXPECT_FALSE(grabber_.ObtainInformation());
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                ElementsAre("orvane::InfoGrabberV2::SetBasicVolumePartitionNumber failed to set volume "
+                            "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a06}\\ "
+                            "\\Device\\HarddiskVolume6 on disk 1 extent (from 20971520 length 103809024) "
+                            "partition number"));
+}
+
+TEST_F(InfoGrabberV2Volumes, SpannedVolume_IsDynamicAndTouchesNoPartition) {
+    // Half of it lies where no partition starts, which a basic volume would fail for.
+    DataVolume().extents = {{1, MiB(20), MiB(100)}, {0, MiB(200), MiB(50)}};
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    const ::Volume& volume = VolumeOn(record(), L"\\Device\\HarddiskVolume6");
+    EXPECT_TRUE(volume.Dynamic);
+    EXPECT_EQ(volume.extents.size(), 2U);
+    EXPECT_EQ(volume.m_DiskNumber, 1U);
+    EXPECT_EQ(volume.m_offsetPartition, MiB(20));
+    for (const PartitionRow& row : record().DiskDrives.at(1).partitions) {
+        EXPECT_EQ(row.drive, L"");
+    }
+}
+
+TEST_F(InfoGrabberV2Volumes, LengthThatCannotBeRead_IsTheFirstExtents) {
+    DataVolume().length = MiB(1);
+    DataVolume().errors.codes["DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO"] = 1;
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    EXPECT_EQ(VolumeOn(record(), L"\\Device\\HarddiskVolume6").m_Size, MiB(953852));
+}
+
+TEST_F(InfoGrabberV2Volumes, SeveralMountPoints_GiveTheSmallestDriveRoot) {
+    DataVolume().mount_points = {L"C:\\Data\\", L"G:\\", L"D:\\"};
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    EXPECT_EQ(VolumeOn(record(), L"\\Device\\HarddiskVolume6").VolumeLetter, L"D:\\");
+}
+
+}  // namespace

@@ -1,0 +1,171 @@
+// What the disks tell the volumes on them: signature, identifier, and whether they are dynamic.
+
+#include "common/enumdisk/fixed_volumes.h"
+#include "unit/common/enumdisk/enum_machine.h"
+#include "unit/common/enumdisk/layout_bytes.h"
+
+namespace {
+
+using support::LogLine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr GUID kDiskId = {0x89ABCDEF, 0x1234, 0x5678, {1, 2, 3, 4, 5, 6, 7, 8}};
+constexpr GUID kBasicData = {0xEBD0A0A2, 0xB9E5, 0x4433, {0x87, 0xC0, 0x68, 0xB6, 0xB7, 0x26, 0x99, 0xC7}};
+constexpr GUID kLdmMetadata = {0x5808C8AA, 0x7E8F, 0x42E0, {0x85, 0xD2, 0xE1, 0xE9, 0x04, 0x34, 0xCF, 0xB3}};
+constexpr GUID kLdmData = {0xAF9B60A0, 0x1431, 0x4F62, {0xBC, 0x68, 0x33, 0x11, 0x71, 0x4A, 0x69, 0xAD}};
+
+::Volume VolumeOn(std::uint32_t disk, const std::vector<std::uint32_t>& extent_disks) {
+    ::Volume volume;
+    volume.m_DiskNumber = disk;
+    volume.m_dwDiskSignature = 77;
+    for (const std::uint32_t number : extent_disks) {
+        DiskExtent extent;
+        extent.m_DiskNumber = number;
+        extent.m_dwDiskSignature = 77;
+        volume.extents.push_back(extent);
+    }
+    return volume;
+}
+
+class DriveDetails : public enum_machine::EnumMachine {
+protected:
+    // Lets disk 0 turn into a GPT disk between the listing and its reading.
+    void TurnIntoGpt(const std::vector<GUID>& types) {
+        Use(enum_machine::kTwoMbr);
+        faults().Add(
+            {enum_machine::kLayoutEx, enum_machine::kDrive0, 2, false, {}, [types](machine::Answer& answer) {
+                 answer.bytes = layout_bytes::Gpt(kDiskId, types);
+                 answer.returned = answer.bytes.size();
+             }});
+    }
+
+    std::vector<::Volume> volumes_ = {VolumeOn(0, {0})};
+};
+
+TEST_F(DriveDetails, MbrDisks_GiveTheirSignaturesToVolumesAndExtents) {
+    Use(enum_machine::kTwoMbr);
+    volumes_ = {VolumeOn(0, {0, 1}), VolumeOn(1, {1})};
+    assignDriveDetails(volumes_);
+    EXPECT_EQ(volumes_[0].m_dwDiskSignature, 1001U);
+    EXPECT_EQ(volumes_[0].extents[0].m_dwDiskSignature, 1001U);
+    EXPECT_EQ(volumes_[0].extents[1].m_dwDiskSignature, 1002U);
+    EXPECT_EQ(volumes_[1].m_dwDiskSignature, 1002U);
+    EXPECT_EQ(volumes_[0].disk_guid, GUID{});
+    EXPECT_FALSE(volumes_[0].Dynamic);
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(DriveDetails, Steps_AreTraced) {
+    Use(enum_machine::kTwoMbr);
+    assignDriveDetails(volumes_);
+    EXPECT_TRUE(log_.all().front().text.starts_with("Entering function assignDriveDetails line "));
+    EXPECT_TRUE(log_.all().back().text.starts_with("Leaving function assignDriveDetails line "));
+    EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function getDriveInfo line ")) << log_;
+}
+
+TEST_F(DriveDetails, MbrDiskWithAnLdmEntry_IsDynamic) {
+    Use(enum_machine::kTwoMbr);
+    disk(0).partitions.at(2).mbr_type = 0x42;
+    volumes_ = {VolumeOn(0, {0}), VolumeOn(1, {1})};
+    assignDriveDetails(volumes_);
+    EXPECT_TRUE(volumes_[0].Dynamic);
+    EXPECT_FALSE(volumes_[1].Dynamic);
+}
+
+TEST_F(DriveDetails, DynamicVolume_IsNeverReset) {
+    Use(enum_machine::kTwoMbr);
+    volumes_[0].Dynamic = true;
+    assignDriveDetails(volumes_);
+    EXPECT_TRUE(volumes_[0].Dynamic);
+}
+
+TEST_F(DriveDetails, GptDisk_GivesTheBeginningOfItsIdentifier) {
+    TurnIntoGpt({kBasicData});
+    assignDriveDetails(volumes_);
+    EXPECT_EQ(volumes_[0].m_dwDiskSignature, 0x89ABCDEFU);
+    EXPECT_EQ(volumes_[0].disk_guid, kDiskId);
+    EXPECT_EQ(volumes_[0].extents[0].m_dwDiskSignature, 0x89ABCDEFU);
+    EXPECT_EQ(volumes_[0].extents[0].disk_guid, kDiskId);
+    EXPECT_FALSE(volumes_[0].Dynamic);
+}
+
+TEST_F(DriveDetails, GptDiskWithEitherLdmType_IsDynamic) {
+    for (const GUID& type : {kLdmMetadata, kLdmData}) {
+        TurnIntoGpt({kBasicData, type});
+        volumes_ = {VolumeOn(0, {0})};
+        assignDriveDetails(volumes_);
+        EXPECT_TRUE(volumes_[0].Dynamic);
+    }
+}
+
+TEST_F(DriveDetails, GptDiskWithoutPartitions_IsNotDynamic) {
+    TurnIntoGpt({});
+    assignDriveDetails(volumes_);
+    EXPECT_EQ(volumes_[0].m_dwDiskSignature, 0x89ABCDEFU);
+    EXPECT_FALSE(volumes_[0].Dynamic);
+}
+
+// A disk of which nothing is known: zeros, and a line for the volume and one for each of its extents on it.
+class UnknownDisk : public DriveDetails {
+protected:
+    void ExpectUnknown(std::uint32_t number) {
+        volumes_ = {VolumeOn(number, {number, number}), VolumeOn(number, {number})};
+        log_.Clear();
+        assignDriveDetails(volumes_);
+        const std::string text = std::to_string(number);
+        std::size_t volume_lines = 0;
+        std::size_t extent_lines = 0;
+        for (const LogLine& line : log_.all()) {
+            volume_lines +=
+                line.text == "assignDriveDetails no physical disk matching volume disk num " + text;
+            extent_lines +=
+                line.text == "assignDriveDetails no physical disk matching volume extent disk num " + text;
+        }
+        EXPECT_EQ(volume_lines, 2U) << log_;
+        EXPECT_EQ(extent_lines, 3U) << log_;
+        EXPECT_EQ(volumes_[0].m_dwDiskSignature, 0U);
+        EXPECT_EQ(volumes_[0].extents[1].m_dwDiskSignature, 0U);
+        EXPECT_FALSE(volumes_[0].Dynamic);
+    }
+};
+
+TEST_F(UnknownDisk, NumberWithoutDisk_IsZeros) {
+    Use(enum_machine::kTwoMbr);
+    ExpectUnknown(7);
+}
+
+TEST_F(UnknownDisk, GptDisk_IsZerosForItIsNotUsable) {
+    Use(enum_machine::kMbrAndGpt);
+    ExpectUnknown(1);
+}
+
+TEST_F(UnknownDisk, RawDisk_IsZeros) {
+    Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "raw"}]})");
+    ExpectUnknown(0);
+}
+
+TEST_F(UnknownDisk, LayoutNotReadableTheSecondTime_IsZeros) {
+    Use(enum_machine::kTwoMbr);
+    faults().Add({enum_machine::kLayoutEx, enum_machine::kDrive0, 2, false, {21, 0, 0}, {}});
+    ExpectUnknown(0);
+}
+
+TEST_F(UnknownDisk, DynamicVolume_StaysDynamic) {
+    Use(enum_machine::kTwoMbr);
+    volumes_ = {VolumeOn(7, {})};
+    volumes_[0].Dynamic = true;
+    assignDriveDetails(volumes_);
+    EXPECT_TRUE(volumes_[0].Dynamic);
+}
+
+TEST_F(DriveDetails, ListingFails_LeavesTheVolumesAlone) {
+    Use(enum_machine::kTwoMbr);
+    faults().Fail(enum_machine::kLayoutEx, 5);
+    assignDriveDetails(volumes_);
+    EXPECT_EQ(volumes_[0].m_dwDiskSignature, 77U);
+    EXPECT_EQ(volumes_[0].extents[0].m_dwDiskSignature, 77U);
+    EXPECT_FALSE(LoggedPart("no physical disk matching")) << log_;
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include "common/enumdisk/firmware.h"
+#include "common/platform/system_library.h"
+#include "support/logger_capture.h"
+#include "support/stub.h"
+
+namespace {
+
+constexpr std::uint32_t kUntouched = 77;
+constexpr char kText[] = "GetFirmwareEnvironment function failed to find firmware type. Error code ";
+
+struct Probe {
+    bool valid;
+    std::uint32_t type;
+};
+
+// The answer when the firmware variable's read returns `length` with `error`.
+Probe ProbeWith(DWORD length, DWORD error) {
+    const support::Stub stub(
+        Kernel32DLL::Get().GetFirmwareEnvironmentVariableW,
+        [&](const wchar_t* name, const wchar_t* name_space, void* buffer, DWORD size) -> DWORD {
+            EXPECT_STREQ(name, L"");
+            EXPECT_STREQ(name_space, L"{00000000-0000-0000-0000-000000000000}");
+            EXPECT_EQ(buffer, nullptr);
+            EXPECT_EQ(size, 0U);
+            SetLastError(error);
+            return length;
+        });
+    std::uint32_t type = kUntouched;
+    const bool valid = DetectFirmwareType(type);
+    return {valid, type};
+}
+
+TEST(DetectFirmwareType, InvalidFunction_IsBios) {
+    const Probe probe = ProbeWith(0, ERROR_INVALID_FUNCTION);
+    EXPECT_TRUE(probe.valid);
+    EXPECT_EQ(probe.type, 1U);
+}
+
+TEST(DetectFirmwareType, NoAccess_IsUefi) {
+    const Probe probe = ProbeWith(0, ERROR_NOACCESS);
+    EXPECT_TRUE(probe.valid);
+    EXPECT_EQ(probe.type, 2U);
+}
+
+TEST(DetectFirmwareType, AnyLength_IsUefiWhateverTheError) {
+    const Probe probe = ProbeWith(4, ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(probe.valid);
+    EXPECT_EQ(probe.type, 2U);
+}
+
+TEST(DetectFirmwareType, AccessDenied_IsUndecidedWithTheTextLessFiveCharacters) {
+    const support::LoggerCapture log;
+    const Probe probe = ProbeWith(0, ERROR_ACCESS_DENIED);
+    EXPECT_FALSE(probe.valid);
+    EXPECT_EQ(probe.type, 0U);
+    EXPECT_TRUE(log.Contains(support::kHostError, kText + 5)) << log;
+}
+
+TEST(DetectFirmwareType, ErrorPastTheText_LogsAnEmptyLine) {
+    const support::LoggerCapture log;
+    EXPECT_FALSE(ProbeWith(0, 1314).valid);
+    EXPECT_TRUE(log.Contains(support::kHostError, "")) << log;
+}
+
+TEST(DetectFirmwareType, FunctionMissing_IsUndecidedWithItsLine) {
+    const support::ScopedValue<decltype(Kernel32DLL::GetFirmwareEnvironmentVariableW)> missing(
+        Kernel32DLL::Get().GetFirmwareEnvironmentVariableW, nullptr);
+    const support::LoggerCapture log;
+    std::uint32_t type = kUntouched;
+    EXPECT_FALSE(DetectFirmwareType(type));
+    EXPECT_EQ(type, 0U);
+    EXPECT_TRUE(log.Contains(support::kHostError, "GetFirmwareEnvironment function does not exist.")) << log;
+}
+
+}  // namespace

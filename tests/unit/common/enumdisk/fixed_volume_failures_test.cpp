@@ -1,0 +1,206 @@
+// Each thing that a fixed volume is asked, failing: the volume is left out, or the next best answer is taken.
+
+#include "common/platform/system_library.h"
+#include "support/allocation_failure.h"
+#include "support/stub.h"
+#include "unit/common/enumdisk/fixed_machine.h"
+
+namespace {
+
+using enum_machine::kMiB;
+using support::LogLine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr wchar_t kOpenedFirst[] = L"\\\\.\\C:";
+constexpr char kLeftOut[] =
+    "getFixedVolumes skipping volume \\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\ C: due to errors";
+
+class FixedVolumeFailures : public fixed_machine::FixedMachine {
+protected:
+    // The first volume is left out after `line`; the second one is there.
+    void ExpectLeftOut(const std::string& line) {
+        EXPECT_TRUE(Get());
+        EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));
+        EXPECT_TRUE(Logged(line)) << line << '\n' << log_;
+        EXPECT_TRUE(log_.Contains(support::kHostWarning, kLeftOut)) << log_;
+    }
+
+    void ExpectWarning(const std::string& line) {
+        EXPECT_TRUE(log_.Contains(support::kHostWarning, line)) << log_;
+    }
+
+    static std::string Info(const std::string& rest) {
+        return "getVolumeInfo for " + FirstName() + " C: " + rest;
+    }
+};
+
+TEST_F(FixedVolumeFailures, DeviceName_LeavesTheVolumeOut) {
+    faults().Fail("QueryDosDeviceW", 2, L"Volume{00000000-0000-0000-0000-000000000001}");
+    ExpectLeftOut("getDeviceName of " + FirstName() + " error=0x2 2");
+}
+
+TEST_F(FixedVolumeFailures, DeviceNameTooLongAtFirst_IsAskedAgain) {
+    volume(0).device = L"\\Device\\" + std::wstring(300, L'x');
+    ASSERT_TRUE(Get());
+    ASSERT_THAT(volumes_, SizeIs(2));
+    EXPECT_EQ(volumes_[0].DeviceName, L"\\Device\\" + std::wstring(300, L'x'));
+}
+
+TEST_F(FixedVolumeFailures, VolumeInformation_LeavesTheVolumeOut) {
+    faults().Fail("GetVolumeInformationW", 1005, fixed_machine::kFirst);
+    const std::string line = Info("GetVolumeInformation failed error=0x3ed 1005");
+    ExpectLeftOut(line);
+    ExpectWarning(line);
+}
+
+TEST_F(FixedVolumeFailures, Opening_LeavesTheVolumeOut) {
+    faults().Fail("CreateFileW", 5, kOpenedFirst);
+    ExpectLeftOut(Info("CreateFile failed error=0x5 5"));
+}
+
+TEST_F(FixedVolumeFailures, Extents_LeaveTheVolumeOut) {
+    faults().Fail(enum_machine::kExtents, 1, kOpenedFirst);
+    const std::string line = Info("DeviceIoControl IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS failed error=0x1 1");
+    ExpectLeftOut(line);
+    ExpectWarning(line);
+}
+
+TEST_F(FixedVolumeFailures, NoExtents_LeaveTheVolumeOut) {
+    volume(0).extents->clear();
+    EXPECT_TRUE(Get());
+    EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));
+    ExpectWarning(kLeftOut);
+}
+
+TEST_F(FixedVolumeFailures, ExtentsThatCountMoreThanTheyHold_LeaveTheVolumeOut) {
+    faults().Alter(
+        enum_machine::kExtents, [](machine::Answer& answer) { answer.bytes[0] = 200; }, kOpenedFirst);
+    EXPECT_TRUE(Get());
+    EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));
+    ExpectWarning(kLeftOut);
+}
+
+TEST_F(FixedVolumeFailures, ManyExtents_AreAllRead) {
+    volume(0).extents->assign(100, {0, 5 * kMiB, 1 * kMiB});
+    ASSERT_TRUE(Get());
+    ASSERT_THAT(volumes_, SizeIs(2));
+    EXPECT_THAT(volumes_[0].extents, SizeIs(100));
+}
+
+TEST_F(FixedVolumeFailures, ExtentsThatNeverFit_LeaveTheVolumeOut) {
+    faults().Fail(enum_machine::kExtents, ERROR_MORE_DATA, kOpenedFirst);
+    ExpectLeftOut(Info("DeviceIoControl IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS failed error=0xea 234"));
+}
+
+TEST_F(FixedVolumeFailures, NoMemoryForTheExtents_LeavesTheVolumeOut) {
+    faults().Fail(enum_machine::kExtents, ERROR_MORE_DATA, kOpenedFirst);
+    const support::AllocationFailure failing(1'000'000);
+    ExpectLeftOut(Info("DeviceIoControl IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS failed error=0xe 14"));
+    EXPECT_GT(failing.hits(), 0U);
+}
+
+TEST_F(FixedVolumeFailures, StyleOfTheDisk_IsOnlyATrace) {
+    faults().Fail(enum_machine::kLayoutEx, 21);
+    EXPECT_TRUE(Get());
+    EXPECT_THAT(volumes_, SizeIs(2));
+}
+
+TEST_F(FixedVolumeFailures, PartitionInformation_LeavesTheVolumeOut) {
+    faults().Fail(enum_machine::kPartition, 1, kOpenedFirst);
+    ExpectLeftOut(Info("DeviceIoControl IOCTL_DISK_GET_PARTITION_INFO failed error=0x1 1"));
+}
+
+TEST_F(FixedVolumeFailures, PartitionInformationTooShort_LeavesTheVolumeOut) {
+    faults().Alter(
+        enum_machine::kPartition, [](machine::Answer& answer) { answer.returned = 8; }, kOpenedFirst);
+    EXPECT_TRUE(Get());
+    EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));
+}
+
+TEST_F(FixedVolumeFailures, FreeSpace_LeavesTheVolumeOut) {
+    faults().Fail("GetDiskFreeSpaceExW", 21, fixed_machine::kFirst);
+    ExpectLeftOut(Info("GetDiskFreeSpaceEx failed error=0x15 21"));
+}
+
+TEST_F(FixedVolumeFailures, BlockSize_StaysZero) {
+    faults().Fail("GetDiskFreeSpaceW", 21, fixed_machine::kFirst);
+    EXPECT_TRUE(Get());
+    ASSERT_THAT(volumes_, SizeIs(2));
+    EXPECT_EQ(volumes_[0].BlockSize, 0U);
+}
+
+TEST_F(FixedVolumeFailures, Length_IsThatOfThePartition) {
+    volume(0).length = 12345;
+    volume(0).partition->length = 54321;
+    faults().Fail(enum_machine::kLength, 87, kOpenedFirst);
+    EXPECT_TRUE(Get());
+    ASSERT_THAT(volumes_, SizeIs(2));
+    EXPECT_EQ(volumes_[0].m_Size, 54321U);
+    EXPECT_THAT(
+        log_.Messages(),
+        ElementsAre(LogLine{support::kHostWarning,
+                            "getVolumeInfo " + FirstName() +
+                                " C: DeviceIoControl IOCTL_DISK_GET_LENGTH_INFO failed error=0x57 87 (will "
+                                "use partition length)"}));
+}
+
+TEST_F(FixedVolumeFailures, LengthThatIsToldByTheVolume_GoesBeforeThePartitions) {
+    volume(0).length = 12345;
+    volume(0).partition->length = 54321;
+    EXPECT_TRUE(Get());
+    ASSERT_THAT(volumes_, SizeIs(2));
+    EXPECT_EQ(volumes_[0].m_Size, 12345U);
+}
+
+TEST_F(FixedVolumeFailures, MoreFreeThanThereIs_IsNothingUsed) {
+    volume(0).total_bytes = 10;
+    volume(0).free_bytes = 20;
+    EXPECT_TRUE(Get());
+    ASSERT_THAT(volumes_, SizeIs(2));
+    EXPECT_EQ(volumes_[0].m_FileSystemUsedSpace, 0U);
+}
+
+TEST_F(FixedVolumeFailures, MountPaths_LeaveTheLetterEmpty) {
+    faults().Fail("GetVolumePathNamesForVolumeNameW", 87, fixed_machine::kFirst);
+    EXPECT_TRUE(Get());
+    ASSERT_THAT(volumes_, SizeIs(2));
+    EXPECT_EQ(volumes_[0].VolumeLetter, L"");
+}
+
+TEST_F(FixedVolumeFailures, EveryVolume_LeavesAnEmptyListAndSuccess) {
+    faults().Fail("GetVolumeInformationW", 1005);
+    EXPECT_TRUE(Get());
+    EXPECT_THAT(volumes_, IsEmpty());
+}
+
+// Volume names that a system should not return.
+class MalformedVolumeName : public FixedVolumeFailures, public testing::WithParamInterface<const wchar_t*> {};
+
+TEST_P(MalformedVolumeName, DeviceName_IsABadPathname) {
+    const std::wstring name = GetParam();
+    const auto fill = [&name](wchar_t* buffer) { std::copy_n(name.c_str(), name.size() + 1, buffer); };
+    const support::Stub first(Kernel32DLL::Get().FindFirstVolumeW, [&](wchar_t* buffer, DWORD) -> HANDLE {
+        fill(buffer);
+        return reinterpret_cast<HANDLE>(1);
+    });
+    const support::Stub next(Kernel32DLL::Get().FindNextVolumeW, [](HANDLE, wchar_t*, DWORD) -> BOOL {
+        SetLastError(ERROR_NO_MORE_FILES);
+        return FALSE;
+    });
+    const support::Stub close(Kernel32DLL::Get().FindVolumeClose, [](HANDLE) -> BOOL { return TRUE; });
+    const support::Stub type(Kernel32DLL::Get().GetDriveTypeW,
+                             [](const wchar_t*) -> UINT { return DRIVE_FIXED; });
+    EXPECT_TRUE(Get());
+    EXPECT_THAT(volumes_, IsEmpty());
+    EXPECT_TRUE(
+        Logged("getDeviceName of " + std::string(name.begin(), name.end()) + " error ERROR_BAD_PATHNAME"))
+        << log_;
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, MalformedVolumeName,
+                         testing::Values(L"", L"Volume", L"\\\\?\\", L"\\\\?\\Volume", L"\\\\.\\Volume\\",
+                                         L"C:\\"));
+
+}  // namespace

@@ -1,0 +1,201 @@
+// The listing of the fixed volumes, and what each is asked.
+
+#include "common/enumdisk/fixed_volumes.h"
+#include "unit/common/enumdisk/enum_machine.h"
+#include "unit/common/enumdisk/fixed_machine.h"
+
+namespace {
+
+using enum_machine::kMiB;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+using FixedVolumes = fixed_machine::FixedMachine;
+
+TEST_F(FixedVolumes, Volume_IsDescribed) {
+    ASSERT_TRUE(Get());
+    ASSERT_THAT(volumes_, SizeIs(2));
+    const ::Volume& volume = volumes_[0];
+    EXPECT_EQ(volume.Name, fixed_machine::kFirst);
+    EXPECT_EQ(volume.DeviceName, L"\\Device\\HarddiskVolume1");
+    EXPECT_EQ(volume.VolumeLetter, L"C:\\");
+    EXPECT_EQ(volume.Label, L"System");
+    EXPECT_EQ(volume.Serial, 0x12345678U);
+    EXPECT_EQ(volume.Flags, 0x1234U);
+    EXPECT_EQ(volume.FileSystem, L"NTFS");
+    EXPECT_EQ(volume.m_DiskNumber, 0U);
+    EXPECT_EQ(volume.m_offsetPartition, 1U * kMiB);
+    EXPECT_EQ(volume.m_PartitionNumber, 1);
+    EXPECT_EQ(volume.m_Size, 100U * kMiB);
+    EXPECT_EQ(volume.m_FileSystemUsedSpace, 60'000'000U);
+    EXPECT_EQ(volume.BlockSize, 8U * 512U);
+    EXPECT_EQ(volume.m_dwDiskSignature, 439041101U);
+    EXPECT_FALSE(volume.Dynamic);
+    EXPECT_FALSE(volume.SystemVolume);
+    EXPECT_FALSE(volume.BootVolume);
+    ASSERT_THAT(volume.extents, SizeIs(1));
+    EXPECT_EQ(volume.extents[0].m_DiskNumber, 0U);
+    EXPECT_EQ(volume.extents[0].m_offsetPartition, 1U * kMiB);
+    EXPECT_EQ(volume.extents[0].m_Size, 100U * kMiB);
+    EXPECT_EQ(volume.extents[0].m_PartitionNumber, 1);
+    EXPECT_EQ(volume.extents[0].m_dwDiskSignature, 439041101U);
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(FixedVolumes, EarlierContent_IsReplaced) {
+    volumes_.resize(5);
+    ASSERT_TRUE(Get());
+    EXPECT_THAT(Names(), ElementsAre(fixed_machine::kFirst, fixed_machine::kSecond));
+}
+
+TEST_F(FixedVolumes, OtherThanFixed_AreSkipped) {
+    for (const UINT type : {DRIVE_NO_ROOT_DIR, DRIVE_REMOVABLE, DRIVE_REMOTE, DRIVE_CDROM, DRIVE_RAMDISK}) {
+        volume(0).drive_type = type;
+        ASSERT_TRUE(Get());
+        EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond)) << type;
+    }
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(FixedVolumes, TypeUnknown_IsSkippedWithItsLine) {
+    volume(0).drive_type = DRIVE_UNKNOWN;
+    ASSERT_TRUE(Get());
+    EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));
+    EXPECT_TRUE(Logged("getFixedVolumes failed to get drive type of " + FirstName())) << log_;
+}
+
+TEST_F(FixedVolumes, NumbersOfTheSystem_AreReplacedByTheOrderOfOffsets) {
+    volume(0).partition->number = 2;
+    volume(1).partition->number = 1;
+    ASSERT_TRUE(Get());
+    EXPECT_EQ(volumes_.at(0).m_PartitionNumber, 1);
+    EXPECT_EQ(volumes_.at(0).extents.at(0).m_PartitionNumber, 1);
+    EXPECT_EQ(volumes_.at(1).m_PartitionNumber, 2);
+    EXPECT_TRUE(
+        log_.Contains(support::kHostTrace,
+                      "DTS 19154 possible? assignPartitionNumbers 1 changing partition number from 2 to 1 "
+                      "for volume " +
+                          FirstName()))
+        << log_;
+}
+
+TEST_F(FixedVolumes, SearchDoesNotBegin_Fails) {
+    faults().Fail("FindFirstVolumeW", 5);
+    EXPECT_FALSE(Get());
+    EXPECT_TRUE(Logged("getFixedVolumes: FindFirstVolume failed error=0x5 5")) << log_;
+}
+
+TEST_F(FixedVolumes, SearchBreaksOff_IsLoggedAndTheVolumesSoFarAreFinished) {
+    faults().Fail("FindNextVolumeW", 5);
+    EXPECT_TRUE(Get());
+    EXPECT_THAT(Names(), ElementsAre(fixed_machine::kFirst));
+    EXPECT_EQ(volumes_.at(0).m_dwDiskSignature, 439041101U);
+    EXPECT_TRUE(Logged("getFixedVolumes: FindNextVolume failed error=0x5 5")) << log_;
+    EXPECT_EQ(simulation().calls().Count("FindVolumeClose"), 1U);
+}
+
+TEST_F(FixedVolumes, SearchThatNeverEnds_IsGivenUp) {
+    simulation().calls().SetKept(false);
+    volume(0).drive_type = DRIVE_CDROM;
+    volume(1).drive_type = DRIVE_CDROM;
+    faults().Alter("FindNextVolumeW", [](machine::Answer& answer) {
+        answer.failed = false;
+        answer.error = 0;
+    });
+    EXPECT_TRUE(Get());
+    EXPECT_THAT(volumes_, IsEmpty());
+    EXPECT_TRUE(LoggedPart("getFixedVolumes: FindNextVolume failed error=")) << log_;
+}
+
+TEST_F(FixedVolumes, SearchEnds_BeforeTheDetailsOfTheDisksAreAsked) {
+    ASSERT_TRUE(Get());
+    std::size_t closed = 0;
+    std::size_t queried = 0;
+    for (const machine::CallRecord& record : simulation().calls().records()) {
+        closed = record.name == "FindVolumeClose" ? record.ordinal : closed;
+        queried = record.name == "IWbemServices::ExecQuery" ? record.ordinal : queried;
+    }
+    EXPECT_NE(closed, 0U);
+    EXPECT_LT(closed, queried);
+}
+
+TEST_F(FixedVolumes, DriveName_IsTheFirstLetterOfTheVolume) {
+    volume(0).mount_points = {L"X:\\", L"G:\\"};
+    ASSERT_TRUE(Get());
+    EXPECT_THAT(OpenedVolumes(), ElementsAre(L"\\\\.\\G:", fixed_machine::kSecondDevice));
+    EXPECT_EQ(volumes_.at(0).VolumeLetter, L"G:\\");
+}
+
+TEST_F(FixedVolumes, DriveNames_AreAskedOfTheLettersThatExistOnly) {
+    ASSERT_TRUE(Get());
+    for (const std::wstring& root : ObjectsOf("GetVolumeNameForVolumeMountPointW")) {
+        EXPECT_EQ(root, L"C:\\");
+    }
+}
+
+TEST_F(FixedVolumes, WithoutLetter_IsOpenedByItsNameWithoutTheBackslash) {
+    ASSERT_TRUE(Get());
+    EXPECT_THAT(OpenedVolumes(), ElementsAre(L"\\\\.\\C:", fixed_machine::kSecondDevice));
+    EXPECT_EQ(volumes_.at(1).VolumeLetter, L"");
+}
+
+TEST_F(FixedVolumes, DrivesNotReadable_IsLoggedAndTheVolumeOpenedByItsName) {
+    faults().Fail("GetLogicalDrives", 8);
+    ASSERT_TRUE(Get());
+    EXPECT_THAT(OpenedVolumes(), ElementsAre(fixed_machine::kFirstDevice, fixed_machine::kSecondDevice));
+    EXPECT_TRUE(Logged("getDriveNameForVolumeName GetLogicalDrives returned error 0x8 8")) << log_;
+}
+
+TEST_F(FixedVolumes, LetterWithoutVolume_IsLoggedAndTheNextOneTried) {
+    volume(0).mount_points = {L"C:\\", L"D:\\"};
+    faults().Fail("GetVolumeNameForVolumeMountPointW", 21, L"C:\\");
+    ASSERT_TRUE(Get());
+    EXPECT_EQ(OpenedVolumes().at(0), L"\\\\.\\D:");
+    EXPECT_TRUE(
+        log_.Contains(support::kHostWarning,
+                      "getDriveNameForVolumeName GetVolumeNameForVolumeMountPoint for C:\\ returned error "
+                      "0x15 21"))
+        << log_;
+}
+
+TEST_F(FixedVolumes, SpannedVolume_HasAllItsExtents) {
+    UseExample("spanned-dynamic.json");
+    // A dynamic volume is answered for by the partition that holds its first extent.
+    volume(2).partition = disk(1).partitions.front();
+    ASSERT_TRUE(Get());
+    const auto found = std::find_if(volumes_.begin(), volumes_.end(),
+                                    [](const ::Volume& candidate) { return candidate.Label == L"Archive"; });
+    ASSERT_NE(found, volumes_.end()) << log_;
+    ASSERT_THAT(found->extents, SizeIs(2));
+    EXPECT_EQ(found->m_DiskNumber, 1U);
+    EXPECT_EQ(found->extents[1].m_DiskNumber, 2U);
+    EXPECT_EQ(found->extents[1].m_Size, 200000ULL * kMiB);
+    EXPECT_EQ(found->m_dwDiskSignature, 0x5C82F0A4U);
+    EXPECT_EQ(found->extents[0].m_dwDiskSignature, 0x5C82F0A4U);
+    EXPECT_EQ(found->extents[1].m_dwDiskSignature, 0x5C82F0A5U);
+    EXPECT_TRUE(found->Dynamic);
+    EXPECT_EQ(found->VolumeLetter, L"S:\\");
+}
+
+TEST_F(FixedVolumes, Laptop_HasFourVolumesNumberedInDiskOrder) {
+    UseExample("bios-laptop.json");
+    ASSERT_TRUE(Get());
+    std::vector<std::int32_t> numbers;
+    for (const ::Volume& volume : volumes_) {
+        numbers.push_back(volume.m_PartitionNumber);
+        EXPECT_EQ(volume.m_dwDiskSignature, 0x7A3C51E8U);
+    }
+    EXPECT_THAT(numbers, ElementsAre(1, 2, 3, 4));
+    EXPECT_EQ(volumes_.at(2).Label, L"Documents");
+}
+
+TEST_F(FixedVolumes, GptVolumes_AreTracedAndLeftOut) {
+    UseExample("uefi-workstation.json");
+    ASSERT_TRUE(Get());
+    EXPECT_TRUE(LoggedPart("getVolumeInfo GPT volume detected ")) << log_;
+    EXPECT_THAT(volumes_, IsEmpty());  // a GPT disk does not answer the classic partition control
+    EXPECT_TRUE(log_.ContainsPart(support::kHostWarning, "getFixedVolumes skipping volume ")) << log_;
+}
+
+}  // namespace

@@ -1,0 +1,225 @@
+// Which disks the enumerator lists: WMI's drives, and whether each is usable.
+
+#include "common/enumdisk/enum_disk.h"
+#include "support/stub.h"
+#include "unit/common/enumdisk/enum_machine.h"
+
+#include <objbase.h>
+
+namespace {
+
+using support::LogLine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class PhysicalDrivesIndexes : public enum_machine::EnumMachine {
+protected:
+    int List() { return EnumDisk::GetPhysicalDrivesIndexes(indexes_, maximum_); }
+
+    // Fails a call on disk 0 of two, and lists.
+    int ListWithFailure(const char* call, DWORD error) {
+        Use(enum_machine::kTwoMbr);
+        faults().Fail(call, error, enum_machine::kDrive0);
+        return List();
+    }
+
+    std::vector<std::uint32_t> indexes_;
+    std::int32_t maximum_ = 77;
+};
+
+TEST_F(PhysicalDrivesIndexes, MbrDisks_AreAllUsable) {
+    Use(enum_machine::kTwoMbr);
+    EXPECT_EQ(List(), 1);
+    EXPECT_THAT(indexes_, ElementsAre(0U, 1U));
+    EXPECT_EQ(maximum_, 1);
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(PhysicalDrivesIndexes, GptDisk_IsUnavailableWithoutAMessageAndCountsForTheMaximum) {
+    Use(enum_machine::kMbrAndGpt);
+    EXPECT_EQ(List(), 1);
+    EXPECT_THAT(indexes_, ElementsAre(0U));
+    EXPECT_EQ(maximum_, 1);
+    EXPECT_EQ(simulation().calls().Count(enum_machine::kLength, enum_machine::kDrive1), 0U);
+}
+
+TEST_F(PhysicalDrivesIndexes, RawDisk_IsUsable) {
+    Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "raw"}]})");
+    EXPECT_EQ(List(), 1);
+    EXPECT_THAT(indexes_, ElementsAre(0U));
+}
+
+TEST_F(PhysicalDrivesIndexes, SeveralDisks_KeepTheOrderOfWmi) {
+    UseExample("server-many-disks.json");
+    EXPECT_EQ(List(), 1);
+    EXPECT_THAT(indexes_, ElementsAre(2U));  // the others are GPT
+    EXPECT_EQ(maximum_, 10);
+}
+
+TEST_F(PhysicalDrivesIndexes, ReversedByWmi_StayReversed) {
+    Use(R"({"disks": [{"index": 3, "size": "1 GiB", "style": "mbr"}, {"index": 1, "size": "1 GiB", "style": "mbr"}]})");
+    EXPECT_EQ(List(), 1);
+    EXPECT_THAT(indexes_, ElementsAre(3U, 1U));
+    EXPECT_EQ(maximum_, 3);
+}
+
+TEST_F(PhysicalDrivesIndexes, Index255_IsSkippedButCountsForTheMaximum) {
+    Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "mbr"}], "wmi": {"Win32_DiskDrive": [
+        {"Index": 0}, {"Index": 255}]}})");
+    EXPECT_EQ(List(), 1);
+    EXPECT_THAT(indexes_, ElementsAre(0U));
+    EXPECT_EQ(maximum_, 255);
+    EXPECT_EQ(simulation().calls().Count("CreateFileW", L"\\\\.\\PhysicalDrive255"), 0U);
+}
+
+TEST_F(PhysicalDrivesIndexes, EarlierContent_IsAppendedTo) {
+    Use(enum_machine::kTwoMbr);
+    indexes_ = {9};
+    EXPECT_EQ(List(), 1);
+    EXPECT_THAT(indexes_, ElementsAre(9U, 0U, 1U));
+}
+
+TEST_F(PhysicalDrivesIndexes, IndexOfUnsigned32Bits_IsItsLow16Bits) {
+    Use(R"({"wmi": {"Win32_DiskDrive": [{"Index": {"type": "VT_UI4", "value": 65791}}]}})");  // 0x100FF
+    EXPECT_EQ(List(), 1);
+    EXPECT_EQ(maximum_, 255);
+}
+
+TEST_F(PhysicalDrivesIndexes, IndexNull_IsZero) {
+    Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "mbr"}],
+            "wmi": {"Win32_DiskDrive": [{"Index": null}]}})");
+    EXPECT_EQ(List(), 1);
+    EXPECT_THAT(indexes_, ElementsAre(0U));
+    EXPECT_EQ(maximum_, 0);
+}
+
+TEST_F(PhysicalDrivesIndexes, LayoutNotReadable_IsUnavailableForThreeErrors) {
+    for (const DWORD error : {21, 170, 2}) {
+        for (const char* const call : {enum_machine::kLayoutEx, "CreateFileW"}) {
+            Use(enum_machine::kTwoMbr);
+            faults().Fail(call, error, enum_machine::kDrive0);
+            indexes_.clear();
+            log_.Clear();
+            EXPECT_EQ(List(), 1) << error;
+            EXPECT_THAT(indexes_, ElementsAre(1U));
+            EXPECT_TRUE(
+                log_.Contains(support::kHostWarning,
+                              "EnumDisk::DiskUsable Drive 0: unavailable error=" + std::to_string(error)))
+                << log_;
+        }
+    }
+}
+
+TEST_F(PhysicalDrivesIndexes, LayoutNotReadableOtherwise_EndsTheListingWithError) {
+    EXPECT_EQ(ListWithFailure(enum_machine::kLayoutEx, 5), 0);
+    EXPECT_THAT(indexes_, IsEmpty());
+    EXPECT_EQ(maximum_, 0);
+    EXPECT_EQ(simulation().calls().Count("CreateFileW", enum_machine::kDrive1), 0U);
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(LogLine{support::kHostError,
+                                    "Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=5 0x5"},
+                            LogLine{support::kHostWarning,
+                                    "EnumDisk::DiskUsable will return error. Drive 0: error=5"}));
+}
+
+TEST_F(PhysicalDrivesIndexes, DriveThatCannotBeOpened_EndsTheListingWithError) {
+    EXPECT_EQ(ListWithFailure("CreateFileW", 5), 0);
+    EXPECT_THAT(
+        log_.Messages(),
+        ElementsAre(
+            LogLine{support::kHostError,
+                    "GetDriveLayout: Opening the drive \\\\.\\PhysicalDrive0 failed error=5 0x5"},
+            LogLine{support::kHostWarning, "EnumDisk::DiskUsable will return error. Drive 0: error=5"}));
+}
+
+TEST_F(PhysicalDrivesIndexes, LengthNotReady_IsUnavailableAndItsFailureATrace) {
+    EXPECT_EQ(ListWithFailure(enum_machine::kLength, 21), 1);
+    EXPECT_THAT(indexes_, ElementsAre(1U));
+    EXPECT_TRUE(
+        log_.Contains(support::kHostTrace, "Get length of drive \\\\.\\PhysicalDrive0 failed error=21"))
+        << log_;
+    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostWarning,
+                                                     "EnumDisk::DiskUsable Drive 0: unavailable error=21"}));
+}
+
+TEST_F(PhysicalDrivesIndexes, LengthFailsOtherwise_EndsTheListingWithError) {
+    for (const DWORD error : {170, 2, 5}) {
+        log_.Clear();
+        EXPECT_EQ(ListWithFailure(enum_machine::kLength, error), 0) << error;
+        EXPECT_THAT(log_.Messages(),
+                    ElementsAre(LogLine{
+                        support::kHostWarning,
+                        "EnumDisk::DiskUsable will return error. Drive 0: error=" + std::to_string(error)}));
+    }
+}
+
+TEST_F(PhysicalDrivesIndexes, ErrorOfALaterDisk_KeepsTheEarlierOnes) {
+    Use(enum_machine::kTwoMbr);
+    faults().Fail(enum_machine::kLayoutEx, 5, enum_machine::kDrive1);
+    EXPECT_EQ(List(), 0);
+    EXPECT_THAT(indexes_, ElementsAre(0U));
+    EXPECT_EQ(maximum_, 1);
+}
+
+TEST_F(PhysicalDrivesIndexes, WmiWithoutConnection_FailsWithItsLine) {
+    Use(enum_machine::kTwoMbr);
+    faults().Fail("IWbemLocator::ConnectServer", 0x80041003);
+    EXPECT_EQ(List(), 0);
+    EXPECT_EQ(maximum_, -1);
+    EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes wmi not initialized")) << log_;
+}
+
+TEST_F(PhysicalDrivesIndexes, ResetOrFirstFetchFails_FailsWithItsLine) {
+    for (const char* const call : {"IEnumWbemClassObject::Reset", "IEnumWbemClassObject::Next"}) {
+        Use(enum_machine::kTwoMbr);
+        faults().Fail(call, 0x80041003);
+        log_.Clear();
+        EXPECT_EQ(List(), 0);
+        EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError,
+                                                         "GetPhysicalDrivesIndexes FindFirstObject failed"}));
+    }
+}
+
+TEST_F(PhysicalDrivesIndexes, NoDrives_FailLikeAFailingFirstFetch) {
+    UseExample("no-disks.json");
+    EXPECT_EQ(List(), 0);
+    EXPECT_EQ(maximum_, -1);
+    EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes FindFirstObject failed"))
+        << log_;
+}
+
+TEST_F(PhysicalDrivesIndexes, IndexNotReadable_FailsWithItsLine) {
+    Use(enum_machine::kTwoMbr);
+    faults().Add({"IWbemClassObject::Get", L"Win32_DiskDrive.Index", 2, false, {}, {}});
+    EXPECT_EQ(List(), 0);
+    EXPECT_THAT(indexes_, ElementsAre(0U));
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(LogLine{support::kHostError, "GetPhysicalDrivesIndexes wmi.Get failed"}));
+}
+
+TEST_F(PhysicalDrivesIndexes, ComRefuses_FailsWithItsLine) {
+    Use(enum_machine::kTwoMbr);
+    const support::StubImport refused("CoInitializeEx", &::CoInitializeEx,
+                                      [](void*, DWORD) -> HRESULT { return E_OUTOFMEMORY; });
+    EXPECT_EQ(List(), 0);
+    EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes InitializeCOM error")) << log_;
+    EXPECT_TRUE(log_.Contains(support::kHostError,
+                              "CoInitializeEx failed error=0x8007000e calling function "
+                              "EnumDisk::GetPhysicalDrivesIndexes"))
+        << log_;
+    EXPECT_EQ(simulation().calls().size(), 0U);
+}
+
+TEST_F(PhysicalDrivesIndexes, Query_IsForAllDiskDrivesAndTraced) {
+    Use(enum_machine::kTwoMbr);
+    List();
+    EXPECT_THAT(ObjectsOf("IWbemServices::ExecQuery"), ElementsAre(L"Win32_DiskDrive"));
+    EXPECT_TRUE(
+        log_.all().front().text.starts_with("Entering function EnumDisk::GetPhysicalDrivesIndexes line "));
+    EXPECT_TRUE(
+        log_.all().back().text.starts_with("Leaving function EnumDisk::GetPhysicalDrivesIndexes line "));
+    EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function EnumDisk::DiskUsable line "))
+        << log_;
+}
+
+}  // namespace

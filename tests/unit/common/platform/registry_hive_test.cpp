@@ -1,0 +1,224 @@
+// Hives, really loaded and unloaded: a scratch hive file below a directory that plays Windows.
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "common/platform/privileges.h"
+#include "support/logger_capture.h"
+#include "support/stub.h"
+#include "support/text.h"
+#include "unit/common/platform/scratch_key.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+const std::wstring kFound = L"\\system32\\config\\SYSTEM";
+constexpr wchar_t kHiveKey[] = L"ControlSetSearchHive";
+constexpr wchar_t kErrorIn[] = L"Error in CRegistry::GetCurrentControlSetName - ";
+
+// A directory with a SYSTEM hive in the place where Windows has it. Loading takes the privileges of a backup
+// program: where the user may not have them, the tests say so and are skipped.
+class RegistryHive : public testing::Test {
+protected:
+    RegistryHive() : windows_(std::filesystem::temp_directory_path() / ("orvane-hive-" + ProcessId())) {
+        std::filesystem::create_directories(windows_ / "system32" / "config");
+        EnableBackupPrivileges();
+    }
+    ~RegistryHive() override {
+        EXPECT_FALSE(IsLoaded());
+        RegUnLoadKeyW(HKEY_LOCAL_MACHINE, kHiveKey);
+        std::error_code ignored;
+        std::filesystem::remove_all(windows_, ignored);
+    }
+
+    static std::string ProcessId() { return std::to_string(GetCurrentProcessId()); }
+    std::wstring Windows() const { return windows_.wstring(); }
+    std::wstring File() const { return Windows() + kFound; }
+
+    static bool IsLoaded() {
+        HKEY key = nullptr;
+        const bool loaded = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kHiveKey, 0, KEY_READ, &key) == ERROR_SUCCESS;
+        if (loaded) {
+            RegCloseKey(key);
+        }
+        return loaded;
+    }
+
+    // Writes a hive whose key "Select" is filled by `fill`; false where the system does not let us.
+    bool WriteHive(const std::function<void(const ScratchKey&)>& fill, const wchar_t* select = L"Select") {
+        const ScratchKey root;
+        {
+            const ScratchKey below(root.path() + L"\\" + select);
+            fill(below);
+            std::filesystem::remove(windows_ / "system32" / "config" / "SYSTEM");
+            const LSTATUS status = RegSaveKeyW(root.get(), File().c_str(), nullptr);
+            if (status == ERROR_PRIVILEGE_NOT_HELD) {
+                return false;
+            }
+            EXPECT_EQ(status, ERROR_SUCCESS);
+        }
+        log_.Clear();
+        return true;
+    }
+
+    bool WriteCurrent(DWORD number) {
+        return WriteHive([number](const ScratchKey& select) {
+            select.SetNumber(L"Default", 1);
+            select.SetNumber(L"Current", number);
+            select.SetNumber(L"Failed", 7);
+        });
+    }
+
+    // The error that the search throws; empty when it throws none.
+    std::wstring ErrorOf(const std::wstring& windows) {
+        try {
+            registry_.GetCurrentControlSetName(windows);
+        } catch (const std::wstring& error) {
+            return error;
+        }
+        return {};
+    }
+
+    std::filesystem::path windows_;
+    CRegistry registry_;
+    support::LoggerCapture log_;
+};
+
+constexpr char kNoPrivilege[] = "this user may not save registry keys";
+
+TEST_F(RegistryHive, LoadAndUnload_BringAndTakeTheKeysOfTheFile) {
+    if (!WriteCurrent(12)) {
+        GTEST_SKIP() << kNoPrivilege;
+    }
+    ASSERT_TRUE(registry_.LoadHive(HKEY_LOCAL_MACHINE, kHiveKey, File()));
+    EXPECT_TRUE(registry_.VerifyKeyExistance(HKEY_LOCAL_MACHINE, L"ControlSetSearchHive\\Select"));
+    EXPECT_TRUE(registry_.UnloadHive(HKEY_LOCAL_MACHINE, kHiveKey));
+    EXPECT_FALSE(IsLoaded());
+    EXPECT_THAT(
+        log_.Lines(support::kHostTrace),
+        ElementsAre("CRegistry::LoadHive subKey=ControlSetSearchHive file=" + support::Utf8(File()) + " res0",
+                    "CRegistry::UnloadHive subKey=ControlSetSearchHive res0"));
+}
+
+TEST_F(RegistryHive, LoadOfAMissingFile_IsFalseWithTheCode) {
+    EXPECT_FALSE(registry_.LoadHive(HKEY_LOCAL_MACHINE, kHiveKey, File()));
+    ASSERT_EQ(log_.all().size(), 1U);
+    EXPECT_TRUE(log_.all()[0].text.starts_with("CRegistry::LoadHive subKey=ControlSetSearchHive file="))
+        << log_;
+    EXPECT_FALSE(log_.all()[0].text.ends_with(" res0")) << log_;
+}
+
+TEST_F(RegistryHive, UnloadOfWhatIsNotLoaded_IsFalseWithTheCode) {
+    EXPECT_FALSE(registry_.UnloadHive(HKEY_LOCAL_MACHINE, kHiveKey));
+    ASSERT_EQ(log_.all().size(), 1U);
+    EXPECT_TRUE(log_.all()[0].text.starts_with("CRegistry::UnloadHive subKey=ControlSetSearchHive res"))
+        << log_;
+    EXPECT_FALSE(log_.all()[0].text.ends_with(" res0")) << log_;
+}
+
+TEST_F(RegistryHive, CurrentControlSet_HasThreeDigitsAndIsUnloadedAgain) {
+    for (const auto& [number, name] : {std::pair{0U, L"ControlSet000"}, std::pair{1U, L"ControlSet001"},
+                                       std::pair{12U, L"ControlSet012"}, std::pair{999U, L"ControlSet999"}}) {
+        if (!WriteCurrent(number)) {
+            GTEST_SKIP() << kNoPrivilege;
+        }
+        EXPECT_EQ(registry_.GetCurrentControlSetName(Windows()), name);
+        EXPECT_FALSE(IsLoaded());
+    }
+}
+
+TEST_F(RegistryHive, CurrentControlSet_LeavesTheKeyBeforeTheHive) {
+    if (!WriteCurrent(1)) {
+        GTEST_SKIP() << kNoPrivilege;
+    }
+    registry_.GetCurrentControlSetName(Windows());
+    const std::vector<std::string> lines = log_.Lines(support::kHostTrace);
+    EXPECT_THAT(
+        lines,
+        ElementsAre("CRegistry::LoadHive subKey=ControlSetSearchHive file=" + support::Utf8(File()) + " res0",
+                    "Function OpenKey", "Opening the Key",
+                    "CRegistry::OpenKey keyName=ControlSetSearchHive\\Select access=0x20019 res=0",
+                    "bRet is TRUE", "Exiting OpenKey", "Function CloseKey", "CRegistry::CloseKey res=0",
+                    "bRet is TRUE", "Exiting CloseKey",
+                    "CRegistry::UnloadHive subKey=ControlSetSearchHive res0"));
+}
+
+TEST_F(RegistryHive, CurrentControlSet_DirectoryWithABackslash_IsTheSame) {
+    if (!WriteCurrent(3)) {
+        GTEST_SKIP() << kNoPrivilege;
+    }
+    EXPECT_EQ(registry_.GetCurrentControlSetName(Windows() + L"\\"), L"ControlSet003");
+    EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, " file=" + support::Utf8(File()) + " res0")) << log_;
+}
+
+TEST_F(RegistryHive, CurrentControlSet_1000_IsTooBigAndTheHiveUnloaded) {
+    if (!WriteCurrent(1000)) {
+        GTEST_SKIP() << kNoPrivilege;
+    }
+    EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Current ControlSet number too big"));
+    EXPECT_FALSE(IsLoaded());
+}
+
+TEST_F(RegistryHive, CurrentControlSet_OfAnotherType_IsNotFound) {
+    if (!WriteHive([](const ScratchKey& select) { select.SetText(L"Current", L"1"); })) {
+        GTEST_SKIP() << kNoPrivilege;
+    }
+    EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Failed to find current ControlSet"));
+    EXPECT_FALSE(IsLoaded());
+}
+
+TEST_F(RegistryHive, CurrentControlSet_OtherNamesOnly_AreNotFound) {
+    if (!WriteHive([](const ScratchKey& select) {
+            select.SetNumber(L"Currents", 1);
+            select.SetNumber(L"Curren", 2);
+        })) {
+        GTEST_SKIP() << kNoPrivilege;
+    }
+    EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Failed to find current ControlSet"));
+}
+
+TEST_F(RegistryHive, CurrentControlSet_ValueTooLongBeforeIt_EndsTheSearch) {
+    if (!WriteHive([](const ScratchKey& select) {
+            select.Set(L"A", REG_BINARY, std::string(40'000, 'x').data(), 40'000);
+            select.SetNumber(L"Current", 1);
+        })) {
+        GTEST_SKIP() << kNoPrivilege;
+    }
+    EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Failed to find current ControlSet"));
+    EXPECT_FALSE(IsLoaded());
+}
+
+TEST_F(RegistryHive, CurrentControlSet_NoSelectKey_FailsWithItsPathAndUnloads) {
+    if (!WriteHive([](const ScratchKey& select) { select.SetNumber(L"Current", 1); }, L"Other")) {
+        GTEST_SKIP() << kNoPrivilege;
+    }
+    EXPECT_EQ(ErrorOf(Windows()),
+              kErrorIn + std::wstring(L"Failed to open the Key ControlSetSearchHive\\Select"));
+    EXPECT_FALSE(IsLoaded());
+    EXPECT_TRUE(log_.Contains(support::kHostTrace, "CRegistry::UnloadHive subKey=ControlSetSearchHive res0"))
+        << log_;
+}
+
+TEST_F(RegistryHive, CurrentControlSet_NoHive_FailsWithItsFile) {
+    EXPECT_EQ(ErrorOf(Windows()), kErrorIn + (L"Failed to load the system hive " + File()));
+    EXPECT_EQ(ErrorOf(Windows() + L"\\"), kErrorIn + (L"Failed to load the system hive " + File()));
+}
+
+TEST_F(RegistryHive, CurrentControlSet_NoHive_UnloadsNothing) {
+    ErrorOf(Windows());
+    EXPECT_FALSE(log_.ContainsPart(support::kHostTrace, "CRegistry::UnloadHive")) << log_;
+}
+
+TEST_F(RegistryHive, CurrentControlSet_NumberCutShort_IsNotFound) {
+    if (!WriteHive([](const ScratchKey& select) { select.Set(L"Current", REG_DWORD, "\1\0", 2); })) {
+        GTEST_SKIP() << kNoPrivilege;
+    }
+    EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Failed to find current ControlSet"));
+}
+
+}  // namespace

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "common/platform/registry.h"
+
+/// A key of the test's own below HKEY_CURRENT_USER, which goes with the object. Not volatile: a volatile
+/// key would take no plain keys below it and would not be saved.
+class ScratchKey {
+public:
+    ScratchKey() : ScratchKey(L"Software\\OrvaneTest-" + std::to_wstring(GetCurrentProcessId())) {}
+    explicit ScratchKey(std::wstring path) : path_(std::move(path)) {
+        EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                  KEY_ALL_ACCESS, nullptr, &key_, nullptr),
+                  ERROR_SUCCESS);
+    }
+    ~ScratchKey() {
+        RegCloseKey(key_);
+        RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
+    }
+    ScratchKey(const ScratchKey&) = delete;
+    ScratchKey& operator=(const ScratchKey&) = delete;
+
+    HKEY get() const { return key_; }
+    const std::wstring& path() const { return path_; }
+
+    void Set(const wchar_t* name, DWORD type, const void* data, std::size_t bytes) const {
+        EXPECT_EQ(
+            RegSetValueExW(key_, name, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(bytes)),
+            ERROR_SUCCESS);
+    }
+    void SetText(const wchar_t* name, const std::wstring& text, DWORD type = REG_SZ) const {
+        Set(name, type, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+    }
+    void SetNumber(const wchar_t* name, DWORD number) const { Set(name, REG_DWORD, &number, sizeof(number)); }
+
+private:
+    std::wstring path_;
+    HKEY key_ = nullptr;
+};
