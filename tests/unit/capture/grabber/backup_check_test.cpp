@@ -217,6 +217,15 @@ TEST_F(BackupCheck, RefusedDiskBesideRefusedVolume_LogsTheVolumeFirst) {
             "Disk 2 cannot be backed up because:", "Unknown disk partition style 2"));
 }
 
+TEST_F(BackupCheck, UnknownDiskBesideRefusedVolume_IsLoggedBetweenTheReports) {
+    EXPECT_FALSE(Whole({kUnknownVolume}, {{9, 0}}));
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                ElementsAre("Backup cannot proceed. Failed to find any information about volume "
+                            "\\\\?\\Volume{99999999-0000-0000-0000-000000000000}\\.",
+                            "orvane::InfoGrabber::CanBackup Can't find requested disk 9",
+                            "Backup cannot proceed. Failed to find any information about requested disk 9."));
+}
+
 TEST_F(BackupCheck, RefusedVolumeBesidePassingDisk_Fails) {
     EXPECT_FALSE(Whole({kUnknownVolume}, {{0, kMiB}}));
     EXPECT_EQ(log_.Count(support::kHostError), 1U) << log_;

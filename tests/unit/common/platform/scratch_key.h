@@ -13,6 +13,7 @@ class ScratchKey {
 public:
     ScratchKey() : ScratchKey(L"Software\\OrvaneTest-" + std::to_wstring(GetCurrentProcessId())) {}
     explicit ScratchKey(std::wstring path) : path_(std::move(path)) {
+        RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());  // what a crashed run left behind
         EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                   KEY_ALL_ACCESS, nullptr, &key_, nullptr),
                   ERROR_SUCCESS);
