@@ -44,8 +44,9 @@ uint32_t GetOrvaneVersion(void);
  * to the debugger output. */
 void SetEventFunc(OrvaneEventCallback callback);
 
-/* Chooses the format of the document; 2 at first. Any value is taken. Only format 3 is available in this
- * version of the library: a capture in any other fails. */
+/* Chooses the format of the document. 2, the default: flat tables of disks, partitions and volumes. 1: the
+ * same tables, collected by the older enumerator, which describes MBR disks only and judges nothing. 3: every
+ * disk and volume as it sees itself. Any other value is taken for 2. */
 void SetXmlFormat(uint32_t format);
 
 /* Replaces the list of volumes that are to be backed up and returns how many it now holds. `volume_guid_list`

@@ -3,7 +3,7 @@
 #include "export/capture_fixture.h"
 #include "machine/wmi_defaults.h"
 #include "support/scoped_import.h"
-#include "unit/capture/xml_tree.h"
+#include "support/xml_tree.h"
 
 #include <gmock/gmock.h>
 #include <objbase.h>

@@ -1,6 +1,8 @@
 // The caller's side of a capture: buffer, size, status.
 
 #include "export/capture_fixture.h"
+#include "support/own_process.h"
+#include "support/xml_tree.h"
 
 #include <gmock/gmock.h>
 
@@ -101,22 +103,49 @@ TEST_F(CaptureProtocol, Format_IsThatOfTheLastSetting) {
     EXPECT_EQ(Capture(0).status, ORVANE_BUFFER_TOO_SMALL);
 }
 
-// Their grabbers are not there yet.
-class UnavailableFormat : public CaptureTest, public testing::WithParamInterface<std::uint32_t> {};
+// --- Which document a format means: by its version.
 
-TEST_P(UnavailableFormat, Capture_FailsForWantOfAGrabber) {
-    library_.SetXmlFormat(GetParam());
-    ExpectFailure();
-    EXPECT_TRUE(log_.Contains(support::kHostTrace,
-                              "CaptureSystemRestorePointInfo gSaveXmlFormat=" + std::to_string(GetParam())))
-        << log_;
-    EXPECT_THAT(
-        log_.Lines(support::kHostError),
-        testing::ElementsAre("Invalid type of information grabber",
-                             "CaptureSystemRestorePointInfo Env Exception: Failed to obtain information "
-                             "grabber"));
+struct FormatCase {
+    std::uint32_t format;
+    const char* version;
+};
+
+void PrintTo(const FormatCase& format_case, std::ostream* out) {
+    *out << format_case.format;
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, UnavailableFormat, testing::Values(0U, 1U, 2U, 4U, 7U, 0xFFFFFFFFU));
+class DocumentOfFormat : public CaptureTest, public testing::WithParamInterface<FormatCase> {
+protected:
+    DocumentOfFormat() : CaptureTest(Machine("bios-laptop")) {}
+};
+
+TEST_P(DocumentOfFormat, Version_IsThatOfItsGrabber) {
+    library_.SetXmlFormat(GetParam().format);
+    log_.Clear();
+    EXPECT_EQ(XmlTree::Of(Document()).Child("BMREnvInfo").Child("Version").text, GetParam().version);
+    EXPECT_TRUE(log_.Contains(support::kHostTrace, "CaptureSystemRestorePointInfo gSaveXmlFormat=" +
+                                                       std::to_string(GetParam().format)))
+        << log_;
+    EXPECT_FALSE(log_.Contains(support::kHostError, "Invalid type of information grabber")) << log_;
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, DocumentOfFormat,
+                         testing::Values(FormatCase{0, "5"}, FormatCase{1, "3"}, FormatCase{2, "5"},
+                                         FormatCase{3, "7"}, FormatCase{4, "5"}, FormatCase{7, "5"},
+                                         FormatCase{0xFFFFFFFF, "5"}));
+
+// Before anything was chosen: in a process of its own, as the setting is the process's.
+TEST(DefaultFormat, Capture_IsThatOfFormat2) {
+    if (!support::InOwnProcess()) {
+        return;
+    }
+    const ShippedLibrary& library = ShippedLibrary::Get();
+    const machine::Session session(
+        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation.json"));
+    const support::LogCapture log(library.SetEventFunc);
+    EXPECT_EQ(library.CaptureSystemRestorePointInfo(nullptr, 0, nullptr), ORVANE_BUFFER_TOO_SMALL);
+    EXPECT_TRUE(log.Contains(support::kHostTrace, "CaptureSystemRestorePointInfo gSaveXmlFormat=2")) << log;
+    EXPECT_TRUE(log.ContainsPart(support::kHostTrace, "orvane::InfoGrabberV2::ObtainInformation")) << log;
+}
 
 }  // namespace

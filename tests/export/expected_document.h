@@ -1,7 +1,7 @@
 #pragma once
 
 #include "machine/description.h"
-#include "unit/capture/xml_tree.h"
+#include "support/xml_tree.h"
 
 /// The document of format 3 that a capture of the described machine must give, made from the description
 /// alone and by the layout's tables alone: no line of the library has a part in it. The machine's calls must

@@ -3,7 +3,7 @@
 // The parts of ExpectedDocument.
 
 #include "machine/description.h"
-#include "unit/capture/xml_tree.h"
+#include "support/xml_tree.h"
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
 // Every call of a capture fails once, in its turn: a status and a line of the log, never more.
 
 #include "export/capture_fixture.h"
+#include "support/xml_tree.h"
 #include "unit/capture/grabber/mixed_machine.h"
-#include "unit/capture/xml_tree.h"
 
 namespace {
 

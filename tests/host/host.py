@@ -6,6 +6,7 @@ They run the program of ORVANE_EXE, on a build machine without Windows through t
 import functools
 import os
 import pathlib
+import re
 import subprocess
 import tempfile
 import unittest
@@ -14,6 +15,9 @@ import xml.etree.ElementTree as ElementTree
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLES = ROOT / "examples/machines"
 PROGRAM = pathlib.Path(os.environ["ORVANE_EXE"])
+
+# Where the flat formats name a volume.
+GUID_TEXTS = {"m_GUID", "m_guidVolume", "m_guidBootVolume", "m_guidSystemVolume"}
 
 # The code page that belongs to the locale below.
 ANSI = "cp1252"
@@ -49,13 +53,20 @@ def capture(*arguments):
 
 
 def content(document):
-    """A document as nested (name, text or children), without layout and without the addresses of GPT disks."""
+    """A document as nested (name, text or children), without layout and without what differs from run to run:
+    the addresses of GPT disks, and the GUIDs that format 2 makes for the volumes (numbered as they appear)."""
+    made = {}
+
+    def text_of(element):
+        text = element.text or ""
+        if element.tag == "GUID":
+            return "an address" if int(text, 16) else "nothing"
+        if element.tag in GUID_TEXTS and re.fullmatch(r"\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\}", text):
+            return made.setdefault(text, f"made {len(made) + 1}")
+        return text
 
     def of(element):
-        children = [of(child) for child in element]
-        if element.tag == "GUID":
-            return (element.tag, "an address" if int(element.text, 16) else "nothing")
-        return (element.tag, children or element.text or "")
+        return (element.tag, [of(child) for child in element] or text_of(element))
 
     return of(ElementTree.fromstring(document))
 

@@ -8,6 +8,11 @@ from host import ANSI, EXAMPLES, HostTest, capture, content, run
 
 DECLARATION = b'<?xml version="1.0" encoding="UTF-8"?>\n'
 
+# The children of BMREnvInfo.
+HEAD = ["Version", "DllVersion", "Processor", "ComputerSystem", "BootConfiguration", "OS"]
+FLAT = ["DiskDrives", "VolumeTable", "DriveLetterTable", "BootConfig", "BootIniContents"]
+MODEL = ["DeviceInfo", "VolumeInfo"]
+
 
 def child(tree, *names):
     for name in names:
@@ -29,33 +34,47 @@ class Document(HostTest):
     def test_default_is_the_readable_document_of_the_workstation(self):
         result = capture()
         self.assert_done(result)
-        self.assertTrue(result.out.startswith(DECLARATION + b"<root>\n  <BMREnvInfo>\n    <Version>7</Version>\n"))
+        self.assertTrue(result.out.startswith(DECLARATION + b"<root>\n  <BMREnvInfo>\n    <Version>5</Version>\n"))
         self.assertTrue(result.out.endswith(b"\n  </BMREnvInfo>\n</root>\n"))
         self.assertNotIn(b"\r", result.out)
         self.assert_well_formed(result.out)
         workstation = capture("--machine", EXAMPLES / "uefi-workstation.json")
         self.assertEqual(content(result.out), content(workstation.out))
 
-    def test_every_example_is_captured(self):
+    def test_every_example_is_captured_in_the_formats_with_a_judgement(self):
         for machine in sorted(EXAMPLES.glob("*.json")):
-            with self.subTest(machine=machine.name):
-                disks = json.loads(machine.read_text(encoding="utf-8")).get("disks", [])
-                result = capture("--machine", machine)
-                # A machine without a disk cannot be captured.
-                self.assertEqual(result.code, 0 if disks else 1, result.errors)
-                if disks:
-                    self.assert_well_formed(result.out)
-                    self.assertEqual(child(content(result.out), "BMREnvInfo", "DeviceInfo", "NumberOfDisks")[1],
-                                     str(len(disks)))
-                else:
-                    self.assertEqual(result.out, b"")
+            disks = json.loads(machine.read_text(encoding="utf-8")).get("disks", [])
+            # Format 2 has a row for every number up to the largest, format 3 an element for every disk.
+            rows = 1 + max((disk["index"] for disk in disks), default=-1)
+            for number, counter, count in ((2, ("DiskDrives", "size_idx"), rows),
+                                           (3, ("DeviceInfo", "NumberOfDisks"), len(disks))):
+                with self.subTest(machine=machine.name, format=number):
+                    result = capture("--machine", machine, "--format", number)
+                    # A machine without a disk cannot be captured.
+                    self.assertEqual(result.code, 0 if disks else 1, result.errors)
+                    if disks:
+                        self.assert_well_formed(result.out)
+                        self.assertEqual(child(content(result.out), "BMREnvInfo", *counter)[1], str(count))
+                    else:
+                        self.assertEqual(result.out, b"")
+
+    def test_format_chooses_the_layout(self):
+        laptop = EXAMPLES / "bios-laptop.json"
+        for number, version, sections in ((0, "5", FLAT), (1, "3", FLAT), (2, "5", FLAT), (3, "7", MODEL),
+                                          (4, "5", FLAT), (7, "5", FLAT)):
+            with self.subTest(format=number):
+                result = capture("--machine", laptop, "--format", number)
+                self.assert_done(result)
+                environment = content(result.out)[1][0]
+                self.assertEqual([name for name, _ in environment[1]], HEAD + sections)
+                self.assertEqual(child(environment, "Version")[1], version)
 
     def test_raw_document_has_the_same_content(self):
         for machine in ("uefi-workstation", "spanned-dynamic"):
             with self.subTest(machine=machine):
                 file = EXAMPLES / f"{machine}.json"
-                readable = capture("--machine", file)
-                raw = capture("--machine", file, "--raw")
+                readable = capture("--machine", file, "--format", 3)
+                raw = capture("--machine", file, "--format", 3, "--raw")
                 self.assertEqual((raw.code, raw.errors), (readable.code, readable.errors))
                 self.assertTrue(raw.out.startswith(b"<root>"))
                 self.assertTrue(raw.out.endswith(b"</root>"))
@@ -65,8 +84,8 @@ class Document(HostTest):
     def test_letters_of_the_code_page_become_utf8(self):
         label = "\u00dcbung \u20ac & <Ma\u00df> "
         file = self.machine(label)
-        readable = run("capture", "--machine", file)
-        raw = run("capture", "--machine", file, "--raw")
+        readable = run("capture", "--machine", file, "--format", 3)
+        raw = run("capture", "--machine", file, "--format", 3, "--raw")
         self.assert_done(readable)
         self.assert_done(raw)
         self.assert_well_formed(readable.out)

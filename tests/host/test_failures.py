@@ -71,7 +71,7 @@ class Log(HostTest):
         result = run("capture", "--log", file)
         self.assert_done(result)
         lines = file.read_text(encoding="utf-8").splitlines()
-        self.assertIn("trace: CaptureSystemRestorePointInfo gSaveXmlFormat=3", lines)
+        self.assertIn("trace: CaptureSystemRestorePointInfo gSaveXmlFormat=2", lines)
         # The size query and the capture.
         self.assertEqual(lines.count("trace: Entering CaptureSystemRestorePointInfo"), 2)
         self.assertEqual(lines.count("trace: Exiting CaptureSystemRestorePointInfo"), 2)

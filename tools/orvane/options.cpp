@@ -68,9 +68,9 @@ CLI::App* AddCapture(CLI::App& app, CaptureOptions& options, Texts& texts) {
     CLI::App* const capture = app.add_subcommand("capture", kCaptureDescription);
     capture->footer(kCaptureFooter);
     capture
-        ->add_option("--format", options.format, "Format of the document: 1, 2 or 3; only 3 is available yet")
+        ->add_option("--format", options.format,
+                     "Format of the document: 1, 2 or 3; the library takes any other number for 2")
         ->type_name("N")
-        ->check(CLI::IsMember({1U, 2U, 3U}).description(""))
         ->capture_default_str();
     capture
         ->add_option("--volume", texts.volumes,

@@ -17,8 +17,8 @@ enum ExitCode : int {
     kExitBadUsage = 2,  // arguments or a machine description that cannot be used
 };
 
-// The library's own default, format 2, is not available yet.
-inline constexpr std::uint32_t kDefaultFormat = 3;
+// The library's own.
+inline constexpr std::uint32_t kDefaultFormat = 2;
 
 // An argument that could be read and yet cannot be used. what() is UTF-8.
 class UsageError : public std::runtime_error {

@@ -38,7 +38,7 @@ TEST(ParseArguments, Version_IsRecognised) {
 
 TEST(ParseArguments, BareCapture_HasTheDefaults) {
     const CaptureOptions options = Captured({L"capture"});
-    EXPECT_EQ(options.format, 3U);
+    EXPECT_EQ(options.format, 2U);
     EXPECT_THAT(options.volumes, IsEmpty());
     EXPECT_FALSE(options.machine);
     EXPECT_FALSE(options.output);
@@ -74,7 +74,7 @@ TEST(ParseArguments, NationalLettersInPaths_AreKept) {
 }
 
 TEST(ParseArguments, EqualsSign_JoinsNameAndValue) {
-    EXPECT_EQ(Captured({L"capture", L"--format=2"}).format, 2U);
+    EXPECT_EQ(Captured({L"capture", L"--format=3"}).format, 3U);
 }
 
 class ParseArgumentsHelp : public testing::TestWithParam<std::vector<std::wstring>> {};
@@ -123,8 +123,7 @@ INSTANTIATE_TEST_SUITE_P(
         std::vector<std::wstring>{L"--raw"}, std::vector<std::wstring>{L"capture", L"--frobnicate"},
         std::vector<std::wstring>{L"capture", L"extra"}, std::vector<std::wstring>{L"version", L"extra"},
         std::vector<std::wstring>{L"capture", L"version"}, std::vector<std::wstring>{L"capture", L"--format"},
-        std::vector<std::wstring>{L"capture", L"--format", L"0"},
-        std::vector<std::wstring>{L"capture", L"--format", L"4"},
+        std::vector<std::wstring>{L"capture", L"--format", L"4294967296"},
         std::vector<std::wstring>{L"capture", L"--format", L"-1"},
         std::vector<std::wstring>{L"capture", L"--format", L"three"},
         std::vector<std::wstring>{L"capture", L"--format", L"1", L"--format", L"3"},

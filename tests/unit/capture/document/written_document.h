@@ -3,7 +3,7 @@
 #include "common/platform/com_enabler.h"
 #include "common/xml/ms_xml.h"
 #include "support/text.h"
-#include "unit/capture/xml_tree.h"
+#include "support/xml_tree.h"
 
 #include <stdexcept>
 

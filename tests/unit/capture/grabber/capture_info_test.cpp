@@ -4,8 +4,8 @@
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
 #include "support/text.h"
+#include "support/xml_tree.h"
 #include "unit/capture/grabber/fake_grabber.h"
-#include "unit/capture/xml_tree.h"
 
 #include <boost/make_shared.hpp>
 #include <gmock/gmock.h>

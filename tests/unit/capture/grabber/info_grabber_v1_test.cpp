@@ -1,8 +1,8 @@
 #include "capture/grabber/info_grabber_v1.h"
 
 #include "support/logger_capture.h"
+#include "support/xml_tree.h"
 #include "unit/capture/grabber/example_machine.h"
-#include "unit/capture/xml_tree.h"
 
 #include <boost/make_shared.hpp>
 #include <gmock/gmock.h>

@@ -5,8 +5,8 @@
 #include "machine/text.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
+#include "support/xml_tree.h"
 #include "unit/capture/grabber/example_machine.h"
-#include "unit/capture/xml_tree.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -4,8 +4,8 @@
 #include "machine/wmi_defaults.h"
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
+#include "support/xml_tree.h"
 #include "unit/capture/grabber/mixed_machine.h"
-#include "unit/capture/xml_tree.h"
 
 #include <boost/make_shared.hpp>
 #include <gmock/gmock.h>

@@ -153,14 +153,15 @@ inline XmlTree XmlTree::Of(std::string_view xml) {
     return root;
 }
 
-inline void PrintTo(const XmlTree& element, std::ostream* out, int depth) {
-    *out << '\n'
-         << std::string(static_cast<std::size_t>(2 * depth), ' ') << element.name << ": " << element.text;
+/// The document as indented lines, `name: text`.
+inline std::string Lines(const XmlTree& element, std::size_t depth = 0) {
+    std::string lines = std::string(2 * depth, ' ') + element.name + ": " + element.text + "\n";
     for (const XmlTree& child : element.children) {
-        PrintTo(child, out, depth + 1);
+        lines += Lines(child, depth + 1);
     }
+    return lines;
 }
 
 inline void PrintTo(const XmlTree& element, std::ostream* out) {
-    PrintTo(element, out, 0);
+    *out << '\n' << Lines(element);
 }
