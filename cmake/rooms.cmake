@@ -25,7 +25,7 @@ orvane_room(NAME orvane_grabber DIR src/capture/grabber
     USES orvane_document orvane_environment orvane_volume orvane_disk orvane_enumdisk orvane_xml orvane_platform
          orvane_logger)
 orvane_room(NAME orvane_exports DIR src/capture/exports
-    USES orvane_grabber orvane_platform orvane_logger)
+    USES orvane_grabber orvane_environment orvane_disk orvane_enumdisk orvane_platform orvane_logger)
 
 # Beside the library: the described machine and the host. Neither sees any room of src/.
 orvane_room(NAME orvane_machine DIR machine ROOT .

@@ -5,14 +5,22 @@
  * Orvane describes the machine that it runs on to a backup agent.
  *
  * Rules for every function:
- * 1. Call from one thread at a time. The library has no threads of its own and calls back on the calling
- * thread, before the function returns.
- * 2. Settings belong to the process and persist from call to call. Everything else is collected anew by each
- * call.
- * 3. Memory that you pass stays yours and is not kept after the call; the callback pointer alone is kept.
- * 4. No exception leaves a function. Failures are told by the status and by lines in the log.
- * 5. Wide texts are UTF-16. The document and the callback's text are 8-bit: the document in the system's ANSI
- * code page, the callback's text in the C runtime's current locale.
+ * 1. Threads. Call from one thread at a time. The library has no threads of its own; the callback is called
+ * on the calling thread, before the function returns.
+ * 2. State. The settings (callback, format, selected volumes) belong to the process and persist from call to
+ *    call. Everything else is collected anew by each call.
+ * 3. Ownership. Memory that you pass stays yours and is not kept after the call; the callback pointer alone
+ * is kept. The library hands out no memory: nothing is to be freed.
+ * 4. Null. A null pointer is allowed where this header says so, and nowhere a crash of the library's own.
+ * 5. Failure. No exception leaves a function. Failures are told by the status and by lines in the log. Where
+ * a function fails, what it would have stored is left as it was.
+ * 6. Text. Wide texts are UTF-16. The document and the callback's text are 8-bit: the document in the system's
+ *    ANSI code page, with the system's substitute for what it lacks; the callback's text in the C runtime's
+ *    current locale, where a line beginning "ASSERTION FAILED" stands for one that the locale cannot express.
+ *    The locale that a process begins with knows no letter beyond Latin-1: call setlocale(LC_CTYPE, "") first.
+ * 7. COM. Formats 1 and 2 and the dumps initialise COM on the calling thread for the length of the call, as a
+ *    single-threaded apartment; format 3 needs it initialised by the caller. Do not call from a thread of the
+ *    multithreaded apartment: each use of COM there takes back an initialisation that is not the library's.
  */
 
 #include <stdint.h>
@@ -34,7 +42,7 @@ extern "C" {
 #define ORVANE_LEVEL_ERROR 3
 
 /* Receives one message of the log: its level and its text, terminated, at most 254 characters, valid during
- * the call only. Must not throw and must not call the library. */
+ * the call only. Longer messages are cut. Must not throw and must not call the library. */
 typedef void (*OrvaneEventCallback)(int32_t level, const char* text);
 
 /* The version of this interface, always 4. */
@@ -56,14 +64,30 @@ void SetXmlFormat(uint32_t format);
  */
 int64_t SetupSelectedVolumesList(const wchar_t* volume_guid_list, uint64_t count);
 
-/* Describes the machine as an XML document, after judging whether every selected volume can be backed up.
+/* Describes the machine as an XML document, after judging whether every selected volume can be backed up
+ * (formats 2 and 3).
  * `buffer` receives the document without a terminator when `buffer_size` bytes are enough. `required_size`
  * (may be NULL) receives its length in bytes with ORVANE_SUCCESS and ORVANE_BUFFER_TOO_SMALL, and is left
  * alone otherwise. To learn the size, call with a size of 0.
- * Format 3 needs COM initialised on the calling thread as a single-threaded apartment
- * (COINIT_APARTMENTTHREADED). On a thread of the multithreaded apartment each capture takes back
- * initialisations that are not its own. */
+ * Format 3 fails where COM is not initialised on the calling thread (COINIT_APARTMENTTHREADED). */
 uint32_t CaptureSystemRestorePointInfo(char* buffer, uint32_t buffer_size, uint32_t* required_size);
+
+/* The dumps: each writes what it finds into the log, for support staff, as lines of level
+ * ORVANE_LEVEL_INFORMATION, and what it could not find out as lines of level ORVANE_LEVEL_ERROR. Without a
+ * callback only the latter are seen. None touches the settings or looks at the selected volumes. */
+
+/* Processor, boot configuration, computer system and operating system, as the management interface has them.
+ */
+void WMIDumpInfo(void);
+
+/* Every physical disk with its partition table, and whether it can be backed up. */
+void DiskDumpInfo(void);
+
+/* Every volume, and whether it can be backed up, whatever the format and the selected volumes. */
+void VolumeDumpInfo(void);
+
+/* The version of the library, and whether the machine was started by BIOS or UEFI firmware. */
+void FirmwareDumpInfo(void);
 
 #ifdef __cplusplus
 }

@@ -26,6 +26,10 @@ ShippedLibrary::ShippedLibrary() : module(LoadLibraryA(ORVANE_DLL_PATH)) {
     Find(module, SetXmlFormat, "SetXmlFormat");
     Find(module, SetupSelectedVolumesList, "SetupSelectedVolumesList");
     Find(module, CaptureSystemRestorePointInfo, "CaptureSystemRestorePointInfo");
+    Find(module, WMIDumpInfo, "WMIDumpInfo");
+    Find(module, DiskDumpInfo, "DiskDumpInfo");
+    Find(module, VolumeDumpInfo, "VolumeDumpInfo");
+    Find(module, FirmwareDumpInfo, "FirmwareDumpInfo");
 }
 
 const ShippedLibrary& ShippedLibrary::Get() {

@@ -18,6 +18,10 @@ public:
     decltype(&::SetXmlFormat) SetXmlFormat;
     decltype(&::SetupSelectedVolumesList) SetupSelectedVolumesList;
     decltype(&::CaptureSystemRestorePointInfo) CaptureSystemRestorePointInfo;
+    decltype(&::WMIDumpInfo) WMIDumpInfo;
+    decltype(&::DiskDumpInfo) DiskDumpInfo;
+    decltype(&::VolumeDumpInfo) VolumeDumpInfo;
+    decltype(&::FirmwareDumpInfo) FirmwareDumpInfo;
 
     /// Hands over the volumes as a multi-string.
     std::int64_t Select(const std::vector<std::wstring>& volumes) const;

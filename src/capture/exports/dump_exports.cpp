@@ -1,0 +1,127 @@
+// The exports that write what the library finds into the log.
+
+#include "capture/exports/process_settings.h"
+#include "capture/exports/system_dump.h"
+#include "capture/grabber/info_grabber_factory.h"
+#include "common/disk/device_manager.h"
+#include "common/disk/raw_value.h"
+#include "common/enumdisk/firmware.h"
+#include "common/logger/trace.h"
+#include "common/platform/com_enabler.h"
+#include "common/platform/string_conversion.h"
+#include "common/platform/system_library.h"
+#include "orvane/orvane.h"
+
+namespace {
+
+// The exception boundary of a dump: runs `dump` between its trace lines, and turns whatever it throws into a
+// line.
+template <class Body>
+void DumpSafely(const wchar_t* function, const wchar_t* failure, Body&& dump) {
+    Traced(function, [&] {
+        try {
+            dump();
+        } catch (...) {
+            GetLogger().Write(kLogError, failure);
+        }
+    });
+}
+
+void DumpSystem() {
+    bmr_common::COMEnabler com;
+    if (!com.InitializeCOM(L"WMIDumpInfo")) {
+        GetLogger().Write(kLogError, L"WMIDumpInfo: Cannot initialize COM");
+        return;
+    }
+    SystemSections sections;
+    SectionsRead read;
+    if (CollectSystemSections(sections, read)) {
+        DumpSystemSections(sections, read);
+    }
+}
+
+void DumpDisks() {
+    bmr_common::DeviceManager device_manager;
+    device_manager.InitializeWithCurrentDisks();
+    device_manager.DumpInfo();
+}
+
+void DumpVolumes() {
+    bmr_common::COMEnabler com;
+    if (!com.InitializeCOM(L"VolumeDumpInfo")) {
+        GetLogger().Write(kLogError, L"%s failed to initialize COM - cannot determine boot/system volume(s)",
+                          L"VolumeDumpInfo");
+        return;
+    }
+    const orvane::InfoGrabberPtr grabber = orvane::CreateInfoGrabber(orvane::kGrabberV3);
+    if (!grabber) {
+        GetLogger().Write(kLogError, L"Failed to obtain information grabber");
+        return;
+    }
+    GetLogger().Write(kLogInformation, L"============ Preparing volume(s) information ============");
+    const bool obtained = grabber->ObtainInformation();
+    GetLogger().Write(kLogInformation, L"============ Finish preparing volume(s) ============");
+    if (!obtained) {
+        GetLogger().Write(kLogError, L"Failed to obtain environment information");
+        return;
+    }
+    grabber->DumpVolumeInfo();
+    GetLogger().Write(kLogInformation, L"============ Volume(s) available for backup summary =============");
+    GetLogger().Write(kLogInformation, grabber->CanBackup({}, RequestedDisks(), true)
+                                           ? L"All volumes can be backed up"
+                                           : L"Other volumes can be backed up except volumes with errors");
+}
+
+// The system's own answer where it has one, whatever it is; else the probe's.
+bool FindFirmwareType(std::uint32_t& type) {
+    const auto get_firmware_type = Kernel32DLL::Get().GetFirmwareType;
+    if (get_firmware_type == nullptr) {
+        return DetectFirmwareType(type);
+    }
+    FIRMWARE_TYPE answer{};
+    const bool known = get_firmware_type(&answer) == TRUE;
+    type = bmr_common::RawValue(answer);
+    return known;
+}
+
+void DumpFirmware() {
+    GetLogger().Write(kLogInformation, L"Capture DLL Version: %S", ConvertWStrToStr(kDllVersion).c_str());
+    GetLogger().Write(kLogInformation, L"==========Firmware Detection==========\n");
+    std::uint32_t type = kFirmwareUnknown;
+    if (!FindFirmwareType(type)) {
+        GetLogger().Write(kLogError, L"Firmware type: Unknown - API failed error=0x%x\n", GetLastError());
+        return;
+    }
+    switch (type) {
+        case kFirmwareUnknown:
+            GetLogger().Write(kLogInformation, L"Firmware type: Unknown\n");
+            break;
+        case kFirmwareBios:
+            GetLogger().Write(kLogInformation, L"Firmware type: BIOS\n");
+            break;
+        case kFirmwareUefi:
+            GetLogger().Write(kLogInformation, L"Firmware type: UEFI\n");
+            break;
+        default:
+            GetLogger().Write(kLogError, L"Firmware type: Default Unknown\n");
+            break;
+    }
+}
+
+}  // namespace
+
+void WMIDumpInfo() {
+    DumpSafely(L"WMIDumpInfo", L"WMIDumpInfo Exception", DumpSystem);
+}
+
+void DiskDumpInfo() {
+    DumpSafely(L"DiskDumpInfo", L"DiskDumpInfo Exception", DumpDisks);
+}
+
+void VolumeDumpInfo() {
+    DumpSafely(L"VolumeDumpInfo", L"VolumeDumpInfo Exception", DumpVolumes);
+}
+
+void FirmwareDumpInfo() {
+    DumpSafely(L"FirmwareDumpInfo", L"FirmwareDumpInfo Exception", DumpFirmware);
+}
