@@ -100,6 +100,12 @@ TEST_F(DocumentTexts, LettersBeyondTheCodePage_LeaveTheDocumentWhole) {
     EXPECT_EQ(WithoutAddresses(TreeOf(Document())), ExpectedDocument(simulation().machine()));
 }
 
+// The code page has none of these and gives the plain ones for them, which would be markup.
+TEST_F(DocumentTexts, LettersThatTheCodePageTakesForMarkup_AreWrittenByTheirNumbers) {
+    simulation().description().volumes.at(2).label = L"\xFF1C\xFF1E\xFF06";
+    EXPECT_THAT(Document(), testing::HasSubstr("<VolumeLabel>&#65308;&#65310;&#65286;</VolumeLabel>"));
+}
+
 TEST_F(DocumentTexts, TextsAsLongAsTheyMayBe_AreKept) {
     simulation().description().volumes.at(2).label = std::wstring(32, L'L');
     simulation().description().volumes.at(2).mount_points.push_back(L"C:\\" + std::wstring(240, L'd') +

@@ -46,13 +46,16 @@ std::wstring TextOf(const RegistryValueCursor& cursor) {
     return text;
 }
 
+// A key whose values never end is given up here.
+constexpr int kMostValues = 200'000;
+
 // Looks for the value through the key's values; returns the system's last code.
 LSTATUS FindStartOptions(HKEY key, std::wstring& options) {
     constexpr std::size_t kDataBytes = 16383;
     RegistryValueCursor cursor(key, kDataBytes);
     LSTATUS status = CRegistry::FindFirstValue(cursor);
-    while (status == ERROR_SUCCESS && cursor.Name() != kSystemStartOptions) {
-        status = CRegistry::FindNextValue(cursor);
+    for (int i = 0; status == ERROR_SUCCESS && cursor.Name() != kSystemStartOptions; ++i) {
+        status = i < kMostValues ? CRegistry::FindNextValue(cursor) : ERROR_INVALID_DATA;
     }
     if (status == ERROR_SUCCESS) {
         options = TextOf(cursor);

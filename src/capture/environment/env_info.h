@@ -12,8 +12,11 @@
 // document's elements. What a collector could not fill keeps its initial value. Filled once, by one thread,
 // then written.
 
-// The product's version as the record and the dumps give it.
-inline constexpr wchar_t kDllVersion[] = L"9.50.6732";
+// The product's version, as the record gives it and, in 8 bits, the dump of the firmware.
+#define ORVANE_DLL_VERSION "9.50.6732"
+inline constexpr wchar_t kDllVersion[] = L"" ORVANE_DLL_VERSION;
+inline constexpr char kDllVersion8[] = ORVANE_DLL_VERSION;
+#undef ORVANE_DLL_VERSION
 
 struct ProcessorInfo {
     std::int32_t Architecture = 0;

@@ -8,7 +8,6 @@
 #include "common/enumdisk/firmware.h"
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
-#include "common/platform/string_conversion.h"
 #include "common/platform/system_library.h"
 #include "orvane/orvane.h"
 
@@ -85,7 +84,7 @@ bool FindFirmwareType(std::uint32_t& type) {
 }
 
 void DumpFirmware() {
-    GetLogger().Write(kLogInformation, L"Capture DLL Version: %S", ConvertWStrToStr(kDllVersion).c_str());
+    GetLogger().Write(kLogInformation, L"Capture DLL Version: %S", kDllVersion8);
     GetLogger().Write(kLogInformation, L"==========Firmware Detection==========\n");
     std::uint32_t type = kFirmwareUnknown;
     if (!FindFirmwareType(type)) {

@@ -94,12 +94,10 @@ bool AddExistingDiskInformation(const bmr_common::DiskDriveManager& disk, DiskRo
         }
         if (style == bmr_common::kStyleMBR) {
             AddMbrRows(*disk.GetPartitionLayoutExPtr(), row);
-            SortDiskPartitionNumbers(row);
             return true;
         }
         if (const auto* gpt = dynamic_cast<const bmr_common::DiskDriveManagerGPT*>(&disk)) {
             AddGptRows(*gpt, row);
-            SortDiskPartitionNumbers(row);
             return true;
         }
         // The name goes first although the line has no place for it: the number shown is a part of its
@@ -107,6 +105,15 @@ bool AddExistingDiskInformation(const bmr_common::DiskDriveManager& disk, DiskRo
         GetLogger().Write(kLogError, L"unsupported partition style %d", kFunction, style);
         return false;
     });
+}
+
+void FinishDiskRows(std::vector<DiskRow>& disks) {
+    for (DiskRow& disk : disks) {
+        // The row of a whole disk is no partition: it keeps its 0.
+        if (disk.partitions.size() != 1 || disk.partitions.front().partition_number != 0) {
+            SortDiskPartitionNumbers(disk);
+        }
+    }
 }
 
 DiskRow AddUnknownDiskInformation(std::uint32_t disk_number) {

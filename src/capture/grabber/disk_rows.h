@@ -14,11 +14,15 @@ namespace orvane {
 // The largest number among the disks that are there; false, after a level 2 line, when there are none.
 bool GetMaxPhysicalDiskId(const bmr_common::DeviceManager& device_manager, std::uint32_t& maximum);
 
-// Fills the row of a disk that is there; false, after a level 2 line, for an unsupported partition style.
+// Fills the row of a disk that is there, its partitions still by the system's numbers; false, after a level 2
+// line, for an unsupported partition style.
 bool AddExistingDiskInformation(const bmr_common::DiskDriveManager& disk, DiskRow& row);
 
 // The row of a number without a disk.
 DiskRow AddUnknownDiskInformation(std::uint32_t disk_number);
+
+// Numbers the partitions of every disk in the order of their offsets. The row of a whole disk keeps its 0.
+void FinishDiskRows(std::vector<DiskRow>& disks);
 
 // A run of bytes of a volume, and what the partition row that it lies in is told of the volume.
 struct VolumeOnDisk {

@@ -10,6 +10,31 @@
 
 namespace orvane {
 
+namespace {
+
+// Whether the code page puts markup in the place of a letter that it lacks: the full-width "<" becomes "<".
+bool BecomesMarkup(wchar_t letter) {
+    const std::string narrow = ConvertWStrToStr(std::wstring(1, letter));
+    return narrow == "<" || narrow == ">" || narrow == "&";
+}
+
+// Such a letter, which would break the document, is written by its number.
+std::wstring WithoutFalseMarkup(const std::wstring& xml) {
+    constexpr wchar_t kLastAscii = 0x7F;
+    std::wstring safe;
+    safe.reserve(xml.size());
+    for (const wchar_t letter : xml) {
+        if (letter > kLastAscii && BecomesMarkup(letter)) {
+            safe += L"&#" + std::to_wstring(static_cast<unsigned>(letter)) + L";";
+        } else {
+            safe += letter;
+        }
+    }
+    return safe;
+}
+
+}  // namespace
+
 CMSXmlNode LoadEmptyDocument(CMSXmlDoc& document) {
     if (!document.LoadXML("<root></root>")) {
         throw GrabberException(L"InfoGrabber::CaptureInfo: Failed to load XML configuration");
@@ -18,7 +43,7 @@ CMSXmlNode LoadEmptyDocument(CMSXmlDoc& document) {
 }
 
 std::string DocumentText(const CMSXmlNode& root) {
-    return ConvertWStrToStr(root.GetXML());
+    return ConvertWStrToStr(WithoutFalseMarkup(root.GetXML()));
 }
 
 void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buffer,

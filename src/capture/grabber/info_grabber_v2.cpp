@@ -117,6 +117,7 @@ bool InfoGrabberV2::ConvertObtainedInformation() {
         if (!AddDiskInformation()) {
             return false;
         }
+        FinishDiskRows(environment_->DiskDrives);
         AssignInterfaceTypes(environment_->DiskDrives);
         return AddVolumeInformationToPartitions() && SetVolumePartitionNumbers() &&
                FindBootAndSystemVolumes(environment_->VolumeTable, environment_->DriveLetterTable,

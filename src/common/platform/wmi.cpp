@@ -1,10 +1,10 @@
 #include "common/platform/wmi.h"
 
 #include "common/logger/orvane_logger.h"
+#include "common/platform/unique_bstr.h"
 
 #include <cstring>
 #include <exception>
-#include <memory>
 
 namespace {
 
@@ -13,11 +13,6 @@ constexpr CLSID kAdministrativeLocator = {
 
 // An enumerator that never ends is given up here; no class of a real machine has so many instances.
 constexpr unsigned kMostObjects = 100'000;
-
-struct ReleaseString {
-    void operator()(wchar_t* text) const { SysFreeString(text); }
-};
-using UniqueBstr = std::unique_ptr<wchar_t, ReleaseString>;
 
 // Logs the step that failed and passes its result on.
 HRESULT Checked(HRESULT result, const wchar_t* message) {

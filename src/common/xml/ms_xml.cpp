@@ -1,5 +1,7 @@
 #include "common/xml/ms_xml.h"
 
+#include "common/platform/unique_bstr.h"
+
 #include <objbase.h>
 
 namespace {
@@ -7,31 +9,23 @@ namespace {
 constexpr CLSID kDomDocument30 = {
     0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
 
-using SupportErrorInfoPtr = ComPointer<ISupportErrorInfo, &IID_ISupportErrorInfo>;
-
-// Throws for a failed call, with the error information that the interface offers for itself.
-void Require(HRESULT result, IUnknown* object, REFIID iid) {
-    if (SUCCEEDED(result)) {
-        return;
+// Throws for a failed call. The error carries its code alone: error information is an object of the
+// component, which on the way to the export could outlive COM.
+void Require(HRESULT result) {
+    if (FAILED(result)) {
+        throw _com_error(result);
     }
-    SupportErrorInfoPtr support;
-    IErrorInfo* information = nullptr;  // handed over to the error object, which releases it
-    if (SUCCEEDED(object->QueryInterface(IID_ISupportErrorInfo, reinterpret_cast<void**>(&support))) &&
-        support->InterfaceSupportsErrorInfo(iid) == S_OK) {
-        GetErrorInfo(0, &information);
-    }
-    throw _com_error(result, information);
 }
 
-_bstr_t Bstr(const std::wstring& text) {
-    BSTR copy = SysAllocString(text.c_str());
+UniqueBstr Bstr(const std::wstring& text) {
+    UniqueBstr copy(SysAllocString(text.c_str()));
     if (copy == nullptr) {
         throw _com_error(E_OUTOFMEMORY);
     }
-    return {copy, false};
+    return copy;
 }
 
-_bstr_t WideOf(const char* text) {
+UniqueBstr WideOf(const char* text) {
     const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
     std::wstring wide(static_cast<std::size_t>(length > 0 ? length : 1), L'\0');
     MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
@@ -52,36 +46,34 @@ IXMLDOMNode& CMSXmlNode::Node() const {
 
 CMSXmlNode CMSXmlNode::AddChild(const char* name) {
     XmlDocumentPtr document;
-    Require(Node().get_ownerDocument(&document), node_, IID_IXMLDOMNode);
+    Require(Node().get_ownerDocument(&document));
     if (document == nullptr) {
         return {};
     }
     XmlNodePtr created;
-    Require(document->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), WideOf(name), _bstr_t(L""),
-                                 &created),
-            document, IID_IXMLDOMDocument);
+    Require(document->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), WideOf(name).get(),
+                                 Bstr(L"").get(), &created));
     XmlNodeListPtr children;
-    Require(Node().get_childNodes(&children), node_, IID_IXMLDOMNode);
+    Require(Node().get_childNodes(&children));
     XmlNodePtr successor;  // there is no item at -1: the element always goes to the end
-    Require(children->get_item(-1, &successor), children, IID_IXMLDOMNodeList);
+    Require(children->get_item(-1, &successor));
     XmlNodePtr added;
     if (successor == nullptr) {
-        Require(Node().appendChild(created, &added), node_, IID_IXMLDOMNode);
+        Require(Node().appendChild(created, &added));
     } else {
-        Require(Node().insertBefore(created, _variant_t(successor.GetInterfacePtr()), &added), node_,
-                IID_IXMLDOMNode);
+        Require(Node().insertBefore(created, _variant_t(successor.GetInterfacePtr()), &added));
     }
     return CMSXmlNode(added);
 }
 
 void CMSXmlNode::SetText(const std::wstring& text) {
-    Require(Node().put_text(Bstr(text)), node_, IID_IXMLDOMNode);
+    Require(Node().put_text(Bstr(text).get()));
 }
 
 std::wstring CMSXmlNode::GetXML() const {
     BSTR xml = nullptr;
-    Require(Node().get_xml(&xml), node_, IID_IXMLDOMNode);
-    const _bstr_t owner(xml, false);
+    Require(Node().get_xml(&xml));
+    const UniqueBstr owner(xml);
     return xml == nullptr ? std::wstring() : std::wstring(xml, SysStringLen(xml));
 }
 
@@ -99,7 +91,7 @@ bool CMSXmlDoc::LoadXML(const char* text) {
         return false;
     }
     VARIANT_BOOL loaded = VARIANT_FALSE;
-    Require(document_->loadXML(WideOf(text), &loaded), document_, IID_IXMLDOMDocument);
+    Require(document_->loadXML(WideOf(text).get(), &loaded));
     return loaded == VARIANT_TRUE;
 }
 
@@ -108,7 +100,7 @@ CMSXmlNode CMSXmlDoc::GetRoot() const {
         return {};
     }
     XmlElementPtr element;
-    Require(document_->get_documentElement(&element), document_, IID_IXMLDOMDocument);
+    Require(document_->get_documentElement(&element));
     if (element == nullptr) {
         return {};
     }

@@ -7,8 +7,7 @@
 #include <string>
 
 // The platform's DOM, as far as documents are built with it. To be used on one thread, with COM initialised
-// there. A failed interface call throws _com_error with the interface's error information; the empty node
-// throws E_POINTER.
+// there. A failed interface call throws _com_error; the empty node throws E_POINTER.
 
 using XmlDocumentPtr = ComPointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
 using XmlElementPtr = ComPointer<IXMLDOMElement, &IID_IXMLDOMElement>;

@@ -88,6 +88,13 @@ protected:
         return row;
     }
 
+    /// The same, finished.
+    DiskRow FinishedRowOf(const std::string& style_and_partitions) {
+        std::vector<DiskRow> rows = {RowOf(style_and_partitions)};
+        orvane::FinishDiskRows(rows);
+        return rows.front();
+    }
+
     support::LoggerCapture log_;
 };
 
@@ -127,17 +134,47 @@ TEST_F(AddExistingDiskInformationTest, Mbr_IsBuiltByTheClassicRules) {
     EXPECT_EQ(row.partitions[4].mbr_type, 0x0C);
 }
 
-TEST_F(AddExistingDiskInformationTest, MbrSlotsInReversedDiskOrder_AreNumberedByOffset) {
-    const DiskRow row = RowOf(R"("style": "mbr", "partitions": [
+constexpr char kReversedSlots[] = R"("style": "mbr", "partitions": [
         {"offset": "5000 MiB", "size": "100 MiB", "type": "ntfs"},
-        {"offset": "1 MiB", "size": "100 MiB", "type": "ntfs"}])");
+        {"offset": "1 MiB", "size": "100 MiB", "type": "ntfs"}])";
+
+/// Offset and number of every partition.
+std::vector<std::pair<std::uint64_t, std::int32_t>> NumbersOf(const DiskRow& row) {
     std::vector<std::pair<std::uint64_t, std::int32_t>> numbers;
     for (const RowFacts& facts : FactsOf(row)) {
         if (facts.operation == L"Existing") {
             numbers.emplace_back(facts.offset, facts.number);
         }
     }
-    EXPECT_THAT(numbers, testing::UnorderedElementsAre(std::pair(MiB(1), 1), std::pair(MiB(5000), 2)));
+    return numbers;
+}
+
+TEST_F(AddExistingDiskInformationTest, MbrSlotsInReversedDiskOrder_KeepTheSystemsNumbers) {
+    EXPECT_THAT(NumbersOf(RowOf(kReversedSlots)),
+                testing::UnorderedElementsAre(std::pair(MiB(5000), 1), std::pair(MiB(1), 2)));
+}
+
+using FinishDiskRowsTest = AddExistingDiskInformationTest;
+
+TEST_F(FinishDiskRowsTest, MbrSlotsInReversedDiskOrder_AreNumberedByOffset) {
+    EXPECT_THAT(NumbersOf(FinishedRowOf(kReversedSlots)),
+                testing::UnorderedElementsAre(std::pair(MiB(1), 1), std::pair(MiB(5000), 2)));
+}
+
+TEST_F(FinishDiskRowsTest, RowOfAWholeDisk_KeepsItsZero) {
+    EXPECT_THAT(FactsOf(FinishedRowOf(R"("style": "raw")")), ElementsAre(kWholeDisk));
+    std::vector<DiskRow> rows = {orvane::AddUnknownDiskInformation(1)};
+    orvane::FinishDiskRows(rows);
+    EXPECT_EQ(rows.front().partitions.front().partition_number, 0);
+}
+
+TEST_F(FinishDiskRowsTest, OnlyPartition_IsNumberedOne) {
+    DiskRow row;
+    row.partitions.emplace_back();
+    row.partitions.front().partition_number = 3;
+    std::vector<DiskRow> rows = {row};
+    orvane::FinishDiskRows(rows);
+    EXPECT_EQ(rows.front().partitions.front().partition_number, 1);
 }
 
 TEST_F(AddExistingDiskInformationTest, Gpt_GivesGapsTheDisksStyleAndNoGuids) {
