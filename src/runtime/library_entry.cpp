@@ -1,0 +1,119 @@
+// The library's entry point: the runtime's, and after its last run the clean-up that it leaves undone. An
+// agent may load and unload the library as often as it likes.
+
+#include "common/windows.h"
+#include "runtime/runtime_memory.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+extern "C" {
+BOOL WINAPI DllMainCRTStartup(HINSTANCE module, DWORD reason, LPVOID reserved);
+BOOL WINAPI OrvaneEntry(HINSTANCE module, DWORD reason, LPVOID reserved);
+}
+
+namespace {
+
+using TlsAllocFunction = DWORD(WINAPI*)();
+using CriticalSectionFunction = void(WINAPI*)(CRITICAL_SECTION*);
+
+TlsAllocFunction system_tls_alloc = nullptr;
+CriticalSectionFunction system_initialize_critical_section = nullptr;
+CriticalSectionFunction system_delete_critical_section = nullptr;
+
+// A few things that the runtime takes from the system and does not give back. One that no longer fits is not
+// remembered, and so left as the runtime leaves it.
+template <class Thing>
+class Remembered {
+public:
+    void Add(Thing thing) {
+        if (count_ < things_.size()) {
+            things_[count_++] = thing;
+        }
+    }
+
+    void Remove(Thing thing) {
+        auto* const end = things_.begin() + count_;
+        auto* const found = std::find(things_.begin(), end, thing);
+        if (found != end) {
+            *found = things_[--count_];
+        }
+    }
+
+    template <class Release>
+    void ReleaseAll(Release&& release) {
+        while (count_ > 0) {
+            release(things_[--count_]);
+        }
+    }
+
+private:
+    std::array<Thing, 256> things_{};
+    std::size_t count_ = 0;
+};
+
+Remembered<DWORD> thread_slots;  // a process has about a thousand
+Remembered<CRITICAL_SECTION*> critical_sections;
+
+DWORD WINAPI TakeThreadSlot() {
+    const DWORD slot = system_tls_alloc();
+    if (slot != TLS_OUT_OF_INDEXES) {
+        thread_slots.Add(slot);
+    }
+    return slot;
+}
+
+void WINAPI InitializeRemembered(CRITICAL_SECTION* section) {
+    system_initialize_critical_section(section);
+    critical_sections.Add(section);
+}
+
+void WINAPI DeleteRemembered(CRITICAL_SECTION* section) {
+    critical_sections.Remove(section);
+    system_delete_critical_section(section);
+}
+
+template <class Function>
+bool Find(Function& function, const char* name) {
+    const FARPROC found = GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name);
+    function = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(found));
+    return found != nullptr;
+}
+
+bool FindAll() {
+    return Find(system_tls_alloc, "TlsAlloc") &&
+           Find(system_initialize_critical_section, "InitializeCriticalSection") &&
+           Find(system_delete_critical_section, "DeleteCriticalSection");
+}
+
+void CleanUp() {
+    thread_slots.ReleaseAll([](DWORD slot) { TlsFree(slot); });
+    critical_sections.ReleaseAll(system_delete_critical_section);
+    ReleaseRuntimeMemory();
+}
+
+}  // namespace
+
+// What the runtime finds in the place of its imports. One thread at a time calls the library.
+extern "C" {
+extern const TlsAllocFunction __imp_TlsAlloc;
+extern const CriticalSectionFunction __imp_InitializeCriticalSection;
+extern const CriticalSectionFunction __imp_DeleteCriticalSection;
+
+const TlsAllocFunction __imp_TlsAlloc = &TakeThreadSlot;
+const CriticalSectionFunction __imp_InitializeCriticalSection = &InitializeRemembered;
+const CriticalSectionFunction __imp_DeleteCriticalSection = &DeleteRemembered;
+}
+
+BOOL WINAPI OrvaneEntry(HINSTANCE module, DWORD reason, LPVOID reserved) {
+    if (reason == DLL_PROCESS_ATTACH && !FindAll()) {
+        return FALSE;
+    }
+    const BOOL result = DllMainCRTStartup(module, reason, reserved);
+    // At the end of the process the system takes everything back by itself.
+    if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
+        CleanUp();
+    }
+    return result;
+}
