@@ -1,0 +1,83 @@
+// The dumps of the example machines, line by line, against files written from the dumps' description and the
+// machines' own.
+
+#include "export/capture_fixture.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+struct DumpCase {
+    std::string machine;
+    std::string kind;
+};
+
+void PrintTo(const DumpCase& dump_case, std::ostream* out) {
+    *out << dump_case.kind << " of " << dump_case.machine;
+}
+
+const std::filesystem::path kFolder = ORVANE_SOURCE_DIR "/tests/dumps";
+
+std::vector<DumpCase> AllDumps() {
+    std::vector<DumpCase> cases;
+    for (const auto& entry : std::filesystem::directory_iterator(ORVANE_SOURCE_DIR "/examples/machines")) {
+        if (entry.path().extension() == ".json") {
+            for (const char* kind : {"wmi", "disks", "volumes", "firmware"}) {
+                cases.push_back({entry.path().stem().string(), kind});
+            }
+        }
+    }
+    return cases;
+}
+
+class DumpLines : public CaptureTest, public testing::WithParamInterface<DumpCase> {
+protected:
+    DumpLines() : CaptureTest(Machine(GetParam().machine)) {}
+
+    void Dump() {
+        const std::string& kind = GetParam().kind;
+        log_.Clear();
+        if (kind == "wmi") {
+            library_.WMIDumpInfo();
+        } else if (kind == "disks") {
+            library_.DiskDumpInfo();
+        } else if (kind == "volumes") {
+            library_.VolumeDumpInfo();
+        } else {
+            library_.FirmwareDumpInfo();
+        }
+    }
+
+    // Level and text, a line each; a line feed that a message ends in as \n.
+    std::string Messages() const {
+        std::string lines;
+        for (const support::LogLine& line : log_.Messages()) {
+            std::string text = line.text;
+            if (text.ends_with('\n')) {
+                text.replace(text.size() - 1, 1, "\\n");
+            }
+            lines += std::to_string(line.level) + ' ' + text + '\n';
+        }
+        return lines;
+    }
+};
+
+TEST_P(DumpLines, EveryLine_IsAsExpected) {
+    const std::filesystem::path file = kFolder / (GetParam().machine + "-" + GetParam().kind + ".txt");
+    std::ifstream expected(file, std::ios::binary);
+    ASSERT_TRUE(expected) << file;
+    std::ostringstream text;
+    text << expected.rdbuf();
+    Dump();
+    EXPECT_EQ(Messages(), text.str());
+}
+
+INSTANTIATE_TEST_SUITE_P(Machines, DumpLines, testing::ValuesIn(AllDumps()), [](const auto& dump_case) {
+    std::string name = dump_case.param.machine + "_" + dump_case.param.kind;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+});
+
+}  // namespace
