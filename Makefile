@@ -1,6 +1,10 @@
 # Everything from a fresh clone: each target installs what is missing, configures and builds what it needs.
-#   make capture ARGS="..."   the environment document on standard output (orvane capture --help lists the arguments)
+#   make capture ARGS="..."   the environment document on standard output (ARGS=--help lists the arguments)
+#   make dump ARGS=disks      lines for support staff: wmi, disks, volumes or firmware
+#   make check ARGS="..."     what can be backed up, and why not
+#                             All three describe a workstation unless ARGS names a --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
+#   make faults ARGS="..."    everything that can go wrong goes wrong (ARGS=--help lists how to choose)
 #   make lint                 format, clang-tidy, the arrows between the rooms; make format mends the first
 #   make coverage             line coverage per room
 #   make build, make clean, make setup
@@ -11,20 +15,21 @@ PRESET ?= release
 BUILD := build/$(PRESET)
 JOBS ?= $(shell nproc)
 ARGS ?=
+DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/uefi-workstation.json)
 
 export JOBS
 
-.PHONY: capture test lint format coverage build setup clean
+.PHONY: capture dump check test faults lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
 	@scripts/setup build test lint coverage
 
-# Standard output belongs to the document alone.
-capture:
+# Standard output belongs to the command's own alone.
+capture dump check:
 	@scripts/setup build >&2
 	@scripts/build $(PRESET) --target Orvane orvane >&2
-	@scripts/wine-run $(BUILD)/bin/orvane.exe capture $(ARGS)
+	@scripts/wine-run $(BUILD)/bin/orvane.exe $@ $(ARGS) $(DESCRIBED)
 
 build:
 	@scripts/setup build
@@ -34,6 +39,11 @@ test:
 	@scripts/setup build test
 	@scripts/build $(PRESET)
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+faults:
+	@scripts/setup build test
+	@scripts/build $(PRESET) --target Orvane faults
+	@ORVANE_FAULTS=$(BUILD)/bin/faults.exe ORVANE_RUN=scripts/wine-run tests/faults/run-faults --jobs $(JOBS) $(ARGS)
 
 lint:
 	@scripts/setup build lint

@@ -15,6 +15,7 @@ import xml.etree.ElementTree as ElementTree
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLES = ROOT / "examples/machines"
 PROGRAM = pathlib.Path(os.environ["ORVANE_EXE"])
+WORKSTATION = EXAMPLES / "uefi-workstation.json"
 
 # Where the flat formats name a volume.
 GUID_TEXTS = {"m_GUID", "m_guidVolume", "m_guidBootVolume", "m_guidSystemVolume"}
@@ -24,12 +25,13 @@ ANSI = "cp1252"
 
 
 class Result:
-    """What a run left behind: the exit code, standard output in bytes, standard error as lines."""
+    """What a run left behind: the exit code, standard output in bytes, standard error as lines (none when it went
+    where standard output goes)."""
 
-    def __init__(self, process):
-        self.code = process.returncode
-        self.out = process.stdout
-        self.errors = process.stderr.decode("utf-8").splitlines()
+    def __init__(self, code, out, errors):
+        self.code = code
+        self.out = out
+        self.errors = errors.decode("utf-8").splitlines()
 
 
 def build_folder():
@@ -39,17 +41,33 @@ def build_folder():
     raise RuntimeError(f"{PROGRAM} lies in no build folder")
 
 
-def run(*arguments, program=PROGRAM, folder=ROOT):
+def contents(file):
+    file.seek(0)
+    return file.read()
+
+
+def run(*arguments, program=PROGRAM, folder=ROOT, joined=False):
+    """`joined`: standard error goes where standard output goes."""
     environment = dict(os.environ, LC_ALL="C.UTF-8")
     environment.setdefault("ORVANE_WINEPREFIX", str(build_folder() / "wine-prefix"))
     command = [*os.environ.get("ORVANE_RUN", "").split(), str(program), *map(str, arguments)]
-    return Result(subprocess.run(command, capture_output=True, cwd=folder, env=environment, check=False))
+    # Into files: Wine's own services outlive the program and would hold pipes open for seconds.
+    with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as errors:
+        process = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=out, stderr=out if joined else errors,
+                                 cwd=folder, env=environment, check=False)
+        return Result(process.returncode, contents(out), contents(errors))
+
+
+def run_described(*arguments, **options):
+    """A run on the workstation, where the arguments name no other machine."""
+    machine = [] if "--machine" in arguments else ["--machine", WORKSTATION]
+    return run(*arguments, *machine, **options)
 
 
 @functools.cache
 def capture(*arguments):
     """A capture that writes nothing but its document, run once for all tests."""
-    return run("capture", *arguments)
+    return run_described("capture", *arguments)
 
 
 def content(document):

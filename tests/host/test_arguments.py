@@ -6,21 +6,28 @@ import unittest
 
 from host import HostTest, PROGRAM, run
 
-OPTIONS = ["--format", "--volume", "--machine", "--output", "--raw", "--log", "--verbose"]
+MACHINE_OPTIONS = ["--machine", "--log", "--verbose"]
+OPTIONS = {
+    "capture": ["--format", "--volume", "--output", "--raw", *MACHINE_OPTIONS],
+    "dump": ["wmi", "disks", "volumes", "firmware", "--output", *MACHINE_OPTIONS],
+    "check": ["--volume", "--json", *MACHINE_OPTIONS],
+}
 
 
 class Arguments(HostTest):
     def test_help_lists_commands_and_exit_codes(self):
         result = run("--help")
         self.assert_done(result)
-        for word in (b"capture", b"version", b"Exit codes"):
+        for word in (b"capture", b"dump", b"check", b"version", b"Exit codes", b"--machine"):
             self.assertIn(word, result.out)
 
-    def test_help_of_capture_lists_every_option(self):
-        result = run("capture", "--help")
-        self.assert_done(result)
-        for option in OPTIONS:
-            self.assertIn(option.encode(), result.out)
+    def test_help_of_a_command_lists_every_option(self):
+        for command, options in OPTIONS.items():
+            with self.subTest(command=command):
+                result = run(command, "--help")
+                self.assert_done(result)
+                for option in options:
+                    self.assertIn(option.encode(), result.out)
 
     def test_version_tells_library_and_interface(self):
         result = run("version")
@@ -29,7 +36,8 @@ class Arguments(HostTest):
 
     def test_bad_usage_is_refused(self):
         for arguments in ([], ["frobnicate"], ["capture", "--frobnicate"], ["capture", "--format", "two"],
-                          ["capture", "extra"], ["capture", "--volume"]):
+                          ["capture", "extra"], ["capture", "--volume"], ["dump"],
+                          ["dump", "frobnicate"], ["check", "--volume", ""]):
             with self.subTest(arguments=arguments):
                 result = run(*arguments)
                 self.assertEqual((result.code, result.out), (2, b""))

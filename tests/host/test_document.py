@@ -4,7 +4,7 @@
 import json
 import unittest
 
-from host import ANSI, EXAMPLES, HostTest, capture, content, run
+from host import ANSI, EXAMPLES, HostTest, capture, content, run, run_described
 
 DECLARATION = b'<?xml version="1.0" encoding="UTF-8"?>\n'
 
@@ -31,15 +31,14 @@ class Document(HostTest):
         }), encoding="utf-8")
         return file
 
-    def test_default_is_the_readable_document_of_the_workstation(self):
+    def test_default_is_the_readable_document(self):
         result = capture()
         self.assert_done(result)
         self.assertTrue(result.out.startswith(DECLARATION + b"<root>\n  <BMREnvInfo>\n    <Version>5</Version>\n"))
         self.assertTrue(result.out.endswith(b"\n  </BMREnvInfo>\n</root>\n"))
         self.assertNotIn(b"\r", result.out)
         self.assert_well_formed(result.out)
-        workstation = capture("--machine", EXAMPLES / "uefi-workstation.json")
-        self.assertEqual(content(result.out), content(workstation.out))
+        self.assertEqual(child(content(result.out), "BMREnvInfo", "OS", "CSName")[1], "WS-2207")
 
     def test_every_example_is_captured_in_the_formats_with_a_judgement(self):
         for machine in sorted(EXAMPLES.glob("*.json")):
@@ -102,7 +101,7 @@ class Document(HostTest):
     def test_output_goes_to_the_file(self):
         expected = capture()
         file = self.folder / "\u00fcmgebung.xml"
-        result = run("capture", "--output", file)
+        result = run_described("capture", "--output", file)
         self.assert_done(result)
         self.assertEqual(result.out, b"")
         self.assertEqual(content(file.read_bytes()), content(expected.out))
@@ -110,18 +109,18 @@ class Document(HostTest):
 
     def test_raw_output_has_no_declaration(self):
         file = self.folder / "raw.xml"
-        self.assert_done(run("capture", "--raw", "--output", file))
+        self.assert_done(run_described("capture", "--raw", "--output", file))
         self.assertTrue(file.read_bytes().startswith(b"<root>"))
         self.assertTrue(file.read_bytes().endswith(b"</root>"))
 
     def test_output_that_cannot_be_written_is_told(self):
-        self.assert_refused(run("capture", "--output", self.folder / "none" / "out.xml"), 1, "out.xml",
+        self.assert_refused(run_described("capture", "--output", self.folder / "none" / "out.xml"), 1, "out.xml",
                             "cannot be written")
 
     def test_failed_capture_leaves_the_output_alone(self):
         file = self.folder / "out.xml"
         file.write_text("of an earlier capture")
-        run("capture", "--volume", "unknown", "--output", file)
+        run_described("capture", "--volume", "unknown", "--output", file)
         self.assertEqual(file.read_text(), "of an earlier capture")
 
 

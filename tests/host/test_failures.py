@@ -3,7 +3,7 @@
 
 import unittest
 
-from host import EXAMPLES, HostTest, run
+from host import EXAMPLES, HostTest, run, run_described
 
 SYSTEM_VOLUME = "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a03}\\"
 DATA_VOLUME = "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a06}\\"
@@ -12,12 +12,12 @@ OPTICAL_VOLUME = "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-806e6f6e6963}\\"
 
 class Volumes(HostTest):
     def test_volumes_that_can_be_backed_up_pass(self):
-        result = run("capture", "--volume", SYSTEM_VOLUME, "--volume", DATA_VOLUME)
+        result = run_described("capture", "--volume", SYSTEM_VOLUME, "--volume", DATA_VOLUME)
         self.assert_done(result)
         self.assertIn(b"<root>", result.out)
 
     def test_refused_volume_fails_with_its_reasons(self):
-        result = run("capture", "--volume", SYSTEM_VOLUME, "--volume", OPTICAL_VOLUME)
+        result = run_described("capture", "--volume", SYSTEM_VOLUME, "--volume", OPTICAL_VOLUME)
         self.assert_refused(result, 1, "the capture failed")
         self.assertEqual(result.errors[:-1], [
             f"error: Volume {OPTICAL_VOLUME} (Mounted as: E:\\) cannot be backed up because:",
@@ -26,7 +26,7 @@ class Volumes(HostTest):
         ])
 
     def test_unknown_volume_fails(self):
-        result = run("capture", "--volume", "X:")
+        result = run_described("capture", "--volume", "X:")
         self.assert_refused(result, 1)
         self.assertIn("error: Backup cannot proceed. Failed to find any information about volume X:.",
                       result.errors)
@@ -61,14 +61,14 @@ class Descriptions(HostTest):
 
 class Log(HostTest):
     def test_verbose_shows_all_levels_beside_the_document(self):
-        result = run("capture", "--verbose")
+        result = run_described("capture", "--verbose")
         self.assertEqual(result.code, 0)
         self.assertTrue(result.out.startswith(b"<?xml "))
         self.assertIn("trace: Entering CaptureSystemRestorePointInfo", result.errors)
 
     def test_log_file_receives_every_line(self):
         file = self.folder / "log.txt"
-        result = run("capture", "--log", file)
+        result = run_described("capture", "--log", file)
         self.assert_done(result)
         lines = file.read_text(encoding="utf-8").splitlines()
         self.assertIn("trace: CaptureSystemRestorePointInfo gSaveXmlFormat=2", lines)
@@ -78,7 +78,7 @@ class Log(HostTest):
 
     def test_log_file_of_a_failed_capture_has_its_errors(self):
         file = self.folder / "log.txt"
-        result = run("capture", "--volume", "\u00dc:", "--log", file)
+        result = run_described("capture", "--volume", "\u00dc:", "--log", file)
         self.assert_refused(result, 1)
         lines = file.read_text(encoding="utf-8").splitlines()
         line = "error: Backup cannot proceed. Failed to find any information about volume \u00dc:."
@@ -86,7 +86,7 @@ class Log(HostTest):
         self.assertIn(line, result.errors)
 
     def test_log_that_cannot_be_written_is_refused(self):
-        self.assert_refused(run("capture", "--log", self.folder / "none" / "log.txt"), 2, "log.txt",
+        self.assert_refused(run_described("capture", "--log", self.folder / "none" / "log.txt"), 2, "log.txt",
                             "cannot be written")
 
 

@@ -5,41 +5,43 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <optional>
-#include <ostream>
-#include <set>
 #include <string>
 
 namespace host {
 
-// The host's end of the library's log, for the lifetime of the object; one at a time. Errors go to `errors`
-// (all messages when `verbose`), everything to the file. Lines are UTF-8: "error: TEXT".
+// One message of the library's log: UTF-8, without the line feed that some messages end in.
+struct LogMessage {
+    std::int32_t level = ORVANE_LEVEL_TRACE;
+    std::string text;
+};
+
+// The host's end of the library's log, for the lifetime of the object; one at a time. Every message goes to
+// the listener, and to the file as "error: TEXT".
 class LogSink {
 public:
     using SetCallback = void (*)(OrvaneEventCallback);
+    using Listener = std::function<void(const LogMessage& message)>;
 
     // Throws UsageError when the file cannot be made.
-    LogSink(SetCallback set_callback, std::ostream& errors, bool verbose,
-            const std::optional<std::filesystem::path>& file);
+    LogSink(SetCallback set_callback, const std::optional<std::filesystem::path>& file, Listener listener);
     ~LogSink();
     LogSink(const LogSink&) = delete;
     LogSink& operator=(const LogSink&) = delete;
 
-    // Whether every line reached the file.
-    bool file_written();
+    // Throws std::runtime_error unless every line reached the file.
+    void RequireWritten();
 
 private:
     static void Receive(std::int32_t level, const char* text);
-    void Take(std::int32_t level, const char* text);
+    void Take(const LogMessage& message);
 
     static LogSink* current_;
 
     SetCallback set_callback_;
-    std::ostream& errors_;
-    bool verbose_;
+    Listener listener_;
     std::ofstream file_;
-    // A capture is made of two calls, and the second has the same to complain about.
-    std::set<std::string> shown_;
 };
 
 }  // namespace host

@@ -1,6 +1,6 @@
 // orvane.exe: calls Orvane.dll as a backup agent does.
 
-#include "common/windows.h"
+#include "tools/orvane/console.h"
 #include "tools/orvane/program.h"
 
 #include <fcntl.h>
@@ -12,32 +12,13 @@
 #include <string>
 #include <vector>
 
-namespace {
-
-// Everything is written as UTF-8, which a console has to be told.
-class ConsoleEncoding {
-public:
-    ConsoleEncoding() : former_(GetConsoleOutputCP()) { SetConsoleOutputCP(CP_UTF8); }
-    ~ConsoleEncoding() {
-        if (former_ != 0) {
-            SetConsoleOutputCP(former_);
-        }
-    }
-    ConsoleEncoding(const ConsoleEncoding&) = delete;
-    ConsoleEncoding& operator=(const ConsoleEncoding&) = delete;
-
-private:
-    UINT former_;
-};
-
-}  // namespace
-
 int wmain(int count, wchar_t** arguments) {
     // The library's log comes in the locale of the C runtime, which has few letters to begin with.
     std::setlocale(LC_CTYPE, "");
     // The document's bytes are the library's: no line feed may turn into two characters.
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
-    const ConsoleEncoding console;
-    return host::Run(std::vector<std::wstring>(arguments + 1, arguments + count), std::cout, std::cerr);
+    const host::Console console;
+    return host::Run(std::vector<std::wstring>(arguments + 1, arguments + count), std::cout, std::cerr,
+                     console.colour());
 }

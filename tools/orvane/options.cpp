@@ -1,51 +1,32 @@
 #include "tools/orvane/options.h"
 
 #include "machine/text.h"
+#include "tools/orvane/help_texts.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <map>
 #include <sstream>
 
 namespace host {
 
 namespace {
 
-constexpr const char* kDescription =
-    "orvane - describes this machine to a backup agent, as Orvane.dll beside this program sees it.\n";
-
-constexpr const char* kFooter =
-    "Exit codes:\n"
-    "  0  done\n"
-    "  1  the capture failed; standard error says why\n"
-    "  2  the arguments or the machine description cannot be used\n"
-    "\n"
-    "orvane capture --help lists the arguments of a capture.";
-
-constexpr const char* kCaptureDescription =
-    "Captures the environment document: disks, partitions, volumes and system information as XML.\n"
-    "On Windows it describes the machine it runs on, or the described machine of --machine. Under Wine, "
-    "which\n"
-    "has no disks of its own to show, a described workstation stands in where --machine is not given.";
-
-constexpr const char* kCaptureFooter =
-    "The document is written as UTF-8, indented; errors go to standard error. A volume given with --volume "
-    "that\n"
-    "cannot be backed up fails the capture, and the reasons are shown. The size query that comes before "
-    "every\n"
-    "capture makes --log and --verbose tell everything twice.\n"
-    "\n"
-    "Examples:\n"
-    "  orvane capture --output environment.xml\n"
-    "  orvane capture --volume \"\\\\?\\Volume{0b0a2f5e-0000-0000-0000-100000000000}\\\"\n"
-    "  orvane capture --machine examples/machines/bios-laptop.json --verbose";
-
-// Where the parser puts its results: it knows 8-bit texts only.
+// Where the parser puts what it has no type for: it knows 8-bit texts only.
 struct Texts {
     std::vector<std::string> volumes;
     std::string machine;
     std::string output;
     std::string log;
+    std::string kind;
+};
+
+const std::map<std::string, DumpKind> kDumpKinds = {
+    {"wmi", DumpKind::kWmi},
+    {"disks", DumpKind::kDisks},
+    {"volumes", DumpKind::kVolumes},
+    {"firmware", DumpKind::kFirmware},
 };
 
 std::optional<std::filesystem::path> PathOf(const std::string& utf8) {
@@ -53,6 +34,12 @@ std::optional<std::filesystem::path> PathOf(const std::string& utf8) {
         return std::nullopt;
     }
     return std::filesystem::path(machine::Widen(utf8));
+}
+
+std::vector<std::wstring> Wide(const std::vector<std::string>& texts) {
+    std::vector<std::wstring> wide;
+    std::transform(texts.begin(), texts.end(), std::back_inserter(wide), machine::Widen);
+    return wide;
 }
 
 CLI::Validator NotEmpty() {
@@ -64,28 +51,57 @@ void AddPath(CLI::App& app, const char* name, std::string& text, const char* des
     app.add_option(name, text, description)->type_name("FILE")->check(NotEmpty());
 }
 
-CLI::App* AddCapture(CLI::App& app, CaptureOptions& options, Texts& texts) {
-    CLI::App* const capture = app.add_subcommand("capture", kCaptureDescription);
-    capture->footer(kCaptureFooter);
-    capture
-        ->add_option("--format", options.format,
-                     "Format of the document: 1, 2 or 3; the library takes any other number for 2")
-        ->type_name("N")
-        ->capture_default_str();
-    capture
-        ->add_option("--volume", texts.volumes,
-                     "GUID path of a volume that is to be backed up; may be given several times")
+void AddVolumes(CLI::App& app, Texts& texts, const char* description) {
+    app.add_option("--volume", texts.volumes, description)
         ->type_name("GUID")
         ->allow_extra_args(false)
         ->check(NotEmpty());
-    AddPath(*capture, "--machine", texts.machine, "Describe the machine of this description (JSON)");
-    AddPath(*capture, "--output", texts.output, "Write the document here instead of standard output");
-    capture->add_flag("--raw", options.raw,
-                      "Write the library's bytes untouched, in the system's ANSI code page");
-    AddPath(*capture, "--log", texts.log, "Write the library's whole log here, as UTF-8");
-    capture->add_flag("--verbose", options.verbose,
-                      "Show the log's messages of all levels, not errors alone");
-    return capture;
+}
+
+void AddMachineOptions(CLI::App& app, MachineOptions& options, Texts& texts) {
+    AddPath(app, "--machine", texts.machine, "Describe the machine of this description (JSON)");
+    AddPath(app, "--log", texts.log, "Write the library's whole log here, as UTF-8");
+    app.add_flag("--verbose", options.verbose, "Show the log's messages of all levels, not errors alone");
+}
+
+CLI::App& AddCommand(CLI::App& app, const char* name, const HelpText& help) {
+    CLI::App* const command = app.add_subcommand(name, help.description);
+    command->footer(help.footer);
+    return *command;
+}
+
+void AddCapture(CLI::App& app, CaptureOptions& options, Texts& texts) {
+    CLI::App& capture = AddCommand(app, "capture", kCaptureHelp);
+    capture
+        .add_option("--format", options.format,
+                    "Format of the document: 1, 2 or 3; the library takes any other number for 2")
+        ->type_name("N")
+        ->capture_default_str();
+    AddVolumes(capture, texts, "GUID path of a volume that is to be backed up; may be given several times");
+    AddPath(capture, "--output", texts.output, "Write the document here instead of standard output");
+    capture.add_flag("--raw", options.raw,
+                     "Write the library's bytes untouched, in the system's ANSI code page");
+    AddMachineOptions(capture, options, texts);
+}
+
+void AddDump(CLI::App& app, DumpOptions& options, Texts& texts) {
+    CLI::App& dump = AddCommand(app, "dump", kDumpHelp);
+    dump.add_option("KIND", texts.kind, "What is dumped")->required()->check(CLI::IsMember(&kDumpKinds));
+    AddPath(dump, "--output", texts.output, "Write the lines here instead of standard output");
+    AddMachineOptions(dump, options, texts);
+}
+
+void AddCheck(CLI::App& app, CheckOptions& options, Texts& texts) {
+    CLI::App& check = AddCommand(app, "check", kCheckHelp);
+    AddVolumes(check, texts,
+               "GUID path of a volume that has to be fit for backup; may be given several times");
+    check.add_flag("--json", options.json, "Write JSON for programs instead of the table");
+    AddMachineOptions(check, options, texts);
+}
+
+void TakeMachineTexts(MachineOptions& options, const Texts& texts) {
+    options.machine = PathOf(texts.machine);
+    options.log = PathOf(texts.log);
 }
 
 Message Explain(const CLI::App& app, const CLI::ParseError& error) {
@@ -98,16 +114,19 @@ Message Explain(const CLI::App& app, const CLI::ParseError& error) {
 }  // namespace
 
 Command ParseArguments(const std::vector<std::wstring>& arguments) {
-    CLI::App app(kDescription, "orvane");
-    app.footer(kFooter);
+    CLI::App app(kProgramHelp.description, "orvane");
+    app.footer(kProgramHelp.footer);
     // A path that begins with a slash is a path.
     app.allow_windows_style_options(false);
     app.require_subcommand(1);
-    CLI::App* const version =
-        app.add_subcommand("version", "Shows the versions of the library and of its interface");
-    CaptureOptions options;
+    CaptureOptions capture;
+    DumpOptions dump;
+    CheckOptions check;
     Texts texts;
-    AddCapture(app, options, texts);
+    AddCapture(app, capture, texts);
+    AddDump(app, dump, texts);
+    AddCheck(app, check, texts);
+    app.add_subcommand("version", "Shows the versions of the library and of its interface");
 
     // The parser takes them from the back.
     std::vector<std::string> reversed;
@@ -118,15 +137,24 @@ Command ParseArguments(const std::vector<std::wstring>& arguments) {
     } catch (const CLI::ParseError& error) {
         return Explain(app, error);
     }
-    if (version->parsed()) {
-        return VersionOptions{};
+    if (app.got_subcommand("capture")) {
+        TakeMachineTexts(capture, texts);
+        capture.volumes = Wide(texts.volumes);
+        capture.output = PathOf(texts.output);
+        return capture;
     }
-    std::transform(texts.volumes.begin(), texts.volumes.end(), std::back_inserter(options.volumes),
-                   machine::Widen);
-    options.machine = PathOf(texts.machine);
-    options.output = PathOf(texts.output);
-    options.log = PathOf(texts.log);
-    return options;
+    if (app.got_subcommand("dump")) {
+        TakeMachineTexts(dump, texts);
+        dump.kind = kDumpKinds.at(texts.kind);
+        dump.output = PathOf(texts.output);
+        return dump;
+    }
+    if (app.got_subcommand("check")) {
+        TakeMachineTexts(check, texts);
+        check.volumes = Wide(texts.volumes);
+        return check;
+    }
+    return VersionOptions{};
 }
 
 }  // namespace host

@@ -53,6 +53,10 @@ void OrvaneLibrary::BindAll() {
     Bind(SetXmlFormat, "SetXmlFormat");
     Bind(SetupSelectedVolumesList, "SetupSelectedVolumesList");
     Bind(CaptureSystemRestorePointInfo, "CaptureSystemRestorePointInfo");
+    Bind(WMIDumpInfo, "WMIDumpInfo");
+    Bind(DiskDumpInfo, "DiskDumpInfo");
+    Bind(VolumeDumpInfo, "VolumeDumpInfo");
+    Bind(FirmwareDumpInfo, "FirmwareDumpInfo");
 }
 
 std::string OrvaneLibrary::FileVersion() const {

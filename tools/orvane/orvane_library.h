@@ -34,6 +34,10 @@ public:
     decltype(&::SetXmlFormat) SetXmlFormat = nullptr;
     decltype(&::SetupSelectedVolumesList) SetupSelectedVolumesList = nullptr;
     decltype(&::CaptureSystemRestorePointInfo) CaptureSystemRestorePointInfo = nullptr;
+    decltype(&::WMIDumpInfo) WMIDumpInfo = nullptr;
+    decltype(&::DiskDumpInfo) DiskDumpInfo = nullptr;
+    decltype(&::VolumeDumpInfo) VolumeDumpInfo = nullptr;
+    decltype(&::FirmwareDumpInfo) FirmwareDumpInfo = nullptr;
     // NOLINTEND
 
 private:

@@ -2,8 +2,11 @@
 
 #include "machine/description.h"
 #include "tools/orvane/capture_command.h"
+#include "tools/orvane/check_command.h"
+#include "tools/orvane/dump_command.h"
 #include "tools/orvane/options.h"
 #include "tools/orvane/orvane_library.h"
+#include "tools/orvane/under_wine.h"
 
 #include <exception>
 
@@ -11,27 +14,52 @@ namespace host {
 
 namespace {
 
-int Execute(const Message& message, std::ostream& out, std::ostream& errors) {
-    (message.exit_code == kExitDone ? out : errors) << message.text;
+struct Terminal {
+    std::ostream& out;
+    std::ostream& errors;
+    bool colour;
+};
+
+int Execute(const Message& message, const Terminal& terminal) {
+    (message.exit_code == kExitDone ? terminal.out : terminal.errors) << message.text;
     return message.exit_code;
 }
 
-int Execute(const VersionOptions& /*options*/, std::ostream& out, std::ostream& /*errors*/) {
+int Execute(const VersionOptions& /*options*/, const Terminal& terminal) {
     const OrvaneLibrary library(LibraryPath());
-    out << "Orvane.dll " << library.FileVersion() << ", interface version " << library.GetOrvaneVersion()
-        << '\n';
+    terminal.out << "Orvane.dll " << library.FileVersion() << ", interface version "
+                 << library.GetOrvaneVersion() << '\n';
     return kExitDone;
 }
 
-int Execute(const CaptureOptions& options, std::ostream& out, std::ostream& errors) {
-    return Capture(options, out, errors);
+// Whoever tries the program out under Wine is told why it has so little to show.
+int Explained(int code, const MachineOptions& options, std::ostream& errors) {
+    if (code == kExitFailed && !options.machine && RunsUnderWine()) {
+        errors
+            << "orvane: Wine has no disks of its own to describe; --machine FILE describes another machine\n";
+    }
+    return code;
+}
+
+int Execute(const CaptureOptions& options, const Terminal& terminal) {
+    return Explained(Capture(options, terminal.out, terminal.errors), options, terminal.errors);
+}
+
+int Execute(const DumpOptions& options, const Terminal& terminal) {
+    return Explained(Dump(options, terminal.out, terminal.errors), options, terminal.errors);
+}
+
+int Execute(const CheckOptions& options, const Terminal& terminal) {
+    return Explained(Check(options, terminal.out, terminal.errors, terminal.colour), options,
+                     terminal.errors);
 }
 
 }  // namespace
 
-int Run(const std::vector<std::wstring>& arguments, std::ostream& out, std::ostream& errors) {
+int Run(const std::vector<std::wstring>& arguments, std::ostream& out, std::ostream& errors, bool colour) {
     try {
-        return std::visit([&](const auto& command) { return Execute(command, out, errors); },
+        const Terminal terminal{out, errors, colour};
+        return std::visit([&](const auto& command) { return Execute(command, terminal); },
                           ParseArguments(arguments));
     } catch (const machine::DescriptionError& error) {
         errors << "orvane: " << error.what() << '\n';

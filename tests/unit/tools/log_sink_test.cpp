@@ -2,14 +2,19 @@
 
 #include "tools/orvane/options.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
+
+using testing::ElementsAre;
 
 // The library's side: keeps the callback.
 OrvaneEventCallback g_callback = nullptr;
@@ -27,61 +32,62 @@ protected:
         return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
-    std::ostringstream errors_;
+    host::LogSink::Listener Listener() {
+        return [this](const host::LogMessage& message) {
+            heard_.push_back(std::to_string(message.level) + " " + message.text);
+        };
+    }
+
+    std::vector<std::string> heard_;
     const std::filesystem::path file_ = std::filesystem::temp_directory_path() / "orvane-log-sink-test.txt";
 };
 
 TEST_F(LogSinkTest, Lifetime_InstallsAndRemovesTheCallback) {
     {
-        const host::LogSink sink(&Install, errors_, false, std::nullopt);
+        const host::LogSink sink(&Install, std::nullopt, Listener());
         EXPECT_NE(g_callback, nullptr);
     }
     EXPECT_EQ(g_callback, nullptr);
 }
 
-TEST_F(LogSinkTest, Quiet_ShowsErrorsAlone) {
-    const host::LogSink sink(&Install, errors_, false, std::nullopt);
+TEST_F(LogSinkTest, Listener_HearsEveryLevelInOrder) {
+    const host::LogSink sink(&Install, std::nullopt, Listener());
     for (std::int32_t level = 0; level <= 4; ++level) {
-        g_callback(level, ("level " + std::to_string(level)).c_str());
+        g_callback(level, "text");
     }
-    EXPECT_EQ(errors_.str(), "error: level 3\nerror: level 4\n");
+    EXPECT_THAT(heard_, ElementsAre("0 text", "1 text", "2 text", "3 text", "4 text"));
 }
 
-TEST_F(LogSinkTest, Quiet_ShowsTheSameErrorOnce) {
-    const host::LogSink sink(&Install, errors_, false, std::nullopt);
-    g_callback(ORVANE_LEVEL_ERROR, "twice");
-    g_callback(ORVANE_LEVEL_ERROR, "once");
-    g_callback(ORVANE_LEVEL_ERROR, "twice");
-    EXPECT_EQ(errors_.str(), "error: twice\nerror: once\n");
-}
-
-TEST_F(LogSinkTest, Verbose_ShowsEverything) {
-    const host::LogSink sink(&Install, errors_, true, std::nullopt);
-    g_callback(ORVANE_LEVEL_TRACE, "a");
-    g_callback(ORVANE_LEVEL_INFORMATION, "b");
-    g_callback(ORVANE_LEVEL_WARNING, "c");
-    g_callback(ORVANE_LEVEL_ERROR, "d");
-    g_callback(ORVANE_LEVEL_ERROR, "d");
-    EXPECT_EQ(errors_.str(), "trace: a\ninformation: b\nwarning: c\nerror: d\nerror: d\n");
-}
-
-TEST_F(LogSinkTest, LineFeedOfAMessage_IsNotDoubled) {
-    const host::LogSink sink(&Install, errors_, true, std::nullopt);
+TEST_F(LogSinkTest, LineFeedAtTheEnd_IsLeftOut) {
+    const host::LogSink sink(&Install, std::nullopt, Listener());
     g_callback(ORVANE_LEVEL_INFORMATION, "Firmware type: UEFI\n");
-    EXPECT_EQ(errors_.str(), "information: Firmware type: UEFI\n");
+    g_callback(ORVANE_LEVEL_INFORMATION, "two\nlines\r\n");
+    g_callback(ORVANE_LEVEL_INFORMATION, "");
+    EXPECT_THAT(heard_, ElementsAre("1 Firmware type: UEFI", "1 two\nlines", "1 "));
+}
+
+TEST_F(LogSinkTest, ListenerThatThrows_DoesNotReachTheLibrary) {
+    const host::LogSink sink(&Install, std::nullopt,
+                             [](const host::LogMessage&) { throw std::runtime_error("no"); });
+    EXPECT_NO_THROW(g_callback(ORVANE_LEVEL_ERROR, "text"));
 }
 
 TEST_F(LogSinkTest, File_ReceivesEveryLevel) {
-    host::LogSink sink(&Install, errors_, false, file_);
+    host::LogSink sink(&Install, file_, Listener());
     g_callback(ORVANE_LEVEL_TRACE, "a");
-    g_callback(ORVANE_LEVEL_ERROR, "b");
-    EXPECT_TRUE(sink.file_written());
+    g_callback(ORVANE_LEVEL_ERROR, "b\n");
+    sink.RequireWritten();
     EXPECT_EQ(FileContent(), "trace: a\nerror: b\n");
+    EXPECT_THAT(heard_, ElementsAre("0 a", "3 b"));
+}
+
+TEST_F(LogSinkTest, NoFile_NeedsNothingWritten) {
+    host::LogSink sink(&Install, std::nullopt, Listener());
+    EXPECT_NO_THROW(sink.RequireWritten());
 }
 
 TEST_F(LogSinkTest, FileThatCannotBeMade_IsRefused) {
-    EXPECT_THROW(host::LogSink(&Install, errors_, false, file_ / "below-a-file" / "log.txt"),
-                 host::UsageError);
+    EXPECT_THROW(host::LogSink(&Install, file_ / "below-a-file" / "log.txt", Listener()), host::UsageError);
 }
 
 }  // namespace

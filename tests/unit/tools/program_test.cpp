@@ -1,7 +1,6 @@
 #include "tools/orvane/program.h"
 
 #include "common/windows.h"
-#include "tools/orvane/machine_choice.h"
 #include "tools/orvane/orvane_library.h"
 
 #include <gmock/gmock.h>
@@ -20,7 +19,7 @@ using testing::StartsWith;
 
 class ProgramTest : public testing::Test {
 protected:
-    int Run(const std::vector<std::wstring>& arguments) { return host::Run(arguments, out_, errors_); }
+    int Run(const std::vector<std::wstring>& arguments) { return host::Run(arguments, out_, errors_, false); }
 
     std::ostringstream out_;
     std::ostringstream errors_;
@@ -38,9 +37,16 @@ TEST_F(ProgramTest, BadUsage_GoesToStandardError) {
     EXPECT_THAT(errors_.str(), StartsWith("orvane: "));
 }
 
-TEST_F(ProgramTest, MissingDescription_IsNamed) {
-    EXPECT_EQ(Run({L"capture", L"--machine", L"no-such-machine.json"}), 2);
-    EXPECT_THAT(errors_.str(), AllOf(StartsWith("orvane: "), HasSubstr("no-such-machine.json")));
+TEST_F(ProgramTest, MissingDescription_IsNamedByEveryCommand) {
+    for (const std::vector<std::wstring>& command :
+         {std::vector<std::wstring>{L"capture"}, {L"dump", L"disks"}, {L"check"}, {L"check", L"--json"}}) {
+        std::vector<std::wstring> arguments = command;
+        arguments.insert(arguments.end(), {L"--machine", L"no-such-machine.json"});
+        errors_.str("");
+        EXPECT_EQ(Run(arguments), 2);
+        EXPECT_THAT(errors_.str(), AllOf(StartsWith("orvane: "), HasSubstr("no-such-machine.json")));
+        EXPECT_THAT(out_.str(), IsEmpty());
+    }
 }
 
 TEST_F(ProgramTest, BadDescription_IsRefusedWithFilePathAndReason) {
@@ -75,20 +81,6 @@ TEST(OrvaneLibrary, LibraryWithoutTheExports_IsRefused) {
     } catch (const host::LibraryError& error) {
         EXPECT_THAT(error.what(), HasSubstr("exports no GetOrvaneVersion"));
     }
-}
-
-TEST(ChooseMachine, WithoutFileUnderWine_IsTheWorkstation) {
-    if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr) {
-        EXPECT_FALSE(host::ChooseMachine(std::nullopt));
-        return;
-    }
-    const auto chosen = host::ChooseMachine(std::nullopt);
-    const auto workstation =
-        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation.json");
-    ASSERT_TRUE(chosen);
-    EXPECT_EQ(chosen->name, workstation.name);
-    EXPECT_EQ(chosen->disks.size(), workstation.disks.size());
-    EXPECT_EQ(chosen->volumes.size(), workstation.volumes.size());
 }
 
 }  // namespace

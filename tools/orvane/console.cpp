@@ -1,0 +1,39 @@
+#include "tools/orvane/console.h"
+
+#include <io.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace host {
+
+namespace {
+
+// The variable by which people tell all programs: https://no-color.org
+bool ColourIsUnwanted() {
+    return _wgetenv(L"NO_COLOR") != nullptr;
+}
+
+}  // namespace
+
+Console::Console()
+    : output_(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stdout)))),
+      former_code_page_(GetConsoleOutputCP()) {
+    // Everything is written as UTF-8, which a console has to be told.
+    SetConsoleOutputCP(CP_UTF8);
+    if (_isatty(_fileno(stdout)) != 0 && !ColourIsUnwanted() &&
+        GetConsoleMode(output_, &former_mode_) != FALSE) {
+        colour_ = SetConsoleMode(output_, former_mode_ | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
+    }
+}
+
+Console::~Console() {
+    if (colour_) {
+        SetConsoleMode(output_, former_mode_);
+    }
+    if (former_code_page_ != 0) {
+        SetConsoleOutputCP(former_code_page_);
+    }
+}
+
+}  // namespace host

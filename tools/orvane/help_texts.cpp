@@ -1,0 +1,73 @@
+#include "tools/orvane/help_texts.h"
+
+namespace host {
+
+const HelpText kProgramHelp = {
+    R"(orvane - describes this machine to a backup agent, as Orvane.dll beside this program sees it.
+)",
+    R"(Exit codes:
+  0  done
+  1  nothing could be told, or something that was selected cannot be backed up; standard error says why
+  2  the arguments or the machine description cannot be used
+
+Without --machine every command describes the system that it runs on. Under Wine that is Wine itself, which
+has little to show: --machine FILE describes another machine, for example one of examples/machines.
+
+orvane COMMAND --help lists the arguments of a command.)"};
+
+const HelpText kCaptureHelp = {
+    R"(Captures the environment document: disks, partitions, volumes and system information as XML.
+It describes the system it runs on, or the machine of --machine.)",
+    R"(The document is written as UTF-8, indented; errors go to standard error. A volume given with --volume that
+cannot be backed up fails the capture, and the reasons are shown. The size query that comes before every
+capture makes --log and --verbose tell everything twice.
+
+Examples:
+  orvane capture --output environment.xml
+  orvane capture --volume "\\?\Volume{0b0a2f5e-0000-0000-0000-100000000000}\"
+  orvane capture --machine examples/machines/bios-laptop.json --verbose)"};
+
+const HelpText kDumpHelp = {
+    R"(Prints what the library finds as lines for support staff, by KIND:
+  wmi       processor, boot configuration, computer system and operating system
+  disks     every disk with its partition table
+  volumes   every volume; those that cannot be backed up are told on standard error in the end
+  firmware  the library's version, and whether BIOS or UEFI firmware started the machine
+It describes the system it runs on, or the machine of --machine.)",
+    R"(What could not be found out goes to standard error, as "error: ...", in its place among the lines.
+
+Exit codes:
+  0  the dump told of its subject, perhaps with errors beside
+  1  it told nothing of it: no line at all, or in a dump of the volumes or the firmware nothing but the lines
+     around it; or it broke off. With --output no file is written then
+  2  the arguments or the machine description cannot be used
+
+Examples:
+  orvane dump disks
+  orvane dump volumes --machine examples/machines/bios-laptop.json --output volumes.txt)"};
+
+const HelpText kCheckHelp = {
+    R"(Says for every disk and every volume whether it can be backed up, and why not.
+It checks the system it runs on, or the machine of --machine.)",
+    R"(A volume given with --volume is judged as a capture judges it, by the GUID path, the GUID or the device name.
+
+With --json a program reads this object, in UTF-8:
+  {"disks": [{"index": 0, "canBackup": true, "reasons": []}],
+   "volumes": [{"id": GUID-PATH, "device": NAME, "mountPoints": [PATH], "canBackup": false, "reasons": [TEXT]}],
+   "selected": [{"volume": AS-GIVEN, "canBackup": true, "reasons": []}]}
+A volume without a GUID has the id "". Where the check failed, "disks", "volumes" or a selected volume's
+"canBackup" is null.
+
+Exit codes:
+  0  every volume given with --volume can be backed up, or none was given
+  1  one of them cannot, or the check failed: standard error says why
+  2  the arguments or the machine description cannot be used
+
+Colour is used on a terminal, unless the environment has a variable NO_COLOR.
+
+Examples:
+  orvane check
+  orvane check --volume "\\?\Volume{0b0a2f5e-0000-0000-0000-100000000000}\" --json
+  orvane check --machine examples/machines/spanned-dynamic.json)"};
+
+}  // namespace host
