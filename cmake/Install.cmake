@@ -1,0 +1,27 @@
+# cmake --install: the library with its import library and header, the host, a CMake package, the documentation.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS Orvane orvane
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(DIRECTORY include/orvane DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Orvane")
+configure_package_config_file(cmake/OrvaneConfig.cmake.in "${PROJECT_BINARY_DIR}/package/OrvaneConfig.cmake"
+    INSTALL_DESTINATION "${package_dir}"
+    PATH_VARS CMAKE_INSTALL_BINDIR CMAKE_INSTALL_LIBDIR CMAKE_INSTALL_INCLUDEDIR)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/OrvaneConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+install(FILES
+    "${PROJECT_BINARY_DIR}/package/OrvaneConfig.cmake"
+    "${PROJECT_BINARY_DIR}/package/OrvaneConfigVersion.cmake"
+    DESTINATION "${package_dir}")
+
+# In the folders of the source, so that the links from page to page hold.
+set(documentation_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc/orvane")
+install(FILES README.md DESTINATION "${documentation_dir}")
+install(DIRECTORY docs DESTINATION "${documentation_dir}"
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.xsd")
+install(FILES examples/agent.c DESTINATION "${documentation_dir}/examples")
+install(DIRECTORY examples/machines DESTINATION "${documentation_dir}/examples")

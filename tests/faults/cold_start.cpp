@@ -1,0 +1,142 @@
+// The first call after loading, which binds and initialises what later ones find ready; and loading itself.
+
+#include "faults/case_runner.h"
+
+#include "common/windows.h"
+#include <algorithm>
+#include <array>
+
+namespace faults {
+
+namespace {
+
+// Loads the library, and calls the entry point once with memory running out at the ordinal-th allocation.
+std::vector<std::string> RunCold(machine::Simulation& simulation, const std::filesystem::path& file,
+                                 const EntryPoint& entry, std::size_t ordinal, bool from_there_on,
+                                 std::size_t& steps) {
+    const Library library(file);
+    const Balance before = Watch().balance;
+    Meter& allocations = Watch().allocations;
+    allocations.Arm(ordinal, from_there_on);
+    std::uint32_t status = ORVANE_SUCCESS;
+    if (entry.format != 0) {
+        library.SetXmlFormat(entry.format);
+        status = library.CaptureSystemRestorePointInfo(nullptr, 0, nullptr);
+    } else {
+        (library.*(entry.dump))();
+    }
+    steps = allocations.steps();
+    allocations.Disarm();
+    const Balance& after = Watch().balance;
+    std::vector<std::string> breaches;
+    const auto require = [&](bool holds, const char* name) {
+        if (!holds) {
+            breaches.emplace_back(name);
+        }
+    };
+    require(status <= ORVANE_BUFFER_TOO_SMALL, "status");
+    require(simulation.open_handles() == 0 && simulation.stale_handle_uses() == 0, "handle");
+    require(simulation.live_objects() == 0, "object");
+    require(after.com_initialisations == before.com_initialisations, "com");
+    require(after.registry_keys == before.registry_keys && after.tokens == before.tokens, "key");
+    return breaches;
+}
+
+void Append(std::vector<std::string>& failures, std::vector<std::string> more) {
+    failures.insert(failures.end(), more.begin(), more.end());
+}
+
+// Bytes in use in all heaps of the process.
+std::size_t HeapBytes() {
+    constexpr DWORD kMostHeaps = 64;
+    std::array<HANDLE, kMostHeaps> heaps{};
+    const DWORD count = GetProcessHeaps(kMostHeaps, heaps.data());
+    std::size_t bytes = 0;
+    for (DWORD i = 0; i < std::min(count, kMostHeaps); ++i) {
+        PROCESS_HEAP_ENTRY entry{};
+        while (HeapWalk(heaps[i], &entry) != FALSE) {
+            bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+        }
+    }
+    return bytes;
+}
+
+// The next thread slot that the system gives.
+DWORD NextThreadSlot() {
+    const DWORD slot = TlsAlloc();
+    TlsFree(slot);
+    return slot;
+}
+
+DWORD Handles() {
+    DWORD handles = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
+    return handles;
+}
+
+}  // namespace
+
+void ColdStart(CaseRunner& runner, const std::filesystem::path& library,
+               const machine::Description& description) {
+    const EntryPoint& entry = FindEntryPoint(runner.choice().entry);
+    machine::Session session(description);
+    session.simulation().calls().SetKept(false);
+    std::size_t count = 0;
+    RunCold(session.simulation(), library, entry, 0, false, count);
+    runner.tally().calls += count;
+    for (std::size_t ordinal = 1; ordinal <= count; ++ordinal) {
+        for (const bool from_there_on : {false, true}) {
+            const std::string call = "alloc:" + std::to_string(ordinal);
+            if ((runner.choice().call.empty() || runner.choice().call == call) &&
+                runner.choice().from_there_on.value_or(from_there_on) == from_there_on) {
+                std::size_t steps = 0;
+                runner.Run("--call " + call + (from_there_on ? " --from-there-on" : " --once"),
+                           "an allocation", [&] {
+                               return RunCold(session.simulation(), library, entry, ordinal, from_there_on,
+                                              steps);
+                           });
+            }
+        }
+    }
+}
+
+void Reload(CaseRunner& runner, const std::filesystem::path& library,
+            const machine::Description& description) {
+    constexpr std::size_t kWarmUp = 100;
+    constexpr std::size_t kLoads = 10'000;
+    constexpr std::size_t kBytesOfNoise = 1024;  // of the program itself
+    const EntryPoint& entry = FindEntryPoint(runner.choice().entry);
+    machine::Session session(description);
+    session.simulation().calls().SetKept(false);
+    runner.tally().calls += kLoads;
+    runner.Run("", "loading", [&] {
+        std::vector<std::string> failures;
+        std::size_t steps = 0;
+        std::size_t bytes = 0;
+        DWORD handles = 0;
+        DWORD slot = 0;
+        for (std::size_t i = 0; i < kWarmUp + kLoads; ++i) {
+            if (i == kWarmUp) {
+                bytes = HeapBytes();
+                handles = Handles();
+                slot = NextThreadSlot();
+            }
+            // Every other time with an exception, for which the runtime keeps memory.
+            Append(failures,
+                   RunCold(session.simulation(), library, entry, i % 2 == 0 ? 0 : 60, false, steps));
+        }
+        const std::size_t bytes_after = HeapBytes();
+        if (bytes_after > bytes + kBytesOfNoise) {
+            failures.push_back("memory grew by " + std::to_string(bytes_after - bytes) + " bytes");
+        }
+        if (Handles() > handles) {
+            failures.push_back("handles grew by " + std::to_string(Handles() - handles));
+        }
+        if (NextThreadSlot() != slot) {
+            failures.emplace_back("thread slots grew");
+        }
+        return failures;
+    });
+}
+
+}  // namespace faults

@@ -1,0 +1,301 @@
+#include "faults/import_hooks.h"
+
+#include "faults/dom_hooks.h"
+#include "faults/guard_pages.h"
+#include "machine/redirect.h"
+
+#include <oleauto.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <set>
+#include <stdexcept>
+#include <string>
+
+namespace faults {
+
+namespace {
+
+ImportWatch watch;
+bool guarded = false;
+std::set<HANDLE> tokens;
+
+// Answers of the system are at least as large as this; smaller blocks are not worth two pages each.
+constexpr std::size_t kSmallestGuarded = 128;
+
+// The functions that are called in the end, by their own names.
+template <class Function>
+Function Real(const wchar_t* library, const char* name) {
+    const auto function = machine::RealFunction<Function>(library, name);
+    if (function == nullptr) {
+        throw std::runtime_error(std::string("the system lacks ") + name);
+    }
+    return function;
+}
+
+// --- Memory
+
+const auto real_malloc = Real<decltype(&std::malloc)>(L"msvcrt.dll", "malloc");
+const auto real_realloc = Real<decltype(&std::realloc)>(L"msvcrt.dll", "realloc");
+const auto real_free = Real<decltype(&std::free)>(L"msvcrt.dll", "free");
+
+void* Counted(void* block) {
+    watch.balance.heap_blocks += block != nullptr ? 1 : 0;
+    return block;
+}
+
+bool OutOfMemory() {
+    if (!watch.allocations.Step()) {
+        return false;
+    }
+    errno = ENOMEM;
+    return true;
+}
+
+bool IsGuarded(std::size_t size) {
+    return guarded && size >= kSmallestGuarded;
+}
+
+void* __cdecl WatchedMalloc(std::size_t size) {
+    if (OutOfMemory()) {
+        return nullptr;
+    }
+    return Counted(IsGuarded(size) ? AllocateGuarded(size) : real_malloc(size));
+}
+
+void __cdecl WatchedFree(void* block) {
+    if (block == nullptr) {
+        return;
+    }
+    --watch.balance.heap_blocks;
+    if (!FreeGuarded(block)) {
+        real_free(block);
+    }
+}
+
+void* __cdecl WatchedRealloc(void* block, std::size_t size) {
+    if (OutOfMemory()) {
+        return nullptr;
+    }
+    const std::size_t guarded_size = GuardedSize(block);
+    if (guarded_size == 0) {
+        void* const moved = real_realloc(block, size);
+        return block == nullptr ? Counted(moved) : moved;
+    }
+    void* const moved = real_malloc(size);
+    if (moved != nullptr) {
+        std::memcpy(moved, block, std::min(size, guarded_size));
+        FreeGuarded(block);
+    }
+    return moved;
+}
+
+BSTR WINAPI WatchedSysAllocString(const OLECHAR* text) {
+    return OutOfMemory() ? nullptr : ::SysAllocString(text);
+}
+
+// --- Everything else: the failure that its kind of function knows, or the function itself.
+
+template <class Body>
+HRESULT ComCall(Body&& body) {
+    return watch.imports.Step() ? static_cast<HRESULT>(watch.codes.com) : body();
+}
+
+template <class Body>
+LSTATUS RegistryCall(Body&& body) {
+    return watch.imports.Step() ? static_cast<LSTATUS>(watch.codes.win32) : body();
+}
+
+// Win32 functions that answer 0 and set the last error.
+template <class Body>
+auto Win32Call(Body&& body) -> decltype(body()) {
+    if (watch.imports.Step()) {
+        SetLastError(watch.codes.win32);
+        return {};
+    }
+    return body();
+}
+
+HRESULT WINAPI WatchedCoInitializeEx(void* reserved, DWORD model) {
+    return ComCall([&] {
+        const HRESULT result = ::CoInitializeEx(reserved, model);
+        watch.balance.com_initialisations += SUCCEEDED(result) ? 1 : 0;
+        return result;
+    });
+}
+
+void WINAPI WatchedCoUninitialize() {
+    --watch.balance.com_initialisations;
+    ::CoUninitialize();
+}
+
+HRESULT WINAPI WatchedCoInitializeSecurity(PSECURITY_DESCRIPTOR descriptor, LONG services,
+                                           SOLE_AUTHENTICATION_SERVICE* list, void* reserved1,
+                                           DWORD authentication, DWORD impersonation, void* information,
+                                           DWORD capabilities, void* reserved2) {
+    return ComCall([&] {
+        return ::CoInitializeSecurity(descriptor, services, list, reserved1, authentication, impersonation,
+                                      information, capabilities, reserved2);
+    });
+}
+
+HRESULT WINAPI WatchedCoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
+                                       void** object) {
+    return ComCall([&] {
+        const HRESULT result = ::CoCreateInstance(clsid, outer, context, iid, object);
+        if (SUCCEEDED(result) && object != nullptr) {
+            WatchDocument(clsid, static_cast<IUnknown*>(*object));
+        }
+        return result;
+    });
+}
+
+HRESULT WINAPI WatchedCoSetProxyBlanket(IUnknown* proxy, DWORD authentication, DWORD authorization,
+                                        OLECHAR* name, DWORD level, DWORD impersonation, void* information,
+                                        DWORD capabilities) {
+    return ComCall([&] {
+        return ::CoSetProxyBlanket(proxy, authentication, authorization, name, level, impersonation,
+                                   information, capabilities);
+    });
+}
+
+// Always the same sequence, so that documents can be compared.
+std::uint32_t guids = 0;
+
+HRESULT WINAPI WatchedCoCreateGuid(GUID* guid) {
+    return ComCall([&] {
+        *guid = {++guids, 0x1234, 0x4321, {1, 2, 3, 4, 5, 6, 7, 8}};
+        return S_OK;
+    });
+}
+
+HRESULT WINAPI WatchedOleRun(IUnknown* object) {
+    return ComCall([&] { return ::OleRun(object); });
+}
+
+HRESULT WINAPI WatchedSafeArrayGetLBound(SAFEARRAY* array, UINT dimension, LONG* bound) {
+    return ComCall([&] { return ::SafeArrayGetLBound(array, dimension, bound); });
+}
+
+HRESULT WINAPI WatchedSafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound) {
+    return ComCall([&] { return ::SafeArrayGetUBound(array, dimension, bound); });
+}
+
+HRESULT WINAPI WatchedSafeArrayAccessData(SAFEARRAY* array, void** data) {
+    return ComCall([&] { return ::SafeArrayAccessData(array, data); });
+}
+
+LSTATUS WINAPI WatchedRegOpenKeyExW(HKEY key, LPCWSTR name, DWORD options, REGSAM access, PHKEY opened) {
+    return RegistryCall([&] {
+        const LSTATUS result = ::RegOpenKeyExW(key, name, options, access, opened);
+        watch.balance.registry_keys += result == ERROR_SUCCESS ? 1 : 0;
+        return result;
+    });
+}
+
+LSTATUS WINAPI WatchedRegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_size, LPDWORD reserved,
+                                    LPDWORD type, LPBYTE data, LPDWORD data_size) {
+    return RegistryCall(
+        [&] { return ::RegEnumValueW(key, index, name, name_size, reserved, type, data, data_size); });
+}
+
+LSTATUS WINAPI WatchedRegCloseKey(HKEY key) {
+    // A key is closed all the same.
+    --watch.balance.registry_keys;
+    const LSTATUS result = ::RegCloseKey(key);
+    return RegistryCall([&] { return result; });
+}
+
+BOOL WINAPI WatchedOpenProcessToken(HANDLE process, DWORD access, PHANDLE token) {
+    return Win32Call([&] {
+        const BOOL done = ::OpenProcessToken(process, access, token);
+        if (done != FALSE) {
+            tokens.insert(*token);
+            ++watch.balance.tokens;
+        }
+        return done;
+    });
+}
+
+// Not made to fail: what the library closes here is its token.
+BOOL WINAPI WatchedCloseHandle(HANDLE handle) {
+    watch.balance.tokens -= static_cast<std::int64_t>(tokens.erase(handle));
+    return ::CloseHandle(handle);
+}
+
+BOOL WINAPI WatchedLookupPrivilegeValueW(LPCWSTR system, LPCWSTR name, PLUID value) {
+    return Win32Call([&] { return ::LookupPrivilegeValueW(system, name, value); });
+}
+
+BOOL WINAPI WatchedAdjustTokenPrivileges(HANDLE token, BOOL disable, PTOKEN_PRIVILEGES privileges, DWORD size,
+                                         PTOKEN_PRIVILEGES former, PDWORD needed) {
+    return Win32Call(
+        [&] { return ::AdjustTokenPrivileges(token, disable, privileges, size, former, needed); });
+}
+
+int WINAPI WatchedMultiByteToWideChar(UINT page, DWORD flags, LPCSTR text, int length, LPWSTR wide,
+                                      int size) {
+    return Win32Call([&] { return ::MultiByteToWideChar(page, flags, text, length, wide, size); });
+}
+
+int WINAPI WatchedWideCharToMultiByte(UINT page, DWORD flags, LPCWCH wide, int length, LPSTR text, int size,
+                                      LPCCH substitute, LPBOOL used) {
+    return Win32Call(
+        [&] { return ::WideCharToMultiByte(page, flags, wide, length, text, size, substitute, used); });
+}
+
+template <class Function>
+void Hook(HMODULE module, const char* name, Function replacement) {
+    const auto proc = reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(replacement));
+    if (machine::RedirectImport(module, name, proc) == nullptr) {
+        throw std::runtime_error(std::string("the library does not import ") + name);
+    }
+}
+
+}  // namespace
+
+ImportWatch& Watch() {
+    return watch;
+}
+
+void ResetGuids() {
+    guids = 0;
+}
+
+void InstallImportHooks(HMODULE module) {
+    Hook(module, "malloc", &WatchedMalloc);
+    Hook(module, "realloc", &WatchedRealloc);
+    Hook(module, "free", &WatchedFree);
+    Hook(module, "SysAllocString", &WatchedSysAllocString);
+    Hook(module, "CoInitializeEx", &WatchedCoInitializeEx);
+    Hook(module, "CoUninitialize", &WatchedCoUninitialize);
+    Hook(module, "CoInitializeSecurity", &WatchedCoInitializeSecurity);
+    Hook(module, "CoCreateInstance", &WatchedCoCreateInstance);
+    Hook(module, "CoSetProxyBlanket", &WatchedCoSetProxyBlanket);
+    Hook(module, "CoCreateGuid", &WatchedCoCreateGuid);
+    Hook(module, "OleRun", &WatchedOleRun);
+    Hook(module, "SafeArrayGetLBound", &WatchedSafeArrayGetLBound);
+    Hook(module, "SafeArrayGetUBound", &WatchedSafeArrayGetUBound);
+    Hook(module, "SafeArrayAccessData", &WatchedSafeArrayAccessData);
+    Hook(module, "RegOpenKeyExW", &WatchedRegOpenKeyExW);
+    Hook(module, "RegEnumValueW", &WatchedRegEnumValueW);
+    Hook(module, "RegCloseKey", &WatchedRegCloseKey);
+    Hook(module, "OpenProcessToken", &WatchedOpenProcessToken);
+    Hook(module, "CloseHandle", &WatchedCloseHandle);
+    Hook(module, "LookupPrivilegeValueW", &WatchedLookupPrivilegeValueW);
+    Hook(module, "AdjustTokenPrivileges", &WatchedAdjustTokenPrivileges);
+    Hook(module, "MultiByteToWideChar", &WatchedMultiByteToWideChar);
+    Hook(module, "WideCharToMultiByte", &WatchedWideCharToMultiByte);
+    WatchDocumentsOf(module);
+}
+
+GuardedHeap::GuardedHeap() {
+    guarded = true;
+}
+
+GuardedHeap::~GuardedHeap() {
+    guarded = false;
+}
+
+}  // namespace faults

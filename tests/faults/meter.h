@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+
+namespace faults {
+
+/// Counts the operations of one kind and makes one of them fail, or one and all after it.
+class Meter {
+public:
+    /// From now on, counted anew: the ordinal-th operation fails (0: none), with all after it or alone.
+    void Arm(std::size_t ordinal, bool from_there_on) noexcept {
+        ordinal_ = ordinal;
+        from_there_on_ = from_there_on;
+        steps_ = 0;
+        hits_ = 0;
+    }
+    void Disarm() noexcept { Arm(0, false); }
+
+    /// Counts one operation; true when it is to fail.
+    bool Step() noexcept {
+        ++steps_;
+        const bool hit = ordinal_ != 0 && (from_there_on_ ? steps_ >= ordinal_ : steps_ == ordinal_);
+        hits_ += hit ? 1 : 0;
+        return hit;
+    }
+
+    std::size_t steps() const noexcept { return steps_; }
+    std::size_t hits() const noexcept { return hits_; }
+
+private:
+    std::size_t ordinal_ = 0;
+    bool from_there_on_ = false;
+    std::size_t steps_ = 0;
+    std::size_t hits_ = 0;
+};
+
+}  // namespace faults
