@@ -8,19 +8,23 @@
  * 1. Threads. Call from one thread at a time. The library has no threads of its own; the callback is called
  * on the calling thread, before the function returns.
  * 2. State. The settings (callback, format, selected volumes) belong to the process and persist from call to
- *    call. Everything else is collected anew by each call.
+ *    call. Everything that is described is collected anew by each call. What the calls leave in the process:
+ *    COM security, set once where nobody else has set it, and the backup and restore privileges, enabled by
+ *    captures in formats 1 and 2 where the process holds them.
  * 3. Ownership. Memory that you pass stays yours and is not kept after the call; the callback pointer alone
  * is kept. The library hands out no memory: nothing is to be freed.
- * 4. Null. A null pointer is allowed where this header says so, and nowhere a crash of the library's own.
- * 5. Failure. No exception leaves a function. Failures are told by the status and by lines in the log. Where
- * a function fails, what it would have stored is left as it was.
- * 6. Text. Wide texts are UTF-16. The document and the callback's text are 8-bit: the document in the system's
- *    ANSI code page, with the system's substitute for what it lacks; the callback's text in the C runtime's
- *    current locale, where a line beginning "ASSERTION FAILED" stands for one that the locale cannot express.
- *    The locale that a process begins with knows no letter beyond Latin-1: call setlocale(LC_CTYPE, "") first.
- * 7. COM. Formats 1 and 2 and the dumps initialise COM on the calling thread for the length of the call, as a
- *    single-threaded apartment; format 3 needs it initialised by the caller. Do not call from a thread of the
- *    multithreaded apartment: each use of COM there takes back an initialisation that is not the library's.
+ * 4. Null. A null pointer is allowed where this header says so.
+ * 5. Failure. No exception leaves a function. Failures are told by the status and by lines in the log. A
+ *    capture that fails stores nothing.
+ * 6. Text. Wide texts are UTF-16. The document is 8-bit, in the system's ANSI code page: for a letter that
+ * the page lacks the system's best fit or substitute stands. The callback's text is 8-bit, in the current
+ * locale of the C runtime msvcrt.dll, which an agent built on another runtime does not choose. A line that
+ * the locale cannot express, or not within 254 bytes, is replaced by "ASSERTION FAILED, src/common/logger:79
+ * !err".
+ * 7. COM. Around each use of COM the library initialises it on the calling thread, as a single-threaded
+ *    apartment; a capture in format 3 needs it initialised by the caller besides. Do not call from a thread
+ * of the multithreaded apartment: each use of COM there takes back an initialisation that is not the
+ * library's.
  */
 
 #include <stdint.h>
@@ -41,8 +45,8 @@ extern "C" {
 #define ORVANE_LEVEL_WARNING 2
 #define ORVANE_LEVEL_ERROR 3
 
-/* Receives one message of the log: its level and its text, terminated, at most 254 characters, valid during
- * the call only. Longer messages are cut. Must not throw and must not call the library. */
+/* Receives one message of the log: its level and its text, terminated, at most 254 bytes (longer messages are
+ * cut or replaced, rule 6), valid during the call only. Must not throw and must not call the library. */
 typedef void (*OrvaneEventCallback)(int32_t level, const char* text);
 
 /* The version of this interface, always 4. */
@@ -61,20 +65,22 @@ void SetXmlFormat(uint32_t format);
  * is a multi-string: volume GUID paths ("\\?\Volume{...}\"), each ended by a zero character, the list by an
  * empty entry. `count` is the number of characters that may be read; an entry that does not end within them
  * is left out. NULL or an empty list clears the list. Entries are taken as they are; the capture judges them.
- */
+ * Compare the result with the number that you meant: without memory the list is empty, and a capture after
+ * that judges nothing. */
 int64_t SetupSelectedVolumesList(const wchar_t* volume_guid_list, uint64_t count);
 
 /* Describes the machine as an XML document, after judging whether every selected volume can be backed up
  * (formats 2 and 3).
  * `buffer` receives the document without a terminator when `buffer_size` bytes are enough. `required_size`
  * (may be NULL) receives its length in bytes with ORVANE_SUCCESS and ORVANE_BUFFER_TOO_SMALL, and is left
- * alone otherwise. To learn the size, call with a size of 0.
- * Format 3 fails where COM is not initialised on the calling thread (COINIT_APARTMENTTHREADED). */
+ * alone otherwise. To learn the size, call with a size of 0; `buffer` may then be NULL. A NULL buffer of a
+ * size that would be enough fails. Format 3 needs COM initialised on the calling thread
+ * (COINIT_APARTMENTTHREADED). */
 uint32_t CaptureSystemRestorePointInfo(char* buffer, uint32_t buffer_size, uint32_t* required_size);
 
 /* The dumps: each writes what it finds into the log, for support staff, as lines of level
- * ORVANE_LEVEL_INFORMATION, and what it could not find out as lines of level ORVANE_LEVEL_ERROR. Without a
- * callback only the latter are seen. None touches the settings or looks at the selected volumes. */
+ * ORVANE_LEVEL_INFORMATION, and failures mostly as lines of level ORVANE_LEVEL_ERROR. Without a callback only
+ * errors and warnings are seen. None touches the settings or looks at the selected volumes. */
 
 /* Processor, boot configuration, computer system and operating system, as the management interface has them.
  */
