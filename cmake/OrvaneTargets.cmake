@@ -6,6 +6,8 @@ target_compile_features(orvane_options INTERFACE cxx_std_20)
 target_compile_options(orvane_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 # Templates of the JSON library without optimisation exceed the section count of the classic object format.
 target_compile_options(orvane_options INTERFACE -Wa,-mbig-obj)
+# The library tells nobody where it was built.
+target_compile_options(orvane_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 target_compile_definitions(orvane_options INTERFACE UNICODE _UNICODE)
 
 # The room below all rooms: common/windows.h and the public header.

@@ -18,9 +18,31 @@ namespace {
 using TlsAllocFunction = DWORD(WINAPI*)();
 using CriticalSectionFunction = void(WINAPI*)(CRITICAL_SECTION*);
 
-TlsAllocFunction system_tls_alloc = nullptr;
-CriticalSectionFunction system_initialize_critical_section = nullptr;
-CriticalSectionFunction system_delete_critical_section = nullptr;
+// What stands behind the runtime's imports.
+struct SystemFunctions {
+    TlsAllocFunction tls_alloc = nullptr;
+    CriticalSectionFunction initialize_critical_section = nullptr;
+    CriticalSectionFunction delete_critical_section = nullptr;
+};
+
+SystemFunctions system_functions;
+
+template <class Function>
+void Find(Function& function, const char* name) {
+    function = reinterpret_cast<Function>(
+        reinterpret_cast<void (*)()>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name)));
+}
+
+// Found at the first use, which may come before the entry point: the loader calls into the runtime earlier.
+// No function of kernel32 that every Windows has is missed.
+const SystemFunctions& System() {
+    if (system_functions.delete_critical_section == nullptr) {
+        Find(system_functions.tls_alloc, "TlsAlloc");
+        Find(system_functions.initialize_critical_section, "InitializeCriticalSection");
+        Find(system_functions.delete_critical_section, "DeleteCriticalSection");
+    }
+    return system_functions;
+}
 
 // A few things that the runtime takes from the system and does not give back. One that no longer fits is not
 // remembered, and so left as the runtime leaves it.
@@ -57,7 +79,7 @@ Remembered<DWORD> thread_slots;  // a process has about a thousand
 Remembered<CRITICAL_SECTION*> critical_sections;
 
 DWORD WINAPI TakeThreadSlot() {
-    const DWORD slot = system_tls_alloc();
+    const DWORD slot = System().tls_alloc();
     if (slot != TLS_OUT_OF_INDEXES) {
         thread_slots.Add(slot);
     }
@@ -65,31 +87,18 @@ DWORD WINAPI TakeThreadSlot() {
 }
 
 void WINAPI InitializeRemembered(CRITICAL_SECTION* section) {
-    system_initialize_critical_section(section);
+    System().initialize_critical_section(section);
     critical_sections.Add(section);
 }
 
 void WINAPI DeleteRemembered(CRITICAL_SECTION* section) {
     critical_sections.Remove(section);
-    system_delete_critical_section(section);
-}
-
-template <class Function>
-bool Find(Function& function, const char* name) {
-    const FARPROC found = GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name);
-    function = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(found));
-    return found != nullptr;
-}
-
-bool FindAll() {
-    return Find(system_tls_alloc, "TlsAlloc") &&
-           Find(system_initialize_critical_section, "InitializeCriticalSection") &&
-           Find(system_delete_critical_section, "DeleteCriticalSection");
+    System().delete_critical_section(section);
 }
 
 void CleanUp() {
     thread_slots.ReleaseAll([](DWORD slot) { TlsFree(slot); });
-    critical_sections.ReleaseAll(system_delete_critical_section);
+    critical_sections.ReleaseAll(System().delete_critical_section);
     ReleaseRuntimeMemory();
 }
 
@@ -97,19 +106,17 @@ void CleanUp() {
 
 // What the runtime finds in the place of its imports. One thread at a time calls the library.
 extern "C" {
-extern const TlsAllocFunction __imp_TlsAlloc;
-extern const CriticalSectionFunction __imp_InitializeCriticalSection;
-extern const CriticalSectionFunction __imp_DeleteCriticalSection;
+extern const TlsAllocFunction tls_alloc_import __asm__("__imp_TlsAlloc");
+extern const CriticalSectionFunction initialize_import __asm__("__imp_InitializeCriticalSection");
+extern const CriticalSectionFunction delete_import __asm__("__imp_DeleteCriticalSection");
 
-const TlsAllocFunction __imp_TlsAlloc = &TakeThreadSlot;
-const CriticalSectionFunction __imp_InitializeCriticalSection = &InitializeRemembered;
-const CriticalSectionFunction __imp_DeleteCriticalSection = &DeleteRemembered;
+const TlsAllocFunction tls_alloc_import = &TakeThreadSlot;
+const CriticalSectionFunction initialize_import = &InitializeRemembered;
+const CriticalSectionFunction delete_import = &DeleteRemembered;
 }
 
 BOOL WINAPI OrvaneEntry(HINSTANCE module, DWORD reason, LPVOID reserved) {
-    if (reason == DLL_PROCESS_ATTACH && !FindAll()) {
-        return FALSE;
-    }
+    System();
     const BOOL result = DllMainCRTStartup(module, reason, reserved);
     // At the end of the process the system takes everything back by itself.
     if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {

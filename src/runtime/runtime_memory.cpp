@@ -16,15 +16,16 @@
 #include <limits>
 #include <new>
 
+// What the linker calls the two sides of a function that it sends through here.
 extern "C" {
-void* __real_malloc(std::size_t size);
-void __real_free(void* block);
-void* __real_realloc(void* block, std::size_t size);
+void* RealMalloc(std::size_t size) __asm__("__real_malloc");
+void RealFree(void* block) __asm__("__real_free");
+void* RealRealloc(void* block, std::size_t size) __asm__("__real_realloc");
 
-void* __wrap_malloc(std::size_t size);
-void* __wrap_calloc(std::size_t count, std::size_t size);
-void* __wrap_realloc(void* block, std::size_t size);
-void __wrap_free(void* block);
+void* RuntimeMalloc(std::size_t size) __asm__("__wrap_malloc");
+void* RuntimeCalloc(std::size_t count, std::size_t size) __asm__("__wrap_calloc");
+void* RuntimeRealloc(void* block, std::size_t size) __asm__("__wrap_realloc");
+void RuntimeFree(void* block) __asm__("__wrap_free");
 }
 
 namespace {
@@ -97,49 +98,49 @@ void Untrack(const void* block) {
 
 void ReleaseRuntimeMemory() {
     while (tracked_count > 0) {
-        __real_free(tracked[--tracked_count]);
+        RealFree(tracked[--tracked_count]);
     }
 }
 
-void* __wrap_malloc(std::size_t size) {
-    void* const block = __real_malloc(size);
+void* RuntimeMalloc(std::size_t size) {
+    void* const block = RealMalloc(size);
     return block != nullptr ? Track(block) : TakeFromReserve(size);
 }
 
-void* __wrap_calloc(std::size_t count, std::size_t size) {
+void* RuntimeCalloc(std::size_t count, std::size_t size) {
     if (size != 0 && count > std::numeric_limits<std::size_t>::max() / size) {
         return nullptr;
     }
-    void* const block = __wrap_malloc(count * size);
+    void* const block = RuntimeMalloc(count * size);
     return block != nullptr ? std::memset(block, 0, count * size) : nullptr;
 }
 
-void __wrap_free(void* block) {
+void RuntimeFree(void* block) {
     const std::size_t number = NumberOf(block);
     if (number == kBlocks) {
         Untrack(block);
-        __real_free(block);
+        RealFree(block);
     } else {
         taken[number].clear();
     }
 }
 
-void* __wrap_realloc(void* block, std::size_t size) {
+void* RuntimeRealloc(void* block, std::size_t size) {
     if (block == nullptr) {
-        return __wrap_malloc(size);
+        return RuntimeMalloc(size);
     }
     if (NumberOf(block) == kBlocks) {
-        void* const moved = __real_realloc(block, size);
+        void* const moved = RealRealloc(block, size);
         if (moved != nullptr) {
             Untrack(block);
             Track(moved);
         }
         return moved;
     }
-    void* const moved = __wrap_malloc(size);
+    void* const moved = RuntimeMalloc(size);
     if (moved != nullptr) {
         std::memcpy(moved, block, std::min(size, kBlockBytes));
-        __wrap_free(block);
+        RuntimeFree(block);
     }
     return moved;
 }
@@ -147,16 +148,16 @@ void* __wrap_realloc(void* block, std::size_t size) {
 // The library's own memory.
 
 void* operator new(std::size_t size) {
-    if (void* const block = __real_malloc(std::max<std::size_t>(size, 1))) {
+    if (void* const block = RealMalloc(std::max<std::size_t>(size, 1))) {
         return block;
     }
     throw std::bad_alloc();
 }
 
 void operator delete(void* block) noexcept {
-    __real_free(block);
+    RealFree(block);
 }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept {
-    __real_free(block);
+    RealFree(block);
 }
