@@ -15,40 +15,19 @@ constexpr EntryPoint kEntryPoints[] = {
     {"capture1", 1, nullptr},
     {"capture2", 2, nullptr},
     {"capture3", 3, nullptr},
-    {"wmi", 0, &Library::WMIDumpInfo},
-    {"disks", 0, &Library::DiskDumpInfo},
-    {"volumes", 0, &Library::VolumeDumpInfo},
-    {"firmware", 0, &Library::FirmwareDumpInfo},
+    {"wmi", 0, &host::OrvaneLibrary::WMIDumpInfo},
+    {"disks", 0, &host::OrvaneLibrary::DiskDumpInfo},
+    {"volumes", 0, &host::OrvaneLibrary::VolumeDumpInfo},
+    {"firmware", 0, &host::OrvaneLibrary::FirmwareDumpInfo},
 };
 
 }  // namespace
 
-Library::Library(const std::filesystem::path& file) : module_(LoadLibraryW(file.c_str())) {
-    if (module_ == nullptr || !machine::PutModuleOnSimulation(module_)) {
-        throw std::runtime_error("the library cannot be loaded: " + file.string());
+Library::Library(const std::filesystem::path& file) : host::OrvaneLibrary(file) {
+    if (!machine::PutModuleOnSimulation(module())) {
+        throw std::runtime_error("the library cannot be put on the simulation");
     }
-    Bind(SetEventFunc, "SetEventFunc");
-    Bind(SetXmlFormat, "SetXmlFormat");
-    Bind(SetupSelectedVolumesList, "SetupSelectedVolumesList");
-    Bind(CaptureSystemRestorePointInfo, "CaptureSystemRestorePointInfo");
-    Bind(WMIDumpInfo, "WMIDumpInfo");
-    Bind(DiskDumpInfo, "DiskDumpInfo");
-    Bind(VolumeDumpInfo, "VolumeDumpInfo");
-    Bind(FirmwareDumpInfo, "FirmwareDumpInfo");
-    InstallImportHooks(module_);
-}
-
-Library::~Library() {
-    FreeLibrary(module_);
-}
-
-template <class Function>
-void Library::Bind(Function& function, const char* name) {
-    const FARPROC found = machine::RealProcAddress(module_, name);
-    if (found == nullptr) {
-        throw std::runtime_error(std::string("the library exports no ") + name);
-    }
-    function = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(found));
+    InstallImportHooks(module());
 }
 
 std::span<const EntryPoint> EntryPoints() {

@@ -40,6 +40,17 @@ std::string WithoutAddresses(const std::string& document) {
                                                         : std::regex_replace(document, address, "<GUID/>");
 }
 
+// Every mounted fixed volume, as a multi-string.
+std::wstring SelectionOf(const machine::Description& machine) {
+    std::wstring list;
+    for (const machine::Volume& volume : machine.volumes) {
+        if (volume.drive_type == DRIVE_FIXED && !volume.mount_points.empty() && !volume.guid.empty()) {
+            list += L"\\\\?\\Volume" + volume.guid + L"\\" + L'\0';
+        }
+    }
+    return list + L'\0';
+}
+
 bool IsWellFormed(const std::string& document) {
     try {
         XmlTree::Of(document);
@@ -56,6 +67,8 @@ Bench::Bench(const Library& library, const EntryPoint& entry, machine::Descripti
     session_.simulation().calls().SetKept(false);
     library_.SetEventFunc(&Receive);
     library_.SetXmlFormat(entry.format);
+    const std::wstring selection = SelectionOf(session_.simulation().machine());
+    library_.SetupSelectedVolumesList(selection.data(), selection.size());
     if (entry_.format != 0) {
         std::uint32_t needed = 0;
         library_.CaptureSystemRestorePointInfo(nullptr, 0, &needed);
@@ -84,6 +97,7 @@ void Bench::TakeStock() {
 
 Bench::~Bench() {
     library_.SetEventFunc(nullptr);
+    library_.SetupSelectedVolumesList(nullptr, 0);
 }
 
 Outcome Bench::Call() {
