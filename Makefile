@@ -5,6 +5,7 @@
 #                             All three describe a workstation unless ARGS names a --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
 #   make faults ARGS="..."    everything that can go wrong goes wrong (ARGS=--help lists how to choose)
+#   make bench                ratios of time and memory against goals; ARGS=--help lists how to choose
 #   make lint                 format, clang-tidy, the arrows between the rooms; make format mends the first
 #   make coverage             line coverage per room
 #   make build, make clean, make setup
@@ -19,7 +20,7 @@ DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/ue
 
 export JOBS
 
-.PHONY: capture dump check test faults lint format coverage build setup clean
+.PHONY: capture dump check test faults bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -44,6 +45,11 @@ faults:
 	@scripts/setup build test
 	@scripts/build $(PRESET) --target Orvane faults
 	@ORVANE_FAULTS=$(BUILD)/bin/faults.exe ORVANE_RUN=scripts/wine-run tests/faults/run-faults --jobs $(JOBS) $(ARGS)
+
+bench:
+	@scripts/setup build test
+	@scripts/build $(PRESET) --target Orvane bench
+	@scripts/wine-run $(BUILD)/bin/bench.exe $(ARGS)
 
 lint:
 	@scripts/setup build lint

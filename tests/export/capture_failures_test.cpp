@@ -111,13 +111,14 @@ TEST_F(NoDisks, Capture_Fails) {
     EXPECT_EQ(LastError(), kNoEnvironment);
 }
 
-// The names of the elements come to nothing, which the DOM refuses; the text of the empty document passes.
-int WINAPI ConvertNoNames(UINT page, DWORD flags, const char* text, int length, wchar_t* wide, int size) {
-    return *text == '<' ? MultiByteToWideChar(page, flags, text, length, wide, size) : 0;
+// There is memory for the text of the empty document and for no name of an element.
+BSTR WINAPI AllocateNoNames(const OLECHAR* text, UINT length) {
+    constexpr UINT kEmptyDocument = sizeof("<root></root>") - 1;
+    return length == kEmptyDocument ? SysAllocStringLen(text, length) : nullptr;
 }
 
 TEST_F(CaptureFailures, ComError_IsToldByItsMessage) {
-    const support::ScopedImport import("MultiByteToWideChar", &ConvertNoNames, library_.module);
+    const support::ScopedImport import("SysAllocStringLen", &AllocateNoNames, library_.module);
     ExpectFailure();
     EXPECT_THAT(LastError(), testing::StartsWith("CaptureSystemRestorePointInfo COM Exception: "));
     EXPECT_GT(LastError().size(), std::string("CaptureSystemRestorePointInfo COM Exception: ").size());

@@ -95,6 +95,10 @@ BSTR WINAPI WatchedSysAllocString(const OLECHAR* text) {
     return OutOfMemory() ? nullptr : ::SysAllocString(text);
 }
 
+BSTR WINAPI WatchedSysAllocStringLen(const OLECHAR* text, UINT length) {
+    return OutOfMemory() ? nullptr : ::SysAllocStringLen(text, length);
+}
+
 // --- Everything else: the failure that its kind of function knows, or the function itself.
 
 template <class Body>
@@ -268,6 +272,7 @@ void InstallImportHooks(HMODULE module) {
     Hook(module, "realloc", &WatchedRealloc);
     Hook(module, "free", &WatchedFree);
     Hook(module, "SysAllocString", &WatchedSysAllocString);
+    Hook(module, "SysAllocStringLen", &WatchedSysAllocStringLen);
     Hook(module, "CoInitializeEx", &WatchedCoInitializeEx);
     Hook(module, "CoUninitialize", &WatchedCoUninitialize);
     Hook(module, "CoInitializeSecurity", &WatchedCoInitializeSecurity);

@@ -4,7 +4,6 @@
 #include "common/windows.h"
 
 #include <array>
-#include <cstdarg>
 #include <ctime>
 #include <cwchar>
 
@@ -24,15 +23,14 @@ void ReportThrowingOutput(const wchar_t* format) noexcept {
 }  // namespace
 
 int CLogger::Write(int level, const wchar_t* format, ...) {
-    MessageBuffer message{};
     std::va_list arguments;
     va_start(arguments, format);
     int delivered = 0;
     try {
         if (level <= GetLevel()) {
-            // The last element is never written, so that a cut message still ends.
-            _vsnwprintf(message.data(), message.size() - 1, format, arguments);
-            Output(level, message.data(), wcsnlen(message.data(), message.size()));
+            if (IsSeen(level)) {
+                FormatAndOutput(level, format, arguments);
+            }
             delivered = 1;
         }
     } catch (...) {
@@ -40,6 +38,13 @@ int CLogger::Write(int level, const wchar_t* format, ...) {
     }
     va_end(arguments);
     return delivered;
+}
+
+void CLogger::FormatAndOutput(int level, const wchar_t* format, std::va_list arguments) {
+    MessageBuffer message{};
+    // The last element is never written, so that a cut message still ends.
+    _vsnwprintf(message.data(), message.size() - 1, format, arguments);
+    Output(level, message.data(), wcsnlen(message.data(), message.size()));
 }
 
 int CLogger::WriteTextAsFormat(int level, const wchar_t* text, std::size_t argument) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdarg>
 #include <cstddef>
 #include <string>
 
@@ -25,6 +26,9 @@ public:
     virtual int GetLevel() const = 0;
     // Puts the local time as "03/07/2021 02:05:09 PM " (trailing blank) into `result`.
     virtual void FormatTime(std::wstring& result) const;
+    // Whether anybody sees messages of that level, which this logger lets through. What nobody sees is not
+    // formatted.
+    virtual bool IsSeen(int /*level*/) const { return true; }
 
     // Formats as the platform's wide printf does (%s wide, %S narrow), cut at 254 characters, and outputs it.
     // Returns 1 when the message was delivered, 0 when it was dropped by its level or something threw.
@@ -33,4 +37,7 @@ public:
     // Outputs a text that is itself read as a format: "%d" prints `argument`, "%%" one percent sign.
     // Conversions that would follow a pointer nobody passed ("%s", "%n") stand in the output as they are.
     int WriteTextAsFormat(int level, const wchar_t* text, std::size_t argument = 0);
+
+private:
+    void FormatAndOutput(int level, const wchar_t* format, std::va_list arguments);
 };

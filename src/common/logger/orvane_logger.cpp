@@ -34,6 +34,10 @@ int OrvaneLogger::GetLevel() const {
     return kLogTrace;
 }
 
+bool OrvaneLogger::IsSeen(int level) const {
+    return callback_ != nullptr || level <= fallback_.GetLevel();
+}
+
 void OrvaneLogger::Output(int level, const wchar_t* text, std::size_t length) {
     if (callback_ == nullptr) {
         // The finished text is formatted a second time here, with its length to print: readers of the
@@ -43,9 +47,9 @@ void OrvaneLogger::Output(int level, const wchar_t* text, std::size_t length) {
     }
     std::array<char, kNarrowBytes> narrow{};
     std::size_t converted = 0;
-    // Measured as well: not every runtime reports that it has cut the text.
+    // A full buffer is measured as well: not every runtime reports that it has cut the text.
     if (wcstombs_s(&converted, narrow.data(), narrow.size(), text, _TRUNCATE) != 0 ||
-        std::wcstombs(nullptr, text, 0) >= narrow.size()) {
+        (converted >= narrow.size() && std::wcstombs(nullptr, text, 0) >= narrow.size())) {
         LogAssertionFailure(L"src/common/logger", kConversionAssertionLine, L"!err");
         return;
     }

@@ -14,6 +14,8 @@ public:
 
     void Output(int level, const wchar_t* text, std::size_t length) override;
     int GetLevel() const override;
+    // Without a callback, what the debugger output lets through.
+    bool IsSeen(int level) const override;
 
     // Replaces the callback; null restores the debugger output.
     void SetCallback(EventCallback callback);

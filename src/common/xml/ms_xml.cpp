@@ -4,6 +4,9 @@
 
 #include <objbase.h>
 
+#include <algorithm>
+#include <cstring>
+
 namespace {
 
 constexpr CLSID kDomDocument30 = {
@@ -17,20 +20,23 @@ void Require(HRESULT result) {
     }
 }
 
-UniqueBstr Bstr(const std::wstring& text) {
-    UniqueBstr copy(SysAllocString(text.c_str()));
-    if (copy == nullptr) {
+UniqueBstr Owned(BSTR text) {
+    if (text == nullptr) {
         throw _com_error(E_OUTOFMEMORY);
     }
-    return copy;
+    return UniqueBstr(text);
 }
 
+UniqueBstr Bstr(const std::wstring& text) {
+    return Owned(SysAllocString(text.c_str()));
+}
+
+// ASCII, as all names of elements are.
 UniqueBstr WideOf(const char* text) {
-    const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(length > 0 ? length : 1), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
-    wide.pop_back();
-    return Bstr(wide);
+    const std::size_t length = std::strlen(text);
+    UniqueBstr wide = Owned(SysAllocStringLen(nullptr, static_cast<UINT>(length)));
+    std::copy(text, text + length, wide.get());
+    return wide;
 }
 
 }  // namespace
@@ -45,25 +51,19 @@ IXMLDOMNode& CMSXmlNode::Node() const {
 }
 
 CMSXmlNode CMSXmlNode::AddChild(const char* name) {
-    XmlDocumentPtr document;
-    Require(Node().get_ownerDocument(&document));
-    if (document == nullptr) {
+    if (document_ == nullptr) {
+        Require(Node().get_ownerDocument(&document_));
+    }
+    if (document_ == nullptr) {
         return {};
     }
     XmlNodePtr created;
-    Require(document->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), WideOf(name).get(),
-                                 Bstr(L"").get(), &created));
-    XmlNodeListPtr children;
-    Require(Node().get_childNodes(&children));
-    XmlNodePtr successor;  // there is no item at -1: the element always goes to the end
-    Require(children->get_item(-1, &successor));
-    XmlNodePtr added;
-    if (successor == nullptr) {
-        Require(Node().appendChild(created, &added));
-    } else {
-        Require(Node().insertBefore(created, _variant_t(successor.GetInterfacePtr()), &added));
-    }
-    return CMSXmlNode(added);
+    Require(document_->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), WideOf(name).get(), nullptr,
+                                  &created));
+    CMSXmlNode child;
+    Require(Node().appendChild(created, &child.node_));
+    child.document_ = document_;
+    return child;
 }
 
 void CMSXmlNode::SetText(const std::wstring& text) {

@@ -26,8 +26,8 @@ public:
     // Whether there is a node at all.
     explicit operator bool() const { return node_ != nullptr; }
 
-    // Appends a new element as the last child and returns it; the empty node where there is no owner
-    // document.
+    // Appends a new element of that name (ASCII) as the last child and returns it; the empty node where there
+    // is no owner document.
     CMSXmlNode AddChild(const char* name);
     // A text ends at its first zero character: XML cannot hold one.
     void SetText(const std::wstring& text);
@@ -38,6 +38,7 @@ private:
     IXMLDOMNode& Node() const;
 
     XmlNodePtr node_;
+    XmlDocumentPtr document_;  // that owns the node, once it was asked for
 };
 
 // A document. A failed creation leaves it without one, which LoadXML tells.
@@ -48,7 +49,7 @@ public:
     CMSXmlDoc(const CMSXmlDoc&) = delete;
     CMSXmlDoc& operator=(const CMSXmlDoc&) = delete;
 
-    // Replaces the content by `text`, XML in the ANSI code page. False when it cannot be loaded.
+    // Replaces the content by `text`, XML in ASCII. False when it cannot be loaded.
     bool LoadXML(const char* text);
     // The document element; the empty node when there is none.
     CMSXmlNode GetRoot() const;

@@ -138,6 +138,9 @@ private:
     using Function = decltype(&::SysAllocString);
     support::StubImport<Function, BSTR (*)(const OLECHAR*)> stub_{
         "SysAllocString", &::SysAllocString, [](const OLECHAR*) -> BSTR { return nullptr; }};
+    using SizedFunction = decltype(&::SysAllocStringLen);
+    support::StubImport<SizedFunction, BSTR (*)(const OLECHAR*, UINT)> sized_stub_{
+        "SysAllocStringLen", &::SysAllocStringLen, [](const OLECHAR*, UINT) -> BSTR { return nullptr; }};
 };
 
 TEST_F(MsXmlCalls, SetText_NoMemoryForTheText_RaisesOutOfMemory) {

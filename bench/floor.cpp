@@ -1,0 +1,134 @@
+// Captures against a floor: the same calls to the system, the same management calls, the same nodes of a
+// document, without a model, without checks, without a log.
+
+#include "bench/call_tape.h"
+#include "bench/captures.h"
+#include "bench/document_floor.h"
+#include "bench/machines.h"
+#include "bench/sections.h"
+#include "bench/timing.h"
+#include "bench/wmi_script.h"
+#include "machine/redirect.h"
+#include "machine/session.h"
+#include "support/xml_tree.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace bench {
+
+namespace {
+
+// The start options, as formats 1 and 2 look for them.
+void ReadStartOptions() {
+    HANDLE token = nullptr;
+    OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token);
+    for (const wchar_t* const name : {L"SeBackupPrivilege", L"SeRestorePrivilege"}) {
+        TOKEN_PRIVILEGES privileges{};
+        privileges.PrivilegeCount = 1;
+        privileges.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
+        LookupPrivilegeValueW(nullptr, name, &privileges.Privileges[0].Luid);
+        AdjustTokenPrivileges(token, FALSE, &privileges, 0, nullptr, nullptr);
+    }
+    CloseHandle(token);
+    HKEY key = nullptr;
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control", 0, KEY_READ, &key);
+    std::wstring name(16383, L'\0');
+    std::string data(16383, '\0');
+    LSTATUS status = ERROR_SUCCESS;
+    for (DWORD i = 0; status == ERROR_SUCCESS && name.compare(0, 18, L"SystemStartOptions") != 0; ++i) {
+        auto name_size = static_cast<DWORD>(name.size());
+        auto data_size = static_cast<DWORD>(data.size());
+        status = RegEnumValueW(key, i, name.data(), &name_size, nullptr, nullptr,
+                               reinterpret_cast<BYTE*>(data.data()), &data_size);
+    }
+    RegCloseKey(key);
+}
+
+// What one capture costs the platform.
+class Floor {
+public:
+    // Records a capture of a copy of the library, which is called for nothing else.
+    Floor(machine::Simulation& simulation, std::uint32_t format) : format_(format) {
+        const std::filesystem::path original = ORVANE_DLL_PATH;
+        copy_ = std::filesystem::temp_directory_path() / L"Orvane-recorded.dll";
+        std::filesystem::copy_file(original, copy_, std::filesystem::copy_options::overwrite_existing);
+        {
+            const host::OrvaneLibrary recorded(copy_);
+            RecordCallsOf(recorded.module(), tape_);
+            Captures captures(recorded, format);
+            tape_.Clear();
+            simulation.calls().SetKept(true);
+            simulation.calls().Clear();
+            captures.Run();
+            wmi_.emplace(simulation.calls().records());
+            simulation.calls().SetKept(false);
+            simulation.calls().Clear();
+            tree_ = XmlTree::Of(captures.Document());
+        }
+        std::filesystem::remove(copy_);
+    }
+
+    void Run() const {
+        tape_.Play();
+        wmi_->Play();
+        if (format_ != 3) {
+            ReadStartOptions();
+        }
+        BuildDocument(tree_);
+    }
+
+    std::size_t calls() const { return tape_.size(); }
+
+private:
+    std::uint32_t format_;
+    std::filesystem::path copy_;
+    CallTape tape_;
+    std::optional<WmiScript> wmi_;
+    XmlTree tree_;
+};
+
+void MeasureFormat(const host::OrvaneLibrary& library, machine::Simulation& simulation,
+                   const std::string& name, std::uint32_t format, std::size_t rounds, Report& report) {
+    constexpr double kGoalWithout = 1.10;
+    constexpr double kGoalWith = 1.25;
+    const Floor floor(simulation, format);
+    Captures captures(library, format);
+    const auto run_floor = [&] { floor.Run(); };
+    const auto capture = [&] { captures.Run(); };
+    const std::string row = name + ", format " + std::to_string(format);
+    library.SetEventFunc(nullptr);
+    report.Ratio(row + ", without a callback", RatioOf(capture, run_floor, rounds), kGoalWithout);
+    library.SetEventFunc(&IgnoreLog);
+    report.Ratio(row + ", with a callback", RatioOf(capture, run_floor, rounds), kGoalWith);
+    library.SetEventFunc(nullptr);
+}
+
+machine::Description Example(const char* name) {
+    return machine::LoadDescription(std::string(ORVANE_SOURCE_DIR "/examples/machines/") + name + ".json");
+}
+
+}  // namespace
+
+void MeasureFloor(const host::OrvaneLibrary& library, std::size_t effort, Report& report) {
+    report.Section("A capture, in times of its floor");
+    {
+        machine::Session session(Example("bios-laptop"));
+        session.simulation().calls().SetKept(false);
+        MeasureFormat(library, session.simulation(), "laptop", 1, 100 * effort, report);
+    }
+    {
+        machine::Session session(Example("uefi-workstation"));
+        session.simulation().calls().SetKept(false);
+        for (const std::uint32_t format : {2U, 3U}) {
+            MeasureFormat(library, session.simulation(), "workstation", format, 100 * effort, report);
+        }
+    }
+    machine::Session session(MachineOf({16, 200, 1, 0}));
+    session.simulation().calls().SetKept(false);
+    for (const std::uint32_t format : {2U, 3U}) {
+        MeasureFormat(library, session.simulation(), "16 disks, 200 volumes", format, 10 * effort, report);
+    }
+}
+
+}  // namespace bench

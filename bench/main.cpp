@@ -1,0 +1,55 @@
+// Prints the table of the benchmarks. Exit code 0 when every goal is met, 1 when not, 2 when it cannot be
+// measured.
+
+#include "bench/sections.h"
+#include "machine/redirect.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <exception>
+#include <string>
+
+namespace {
+
+struct Section {
+    const char* name;
+    void (*measure)(const host::OrvaneLibrary& library, std::size_t effort, bench::Report& report);
+};
+
+// Growth comes late: it meters the library's memory from then on, which costs time.
+constexpr Section kSections[] = {{"floor", &bench::MeasureFloor},
+                                 {"logging", &bench::MeasureLogging},
+                                 {"growth", &bench::MeasureGrowth},
+                                 {"footprint", &bench::MeasureFootprint}};
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    std::string only;
+    std::size_t effort = 1;
+    CLI::App app("Benchmarks: ratios between things that are measured in the same run.", "bench");
+    app.add_option("--section", only, "floor, logging, growth or footprint alone");
+    app.add_option("--effort", effort, "How many times as often each figure is measured")
+        ->check(CLI::PositiveNumber);
+    CLI11_PARSE(app, count, arguments);
+    try {
+        const host::OrvaneLibrary library(ORVANE_DLL_PATH);
+        if (!machine::PutModuleOnSimulation(library.module())) {
+            throw std::runtime_error("the library cannot be put on a described machine");
+        }
+        bench::Report report;
+        for (const Section& section : kSections) {
+            if (only.empty() || only == section.name) {
+                section.measure(library, effort, report);
+            }
+        }
+        std::printf("\n%s\n", report.met()
+                                  ? "All goals are met."
+                                  : (std::to_string(report.missed()) + " goals are missed.").c_str());
+        return report.met() ? 0 : 1;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "bench: %s\n", error.what());
+        return 2;
+    }
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "common/windows.h"
+
+#include <cstddef>
+
+namespace bench {
+
+/// From now on the module's own memory is measured. One module.
+void MeterMemoryOf(HMODULE module);
+
+/// The most bytes that the module has held since the call before.
+std::size_t PeakBytes();
+
+}  // namespace bench

@@ -1,0 +1,32 @@
+#include "bench/timing.h"
+
+#include <algorithm>
+#include <chrono>
+#include <vector>
+
+namespace bench {
+
+double SecondsOf(const Work& work) {
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double RatioOf(const Work& measured, const Work& reference, std::size_t rounds) {
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round <= rounds; ++round) {
+        // Whoever comes second finds warmer caches: they take turns in that too.
+        const bool reference_first = round % 2 == 0;
+        const double before = reference_first ? SecondsOf(reference) : 0;
+        const double seconds = SecondsOf(measured);
+        const double after = reference_first ? 0 : SecondsOf(reference);
+        if (round > 0) {
+            ratios.push_back(seconds / (before + after));
+        }
+    }
+    auto* const middle = ratios.data() + ratios.size() / 2;
+    std::nth_element(ratios.data(), middle, ratios.data() + ratios.size());
+    return *middle;
+}
+
+}  // namespace bench

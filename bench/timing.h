@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace bench {
+
+using Work = std::function<void()>;
+
+/// Seconds that `work` takes, once.
+double SecondsOf(const Work& work);
+
+/// How many times as long `measured` takes as `reference`: both are run `rounds` times in turn, after one
+/// round that does not count; the median of the rounds' ratios.
+double RatioOf(const Work& measured, const Work& reference, std::size_t rounds);
+
+}  // namespace bench

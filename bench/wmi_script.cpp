@@ -1,0 +1,119 @@
+#include "bench/wmi_script.h"
+
+#include "common/windows.h"
+
+#include <comdef.h>
+#include <wbemidl.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace bench {
+
+namespace {
+
+template <class Interface, const IID* kIid>
+using Pointer = _com_ptr_t<_com_IIID<Interface, kIid>>;
+
+using Locator = Pointer<IWbemLocator, &IID_IWbemLocator>;
+using Services = Pointer<IWbemServices, &IID_IWbemServices>;
+using Enumerator = Pointer<IEnumWbemClassObject, &IID_IEnumWbemClassObject>;
+using Object = Pointer<IWbemClassObject, &IID_IWbemClassObject>;
+
+constexpr CLSID kAdministrativeLocator = {
+    0xcb8555cc, 0x9128, 0x11d1, {0xad, 0x9b, 0x00, 0xc0, 0x4f, 0xd8, 0xfd, 0xff}};
+
+class OwnedText {
+public:
+    explicit OwnedText(const wchar_t* text) : text_(SysAllocString(text)) {}
+    ~OwnedText() { SysFreeString(text_); }
+    OwnedText(const OwnedText&) = delete;
+    OwnedText& operator=(const OwnedText&) = delete;
+    BSTR get() const { return text_; }
+
+private:
+    BSTR text_;
+};
+
+// What a query stands on, from its locator to the object that is read.
+struct Cursor {
+    Locator locator;
+    Services services;
+    Enumerator enumerator;
+    Object object;
+};
+
+void Get(const Cursor& cursor, const std::wstring& property) {
+    VARIANT value;
+    VariantInit(&value);
+    if (cursor.object != nullptr) {
+        cursor.object->Get(property.c_str(), 0, &value, nullptr, nullptr);
+    }
+    VariantClear(&value);
+}
+
+}  // namespace
+
+WmiScript::WmiScript(const std::vector<machine::CallRecord>& records) {
+    const std::pair<const char*, Step> kSteps[] = {{"IClassFactory::CreateInstance", Step::kLocator},
+                                                   {"IWbemLocator::ConnectServer", Step::kConnect},
+                                                   {"IClientSecurity::SetBlanket", Step::kBlanket},
+                                                   {"IWbemServices::ExecQuery", Step::kQuery},
+                                                   {"IEnumWbemClassObject::Reset", Step::kReset},
+                                                   {"IEnumWbemClassObject::Next", Step::kNext},
+                                                   {"IWbemClassObject::Get", Step::kGet}};
+    for (const machine::CallRecord& record : records) {
+        if (record.family != machine::CallFamily::kCom) {
+            continue;
+        }
+        const auto* const step = std::find_if(std::begin(kSteps), std::end(kSteps),
+                                              [&](const auto& each) { return record.name == each.first; });
+        if (step == std::end(kSteps)) {
+            throw std::logic_error("a call of another kind: " + record.name);
+        }
+        // A property stands behind its class.
+        const std::size_t dot = record.object.find(L'.');
+        calls_.push_back(
+            {step->second, dot == std::wstring::npos ? record.object : record.object.substr(dot + 1)});
+    }
+}
+
+void WmiScript::Play() const {
+    Cursor cursor;
+    ULONG count = 0;
+    for (const Call& call : calls_) {
+        switch (call.step) {
+            case Step::kLocator:
+                cursor = Cursor();
+                CoCreateInstance(kAdministrativeLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                                 reinterpret_cast<void**>(&cursor.locator));
+                break;
+            case Step::kConnect:
+                cursor.locator->ConnectServer(OwnedText(L"root\\cimv2").get(), nullptr, nullptr, nullptr, 0,
+                                              nullptr, nullptr, &cursor.services);
+                break;
+            case Step::kBlanket:
+                CoSetProxyBlanket(cursor.services, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
+                                  RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
+                break;
+            case Step::kQuery:
+                cursor.services->ExecQuery(OwnedText(L"WQL").get(),
+                                           OwnedText((L"Select * from " + call.text).c_str()).get(),
+                                           WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, &cursor.enumerator);
+                break;
+            case Step::kReset:
+                cursor.enumerator->Reset();
+                break;
+            case Step::kNext:
+                cursor.object = nullptr;
+                cursor.enumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, &cursor.object, &count);
+                break;
+            case Step::kGet:
+                Get(cursor, call.text);
+                break;
+        }
+    }
+}
+
+}  // namespace bench
