@@ -2,11 +2,11 @@
 // so that stale symbolic links make no phantom volumes.
 
 #include "common/logger/trace.h"
+#include "common/platform/case_folding.h"
 #include "common/volume/volume_manager.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 
-#include <cwctype>
 #include <unordered_set>
 
 namespace bmr_common {
@@ -17,13 +17,6 @@ namespace {
 constexpr std::size_t kMostEntries = 200'000;
 
 constexpr wchar_t kMapFunction[] = L"bmr_common::VolumeManager::GetDeviceNamesMap";
-
-std::wstring CaseFolded(std::wstring text) {
-    for (wchar_t& character : text) {
-        character = static_cast<wchar_t>(std::towlower(character));
-    }
-    return text;
-}
 
 std::wstring WithCode(const wchar_t* text, DWORD error) {
     return text + std::to_wstring(error);

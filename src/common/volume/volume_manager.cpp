@@ -1,13 +1,11 @@
 #include "common/volume/volume_manager.h"
 
 #include "common/logger/trace.h"
+#include "common/platform/case_folding.h"
 #include "common/xml/xml_values.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/make_shared.hpp>
-
-#include <algorithm>
 
 namespace bmr_common {
 
@@ -35,6 +33,7 @@ bool VolumeManager::InitializeWithCurrentVolumes(const DeviceManager& disks,
         } catch (...) {
             GetLogger().Write(kLogError, L"Exception in %s", kFunction);
             volumes_.clear();
+            by_name_.clear();
             if (!status_.IsFailed(kFindVolume)) {
                 status_.SetError(kFindVolume, L" exception");
             }
@@ -52,6 +51,9 @@ void VolumeManager::CreateVolumes(const DeviceNamesMap& map, const DeviceManager
     for (const auto& [device, guid] : map) {
         const auto volume = boost::make_shared<Volume>(guid, device);
         volume->Initialize(system_volume_device, boot_volume_device, disks);
+        // Of two volumes of one name the first is found.
+        by_name_.try_emplace(CaseFolded(volume->volume_guid()), volume);
+        by_name_.try_emplace(CaseFolded(volume->device_name()), volume);
         volumes_.push_back(volume);
     }
 }
@@ -62,16 +64,13 @@ VolumePtr VolumeManager::GetVolume(const std::wstring& guid_or_device) const {
         name = kVolumeGuidPrefix + name + L"}";
         name += L'\\';
     }
-    const auto found = std::find_if(volumes_.begin(), volumes_.end(), [&](const VolumePtr& volume) {
-        return boost::algorithm::iequals(volume->volume_guid(), name) ||
-               boost::algorithm::iequals(volume->device_name(), name);
-    });
-    if (found == volumes_.end()) {
+    const auto found = by_name_.find(CaseFolded(name));
+    if (found == by_name_.end()) {
         GetLogger().Write(kLogTrace, L"VolumeManager::GetVolume: bad GUID %s, no match",
                           guid_or_device.c_str());
         return {};
     }
-    return *found;
+    return found->second;
 }
 
 VolumePtr VolumeManager::GetVolume(std::uint32_t disk_number, std::int64_t offset) const {

@@ -5,6 +5,7 @@
 #include "common/volume/volume.h"
 
 #include <map>
+#include <unordered_map>
 
 namespace bmr_common {
 
@@ -63,6 +64,7 @@ private:
 
     OperationStatus status_;
     std::vector<VolumePtr> volumes_;
+    std::unordered_map<std::wstring, VolumePtr> by_name_;  // GUID path and device name, case folded
 };
 
 }  // namespace bmr_common
