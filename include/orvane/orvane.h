@@ -75,7 +75,8 @@ int64_t SetupSelectedVolumesList(const wchar_t* volume_guid_list, uint64_t count
  * (may be NULL) receives its length in bytes with ORVANE_SUCCESS and ORVANE_BUFFER_TOO_SMALL, and is left
  * alone otherwise. To learn the size, call with a size of 0; `buffer` may then be NULL. A NULL buffer of a
  * size that would be enough fails. Format 3 needs COM initialised on the calling thread
- * (COINIT_APARTMENTTHREADED). */
+ * (COINIT_APARTMENTTHREADED); a success with a size of 0 is there a document that could not be turned into
+ * bytes. */
 uint32_t CaptureSystemRestorePointInfo(char* buffer, uint32_t buffer_size, uint32_t* required_size);
 
 /* The dumps: each writes what it finds into the log, for support staff, as lines of level

@@ -6,6 +6,7 @@
 #include "common/platform/safe.h"
 #include "common/platform/string_conversion.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace orvane {
@@ -18,16 +19,22 @@ bool BecomesMarkup(wchar_t letter) {
     return narrow == "<" || narrow == ">" || narrow == "&";
 }
 
+bool IsNotAscii(wchar_t letter) {
+    return letter > 0x7F;
+}
+
 // Such a letter, which would break the document, is written by its number.
-std::wstring WithoutFalseMarkup(const std::wstring& xml) {
-    constexpr wchar_t kLastAscii = 0x7F;
-    std::wstring safe;
-    safe.reserve(xml.size());
-    for (const wchar_t letter : xml) {
-        if (letter > kLastAscii && BecomesMarkup(letter)) {
-            safe += L"&#" + std::to_wstring(static_cast<unsigned>(letter)) + L";";
+std::wstring WithoutFalseMarkup(std::wstring xml) {
+    auto letter = std::find_if(xml.begin(), xml.end(), IsNotAscii);
+    if (letter == xml.end()) {
+        return xml;
+    }
+    std::wstring safe(xml.begin(), letter);
+    for (; letter != xml.end(); ++letter) {
+        if (IsNotAscii(*letter) && BecomesMarkup(*letter)) {
+            safe += L"&#" + std::to_wstring(static_cast<unsigned>(*letter)) + L";";
         } else {
-            safe += letter;
+            safe += *letter;
         }
     }
     return safe;
