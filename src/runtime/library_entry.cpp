@@ -25,7 +25,7 @@ struct SystemFunctions {
     CriticalSectionFunction delete_critical_section = nullptr;
 };
 
-SystemFunctions system_functions;
+constinit SystemFunctions system_functions;
 
 template <class Function>
 void Find(Function& function, const char* name) {
@@ -75,8 +75,8 @@ private:
     std::size_t count_ = 0;
 };
 
-Remembered<DWORD> thread_slots;  // a process has about a thousand
-Remembered<CRITICAL_SECTION*> critical_sections;
+constinit Remembered<DWORD> thread_slots;  // a process has about a thousand
+constinit Remembered<CRITICAL_SECTION*> critical_sections;
 
 DWORD WINAPI TakeThreadSlot() {
     const DWORD slot = System().tls_alloc();
