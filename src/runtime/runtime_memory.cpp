@@ -37,8 +37,8 @@ struct alignas(std::max_align_t) Block {
     std::array<unsigned char, kBlockBytes> bytes;
 };
 
-constinit std::array<Block, kBlocks> reserve;
-constinit std::array<std::atomic_flag, kBlocks> taken;
+constinit std::array<Block, kBlocks> reserve{};
+constinit std::array<std::atomic_flag, kBlocks> taken{};
 
 void* TakeFromReserve(std::size_t size) {
     if (size > kBlockBytes) {
@@ -63,7 +63,7 @@ std::size_t NumberOf(const void* block) {
 // The runtime's blocks that live: a few dozen at most. Like all that stands here they are ready before any
 // code runs: the runtime allocates before it initialises what it is to initialise.
 constexpr std::size_t kMostTracked = 1024;
-constinit std::array<void*, kMostTracked> tracked;
+constinit std::array<void*, kMostTracked> tracked{};
 constinit std::size_t tracked_count = 0;
 constinit std::atomic_flag tracked_lock;
 
