@@ -1,9 +1,11 @@
 #include "bench/document_floor.h"
 
-#include "common/windows.h"
+#include "common/platform/com_pointer.h"
+#include "common/platform/unique_bstr.h"
 
-#include <comdef.h>
 #include <msxml2.h>
+
+#include <algorithm>
 
 #include <stdexcept>
 
@@ -11,32 +13,19 @@ namespace bench {
 
 namespace {
 
-template <class Interface, const IID* kIid>
-using Pointer = _com_ptr_t<_com_IIID<Interface, kIid>>;
-
-using Document = Pointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
-using Element = Pointer<IXMLDOMElement, &IID_IXMLDOMElement>;
-using Node = Pointer<IXMLDOMNode, &IID_IXMLDOMNode>;
+using Document = ComPointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
+using Element = ComPointer<IXMLDOMElement, &IID_IXMLDOMElement>;
+using Node = ComPointer<IXMLDOMNode, &IID_IXMLDOMNode>;
 
 constexpr CLSID kDomDocument30 = {
     0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
 
-class OwnedText {
-public:
-    explicit OwnedText(const std::string& text)
-        : text_(SysAllocStringLen(nullptr, static_cast<UINT>(text.size()))) {
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            text_[i] = static_cast<unsigned char>(text[i]);
-        }
-    }
-    ~OwnedText() { SysFreeString(text_); }
-    OwnedText(const OwnedText&) = delete;
-    OwnedText& operator=(const OwnedText&) = delete;
-    BSTR get() const { return text_; }
-
-private:
-    BSTR text_;
-};
+UniqueBstr Bstr(const std::string& text) {
+    UniqueBstr wide(SysAllocStringLen(nullptr, static_cast<UINT>(text.size())));
+    std::transform(text.begin(), text.end(), wide.get(),
+                   [](char letter) { return static_cast<wchar_t>(static_cast<unsigned char>(letter)); });
+    return wide;
+}
 
 void Require(HRESULT result) {
     if (FAILED(result)) {
@@ -46,11 +35,11 @@ void Require(HRESULT result) {
 
 void Append(IXMLDOMDocument* document, IXMLDOMNode* parent, const XmlTree& tree) {
     Element element;
-    Require(document->createElement(OwnedText(tree.name).get(), &element));
+    Require(document->createElement(Bstr(tree.name).get(), &element));
     Node added;
     Require(parent->appendChild(element, &added));
     if (tree.children.empty()) {
-        Require(added->put_text(OwnedText(tree.text).get()));
+        Require(added->put_text(Bstr(tree.text).get()));
     }
     for (const XmlTree& child : tree.children) {
         Append(document, added, child);

@@ -1,8 +1,8 @@
 #include "bench/wmi_script.h"
 
-#include "common/windows.h"
+#include "common/platform/com_pointer.h"
+#include "common/platform/unique_bstr.h"
 
-#include <comdef.h>
 #include <wbemidl.h>
 
 #include <algorithm>
@@ -13,28 +13,13 @@ namespace bench {
 
 namespace {
 
-template <class Interface, const IID* kIid>
-using Pointer = _com_ptr_t<_com_IIID<Interface, kIid>>;
-
-using Locator = Pointer<IWbemLocator, &IID_IWbemLocator>;
-using Services = Pointer<IWbemServices, &IID_IWbemServices>;
-using Enumerator = Pointer<IEnumWbemClassObject, &IID_IEnumWbemClassObject>;
-using Object = Pointer<IWbemClassObject, &IID_IWbemClassObject>;
+using Locator = ComPointer<IWbemLocator, &IID_IWbemLocator>;
+using Services = ComPointer<IWbemServices, &IID_IWbemServices>;
+using Enumerator = ComPointer<IEnumWbemClassObject, &IID_IEnumWbemClassObject>;
+using Object = ComPointer<IWbemClassObject, &IID_IWbemClassObject>;
 
 constexpr CLSID kAdministrativeLocator = {
     0xcb8555cc, 0x9128, 0x11d1, {0xad, 0x9b, 0x00, 0xc0, 0x4f, 0xd8, 0xfd, 0xff}};
-
-class OwnedText {
-public:
-    explicit OwnedText(const wchar_t* text) : text_(SysAllocString(text)) {}
-    ~OwnedText() { SysFreeString(text_); }
-    OwnedText(const OwnedText&) = delete;
-    OwnedText& operator=(const OwnedText&) = delete;
-    BSTR get() const { return text_; }
-
-private:
-    BSTR text_;
-};
 
 // What a query stands on, from its locator to the object that is read.
 struct Cursor {
@@ -90,17 +75,18 @@ void WmiScript::Play() const {
                                  reinterpret_cast<void**>(&cursor.locator));
                 break;
             case Step::kConnect:
-                cursor.locator->ConnectServer(OwnedText(L"root\\cimv2").get(), nullptr, nullptr, nullptr, 0,
-                                              nullptr, nullptr, &cursor.services);
+                cursor.locator->ConnectServer(UniqueBstr(SysAllocString(L"root\\cimv2")).get(), nullptr,
+                                              nullptr, nullptr, 0, nullptr, nullptr, &cursor.services);
                 break;
             case Step::kBlanket:
                 CoSetProxyBlanket(cursor.services, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
                                   RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
                 break;
             case Step::kQuery:
-                cursor.services->ExecQuery(OwnedText(L"WQL").get(),
-                                           OwnedText((L"Select * from " + call.text).c_str()).get(),
-                                           WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, &cursor.enumerator);
+                cursor.services->ExecQuery(
+                    UniqueBstr(SysAllocString(L"WQL")).get(),
+                    UniqueBstr(SysAllocString((L"Select * from " + call.text).c_str())).get(),
+                    WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, &cursor.enumerator);
                 break;
             case Step::kReset:
                 cursor.enumerator->Reset();
