@@ -1,6 +1,7 @@
 #include "capture/environment/boot_volumes.h"
 
 #include "common/logger/orvane_logger.h"
+#include "common/platform/listing_bound.h"
 #include "common/platform/privileges.h"
 #include "common/platform/registry.h"
 #include "common/platform/scope_exit.h"
@@ -46,16 +47,13 @@ std::wstring TextOf(const RegistryValueCursor& cursor) {
     return text;
 }
 
-// A key whose values never end is given up here.
-constexpr int kMostValues = 200'000;
-
 // Looks for the value through the key's values; returns the system's last code.
 LSTATUS FindStartOptions(HKEY key, std::wstring& options) {
     constexpr std::size_t kDataBytes = 16383;
     RegistryValueCursor cursor(key, kDataBytes);
     LSTATUS status = CRegistry::FindFirstValue(cursor);
-    for (int i = 0; status == ERROR_SUCCESS && cursor.Name() != kSystemStartOptions; ++i) {
-        status = i < kMostValues ? CRegistry::FindNextValue(cursor) : ERROR_INVALID_DATA;
+    for (std::size_t i = 0; status == ERROR_SUCCESS && cursor.Name() != kSystemStartOptions; ++i) {
+        status = i < kMostListed ? CRegistry::FindNextValue(cursor) : ERROR_INVALID_DATA;
     }
     if (status == ERROR_SUCCESS) {
         options = TextOf(cursor);

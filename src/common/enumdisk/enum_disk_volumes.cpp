@@ -5,6 +5,7 @@
 #include "common/enumdisk/device_files.h"
 #include "common/logger/trace.h"
 #include "common/platform/device_control.h"
+#include "common/platform/listing_bound.h"
 #include "common/platform/multi_string.h"
 
 #include <algorithm>
@@ -16,9 +17,6 @@
 namespace {
 
 constexpr wchar_t kAssertionSource[] = L"src/common/enumdisk";
-
-// A walk that never ends is given up here; no machine has so many volumes.
-constexpr std::size_t kMostVolumes = 200'000;
 
 bool Assert(bool condition, int line, const wchar_t* text) {
     if (!condition) {
@@ -232,7 +230,7 @@ int EnumDisk::GetDrives(std::vector<DriveRow>& drives) {
                           win::LastFailure());
         return 0;
     }
-    for (std::size_t i = 0; i < kMostVolumes; ++i) {
+    for (std::size_t i = 0; i < kMostListed; ++i) {
         DriveRow drive;
         if (DescribeDrive({name.data(), wcsnlen(name.data(), name.size())}, drive)) {
             drives.push_back(std::move(drive));

@@ -5,6 +5,7 @@
 #include "common/logger/orvane_logger.h"
 #include "common/platform/byte_range.h"
 #include "common/platform/device_control.h"
+#include "common/platform/listing_bound.h"
 #include "common/platform/multi_string.h"
 
 #include <algorithm>
@@ -16,7 +17,6 @@
 namespace {
 
 constexpr std::size_t kNameCharacters = 260;
-constexpr std::size_t kMostVolumes = 200'000;  // a walk that never ends is given up here
 
 using NameBuffer = std::array<wchar_t, kNameCharacters>;
 
@@ -306,7 +306,7 @@ bool ListFixedVolumes(std::vector<::Volume>& volumes) {
         return false;
     }
     DWORD error = ERROR_SUCCESS;
-    for (std::size_t i = 0; i < kMostVolumes && error == ERROR_SUCCESS; ++i) {
+    for (std::size_t i = 0; i < kMostListed && error == ERROR_SUCCESS; ++i) {
         std::optional<::Volume> volume = DescribeFixedVolume(TextOf(name));
         if (volume) {
             volumes.push_back(std::move(*volume));

@@ -3,6 +3,7 @@
 
 #include "common/logger/trace.h"
 #include "common/platform/case_folding.h"
+#include "common/platform/listing_bound.h"
 #include "common/volume/volume_manager.h"
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -12,9 +13,6 @@
 namespace bmr_common {
 
 namespace {
-
-// A listing that never ends is given up here; no directory of a real machine has so many entries.
-constexpr std::size_t kMostEntries = 200'000;
 
 constexpr wchar_t kMapFunction[] = L"bmr_common::VolumeManager::GetDeviceNamesMap";
 
@@ -32,7 +30,7 @@ bool VolumeManager::GetObjectNamesPairList(const UniqueDirectory& directory, con
         DWORD code = ERROR_SUCCESS;
         for (std::size_t i = 0; code == ERROR_SUCCESS; ++i) {
             win::DirectoryEntry entry;
-            if (i == kMostEntries) {
+            if (i == kMostListed) {
                 code = ERROR_INVALID_DATA;
                 break;
             }
@@ -88,7 +86,7 @@ bool VolumeManager::GetVolumeGUIDsFromFindFirstVolume(std::vector<std::wstring>&
         }
         do {
             volumes.push_back(volume);
-            if (volumes.size() == kMostEntries) {
+            if (volumes.size() == kMostListed) {
                 code = ERROR_INVALID_DATA;
                 break;
             }
