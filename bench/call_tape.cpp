@@ -2,7 +2,10 @@
 
 #include "machine/redirect.h"
 
+#include <objbase.h>
 #include <winternl.h>
+
+#include <ctime>
 
 #include <algorithm>
 #include <cstring>
@@ -202,6 +205,31 @@ NTSTATUS NTAPI RecordZwClose(HANDLE handle) {
     return call(handle);
 }
 
+// What the library imports itself.
+
+HRESULT WINAPI RecordCoInitializeEx(LPVOID reserved, DWORD model) {
+    tape->Add([=](Handles&) { CoInitializeEx(nullptr, model); });
+    return CoInitializeEx(reserved, model);
+}
+
+void WINAPI RecordCoUninitialize() {
+    tape->Add([](Handles&) { CoUninitialize(); });
+    CoUninitialize();
+}
+
+HRESULT WINAPI RecordCoCreateGuid(GUID* guid) {
+    tape->Add([](Handles&) {
+        GUID own{};
+        CoCreateGuid(&own);
+    });
+    return CoCreateGuid(guid);
+}
+
+__time64_t __cdecl RecordTime(__time64_t* time) {
+    tape->Add([](Handles&) { _time64(nullptr); });
+    return _time64(time);
+}
+
 template <class Function>
 FARPROC AsProc(Function function) {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(function));
@@ -230,6 +258,13 @@ const Recorded kRecorded[] = {
     {"ZwOpenDirectoryObject", AsProc(&RecordZwOpenDirectoryObject)},
     {"ZwQueryDirectoryObject", AsProc(&RecordZwQueryDirectoryObject)},
     {"ZwClose", AsProc(&RecordZwClose)},
+};
+
+const Recorded kRecordedImports[] = {
+    {"CoInitializeEx", AsProc(&RecordCoInitializeEx)},
+    {"CoUninitialize", AsProc(&RecordCoUninitialize)},
+    {"CoCreateGuid", AsProc(&RecordCoCreateGuid)},
+    {"_time64", AsProc(&RecordTime)},
 };
 
 FARPROC WINAPI RecordingProcAddress(HMODULE module, LPCSTR name) {
@@ -273,8 +308,14 @@ void CallTape::Play() const {
 
 void RecordCallsOf(HMODULE module, CallTape& recorded_on) {
     tape = &recorded_on;
-    if (machine::RedirectImport(module, "GetProcAddress", AsProc(&RecordingProcAddress)) == nullptr) {
-        throw std::runtime_error("the library's calls cannot be recorded");
+    const auto redirect = [&](const char* name, FARPROC function) {
+        if (machine::RedirectImport(module, name, function) == nullptr) {
+            throw std::runtime_error("the library's calls cannot be recorded");
+        }
+    };
+    redirect("GetProcAddress", AsProc(&RecordingProcAddress));
+    for (const Recorded& import : kRecordedImports) {
+        redirect(import.name, import.function);
     }
 }
 

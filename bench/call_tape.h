@@ -8,7 +8,7 @@
 
 namespace bench {
 
-/// The storage calls of one capture, with their arguments, to be made again without the library.
+/// The system calls of one capture, with their arguments, to be made again without the library.
 class CallTape {
 public:
     /// Handles that the calls open, by their place on the tape.
@@ -31,7 +31,7 @@ private:
     std::vector<HANDLE> places_;
 };
 
-/// From now on the module's storage calls go to `tape` too. The module must not have been called before.
+/// From now on the module's system calls go to `tape` too. The module must not have been called before.
 void RecordCallsOf(HMODULE module, CallTape& tape);
 
 }  // namespace bench

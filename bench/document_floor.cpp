@@ -33,28 +33,39 @@ void Require(HRESULT result) {
     }
 }
 
-void Append(IXMLDOMDocument* document, IXMLDOMNode* parent, const XmlTree& tree) {
-    Element element;
-    Require(document->createElement(Bstr(tree.name).get(), &element));
-    Node added;
-    Require(parent->appendChild(element, &added));
-    if (tree.children.empty()) {
-        Require(added->put_text(Bstr(tree.text).get()));
-    }
+// Made as the library makes it: that is the platform's part too.
+Document NewDocument(const std::string& root) {
+    UnknownPtr unknown;
+    Require(CoCreateInstance(kDomDocument30, nullptr, CLSCTX_SERVER, IID_IUnknown,
+                             reinterpret_cast<void**>(&unknown)));
+    Require(OleRun(unknown));
+    Document document;
+    Require(unknown->QueryInterface(IID_IXMLDOMDocument, reinterpret_cast<void**>(&document)));
+    VARIANT_BOOL loaded = VARIANT_FALSE;
+    Require(document->loadXML(Bstr("<" + root + "></" + root + ">").get(), &loaded));
+    return document;
+}
+
+void AppendChildren(IXMLDOMDocument* document, IXMLDOMNode* parent, const XmlTree& tree) {
     for (const XmlTree& child : tree.children) {
-        Append(document, added, child);
+        Element element;
+        Require(document->createElement(Bstr(child.name).get(), &element));
+        Node added;
+        Require(parent->appendChild(element, &added));
+        if (child.children.empty()) {
+            Require(added->put_text(Bstr(child.text).get()));
+        }
+        AppendChildren(document, added, child);
     }
 }
 
 }  // namespace
 
 std::size_t BuildDocument(const XmlTree& root) {
-    Document document;
-    Require(CoCreateInstance(kDomDocument30, nullptr, CLSCTX_SERVER, IID_IXMLDOMDocument,
-                             reinterpret_cast<void**>(&document)));
-    Append(document, document, root);
+    const Document document = NewDocument(root.name);
     Element element;
     Require(document->get_documentElement(&element));
+    AppendChildren(document, element, root);
     BSTR xml = nullptr;
     Require(element->get_xml(&xml));
     const int characters = static_cast<int>(SysStringLen(xml));

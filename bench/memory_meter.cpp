@@ -2,8 +2,6 @@
 
 #include "machine/redirect.h"
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <stdexcept>
 
@@ -14,19 +12,19 @@ namespace {
 std::size_t held = 0;
 std::size_t peak = 0;
 
-void* __cdecl MeteredMalloc(std::size_t size) {
-    void* const block = std::malloc(size);
+void* WINAPI MeteredHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
+    void* const block = HeapAlloc(heap, flags, size);
     if (block != nullptr) {
-        held += _msize(block);
+        held += HeapSize(heap, 0, block);
         peak = std::max(peak, held);
     }
     return block;
 }
 
-void __cdecl MeteredFree(void* block) {
+BOOL WINAPI MeteredHeapFree(HANDLE heap, DWORD flags, void* block) {
     // What was allocated before the meter came is no part of it.
-    held -= block == nullptr ? 0 : std::min(held, _msize(block));
-    std::free(block);
+    held -= block == nullptr ? 0 : std::min(held, HeapSize(heap, 0, block));
+    return HeapFree(heap, flags, block);
 }
 
 template <class Function>
@@ -40,8 +38,8 @@ void Redirect(HMODULE module, const char* name, Function function) {
 }  // namespace
 
 void MeterMemoryOf(HMODULE module) {
-    Redirect(module, "malloc", &MeteredMalloc);
-    Redirect(module, "free", &MeteredFree);
+    Redirect(module, "HeapAlloc", &MeteredHeapAlloc);
+    Redirect(module, "HeapFree", &MeteredHeapFree);
 }
 
 std::size_t PeakBytes() {

@@ -99,7 +99,7 @@ void WINAPI DeleteRemembered(CRITICAL_SECTION* section) {
 void CleanUp() {
     thread_slots.ReleaseAll([](DWORD slot) { TlsFree(slot); });
     critical_sections.ReleaseAll(System().delete_critical_section);
-    ReleaseRuntimeMemory();
+    ReleaseMemory();
 }
 
 }  // namespace
@@ -117,6 +117,9 @@ const CriticalSectionFunction delete_import = &DeleteRemembered;
 
 BOOL WINAPI OrvaneEntry(HINSTANCE module, DWORD reason, LPVOID reserved) {
     System();
+    if (reason == DLL_PROCESS_ATTACH && !CreateLibraryHeap()) {
+        return FALSE;
+    }
     const BOOL result = DllMainCRTStartup(module, reason, reserved);
     // At the end of the process the system takes everything back by itself.
     if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {

@@ -1,4 +1,4 @@
-// The C++ runtime's own memory, apart from the library's.
+// The C++ runtime's own memory, and the library's.
 //
 // To throw an exception the runtime needs some memory of its own the first time: a record of the thread, a
 // mutex. Where it gets none it ends the process, and the process is the agent's. And what it once has it
@@ -6,6 +6,8 @@
 // through here. They are the runtime's alone: `new` has its own way, below, and fails as it should.
 
 #include "runtime/runtime_memory.h"
+
+#include "common/windows.h"
 
 #include <algorithm>
 #include <array>
@@ -95,12 +97,24 @@ void Untrack(const void* block) {
     }
 }
 
+// Most captures fit: the heap then gives nothing back to the system at their end and asks for nothing at the
+// next one.
+constexpr std::size_t kFirstHeapBytes = 1024 * 1024;
+
+constinit HANDLE library_heap = nullptr;
+
 }  // namespace
 
-void ReleaseRuntimeMemory() {
+bool CreateLibraryHeap() {
+    library_heap = HeapCreate(0, kFirstHeapBytes, 0);
+    return library_heap != nullptr;
+}
+
+void ReleaseMemory() {
     while (tracked_count > 0) {
         RealFree(tracked[--tracked_count]);
     }
+    HeapDestroy(library_heap);
 }
 
 void* RuntimeMalloc(std::size_t size) {
@@ -146,19 +160,21 @@ void* RuntimeRealloc(void* block, std::size_t size) {
     return moved;
 }
 
-// The library's own memory.
+// The library's own memory: a heap of its own. Between the many small blocks of a capture and those of the
+// document that the XML component builds, either would slow the other one down; and it goes back in one
+// piece.
 
 void* operator new(std::size_t size) {
-    if (void* const block = RealMalloc(std::max<std::size_t>(size, 1))) {
+    if (void* const block = HeapAlloc(library_heap, 0, size)) {
         return block;
     }
     throw std::bad_alloc();
 }
 
 void operator delete(void* block) noexcept {
-    RealFree(block);
+    HeapFree(library_heap, 0, block);
 }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept {
-    RealFree(block);
+    HeapFree(library_heap, 0, block);
 }

@@ -91,6 +91,21 @@ void* __cdecl WatchedRealloc(void* block, std::size_t size) {
     return moved;
 }
 
+void* WINAPI WatchedHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
+    if (OutOfMemory()) {
+        return nullptr;
+    }
+    return Counted(IsGuarded(size) ? AllocateGuarded(size) : ::HeapAlloc(heap, flags, size));
+}
+
+BOOL WINAPI WatchedHeapFree(HANDLE heap, DWORD flags, void* block) {
+    if (block == nullptr) {
+        return TRUE;
+    }
+    --watch.balance.heap_blocks;
+    return FreeGuarded(block) ? TRUE : ::HeapFree(heap, flags, block);
+}
+
 BSTR WINAPI WatchedSysAllocString(const OLECHAR* text) {
     return OutOfMemory() ? nullptr : ::SysAllocString(text);
 }
@@ -268,6 +283,8 @@ void ResetGuids() {
 }
 
 void InstallImportHooks(HMODULE module) {
+    Hook(module, "HeapAlloc", &WatchedHeapAlloc);
+    Hook(module, "HeapFree", &WatchedHeapFree);
     Hook(module, "malloc", &WatchedMalloc);
     Hook(module, "realloc", &WatchedRealloc);
     Hook(module, "free", &WatchedFree);

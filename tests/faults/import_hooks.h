@@ -18,8 +18,8 @@ struct Balance {
     bool operator==(const Balance&) const = default;
 };
 
-/// The library's own imports under watch: memory (malloc and its kin, BSTRs), COM, registry, privileges and
-/// text conversion. One thread.
+/// The library's own imports under watch: memory (its heap, malloc and its kin, BSTRs), COM, registry,
+/// privileges and text conversion. One thread.
 struct ImportWatch {
     Meter allocations;
     Meter imports;              // everything else

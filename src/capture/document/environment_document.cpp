@@ -11,7 +11,7 @@ void WriteEnvironment(CMSXmlNode& root, const EnvInfo& environment) {
     WriteVolumeTable(node, environment.VolumeTable);
     WriteDriveLetterTable(node, environment.DriveLetterTable);
     WriteBootConfig(node, environment.BootConfig);
-    AddTextElement(node, "BootIniContents", environment.BootIniContents);
+    node.AddTextChild("BootIniContents", environment.BootIniContents);
 }
 
 void WriteEnvironment(CMSXmlNode& root, const EnvInfoV3& environment) {

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "common/platform/short_text.h"
 #include "common/windows.h"
 #include "common/xml/ms_xml.h"
 
+#include <concepts>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <variant>
 
@@ -31,14 +34,19 @@ struct Field {
 
 // The texts of the values: numbers in plain decimal, "1" or "0", a GUID in registry form, a text as it
 // stands.
-std::wstring ValueText(std::int32_t value);
-std::wstring ValueText(std::uint32_t value);
-std::wstring ValueText(std::int64_t value);
-std::wstring ValueText(std::uint64_t value);
-std::wstring ValueText(std::uint8_t value);
-std::wstring ValueText(bool value);
-std::wstring ValueText(const GUID& value);
-const std::wstring& ValueText(const std::wstring& value);
+template <std::integral Number>
+ShortText ValueText(Number value) {
+    return ShortText(value);
+}
+inline std::wstring_view ValueText(bool value) {
+    return value ? L"1" : L"0";
+}
+inline ShortText ValueText(const GUID& value) {
+    return ShortText(value);
+}
+inline const std::wstring& ValueText(const std::wstring& value) {
+    return value;
+}
 
 template <class Record, class Value>
 decltype(auto) ValueOf(const Record& record, Value Record::*member) {
@@ -54,7 +62,8 @@ auto ValueOf(const Record& record, Signed<Record, Number> field) {
 template <class Record, class Fields>
 void WriteFields(CMSXmlNode& parent, const Record& record, const Fields& fields) {
     for (const auto& field : fields) {
-        CMSXmlNode element = parent.AddChild(field.element);
-        std::visit([&](auto member) { element.SetText(ValueText(ValueOf(record, member))); }, field.member);
+        std::visit(
+            [&](auto member) { parent.AddTextChild(field.element, ValueText(ValueOf(record, member))); },
+            field.member);
     }
 }

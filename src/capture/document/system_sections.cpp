@@ -75,7 +75,7 @@ void WriteStartupOptions(CMSXmlNode& computer_system, const std::vector<std::wst
     AddNumberElement(list, "size", static_cast<std::uint32_t>(options.size()));
     std::size_t position = 0;
     for (const std::wstring& option : options) {
-        AddTextElement(list, ("child" + std::to_string(position++)).c_str(), option);
+        list.AddTextChild(("child" + std::to_string(position++)).c_str(), option);
     }
 }
 

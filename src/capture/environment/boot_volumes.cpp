@@ -74,6 +74,7 @@ int FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLe
     CopyIdentity(os, boot_config);
     bool system_found = false;
     bool boot_found = false;
+    drive_letters.reserve(volumes.size());
     for (::Volume& volume : volumes) {
         drive_letters.push_back({volume.m_GUID, volume.VolumeLetter});
         if (volume.DeviceName == os.SystemDevice) {

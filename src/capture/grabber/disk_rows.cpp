@@ -141,14 +141,14 @@ bool SetPartitionVolumeLetterFileSystem(const VolumeOnDisk& volume, std::vector<
                         kLogWarning,
                         L"%s extent (%I64i to %I64i) from volume %s on disk %u only partially inside "
                         L"partition (%I64i to %I64i length %I64i).",
-                        kFunction, volume.offset, last, volume.volume_name.c_str(), disk.disk_number,
-                        row.offset, LastBefore(EndOf(row.offset, row.length)), row.length);
+                        kFunction, volume.offset, last, volume.volume_name, disk.disk_number, row.offset,
+                        LastBefore(EndOf(row.offset, row.length)), row.length);
                     return false;
                 }
             }
         }
         GetLogger().Write(kLogWarning, L"%s Failed to find extent (%I64i to %I64i) from volume %s", kFunction,
-                          volume.offset, last, volume.volume_name.c_str());
+                          volume.offset, last, volume.volume_name);
         return false;
     });
 }

@@ -31,7 +31,7 @@ struct VolumeOnDisk {
     std::int64_t length = 0;  // bytes
     std::wstring letter;
     std::wstring file_system;
-    std::wstring volume_name;
+    const wchar_t* volume_name = L"";
 };
 
 // Gives the partition row that contains the run the volume's letter and file system; false, after a level 3

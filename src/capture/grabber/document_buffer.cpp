@@ -4,9 +4,11 @@
 #include "capture/grabber/info_grabber.h"
 #include "common/logger/orvane_logger.h"
 #include "common/platform/safe.h"
+#include "common/platform/short_text.h"
 #include "common/platform/string_conversion.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 namespace orvane {
@@ -15,26 +17,36 @@ namespace {
 
 // Whether the code page puts markup in the place of a letter that it lacks: the full-width "<" becomes "<".
 bool BecomesMarkup(wchar_t letter) {
-    const std::string narrow = ConvertWStrToStr(std::wstring(1, letter));
+    const std::string narrow = ConvertWStrToStr({&letter, 1});
     return narrow == "<" || narrow == ">" || narrow == "&";
 }
 
-bool IsNotAscii(wchar_t letter) {
-    return letter > 0x7F;
+bool IsAscii(wchar_t letter) {
+    return letter <= 0x7F;
 }
 
-// Such a letter, which would break the document, is written by its number.
-std::wstring WithoutFalseMarkup(std::wstring xml) {
-    auto letter = std::find_if(xml.begin(), xml.end(), IsNotAscii);
-    if (letter == xml.end()) {
-        return xml;
+// Four letters at a time: a document has up to millions.
+bool IsAscii(std::wstring_view text) {
+    constexpr std::size_t kLetters = sizeof(std::uint64_t) / sizeof(wchar_t);
+    std::uint64_t seen = 0;
+    for (; text.size() >= kLetters; text.remove_prefix(kLetters)) {
+        std::uint64_t four = 0;
+        std::memcpy(&four, text.data(), sizeof(four));
+        seen |= four;
     }
-    std::wstring safe(xml.begin(), letter);
-    for (; letter != xml.end(); ++letter) {
-        if (IsNotAscii(*letter) && BecomesMarkup(*letter)) {
-            safe += L"&#" + std::to_wstring(static_cast<unsigned>(*letter)) + L";";
+    return (seen & 0xFF80FF80FF80FF80) == 0 &&
+           std::all_of(text.begin(), text.end(), [](wchar_t letter) { return IsAscii(letter); });
+}
+
+// Such letters, which would break the document, are written by their numbers.
+std::wstring WithoutFalseMarkup(std::wstring_view xml) {
+    std::wstring safe;
+    safe.reserve(xml.size());
+    for (const wchar_t letter : xml) {
+        if (!IsAscii(letter) && BecomesMarkup(letter)) {
+            safe.append(L"&#").append(ShortText(static_cast<unsigned>(letter))).push_back(L';');
         } else {
-            safe += *letter;
+            safe.push_back(letter);
         }
     }
     return safe;
@@ -50,7 +62,10 @@ CMSXmlNode LoadEmptyDocument(CMSXmlDoc& document) {
 }
 
 std::string DocumentText(const CMSXmlNode& root) {
-    return ConvertWStrToStr(WithoutFalseMarkup(root.GetXML()));
+    const UniqueBstr owner = root.GetXML();
+    const std::wstring_view xml = TextOf(owner);
+    // Most documents are plain ASCII and go without the copy.
+    return IsAscii(xml) ? ConvertWStrToStr(xml) : ConvertWStrToStr(WithoutFalseMarkup(xml));
 }
 
 void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buffer,

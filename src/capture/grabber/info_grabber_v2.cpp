@@ -109,6 +109,7 @@ bool InfoGrabberV2::ConvertObtainedInformation() {
         if (!SetVolumeInfoGUID(volumes)) {
             return false;
         }
+        environment_->VolumeTable.reserve(volumes.size());
         if (!std::all_of(volumes.begin(), volumes.end(),
                          [&](const NamedVolume& volume) { return AddVolumeInfo(volume); })) {
             return false;
@@ -171,7 +172,7 @@ bool InfoGrabberV2::AddVolumeInfo(const NamedVolume& named_volume) {
             if (!FillExtent(extent, extent_row)) {
                 return false;
             }
-            row.extents.push_back(extent_row);
+            row.extents.push_back(std::move(extent_row));
         }
         if (!FillExtent(volume->extents().front(), row)) {
             return false;
@@ -227,7 +228,7 @@ bool InfoGrabberV2::AddVolumeInformationToPartitions() {
                    SetPartitionVolumeLetterFileSystem(
                        {extent.m_DiskNumber, static_cast<std::int64_t>(extent.m_offsetPartition),
                         static_cast<std::int64_t>(extent.m_Size), volume.VolumeLetter, volume.FileSystem,
-                        volume.Name},
+                        volume.Name.c_str()},
                        environment_->DiskDrives);
         };
         return std::all_of(environment_->VolumeTable.begin(), environment_->VolumeTable.end(), add);

@@ -4,11 +4,12 @@
 #include "capture/environment/system_information.h"
 #include "capture/grabber/document_buffer.h"
 #include "capture/grabber/grabber_exception.h"
-#include "capture/grabber/named_volumes.h"
 #include "common/logger/trace.h"
+#include "common/platform/guid.h"
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace orvane {
@@ -40,8 +41,11 @@ bool InfoGrabberV3::Collect() {
 // Nobody reads the identifiers here: the step proves that they can be made.
 bool InfoGrabberV3::SetVolumeInfoGUID() const {
     return Traced(L"orvane::InfoGrabberV3::SetVolumeInfoGUID", [&] {
-        std::vector<NamedVolume> volumes;
-        return NameVolumes(environment_->volume_manager, volumes);
+        const auto& volumes = environment_->volume_manager.volumes();
+        return std::all_of(volumes.begin(), volumes.end(), [](const bmr_common::VolumePtr&) {
+            GUID guid{};
+            return CreateGuid(guid);
+        });
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
+#include "common/platform/short_text.h"
 #include "common/platform/wmi.h"
 #include "common/xml/xml_values.h"
 
@@ -81,7 +82,7 @@ bool DeviceManager::InitializeWithCurrentDisks() {
 }
 
 DiskDriveManagerPtr DeviceManager::GetDevice(std::uint32_t disk_index) const {
-    const auto found = disks_.find(std::to_wstring(disk_index));
+    const auto found = disks_.find(std::wstring(ShortText(disk_index)));
     if (found == disks_.end()) {
         GetLogger().Write(kLogTrace, L"DeviceManager::GetDevice no device with index %s",
                           std::to_wstring(disk_index).c_str());

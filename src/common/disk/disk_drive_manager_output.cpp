@@ -76,24 +76,24 @@ void CaptureGuidAddress(CMSXmlNode& parent, const GUID& disk_id) {
     StringFromGUID2(disk_id, text.data(), static_cast<int>(text.size()));
     std::array<wchar_t, 20> address{};
     _snwprintf(address.data(), address.size() - 1, L"%p", static_cast<const void*>(text.data()));
-    AddTextElement(parent, "GUID", address.data());
+    parent.AddTextChild("GUID", address.data());
 }
 
 void CapturePartitionStyle(CMSXmlNode& parent, const DiskGeometry& disk) {
     switch (disk.partition_style()) {
         case kStyleMBR:
-            AddTextElement(parent, "PartitionStyle", L"MBR");
+            parent.AddTextChild("PartitionStyle", L"MBR");
             AddNumberElement(parent, "Signature", disk.signature());
             break;
         case kStyleGPT:
-            AddTextElement(parent, "PartitionStyle", L"GPT");
+            parent.AddTextChild("PartitionStyle", L"GPT");
             CaptureGuidAddress(parent, disk.disk_id());
             break;
         case kStyleRAW:
-            AddTextElement(parent, "PartitionStyle", L"RAW");
+            parent.AddTextChild("PartitionStyle", L"RAW");
             break;
         default:
-            AddTextElement(parent, "PartitionStyle", L"UNKNOWN");
+            parent.AddTextChild("PartitionStyle", L"UNKNOWN");
             break;
     }
 }
@@ -123,14 +123,14 @@ void DiskDriveManager::CaptureInfo(CMSXmlNode& parent) const {
 }
 
 bool DiskDriveManager::CaptureCommonInfo(CMSXmlNode& parent) const {
-    AddTextElement(parent, "DiskId", std::to_wstring(disk_index_));
+    parent.AddTextChild("DiskId", std::to_wstring(disk_index_));
     std::vector<std::wstring> reasons;
     if (!can_backup(reasons)) {
-        AddTextElement(parent, "DiskSize", L"0");
+        parent.AddTextChild("DiskSize", L"0");
         return false;
     }
     const DISK_GEOMETRY& geometry = geometry_.geometry();
-    AddTextElement(parent, "DynamicDisk", TrueOrFalse(is_dynamic()));
+    parent.AddTextChild("DynamicDisk", TrueOrFalse(is_dynamic()));
     AddNumberElement(parent, "DiskSize", geometry_.disk_size());
     AddNumberElement(parent, "Cyclinders", geometry.Cylinders.QuadPart);
     AddNumberElement(parent, "MediaType", static_cast<std::int32_t>(geometry_.media_type()));

@@ -16,31 +16,50 @@ void RequireInitial(const OperationStatus::Operation& operation, const wchar_t* 
     }
 }
 
+bool HasFailed(const std::pair<std::wstring_view, OperationStatus::Operation>& entry) {
+    return entry.second.state == OperationStatus::kError;
+}
+
 }  // namespace
 
-OperationStatus::OperationStatus(std::initializer_list<std::wstring> names) {
-    for (const std::wstring& name : names) {
-        operations_.try_emplace(name);
+template <class Wanted>
+std::vector<const OperationStatus::Entry*> OperationStatus::InOrder(Wanted&& wanted) const {
+    std::vector<const Entry*> entries;
+    for (const Entry& entry : operations_) {
+        if (wanted(entry)) {
+            entries.push_back(&entry);
+        }
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const Entry* a, const Entry* b) { return a->first < b->first; });
+    return entries;
+}
+
+OperationStatus::OperationStatus(std::initializer_list<std::wstring_view> names) {
+    operations_.reserve(names.size());
+    for (const std::wstring_view name : names) {
+        operations_.emplace_back(name, Operation());
     }
 }
 
-const OperationStatus::Operation& OperationStatus::FindOperation(const std::wstring& name) const {
-    const auto found = operations_.find(name);
+const OperationStatus::Operation& OperationStatus::FindOperation(std::wstring_view name) const {
+    const auto found = std::find_if(operations_.begin(), operations_.end(),
+                                    [&](const auto& entry) { return entry.first == name; });
     if (found == operations_.end()) {
         GetLogger().Write(kLogError,
                           L"OperationStatus::FindOperation - no operation '%s'. Code will throw exception.",
-                          name.c_str());
+                          std::wstring(name).c_str());
         throw std::logic_error("OperationStatus::FindOperation - no such operation.");
     }
     return found->second;
 }
 
-OperationStatus::Operation& OperationStatus::FindOperation(const std::wstring& name) {
+OperationStatus::Operation& OperationStatus::FindOperation(std::wstring_view name) {
     const OperationStatus& self = *this;
     return const_cast<Operation&>(self.FindOperation(name));
 }
 
-OperationStatus::Operation& OperationStatus::SetSuccess(const std::wstring& name) {
+OperationStatus::Operation& OperationStatus::SetSuccess(std::wstring_view name) {
     Operation& operation = FindOperation(name);
     RequireInitial(
         operation,
@@ -51,7 +70,7 @@ OperationStatus::Operation& OperationStatus::SetSuccess(const std::wstring& name
     return operation;
 }
 
-void OperationStatus::SetError(const std::wstring& name, const std::wstring& error) {
+void OperationStatus::SetError(std::wstring_view name, const std::wstring& error) {
     Operation& operation = FindOperation(name);
     RequireInitial(operation,
                    L"OperationStatus::SetError - operation not in kInitial state. Code will throw exception.",
@@ -60,52 +79,48 @@ void OperationStatus::SetError(const std::wstring& name, const std::wstring& err
     operation.state = kError;
 }
 
-bool OperationStatus::IsFailed(const std::wstring& name) const {
+bool OperationStatus::IsFailed(std::wstring_view name) const {
     return FindOperation(name).state == kError;
 }
 
-bool OperationStatus::IsSucceeded(const std::wstring& name) const {
+bool OperationStatus::IsSucceeded(std::wstring_view name) const {
     return FindOperation(name).state == kSuccess;
 }
 
 bool OperationStatus::HasErrors() const {
-    return std::any_of(operations_.begin(), operations_.end(),
-                       [](const auto& entry) { return entry.second.state == kError; });
+    return std::any_of(operations_.begin(), operations_.end(), HasFailed);
 }
 
 std::uint64_t OperationStatus::ErrorCount() const {
-    return static_cast<std::uint64_t>(
-        std::count_if(operations_.begin(), operations_.end(),
-                      [](const auto& entry) { return entry.second.state == kError; }));
+    return static_cast<std::uint64_t>(std::count_if(operations_.begin(), operations_.end(), HasFailed));
 }
 
 void OperationStatus::GetErrors(std::vector<std::wstring>& errors) const {
-    for (const auto& [name, operation] : operations_) {
-        if (operation.state == kError) {
-            errors.push_back(operation.error);
-        }
+    for (const Entry* const entry : InOrder(HasFailed)) {
+        errors.push_back(entry->second.error);
     }
 }
 
-void OperationStatus::DumpStatus(const std::wstring& name, const Operation& operation) {
+void OperationStatus::DumpStatus(std::wstring_view name, const Operation& operation) {
     switch (operation.state) {
         case kInitial:
-            GetLogger().Write(kLogInformation, L"operation %s has not attempted", name.c_str());
+            GetLogger().Write(kLogInformation, L"operation %s has not attempted", std::wstring(name).c_str());
             break;
         case kError:
-            GetLogger().Write(kLogError, L"operation %s failed - %s", name.c_str(), operation.error.c_str());
+            GetLogger().Write(kLogError, L"operation %s failed - %s", std::wstring(name).c_str(),
+                              operation.error.c_str());
             break;
         case kSuccess:
             break;
         default:
-            GetLogger().Write(kLogError, L"operation %s status unknown", name.c_str());
+            GetLogger().Write(kLogError, L"operation %s status unknown", std::wstring(name).c_str());
             break;
     }
 }
 
 void OperationStatus::DumpAll() const {
-    for (const auto& [name, operation] : operations_) {
-        DumpStatus(name, operation);
+    for (const Entry* const entry : InOrder([](const Entry&) { return true; })) {
+        DumpStatus(entry->first, entry->second);
     }
 }
 

@@ -3,8 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
-#include <map>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace bmr_common {
@@ -25,28 +26,35 @@ public:
         std::wstring error;  // empty unless the state is kError
     };
 
-    // The names of all the queries that there will be.
-    OperationStatus(std::initializer_list<std::wstring> names);
+    // The names of all the queries that there will be. They are constants: the record keeps no copies.
+    OperationStatus(std::initializer_list<std::wstring_view> names);
     virtual ~OperationStatus() = default;
 
-    Operation& FindOperation(const std::wstring& name);
-    const Operation& FindOperation(const std::wstring& name) const;
-    Operation& SetSuccess(const std::wstring& name);
-    void SetError(const std::wstring& name, const std::wstring& error);
+    Operation& FindOperation(std::wstring_view name);
+    const Operation& FindOperation(std::wstring_view name) const;
+    Operation& SetSuccess(std::wstring_view name);
+    void SetError(std::wstring_view name, const std::wstring& error);
 
-    bool IsFailed(const std::wstring& name) const;
-    bool IsSucceeded(const std::wstring& name) const;
+    bool IsFailed(std::wstring_view name) const;
+    bool IsSucceeded(std::wstring_view name) const;
     bool HasErrors() const;
     std::uint64_t ErrorCount() const;
     // Appends the error texts, in the order of the names.
     void GetErrors(std::vector<std::wstring>& errors) const;
 
     // One line for a record that was not attempted (level 4) or failed (level 2).
-    static void DumpStatus(const std::wstring& name, const Operation& operation);
+    static void DumpStatus(std::wstring_view name, const Operation& operation);
     void DumpAll() const;
 
 private:
-    std::map<std::wstring, Operation> operations_;
+    using Entry = std::pair<std::wstring_view, Operation>;
+
+    // Those that `wanted` picks, in the order of their names.
+    template <class Wanted>
+    std::vector<const Entry*> InOrder(Wanted&& wanted) const;
+
+    // A handful, as they were given: there is one list for every volume and disk, and few are ever walked.
+    std::vector<Entry> operations_;
 };
 
 }  // namespace bmr_common

@@ -33,13 +33,13 @@ void CaptureStyle(CMSXmlNode& parent, std::uint32_t style) {
     // The element's name changes with the value; readers of the document know both.
     switch (style) {
         case PARTITION_STYLE_MBR:
-            AddTextElement(parent, "Style", L"MBR");
+            parent.AddTextChild("Style", L"MBR");
             break;
         case PARTITION_STYLE_GPT:
-            AddTextElement(parent, "Style", L"GPT");
+            parent.AddTextChild("Style", L"GPT");
             break;
         case PARTITION_STYLE_RAW:
-            AddTextElement(parent, "PartitionStyle", L"RAW");
+            parent.AddTextChild("PartitionStyle", L"RAW");
             break;
         default:
             AddNumberElement(parent, "PartitionStyle", static_cast<std::int32_t>(style));
@@ -82,11 +82,11 @@ void Partition::DumpInfo() const {
 
 void Partition::CaptureInfo(CMSXmlNode& parent) const {
     Traced(L"bmr_common::Partition::CaptureInfo", [&] {
-        AddTextElement(parent, "DynamicPartition", TrueOrFalse(is_dynamic()));
+        parent.AddTextChild("DynamicPartition", TrueOrFalse(is_dynamic()));
         AddNumberElement(parent, "PartitionNumber", entry_.PartitionNumber);
         AddNumberElement(parent, "Offset", starting_offset());
         AddNumberElement(parent, "Length", length());
-        AddTextElement(parent, "RewritePartition", TrueOrFalse(entry_.RewritePartition != 0));
+        parent.AddTextChild("RewritePartition", TrueOrFalse(entry_.RewritePartition != 0));
         CaptureStyle(parent, style());
     });
 }

@@ -45,8 +45,8 @@ void PartitionMBR::CaptureInfo(CMSXmlNode& parent) const {
     Traced(L"bmr_common::PartitionMBR::CaptureInfo", [&] {
         Partition::CaptureInfo(parent);
         AddNumberElement(parent, "Type", static_cast<std::int32_t>(entry_.Mbr.PartitionType));
-        AddTextElement(parent, "BootIndicator", TrueOrFalse(boot_indicator() != 0));
-        AddTextElement(parent, "RecognizedPartition", TrueOrFalse(recognized() != 0));
+        parent.AddTextChild("BootIndicator", TrueOrFalse(boot_indicator() != 0));
+        parent.AddTextChild("RecognizedPartition", TrueOrFalse(recognized() != 0));
         AddNumberElement(parent, "HiddenSectors", entry_.Mbr.HiddenSectors);
     });
 }

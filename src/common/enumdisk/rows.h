@@ -52,6 +52,10 @@ class DiskExtent {
 public:
     DiskExtent() = default;
     virtual ~DiskExtent() = default;
+    DiskExtent(const DiskExtent&) = default;
+    DiskExtent& operator=(const DiskExtent&) = default;
+    DiskExtent(DiskExtent&&) = default;
+    DiskExtent& operator=(DiskExtent&&) = default;
 
     std::uint64_t m_offsetPartition = 0;      // bytes
     std::uint64_t m_Size = 0;                 // bytes

@@ -11,7 +11,3 @@ void CDebugLogger::Output(int /*level*/, const wchar_t* text, std::size_t /*leng
     }
     OutputDebugStringW(line.c_str());
 }
-
-int CDebugLogger::GetLevel() const {
-    return kLogWarning;
-}

@@ -8,14 +8,14 @@
 using EventCallback = void (*)(std::int32_t host_level, const char* text);
 
 // Hands every message to the host's callback; without one, to the debugger output.
-class OrvaneLogger : public CLogger {
+class OrvaneLogger final : public CLogger {
 public:
     constexpr OrvaneLogger() = default;
 
     void Output(int level, const wchar_t* text, std::size_t length) override;
     int GetLevel() const override;
     // Without a callback, what the debugger output lets through.
-    bool IsSeen(int level) const override;
+    bool IsSeen(int level) const override { return callback_ != nullptr || level <= fallback_.GetLevel(); }
 
     // Replaces the callback; null restores the debugger output.
     void SetCallback(EventCallback callback);

@@ -6,14 +6,21 @@
 #include <type_traits>
 #include <utility>
 
+inline void WriteFunctionLine(const wchar_t* format, const wchar_t* function, int line) {
+    OrvaneLogger& logger = GetLogger();
+    if (logger.IsSeen(kLogTrace)) {
+        logger.WriteFunctionLine(kLogTrace, format, function, line);
+    }
+}
+
 // Runs `body` between the entering and the leaving line of `function` (its qualified name) and returns what
 // it returns. A body left by an exception logs no leaving line.
 template <class Body>
 auto Traced(const wchar_t* function, Body&& body,
             const std::source_location where = std::source_location::current()) {
     const auto line = static_cast<int>(where.line());
-    GetLogger().Write(kLogTrace, L"Entering function %s line %d", function, line);
-    const auto leave = [&] { GetLogger().Write(kLogTrace, L"Leaving function %s line %d", function, line); };
+    WriteFunctionLine(L"Entering function %s line %d", function, line);
+    const auto leave = [&] { WriteFunctionLine(L"Leaving function %s line %d", function, line); };
     if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
         std::forward<Body>(body)();
         leave();
@@ -31,8 +38,7 @@ auto TracedToTheEnd(const wchar_t* function, Body&& body,
     try {
         return Traced(function, std::forward<Body>(body), where);
     } catch (...) {
-        GetLogger().Write(kLogTrace, L"Leaving function %s line %d", function,
-                          static_cast<int>(where.line()));
+        WriteFunctionLine(L"Leaving function %s line %d", function, static_cast<int>(where.line()));
         throw;
     }
 }

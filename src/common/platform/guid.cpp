@@ -1,15 +1,12 @@
 #include "common/platform/guid.h"
 
 #include "common/logger/orvane_logger.h"
+#include "common/platform/short_text.h"
 
 #include <objbase.h>
 
-#include <array>
-
 std::wstring GuidText(const GUID& guid) {
-    std::array<wchar_t, 39> text{};
-    StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
-    return text.data();
+    return std::wstring(ShortText(guid));
 }
 
 bool CreateGuid(GUID& guid) {

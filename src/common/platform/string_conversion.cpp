@@ -7,7 +7,7 @@
 
 namespace {
 
-int Convert(const std::wstring& text, std::string& narrow) {
+int Convert(std::wstring_view text, std::string& narrow) {
     return WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), narrow.data(),
                                static_cast<int>(narrow.size()), nullptr, nullptr);
 }
@@ -19,7 +19,7 @@ std::string Failed(DWORD error) {
 
 }  // namespace
 
-std::string ConvertWStrToStr(const std::wstring& text) {
+std::string ConvertWStrToStr(std::wstring_view text) {
     if (text.empty()) {
         return {};
     }

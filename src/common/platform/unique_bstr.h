@@ -5,6 +5,7 @@
 #include <oleauto.h>
 
 #include <memory>
+#include <string_view>
 
 struct BstrDeleter {
     void operator()(wchar_t* text) const { SysFreeString(text); }
@@ -12,3 +13,8 @@ struct BstrDeleter {
 
 // Sole ownership of a BSTR. Unlike the compiler's own wrapper it needs no memory to take one over.
 using UniqueBstr = std::unique_ptr<wchar_t, BstrDeleter>;
+
+// Its text; a null one is empty.
+inline std::wstring_view TextOf(const UniqueBstr& text) {
+    return {text.get(), SysStringLen(text.get())};
+}

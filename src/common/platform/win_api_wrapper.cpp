@@ -20,8 +20,13 @@ std::wstring TextOf(const NameBuffer& buffer) {
     return {buffer.data(), wcsnlen(buffer.data(), buffer.size())};
 }
 
-std::wstring WithTrailingBackslash(const std::wstring& path) {
-    return path.ends_with(L'\\') ? path : path + L'\\';
+// `path` itself where it has one; else `longer`, which is made so.
+const wchar_t* WithTrailingBackslash(const std::wstring& path, std::wstring& longer) {
+    if (path.ends_with(L'\\')) {
+        return path.c_str();
+    }
+    longer = path + L'\\';
+    return longer.c_str();
 }
 
 // The entries of an answer of `returned` characters, which must lie in the buffer.
@@ -39,14 +44,15 @@ DWORD TakeEntries(const std::vector<wchar_t>& buffer, std::size_t returned,
 bool WinAPIWrapper::GetVolumePathNamesForVolumeNameW(const std::wstring& volume,
                                                      std::vector<std::wstring>& paths, DWORD& error) {
     const auto query = [&]() -> DWORD {
-        const std::wstring name = WithTrailingBackslash(volume);
+        std::wstring longer;
+        const wchar_t* const name = WithTrailingBackslash(volume, longer);
         std::vector<wchar_t> buffer;
         DWORD length = 0;
         const auto ask = [&](std::vector<wchar_t>& answer, std::size_t& needed) {
             length = 0;
-            const DWORD code = ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumePathNamesForVolumeNameW,
-                                                     FALSE, name.c_str(), answer.data(),
-                                                     static_cast<DWORD>(answer.size()), &length));
+            const DWORD code =
+                ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumePathNamesForVolumeNameW, FALSE, name,
+                                      answer.data(), static_cast<DWORD>(answer.size()), &length));
             needed = length;
             return code;
         };
@@ -83,9 +89,10 @@ bool WinAPIWrapper::QueryDosDeviceW(const std::wstring& device, std::vector<std:
 
 bool WinAPIWrapper::GetDriveTypeW(const std::wstring& root, UINT& drive_type, DWORD& error) {
     const auto query = [&]() -> DWORD {
+        std::wstring longer;
+        const wchar_t* const path = WithTrailingBackslash(root, longer);
         SetLastError(ERROR_SUCCESS);  // the function itself says nothing of why a type is unknown
-        drive_type = CallBound(Kernel32DLL::Get().GetDriveTypeW, UINT{DRIVE_UNKNOWN},
-                               WithTrailingBackslash(root).c_str());
+        drive_type = CallBound(Kernel32DLL::Get().GetDriveTypeW, UINT{DRIVE_UNKNOWN}, path);
         return ErrorUnless(drive_type != DRIVE_UNKNOWN);
     };
     return Query(L"win::WinAPIWrapper::GetDriveTypeW", error, query,

@@ -1,9 +1,7 @@
 #include "common/volume/volume.h"
 
 #include "common/logger/trace.h"
-
-#include <boost/algorithm/string/predicate.hpp>
-#include <boost/algorithm/string/trim.hpp>
+#include "common/platform/case_folding.h"
 
 #include <algorithm>
 
@@ -22,16 +20,12 @@ const std::wstring kGettingVolumeFreeSpaceEx = L"Getting volume free space ex";
 namespace {
 
 // Records what became of one query.
-void Record(OperationStatus& status, const std::wstring& operation, bool succeeded, const wchar_t* failure) {
+void Record(OperationStatus& status, std::wstring_view operation, bool succeeded, const wchar_t* failure) {
     if (succeeded) {
         status.SetSuccess(operation);
     } else {
         status.SetError(operation, failure);
     }
-}
-
-std::wstring WithoutTrailingBackslashes(const std::wstring& path) {
-    return boost::algorithm::trim_right_copy_if(path, boost::algorithm::is_any_of(L"\\"));
 }
 
 bool IsDriveName(const std::wstring& dos_name) {
@@ -73,10 +67,6 @@ bool Volume::Initialize(const std::wstring& system_volume_device, const std::wst
     });
 }
 
-bool Volume::IsDevice(const std::wstring& device_name) const {
-    return boost::algorithm::iequals(GetNormalizedDeviceId(device_name), device_name_);
-}
-
 void Volume::QueryOpenVolume() {
     const UniqueFile volume = OpenVolume();
     if (!status_.IsSucceeded(kOpeningVolume)) {
@@ -101,16 +91,19 @@ void Volume::FailIfNotAttempted(const std::wstring& operation, const wchar_t* fa
 
 // The root path by which the system is asked about the volume. Never an empty one: that would be answered
 // with the current drive.
-std::wstring Volume::QueryPath() const {
+const std::wstring& Volume::QueryPath() {
     if (!volume_id_.empty()) {
         return volume_id_;
     }
-    const std::wstring path = GetWin32APICompatibleName(WithoutTrailingBackslashes(device_name_));
-    return path.empty() ? path : path + L'\\';
+    device_path_ = GetWin32APICompatibleName(WithoutTrailingBackslashes(device_name_));
+    if (!device_path_.empty()) {
+        device_path_ += L'\\';
+    }
+    return device_path_;
 }
 
 void Volume::InitializeDriveType() {
-    const std::wstring path = QueryPath();
+    const std::wstring& path = QueryPath();
     DWORD error = 0;
     UINT type = DRIVE_UNKNOWN;
     const bool known = !path.empty() && win::WinAPIWrapper::GetDriveTypeW(path, type, error);
@@ -168,7 +161,7 @@ bool Volume::FindMountPointsByDevice() {
         if (!win::WinAPIWrapper::QueryDosDeviceW(name, targets, error)) {
             return false;
         }
-        if (!targets.empty() && boost::algorithm::iequals(targets.front(), device_name_)) {
+        if (!targets.empty() && EqualFolded(targets.front(), device_name_)) {
             found.push_back(name + L'\\');
         }
     }
@@ -177,7 +170,7 @@ bool Volume::FindMountPointsByDevice() {
 }
 
 void Volume::InitializeVolumeInformation() {
-    const std::wstring path = QueryPath();
+    const std::wstring& path = QueryPath();
     DWORD error = 0;
     Record(status_, kGettingVolumeInformation,
            !path.empty() && win::WinAPIWrapper::GetVolumeInformationW(path, information_, error),
@@ -185,7 +178,7 @@ void Volume::InitializeVolumeInformation() {
 }
 
 void Volume::InitializeFreeSpace() {
-    const std::wstring path = QueryPath();
+    const std::wstring& path = QueryPath();
     DWORD error = 0;
     Record(status_, kGettingVolumeFreeSpace,
            !path.empty() && win::WinAPIWrapper::GetDiskFreeSpaceW(path, free_space_, error),
@@ -193,7 +186,7 @@ void Volume::InitializeFreeSpace() {
 }
 
 void Volume::InitializeFreeSpaceEx() {
-    const std::wstring path = QueryPath();
+    const std::wstring& path = QueryPath();
     DWORD error = 0;
     Record(status_, kGettingVolumeFreeSpaceEx,
            !path.empty() && win::WinAPIWrapper::GetDiskFreeSpaceExW(path, free_space_ex_, error),

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace bmr_common {
@@ -23,6 +24,10 @@ extern const std::wstring kGettingDiskExtents;
 extern const std::wstring kGettingVolumePartitionSize;
 extern const std::wstring kGettingVolumeFreeSpace;
 extern const std::wstring kGettingVolumeFreeSpaceEx;
+
+inline std::wstring_view WithoutTrailingBackslashes(std::wstring_view path) {
+    return path.substr(0, path.find_last_not_of(L'\\') + 1);
+}
 
 // What a volume GUID path begins with.
 inline constexpr wchar_t kVolumeGuidPrefix[] = L"\\\\?\\Volume{";
@@ -88,7 +93,7 @@ public:
     // Name conversions. A conversion in place leaves its argument as it was when it returns false.
 
     // "\Device\Name" to the form that files are opened by; empty, after a line, for any other form.
-    static std::wstring GetWin32APICompatibleName(const std::wstring& device_name);
+    static std::wstring GetWin32APICompatibleName(std::wstring_view device_name);
     // Drops what stands before "\Device\" and the trailing backslashes.
     static bool ConvertToNormalizedDeviceId(std::wstring& device_name);
     // The same on a copy; a failure is a failed assertion, the name is then returned as it is.
@@ -113,7 +118,7 @@ protected:
     virtual void InitializeDiskExtents(const UniqueFile& volume);
 
 private:
-    std::wstring QueryPath() const;
+    const std::wstring& QueryPath();
     bool FindDeviceName();
     bool FindMountPointsByDevice();
     void QueryOpenVolume();
@@ -125,6 +130,7 @@ private:
     std::wstring volume_id_;
     std::wstring volume_guid_;
     std::wstring device_name_;
+    std::wstring device_path_;
     std::uint32_t drive_type_ = DRIVE_UNKNOWN;
     std::vector<std::wstring> mount_points_;
     win::VolumeInformation information_;

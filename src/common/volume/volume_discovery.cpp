@@ -6,9 +6,7 @@
 #include "common/platform/listing_bound.h"
 #include "common/volume/volume_manager.h"
 
-#include <boost/algorithm/string/predicate.hpp>
-
-#include <unordered_set>
+#include <algorithm>
 
 namespace bmr_common {
 
@@ -28,8 +26,8 @@ bool VolumeManager::GetObjectNamesPairList(const UniqueDirectory& directory, con
         win::ByteBuffer buffer;
         ULONG context = 0;
         DWORD code = ERROR_SUCCESS;
+        win::DirectoryEntry entry;
         for (std::size_t i = 0; code == ERROR_SUCCESS; ++i) {
-            win::DirectoryEntry entry;
             if (i == kMostListed) {
                 code = ERROR_INVALID_DATA;
                 break;
@@ -37,8 +35,8 @@ bool VolumeManager::GetObjectNamesPairList(const UniqueDirectory& directory, con
             if (!win::NtAPIWrapper::QueryDirectoryObject(directory, i == 0, context, buffer, entry, code)) {
                 break;
             }
-            if (boost::algorithm::istarts_with(entry.name, filter)) {
-                entries.push_back(std::move(entry));
+            if (StartsWithFolded(entry.name, filter)) {
+                entries.push_back(entry);
             }
         }
         if (code != ERROR_NO_MORE_FILES) {
@@ -85,7 +83,7 @@ bool VolumeManager::GetVolumeGUIDsFromFindFirstVolume(std::vector<std::wstring>&
             return false;
         }
         do {
-            volumes.push_back(volume);
+            volumes.push_back(std::move(volume));
             if (volumes.size() == kMostListed) {
                 code = ERROR_INVALID_DATA;
                 break;
@@ -114,8 +112,9 @@ bool VolumeManager::GetDeviceNamesMap(DeviceNamesMap& map, std::wstring& error) 
         if (!AddLinkedVolumes(links, map, error)) {
             return false;
         }
+        std::wstring device;
         for (const std::wstring& name : device_volumes) {
-            map.try_emplace(L"\\Device\\" + name);
+            map.try_emplace(device.assign(L"\\Device\\").append(name));
         }
         return true;
     });
@@ -123,14 +122,12 @@ bool VolumeManager::GetDeviceNamesMap(DeviceNamesMap& map, std::wstring& error) 
 
 bool VolumeManager::AddLinkedVolumes(const std::vector<std::wstring>& links, DeviceNamesMap& map,
                                      std::wstring& error) {
-    std::vector<std::wstring> enumerated;
-    if (!GetVolumeGUIDsFromFindFirstVolume(enumerated, error)) {
+    std::vector<std::wstring> known;
+    if (!GetVolumeGUIDsFromFindFirstVolume(known, error)) {
         return false;
     }
-    std::unordered_set<std::wstring> known;
-    for (std::wstring& volume : enumerated) {
-        known.insert(CaseFolded(std::move(volume)));
-    }
+    std::sort(known.begin(), known.end(), LessFolded);
+    std::wstring guid_path;
     for (const std::wstring& link : links) {
         std::vector<std::wstring> targets;
         DWORD code = 0;
@@ -139,11 +136,11 @@ bool VolumeManager::AddLinkedVolumes(const std::vector<std::wstring>& links, Dev
                               link.c_str());
             continue;
         }
-        const std::wstring guid_path = L"\\\\?\\" + link + L"\\";
-        if (!known.contains(CaseFolded(guid_path))) {
+        guid_path.assign(L"\\\\?\\").append(link).push_back(L'\\');
+        if (!std::binary_search(known.begin(), known.end(), guid_path, LessFolded)) {
             continue;
         }
-        if (!map.try_emplace(targets.front(), guid_path).second) {
+        if (!map.try_emplace(std::move(targets.front()), guid_path).second) {
             GetLogger().Write(kLogTrace, L"%s - skip saving alias volume GUID %s", kMapFunction,
                               guid_path.c_str());
         }

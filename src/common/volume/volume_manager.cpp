@@ -27,13 +27,12 @@ bool VolumeManager::InitializeWithCurrentVolumes(const DeviceManager& disks,
                 status_.SetError(kFindVolume, error);
                 return false;
             }
-            CreateVolumes(map, disks, system_volume_device, boot_volume_device);
+            CreateVolumes(std::move(map), disks, system_volume_device, boot_volume_device);
             status_.SetSuccess(kFindVolume);
             return true;
         } catch (...) {
             GetLogger().Write(kLogError, L"Exception in %s", kFunction);
             volumes_.clear();
-            by_name_.clear();
             if (!status_.IsFailed(kFindVolume)) {
                 status_.SetError(kFindVolume, L" exception");
             }
@@ -42,19 +41,26 @@ bool VolumeManager::InitializeWithCurrentVolumes(const DeviceManager& disks,
     });
 }
 
-void VolumeManager::CreateVolumes(const DeviceNamesMap& map, const DeviceManager& disks,
+void VolumeManager::CreateVolumes(DeviceNamesMap map, const DeviceManager& disks,
                                   const std::wstring& system_volume_device,
                                   const std::wstring& boot_volume_device) {
     for (const auto& [device, guid] : map) {
         GetLogger().Write(kLogTrace, L"DeviceName[%s] VolumeGUID[%s]", device.c_str(), guid.c_str());
     }
-    for (const auto& [device, guid] : map) {
-        const auto volume = boost::make_shared<Volume>(guid, device);
+    volumes_.reserve(map.size());
+    while (!map.empty()) {
+        auto entry = map.extract(map.begin());
+        const auto volume = boost::make_shared<Volume>(std::move(entry.mapped()), std::move(entry.key()));
         volume->Initialize(system_volume_device, boot_volume_device, disks);
+        volumes_.push_back(volume);
+    }
+}
+
+void VolumeManager::IndexNames() const {
+    for (const VolumePtr& volume : volumes_) {
         // Of two volumes of one name the first is found.
         by_name_.try_emplace(CaseFolded(volume->volume_guid()), volume);
         by_name_.try_emplace(CaseFolded(volume->device_name()), volume);
-        volumes_.push_back(volume);
     }
 }
 
@@ -63,6 +69,9 @@ VolumePtr VolumeManager::GetVolume(const std::wstring& guid_or_device) const {
     if (!Volume::ConvertToNormalizedDeviceId(name) && name.find(kVolumeGuidPrefix) == std::wstring::npos) {
         name = kVolumeGuidPrefix + name + L"}";
         name += L'\\';
+    }
+    if (by_name_.empty()) {
+        IndexNames();
     }
     const auto found = by_name_.find(CaseFolded(name));
     if (found == by_name_.end()) {

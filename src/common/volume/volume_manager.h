@@ -59,12 +59,15 @@ private:
     static bool AddLinkedVolumes(const std::vector<std::wstring>& links, DeviceNamesMap& map,
                                  std::wstring& error);
 
-    void CreateVolumes(const DeviceNamesMap& map, const DeviceManager& disks,
+    void CreateVolumes(DeviceNamesMap map, const DeviceManager& disks,
                        const std::wstring& system_volume_device, const std::wstring& boot_volume_device);
+
+    void IndexNames() const;
 
     OperationStatus status_;
     std::vector<VolumePtr> volumes_;
-    std::unordered_map<std::wstring, VolumePtr> by_name_;  // GUID path and device name, case folded
+    // By GUID path and device name, case folded. Made by the first search: most captures search for none.
+    mutable std::unordered_map<std::wstring, VolumePtr> by_name_;
 };
 
 }  // namespace bmr_common

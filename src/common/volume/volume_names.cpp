@@ -3,9 +3,7 @@
 #include "common/volume/volume.h"
 
 #include "common/logger/orvane_logger.h"
-
-#include <boost/algorithm/string/predicate.hpp>
-#include <boost/algorithm/string/trim.hpp>
+#include "common/platform/case_folding.h"
 
 #include <source_location>
 
@@ -14,6 +12,7 @@ namespace bmr_common {
 namespace {
 
 constexpr wchar_t kDevicePrefix[] = L"\\Device\\";
+constexpr wchar_t kVolumeGuidEnd[] = L"}\\";
 constexpr wchar_t kAssertionSource[] = L"src/common/volume";
 
 void LogUnexpectedFormat(const wchar_t* function, const std::wstring& device_name) {
@@ -29,25 +28,54 @@ void AssertConverted(bool converted, const wchar_t* condition, const wchar_t* me
     }
 }
 
+// What stands from "\Device\" on, without trailing backslashes; empty where there is no such name.
+std::wstring_view DeviceIdIn(std::wstring_view device_name) {
+    const std::size_t start = device_name.find(kDevicePrefix);
+    return start == std::wstring_view::npos ? std::wstring_view()
+                                            : WithoutTrailingBackslashes(device_name.substr(start));
+}
+
+// The bare GUID text of a volume GUID path with or without its trailing backslash; another text is itself.
+std::wstring_view GuidIn(std::wstring_view volume_guid) {
+    if (volume_guid.starts_with(kVolumeGuidPrefix)) {
+        volume_guid.remove_prefix(std::size(kVolumeGuidPrefix) - 1);
+    }
+    if (volume_guid.ends_with(kVolumeGuidEnd) || volume_guid.ends_with(L'}')) {
+        volume_guid = volume_guid.substr(0, volume_guid.rfind(L'}'));
+    }
+    return volume_guid;
+}
+
 }  // namespace
 
-std::wstring Volume::GetWin32APICompatibleName(const std::wstring& device_name) {
+std::wstring Volume::GetWin32APICompatibleName(std::wstring_view device_name) {
     if (!device_name.starts_with(kDevicePrefix)) {
-        LogUnexpectedFormat(L"bmr_common::Volume::GetWin32APICompatibleName", device_name);
+        LogUnexpectedFormat(L"bmr_common::Volume::GetWin32APICompatibleName", std::wstring(device_name));
         return {};
     }
-    return std::wstring(L"\\\\?\\") + L"GLOBALROOT" + device_name;
+    constexpr std::wstring_view kRoot = L"\\\\?\\GLOBALROOT";
+    std::wstring path;
+    path.reserve(kRoot.size() + device_name.size() + 1);  // some append a backslash
+    path.append(kRoot).append(device_name);
+    return path;
 }
 
 bool Volume::ConvertToNormalizedDeviceId(std::wstring& device_name) {
-    const std::size_t start = device_name.find(kDevicePrefix);
-    if (start == std::wstring::npos) {
+    const std::wstring_view id = DeviceIdIn(device_name);
+    if (id.empty()) {
         LogUnexpectedFormat(L"bmr_common::Volume::ConvertToNormalizedDeviceId", device_name);
         return false;
     }
-    device_name.erase(0, start);
-    boost::algorithm::trim_right_if(device_name, boost::algorithm::is_any_of(L"\\"));
+    if (id.size() != device_name.size()) {
+        device_name = std::wstring(id);
+    }
     return true;
+}
+
+bool Volume::IsDevice(const std::wstring& device_name) const {
+    const std::wstring_view id = DeviceIdIn(device_name);
+    return id.empty() ? EqualFolded(GetNormalizedDeviceId(device_name), device_name_)
+                      : EqualFolded(id, device_name_);
 }
 
 std::wstring Volume::GetNormalizedDeviceId(const std::wstring& device_name) {
@@ -60,25 +88,17 @@ std::wstring Volume::GetNormalizedDeviceId(const std::wstring& device_name) {
 }
 
 std::wstring Volume::GetGuidFromVolumeGUID(const std::wstring& volume_guid) {
-    std::wstring guid = volume_guid;
-    if (guid.starts_with(kVolumeGuidPrefix)) {
-        guid.erase(0, std::size(kVolumeGuidPrefix) - 1);
-    }
-    for (const wchar_t* closing : {L"}\\", L"}"}) {
-        if (guid.ends_with(closing)) {
-            guid.erase(guid.rfind(L'}'));
-            break;
-        }
-    }
-    return guid;
+    return std::wstring(GuidIn(volume_guid));
 }
 
 bool Volume::ConvertToNormalizedVolumeGUID(std::wstring& volume_guid) {
-    const std::wstring guid = GetGuidFromVolumeGUID(volume_guid);
-    if (guid.empty() || guid.find_first_of(L"{}\\") != std::wstring::npos) {
+    const std::wstring_view guid = GuidIn(volume_guid);
+    if (guid.empty() || guid.find_first_of(L"{}\\") != std::wstring_view::npos) {
         return false;
     }
-    volume_guid = kVolumeGuidPrefix + guid + L"}\\";
+    std::wstring path;
+    path.reserve(std::size(kVolumeGuidPrefix) + guid.size() + std::size(kVolumeGuidEnd));
+    volume_guid = std::move(path.append(kVolumeGuidPrefix).append(guid).append(kVolumeGuidEnd));
     return true;
 }
 

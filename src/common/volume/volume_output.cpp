@@ -99,15 +99,15 @@ void DumpExtents(const std::vector<VolumeExtent>& extents) {
 
 void CaptureIfNotEmpty(CMSXmlNode& parent, const char* name, const std::wstring& text) {
     if (!text.empty()) {
-        AddTextElement(parent, name, text);
+        parent.AddTextChild(name, text);
     }
 }
 
 void CaptureInformation(CMSXmlNode& parent, const win::VolumeInformation& information) {
     AddNumberElement(parent, "SerialNumber", information.serial_number);
-    AddTextElement(parent, "VolumeLabel", information.label);
+    parent.AddTextChild("VolumeLabel", information.label);
     AddNumberElement(parent, "MaxComponentLength", information.maximum_component_length);
-    AddTextElement(parent, "FileSystem", information.file_system);
+    parent.AddTextChild("FileSystem", information.file_system);
     AddNumberElement(parent, "FileSystemFlags", information.file_system_flags);
 }
 
@@ -115,7 +115,7 @@ void CaptureMountPoints(CMSXmlNode& parent, const std::vector<std::wstring>& mou
     AddNumberElement(parent, "NumberOfMountPoints", mount_points.size());
     std::size_t position = 0;
     for (const std::wstring& mount_point : mount_points) {
-        AddTextElement(parent, ("MountPoint" + std::to_string(++position)).c_str(), mount_point);
+        parent.AddTextChild(("MountPoint" + std::to_string(++position)).c_str(), mount_point);
     }
 }
 
@@ -198,11 +198,11 @@ void Volume::CaptureInfo(CMSXmlNode& parent) const {
         if (vorn_used_spaces_) {
             AddNumberElement(parent, "VornUsedSpaces", *vorn_used_spaces_);
         }
-        AddTextElement(parent, "SystemVolume", TrueOrFalse(is_system_volume_));
-        AddTextElement(parent, "BootVolume", TrueOrFalse(is_boot_volume_));
+        parent.AddTextChild("SystemVolume", TrueOrFalse(is_system_volume_));
+        parent.AddTextChild("BootVolume", TrueOrFalse(is_boot_volume_));
         if (status_.IsSucceeded(kGettingDiskExtents)) {
-            AddTextElement(parent, "DynamicVolume", TrueOrFalse(is_dynamic_));
-            AddTextElement(parent, "ActivePartition", TrueOrFalse(is_on_active_partition_));
+            parent.AddTextChild("DynamicVolume", TrueOrFalse(is_dynamic_));
+            parent.AddTextChild("ActivePartition", TrueOrFalse(is_on_active_partition_));
             CaptureExtents(parent, extents_);
         }
     });

@@ -1,7 +1,5 @@
 #include "common/xml/ms_xml.h"
 
-#include "common/platform/unique_bstr.h"
-
 #include <objbase.h>
 
 #include <algorithm>
@@ -27,8 +25,8 @@ UniqueBstr Owned(BSTR text) {
     return UniqueBstr(text);
 }
 
-UniqueBstr Bstr(const std::wstring& text) {
-    return Owned(SysAllocString(text.c_str()));
+UniqueBstr Bstr(std::wstring_view text) {
+    return Owned(SysAllocStringLen(text.data(), static_cast<UINT>(text.substr(0, text.find(L'\0')).size())));
 }
 
 // ASCII, as all names of elements are.
@@ -39,18 +37,27 @@ UniqueBstr WideOf(const char* text) {
     return wide;
 }
 
+IXMLDOMNode& Existing(const XmlNodePtr& node) {
+    if (node == nullptr) {
+        throw _com_error(E_POINTER);
+    }
+    return *node;
+}
+
+void PutText(IXMLDOMNode& node, std::wstring_view text) {
+    Require(node.put_text(Bstr(text).get()));
+}
+
 }  // namespace
 
 CMSXmlNode::CMSXmlNode(const XmlNodePtr& node) : node_(node) {}
 
 IXMLDOMNode& CMSXmlNode::Node() const {
-    if (node_ == nullptr) {
-        throw _com_error(E_POINTER);
-    }
-    return *node_;
+    return Existing(node_);
 }
 
-CMSXmlNode CMSXmlNode::AddChild(const char* name) {
+// The new element; none where there is no owner document.
+XmlNodePtr CMSXmlNode::Append(const char* name) {
     if (document_ == nullptr) {
         Require(Node().get_ownerDocument(&document_));
     }
@@ -60,21 +67,31 @@ CMSXmlNode CMSXmlNode::AddChild(const char* name) {
     XmlNodePtr created;
     Require(document_->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), WideOf(name).get(), nullptr,
                                   &created));
+    XmlNodePtr appended;
+    Require(Node().appendChild(created, &appended));
+    return appended;
+}
+
+CMSXmlNode CMSXmlNode::AddChild(const char* name) {
     CMSXmlNode child;
-    Require(Node().appendChild(created, &child.node_));
+    child.node_ = Append(name);
     child.document_ = document_;
     return child;
 }
 
-void CMSXmlNode::SetText(const std::wstring& text) {
-    Require(Node().put_text(Bstr(text).get()));
+void CMSXmlNode::AddTextChild(const char* name, std::wstring_view text) {
+    const XmlNodePtr child = Append(name);
+    PutText(Existing(child), text);
 }
 
-std::wstring CMSXmlNode::GetXML() const {
+void CMSXmlNode::SetText(std::wstring_view text) {
+    PutText(Node(), text);
+}
+
+UniqueBstr CMSXmlNode::GetXML() const {
     BSTR xml = nullptr;
     Require(Node().get_xml(&xml));
-    const UniqueBstr owner(xml);
-    return xml == nullptr ? std::wstring() : std::wstring(xml, SysStringLen(xml));
+    return UniqueBstr(xml);
 }
 
 CMSXmlDoc::CMSXmlDoc() {

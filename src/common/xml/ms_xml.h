@@ -1,10 +1,11 @@
 #pragma once
 
 #include "common/platform/com_pointer.h"
+#include "common/platform/unique_bstr.h"
 
 #include <msxml.h>
 
-#include <string>
+#include <string_view>
 
 // The platform's DOM, as far as documents are built with it. To be used on one thread, with COM initialised
 // there. A failed interface call throws _com_error; the empty node throws E_POINTER.
@@ -29,13 +30,16 @@ public:
     // Appends a new element of that name (ASCII) as the last child and returns it; the empty node where there
     // is no owner document.
     CMSXmlNode AddChild(const char* name);
+    // Appends a new element that holds that text and nothing else.
+    void AddTextChild(const char* name, std::wstring_view text);
     // A text ends at its first zero character: XML cannot hold one.
-    void SetText(const std::wstring& text);
+    void SetText(std::wstring_view text);
     // This node and everything below it as text, without an XML declaration.
-    std::wstring GetXML() const;
+    UniqueBstr GetXML() const;
 
 private:
     IXMLDOMNode& Node() const;
+    XmlNodePtr Append(const char* name);
 
     XmlNodePtr node_;
     XmlDocumentPtr document_;  // that owns the node, once it was asked for

@@ -1,20 +1,15 @@
 #pragma once
 
+#include "common/platform/short_text.h"
 #include "common/xml/ms_xml.h"
 
 #include <concepts>
-#include <string>
-
-// Appends a child element that holds a text and nothing else.
-inline void AddTextElement(CMSXmlNode& parent, const char* name, const std::wstring& text) {
-    parent.AddChild(name).SetText(text);
-}
 
 // Appends a child element that holds a number in plain decimal.
 template <std::integral Number>
 requires(!std::same_as<Number, bool>) void AddNumberElement(CMSXmlNode& parent, const char* name,
                                                             Number value) {
-    AddTextElement(parent, name, std::to_wstring(value));
+    parent.AddTextChild(name, ShortText(value));
 }
 
 // A truth value as the disk model writes it.

@@ -194,7 +194,7 @@ TEST(FlatLayout, TerminatorInTheBootOptions_StaysOutOfTheDocument) {
     ASSERT_TRUE(xml.LoadXML("<root></root>"));
     CMSXmlNode root = xml.GetRoot();
     WriteEnvironment(root, record);
-    const std::wstring text = root.GetXML();
+    const std::wstring text(TextOf(root.GetXML()));
     EXPECT_EQ(text.find(L'\0'), std::wstring::npos);
     EXPECT_NE(text.find(L"<m_strBootOptions> NOEXECUTE=OPTIN</m_strBootOptions>"), std::wstring::npos);
 }

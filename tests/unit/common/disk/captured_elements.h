@@ -103,7 +103,7 @@ inline std::vector<std::string> Elements(const std::function<void(CMSXmlNode&)>&
     }
     CMSXmlNode root = document.GetRoot();
     write(root);
-    const std::string xml = support::Utf8(root.GetXML());
+    const std::string xml = support::Utf8(std::wstring(TextOf(root.GetXML())));
     return ElementReader(xml).ReadRoot();
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "common/platform/unique_bstr.h"
 #include "common/windows.h"
 
 #include <objbase.h>
@@ -26,7 +27,7 @@ private:
 };
 
 /// XML without the line ends and tabs that a DOM may put between elements.
-inline std::wstring Flat(const std::wstring& xml) {
+inline std::wstring Flat(std::wstring_view xml) {
     std::wstring flat;
     for (std::size_t at = 0; at < xml.size();) {
         if (xml.compare(at, 2, L"\r\n") == 0) {
@@ -36,4 +37,8 @@ inline std::wstring Flat(const std::wstring& xml) {
         }
     }
     return flat;
+}
+
+inline std::wstring Flat(const UniqueBstr& xml) {
+    return Flat(TextOf(xml));
 }

@@ -85,7 +85,7 @@ class MsXmlTexts : public MsXml, public testing::WithParamInterface<Text> {};
 
 TEST_P(MsXmlTexts, SetText_AnyCharacters_AreEscapedAsNeeded) {
     root_.SetText(GetParam().given);
-    EXPECT_EQ(root_.GetXML(), L"<root>" + GetParam().written + L"</root>");
+    EXPECT_EQ(TextOf(root_.GetXML()), L"<root>" + GetParam().written + L"</root>");
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, MsXmlTexts,
@@ -96,6 +96,19 @@ INSTANTIATE_TEST_SUITE_P(Table, MsXmlTexts,
                                          Text{L"\x00E4\x20AC\x4E2D", L"\x00E4\x20AC\x4E2D"},  //
                                          Text{L"\xD83D\xDE00", L"\xD83D\xDE00"},              //
                                          Text{L"  two  blanks  ", L"  two  blanks  "}));
+
+TEST_F(MsXml, SetText_TextWithAZeroCharacter_EndsThere) {
+    root_.SetText(std::wstring_view(L"be\0fore", 7));
+    EXPECT_EQ(Xml(), L"<root>be</root>");
+}
+
+TEST_F(MsXml, AddTextChild_Thrice_AreChildrenInOrder) {
+    root_.AddTextChild("B", L"1 < 2");
+    root_.AddTextChild("A", L"");
+    root_.AddTextChild("B", L"3");
+    EXPECT_THAT(Xml(), AnyOf(L"<root><B>1 &lt; 2</B><A/><B>3</B></root>",
+                             L"<root><B>1 &lt; 2</B><A></A><B>3</B></root>"));
+}
 
 TEST_F(MsXml, SetText_Twice_KeepsTheSecond) {
     root_.SetText(L"first");

@@ -23,11 +23,6 @@ protected:
     CMSXmlNode root_;
 };
 
-TEST_F(XmlValues, AddTextElement_Text_IsOneChildWithIt) {
-    AddTextElement(root_, "Label", L"a & b");
-    EXPECT_EQ(Xml(), L"<root><Label>a &amp; b</Label></root>");
-}
-
 TEST_F(XmlValues, AddNumberElement_Numbers_AreInPlainDecimal) {
     AddNumberElement(root_, "A", std::numeric_limits<std::uint64_t>::max());
     AddNumberElement(root_, "B", std::numeric_limits<std::int64_t>::min());

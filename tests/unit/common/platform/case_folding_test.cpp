@@ -1,0 +1,40 @@
+#include "common/platform/case_folding.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+TEST(CaseFolding, CaseFolded_Letters_AreSmall) {
+    EXPECT_EQ(CaseFolded(std::wstring(L"\\\\?\\Volume{AbZ}[@`")), L"\\\\?\\volume{abz}[@`");
+}
+
+TEST(CaseFolding, EqualFolded_OtherCase_IsEqual) {
+    EXPECT_TRUE(EqualFolded(L"HarddiskVolume1", L"HARDDISKVOLUME1"));
+    EXPECT_TRUE(EqualFolded(L"", L""));
+}
+
+TEST(CaseFolding, EqualFolded_OtherTextOrLength_IsNot) {
+    EXPECT_FALSE(EqualFolded(L"HarddiskVolume1", L"HarddiskVolume2"));
+    EXPECT_FALSE(EqualFolded(L"HarddiskVolume1", L"HarddiskVolume"));
+    EXPECT_FALSE(EqualFolded(L"@", L"`"));  // as far apart as a letter's two cases
+}
+
+TEST(CaseFolding, StartsWithFolded_Prefix_IsFound) {
+    EXPECT_TRUE(StartsWithFolded(L"volume{1}", L"Volume{"));
+    EXPECT_TRUE(StartsWithFolded(L"volume{1}", L""));
+    EXPECT_FALSE(StartsWithFolded(L"Volume", L"Volume{"));
+    EXPECT_FALSE(StartsWithFolded(L"XVolume{1}", L"Volume{"));
+}
+
+TEST(CaseFolding, LessFolded_TwoTexts_AreInOneOrder) {
+    EXPECT_TRUE(LessFolded(L"a", L"B"));
+    EXPECT_FALSE(LessFolded(L"B", L"a"));
+    EXPECT_TRUE(LessFolded(L"ab", L"ABC"));
+    EXPECT_FALSE(LessFolded(L"ABC", L"ab"));
+    EXPECT_FALSE(LessFolded(L"AbC", L"aBc"));
+    EXPECT_FALSE(LessFolded(L"", L""));
+}
+
+}  // namespace
