@@ -5,6 +5,7 @@
 #include "bench/captures.h"
 #include "bench/document_floor.h"
 #include "bench/machines.h"
+#include "bench/scratch_copy.h"
 #include "bench/sections.h"
 #include "bench/timing.h"
 #include "bench/wmi_script.h"
@@ -12,7 +13,6 @@
 #include "machine/session.h"
 #include "support/xml_tree.h"
 
-#include <filesystem>
 #include <optional>
 
 namespace bench {
@@ -50,23 +50,18 @@ class Floor {
 public:
     // Records a capture of a copy of the library, which is called for nothing else.
     Floor(machine::Simulation& simulation, std::uint32_t format) : format_(format) {
-        const std::filesystem::path original = ORVANE_DLL_PATH;
-        copy_ = std::filesystem::temp_directory_path() / L"Orvane-recorded.dll";
-        std::filesystem::copy_file(original, copy_, std::filesystem::copy_options::overwrite_existing);
-        {
-            const host::OrvaneLibrary recorded(copy_);
-            RecordCallsOf(recorded.module(), tape_);
-            Captures captures(recorded, format);
-            tape_.Clear();
-            simulation.calls().SetKept(true);
-            simulation.calls().Clear();
-            captures.Run();
-            wmi_.emplace(simulation.calls().records());
-            simulation.calls().SetKept(false);
-            simulation.calls().Clear();
-            tree_ = XmlTree::Of(captures.Document());
-        }
-        std::filesystem::remove(copy_);
+        const ScratchCopy copy;
+        const host::OrvaneLibrary recorded(copy.file());
+        RecordCallsOf(recorded.module(), tape_);
+        Captures captures(recorded, format);
+        tape_.Clear();
+        simulation.calls().SetKept(true);
+        simulation.calls().Clear();
+        captures.Run();
+        wmi_.emplace(simulation.calls().records());
+        simulation.calls().SetKept(false);
+        simulation.calls().Clear();
+        tree_ = XmlTree::Of(captures.Document());
     }
 
     // In the order of a capture: what was asked last answers fastest.
@@ -83,7 +78,6 @@ public:
 
 private:
     std::uint32_t format_;
-    std::filesystem::path copy_;
     CallTape tape_;
     std::optional<WmiScript> wmi_;
     XmlTree tree_;

@@ -2,23 +2,76 @@
 
 #include "bench/captures.h"
 #include "bench/memory_meter.h"
+#include "bench/scratch_copy.h"
 #include "bench/sections.h"
 #include "bench/timing.h"
+#include "machine/redirect.h"
 #include "machine/session.h"
 
 #include <filesystem>
 
 namespace bench {
 
-void MeasureFootprint(const host::OrvaneLibrary& library, std::size_t /*effort*/, Report& report) {
+namespace {
+
+struct Imports {
+    std::size_t libraries = 0;
+    std::size_t functions = 0;
+};
+
+Imports ImportsOf(HMODULE module) {
+    const auto* const base = reinterpret_cast<const unsigned char*>(module);
+    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    const DWORD place = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    Imports imports;
+    for (const auto* library = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + place);
+         library->FirstThunk != 0; ++library) {
+        ++imports.libraries;
+        for (const auto* function = reinterpret_cast<const IMAGE_THUNK_DATA*>(base + library->FirstThunk);
+             function->u1.Function != 0; ++function) {
+            ++imports.functions;
+        }
+    }
+    return imports;
+}
+
+// Bytes that the process has for itself: committed, and no part of a file.
+double PrivateBytes() {
+    double bytes = 0;
+    MEMORY_BASIC_INFORMATION pages{};
+    for (const char* address = nullptr; VirtualQuery(address, &pages, sizeof(pages)) != 0;
+         address = static_cast<const char*>(pages.BaseAddress) + pages.RegionSize) {
+        if (pages.State == MEM_COMMIT && pages.Type == MEM_PRIVATE) {
+            bytes += static_cast<double>(pages.RegionSize);
+        }
+    }
+    return bytes;
+}
+
+void MeasureSize(Report& report) {
+    constexpr double kKibibyte = 1024;
+    const ScratchCopy copy;
+    const double before = PrivateBytes();
+    const host::OrvaneLibrary library(copy.file());
+    const double loaded = PrivateBytes();
+    const Imports imports = ImportsOf(library.module());
+    if (!machine::PutModuleOnSimulation(library.module())) {
+        throw std::runtime_error("the library cannot be put on a described machine");
+    }
+    Captures captures(library, 2);
+    const double captured = PrivateBytes();
+    report.Figure("the DLL", static_cast<double>(std::filesystem::file_size(copy.file())) / kKibibyte, "KiB");
+    report.Figure("libraries that it imports from", static_cast<double>(imports.libraries), "");
+    report.Figure("functions that it imports", static_cast<double>(imports.functions), "");
+    report.Figure("private memory, loaded", (loaded - before) / kKibibyte, "KiB");
+    report.Figure("private memory, after its first capture", (captured - before) / kKibibyte, "KiB");
+}
+
+void MeasureRepetition(const host::OrvaneLibrary& library, Report& report) {
     constexpr int kCaptures = 1000;
     constexpr int kPart = 100;
     MeterMemoryOf(library.module());
-    report.Section("Size, and a thousand captures in one process");
-    report.Figure("the DLL", static_cast<double>(std::filesystem::file_size(ORVANE_DLL_PATH)) / 1024, "KiB");
-    machine::Session session(
-        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation.json"));
-    session.simulation().calls().SetKept(false);
     Captures captures(library, 2);
     const auto run = [&](int count) {
         return SecondsOf([&] {
@@ -37,6 +90,17 @@ void MeasureFootprint(const host::OrvaneLibrary& library, std::size_t /*effort*/
     report.Figure("memory that a capture of the workstation takes", first_bytes / 1024, "KiB");
     report.Ratio("the last hundred in times of the first, time", last / first, 1.10);
     report.Ratio("the last hundred in times of the first, memory", last_bytes / first_bytes, 1.01);
+}
+
+}  // namespace
+
+void MeasureFootprint(const host::OrvaneLibrary& library, std::size_t /*effort*/, Report& report) {
+    report.Section("Size, and a thousand captures in one process");
+    machine::Session session(
+        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation.json"));
+    session.simulation().calls().SetKept(false);
+    MeasureSize(report);
+    MeasureRepetition(library, report);
 }
 
 }  // namespace bench

@@ -57,7 +57,8 @@ struct Series {
     std::string name;
     Size small;
     Size large;
-    double times;  // as many
+    double times;         // as many
+    std::size_t objects;  // of the large one
     Selection selection = Selection::kNothing;
 };
 
@@ -68,17 +69,20 @@ void MeasureSeries(const host::OrvaneLibrary& library, const Series& series, std
     for (const std::uint32_t format : {2U, 3U}) {
         std::vector<double> seconds;
         double bytes = 0;
+        double growth = 0;
         for (std::size_t i = 0; i < 2 * effort + 1; ++i) {
-            const Cost few = CostOf(library, small, format, series.selection, 3);
-            const Cost many = CostOf(library, large, format, series.selection, 1);
+            const Cost few = CostOf(library, small, format, series.selection, 5);
+            const Cost many = CostOf(library, large, format, series.selection, 3);
             seconds.push_back(many.seconds / few.seconds);
-            bytes = many.bytes / few.bytes;
+            bytes = many.bytes;
+            growth = many.bytes / few.bytes;
         }
         std::nth_element(seconds.begin(), seconds.begin() + static_cast<std::ptrdiff_t>(effort),
                          seconds.end());
         const std::string row = series.name + ", format " + std::to_string(format);
         report.Ratio(row + ", time", seconds[effort], series.times * kSlack);
-        report.Ratio(row + ", memory", bytes, series.times * kSlack);
+        report.Ratio(row + ", memory", growth, series.times * kSlack);
+        report.Figure(row + ", memory of each", bytes / static_cast<double>(series.objects), "bytes");
     }
 }
 
@@ -88,19 +92,20 @@ void MeasureGrowth(const host::OrvaneLibrary& library, std::size_t effort, Repor
     report.Section("More objects: the larger machine in times of the smaller one");
     MeterMemoryOf(library.module());
     const Series kSeries[] = {
-        {"4 to 16 disks", {4, 16, 1, 0}, {16, 64, 1, 0}, 4},
-        {"16 to 64 disks", {16, 64, 1, 0}, {64, 256, 1, 0}, 4},
-        {"64 to 256 disks", {64, 256, 1, 0}, {256, 1024, 1, 0}, 4},
-        {"10 to 100 volumes", {1, 10, 1, 0}, {10, 100, 1, 0}, 10},
-        {"100 to 1,000 volumes", {10, 100, 1, 0}, {100, 1000, 1, 0}, 10},
-        {"1,000 to 10,000 volumes", {16, 1000, 1, 0}, {160, 10'000, 1, 0}, 10},
+        {"4 to 16 disks", {4, 16, 1, 0}, {16, 64, 1, 0}, 4, 16},
+        {"16 to 64 disks", {16, 64, 1, 0}, {64, 256, 1, 0}, 4, 64},
+        {"64 to 256 disks", {64, 256, 1, 0}, {256, 1024, 1, 0}, 4, 256},
+        {"10 to 100 volumes", {1, 10, 1, 0}, {10, 100, 1, 0}, 10, 100},
+        {"100 to 1,000 volumes", {10, 100, 1, 0}, {100, 1000, 1, 0}, 10, 1000},
+        {"1,000 to 10,000 volumes", {16, 1000, 1, 0}, {160, 10'000, 1, 0}, 10, 10'000},
         {"1,000 to 10,000 volumes, all selected",
          {16, 1000, 1, 0},
          {160, 10'000, 1, 0},
          10,
+         10'000,
          Selection::kEverything},
-        {"1,000 to 10,000 volumes with 2 aliases", {16, 1000, 1, 2}, {160, 10'000, 1, 2}, 10},
-        {"1,000 to 10,000 mount points on a volume", {1, 1, 1000, 0}, {1, 1, 10'000, 0}, 10},
+        {"1,000 to 10,000 volumes with 2 aliases", {16, 1000, 1, 2}, {160, 10'000, 1, 2}, 10, 10'000},
+        {"1,000 to 10,000 mount points on a volume", {1, 1, 1000, 0}, {1, 1, 10'000, 0}, 10, 10'000},
     };
     for (const Series& series : kSeries) {
         MeasureSeries(library, series, effort, report);

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+
+namespace bench {
+
+/// A copy of the library beside the one that is measured, for the lifetime of the object. It must not be
+/// loaded any more when it goes.
+class ScratchCopy {
+public:
+    ScratchCopy() : file_(std::filesystem::temp_directory_path() / L"Orvane-copy.dll") {
+        std::filesystem::copy_file(std::filesystem::path(ORVANE_DLL_PATH), file_,
+                                   std::filesystem::copy_options::overwrite_existing);
+    }
+    ~ScratchCopy() {
+        std::error_code ignored;
+        std::filesystem::remove(file_, ignored);
+    }
+    ScratchCopy(const ScratchCopy&) = delete;
+    ScratchCopy& operator=(const ScratchCopy&) = delete;
+
+    const std::filesystem::path& file() const { return file_; }
+
+private:
+    std::filesystem::path file_;
+};
+
+}  // namespace bench
