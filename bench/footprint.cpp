@@ -59,7 +59,9 @@ void MeasureSize(Report& report) {
     if (!machine::PutModuleOnSimulation(library.module())) {
         throw std::runtime_error("the library cannot be put on a described machine");
     }
-    Captures captures(library, 2);
+    std::uint32_t length = 0;
+    library.SetXmlFormat(2);
+    library.CaptureSystemRestorePointInfo(nullptr, 0, &length);
     const double captured = PrivateBytes();
     report.Figure("the DLL", static_cast<double>(std::filesystem::file_size(copy.file())) / kKibibyte, "KiB");
     report.Figure("libraries that it imports from", static_cast<double>(imports.libraries), "");

@@ -117,8 +117,12 @@ const CriticalSectionFunction delete_import = &DeleteRemembered;
 
 BOOL WINAPI OrvaneEntry(HINSTANCE module, DWORD reason, LPVOID reserved) {
     System();
-    if (reason == DLL_PROCESS_ATTACH && !CreateLibraryHeap()) {
-        return FALSE;
+    const bool process_ends = reason == DLL_PROCESS_DETACH && reserved != nullptr;
+    if (reason == DLL_PROCESS_ATTACH) {
+        CreateLibraryHeap();
+    }
+    if (process_ends) {
+        LeaveMemoryToTheSystem();
     }
     const BOOL result = DllMainCRTStartup(module, reason, reserved);
     // At the end of the process the system takes everything back by itself.

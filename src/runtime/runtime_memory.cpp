@@ -97,24 +97,32 @@ void Untrack(const void* block) {
     }
 }
 
-// Most captures fit: the heap then gives nothing back to the system at their end and asks for nothing at the
-// next one.
+// Most captures fit, and ask the system for nothing more.
 constexpr std::size_t kFirstHeapBytes = 1024 * 1024;
 
 constinit HANDLE library_heap = nullptr;
 
 }  // namespace
 
-bool CreateLibraryHeap() {
+void CreateLibraryHeap() {
     library_heap = HeapCreate(0, kFirstHeapBytes, 0);
-    return library_heap != nullptr;
+    if (library_heap == nullptr) {
+        library_heap = GetProcessHeap();
+    }
+}
+
+void LeaveMemoryToTheSystem() {
+    library_heap = nullptr;
 }
 
 void ReleaseMemory() {
     while (tracked_count > 0) {
         RealFree(tracked[--tracked_count]);
     }
-    HeapDestroy(library_heap);
+    if (library_heap != GetProcessHeap()) {
+        HeapDestroy(library_heap);
+    }
+    library_heap = nullptr;
 }
 
 void* RuntimeMalloc(std::size_t size) {
@@ -165,16 +173,19 @@ void* RuntimeRealloc(void* block, std::size_t size) {
 // piece.
 
 void* operator new(std::size_t size) {
-    if (void* const block = HeapAlloc(library_heap, 0, size)) {
-        return block;
+    void* const block = library_heap != nullptr ? HeapAlloc(library_heap, 0, size) : nullptr;
+    if (block == nullptr) {
+        throw std::bad_alloc();
     }
-    throw std::bad_alloc();
+    return block;
 }
 
 void operator delete(void* block) noexcept {
-    HeapFree(library_heap, 0, block);
+    if (block != nullptr && library_heap != nullptr) {
+        HeapFree(library_heap, 0, block);
+    }
 }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept {
-    HeapFree(library_heap, 0, block);
+    operator delete(block);
 }

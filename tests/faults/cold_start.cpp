@@ -61,6 +61,10 @@ std::size_t HeapBytes() {
     return bytes;
 }
 
+DWORD HeapCount() {
+    return GetProcessHeaps(0, nullptr);
+}
+
 // The next thread slot that the system gives.
 DWORD NextThreadSlot() {
     const DWORD slot = TlsAlloc();
@@ -115,10 +119,12 @@ void Reload(CaseRunner& runner, const std::filesystem::path& library,
         std::size_t bytes = 0;
         DWORD handles = 0;
         DWORD slot = 0;
+        DWORD heaps = 0;
         for (std::size_t i = 0; i < kWarmUp + kLoads; ++i) {
             if (i == kWarmUp) {
                 bytes = HeapBytes();
                 handles = Handles();
+                heaps = HeapCount();
                 slot = NextThreadSlot();
             }
             // Every other time with an exception, for which the runtime keeps memory.
@@ -131,6 +137,9 @@ void Reload(CaseRunner& runner, const std::filesystem::path& library,
         }
         if (Handles() > handles) {
             failures.push_back("handles grew by " + std::to_string(Handles() - handles));
+        }
+        if (HeapCount() > heaps) {
+            failures.push_back("heaps grew by " + std::to_string(HeapCount() - heaps));
         }
         if (NextThreadSlot() != slot) {
             failures.emplace_back("thread slots grew");

@@ -31,7 +31,7 @@ struct VolumeOnDisk {
     std::int64_t length = 0;  // bytes
     std::wstring letter;
     std::wstring file_system;
-    const wchar_t* volume_name = L"";
+    const wchar_t* volume_name = L"";  // for the log; not kept
 };
 
 // Gives the partition row that contains the run the volume's letter and file system; false, after a level 3

@@ -8,8 +8,10 @@
 #include "common/platform/string_conversion.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <string_view>
 
 namespace orvane {
 

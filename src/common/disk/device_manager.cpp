@@ -82,10 +82,10 @@ bool DeviceManager::InitializeWithCurrentDisks() {
 }
 
 DiskDriveManagerPtr DeviceManager::GetDevice(std::uint32_t disk_index) const {
-    const auto found = disks_.find(std::wstring(ShortText(disk_index)));
+    const std::wstring index(ShortText{disk_index});
+    const auto found = disks_.find(index);
     if (found == disks_.end()) {
-        GetLogger().Write(kLogTrace, L"DeviceManager::GetDevice no device with index %s",
-                          std::to_wstring(disk_index).c_str());
+        GetLogger().Write(kLogTrace, L"DeviceManager::GetDevice no device with index %s", index.c_str());
         return {};
     }
     return found->second;

@@ -16,50 +16,52 @@ void RequireInitial(const OperationStatus::Operation& operation, const wchar_t* 
     }
 }
 
-bool HasFailed(const std::pair<std::wstring_view, OperationStatus::Operation>& entry) {
-    return entry.second.state == OperationStatus::kError;
-}
-
 }  // namespace
 
-template <class Wanted>
-std::vector<const OperationStatus::Entry*> OperationStatus::InOrder(Wanted&& wanted) const {
-    std::vector<const Entry*> entries;
+// The entry whose name comes next after that of `last`, the first one after null; null after the last one.
+const OperationStatus::Entry* OperationStatus::NextInOrder(const Entry* last) const {
+    const Entry* next = nullptr;
     for (const Entry& entry : operations_) {
-        if (wanted(entry)) {
-            entries.push_back(&entry);
+        const bool ahead = last == nullptr || *last->name < *entry.name;
+        if (ahead && (next == nullptr || *entry.name < *next->name)) {
+            next = &entry;
         }
     }
-    std::sort(entries.begin(), entries.end(),
-              [](const Entry* a, const Entry* b) { return a->first < b->first; });
-    return entries;
+    return next;
 }
 
-OperationStatus::OperationStatus(std::initializer_list<std::wstring_view> names) {
-    operations_.reserve(names.size());
-    for (const std::wstring_view name : names) {
-        operations_.emplace_back(name, Operation());
+template <class Visit>
+void OperationStatus::WalkInOrder(Visit&& visit) const {
+    for (const Entry* entry = NextInOrder(nullptr); entry != nullptr; entry = NextInOrder(entry)) {
+        visit(*entry);
     }
 }
 
-const OperationStatus::Operation& OperationStatus::FindOperation(std::wstring_view name) const {
+OperationStatus::OperationStatus(std::initializer_list<std::reference_wrapper<const std::wstring>> names) {
+    operations_.reserve(names.size());
+    for (const std::wstring& name : names) {
+        operations_.push_back({&name, Operation()});
+    }
+}
+
+const OperationStatus::Operation& OperationStatus::FindOperation(const std::wstring& name) const {
     const auto found = std::find_if(operations_.begin(), operations_.end(),
-                                    [&](const auto& entry) { return entry.first == name; });
+                                    [&](const auto& entry) { return *entry.name == name; });
     if (found == operations_.end()) {
         GetLogger().Write(kLogError,
                           L"OperationStatus::FindOperation - no operation '%s'. Code will throw exception.",
-                          std::wstring(name).c_str());
+                          name.c_str());
         throw std::logic_error("OperationStatus::FindOperation - no such operation.");
     }
-    return found->second;
+    return found->operation;
 }
 
-OperationStatus::Operation& OperationStatus::FindOperation(std::wstring_view name) {
+OperationStatus::Operation& OperationStatus::FindOperation(const std::wstring& name) {
     const OperationStatus& self = *this;
     return const_cast<Operation&>(self.FindOperation(name));
 }
 
-OperationStatus::Operation& OperationStatus::SetSuccess(std::wstring_view name) {
+OperationStatus::Operation& OperationStatus::SetSuccess(const std::wstring& name) {
     Operation& operation = FindOperation(name);
     RequireInitial(
         operation,
@@ -70,7 +72,7 @@ OperationStatus::Operation& OperationStatus::SetSuccess(std::wstring_view name) 
     return operation;
 }
 
-void OperationStatus::SetError(std::wstring_view name, const std::wstring& error) {
+void OperationStatus::SetError(const std::wstring& name, const std::wstring& error) {
     Operation& operation = FindOperation(name);
     RequireInitial(operation,
                    L"OperationStatus::SetError - operation not in kInitial state. Code will throw exception.",
@@ -79,11 +81,11 @@ void OperationStatus::SetError(std::wstring_view name, const std::wstring& error
     operation.state = kError;
 }
 
-bool OperationStatus::IsFailed(std::wstring_view name) const {
+bool OperationStatus::IsFailed(const std::wstring& name) const {
     return FindOperation(name).state == kError;
 }
 
-bool OperationStatus::IsSucceeded(std::wstring_view name) const {
+bool OperationStatus::IsSucceeded(const std::wstring& name) const {
     return FindOperation(name).state == kSuccess;
 }
 
@@ -96,32 +98,31 @@ std::uint64_t OperationStatus::ErrorCount() const {
 }
 
 void OperationStatus::GetErrors(std::vector<std::wstring>& errors) const {
-    for (const Entry* const entry : InOrder(HasFailed)) {
-        errors.push_back(entry->second.error);
-    }
+    WalkInOrder([&](const Entry& entry) {
+        if (HasFailed(entry)) {
+            errors.push_back(entry.operation.error);
+        }
+    });
 }
 
-void OperationStatus::DumpStatus(std::wstring_view name, const Operation& operation) {
+void OperationStatus::DumpStatus(const std::wstring& name, const Operation& operation) {
     switch (operation.state) {
         case kInitial:
-            GetLogger().Write(kLogInformation, L"operation %s has not attempted", std::wstring(name).c_str());
+            GetLogger().Write(kLogInformation, L"operation %s has not attempted", name.c_str());
             break;
         case kError:
-            GetLogger().Write(kLogError, L"operation %s failed - %s", std::wstring(name).c_str(),
-                              operation.error.c_str());
+            GetLogger().Write(kLogError, L"operation %s failed - %s", name.c_str(), operation.error.c_str());
             break;
         case kSuccess:
             break;
         default:
-            GetLogger().Write(kLogError, L"operation %s status unknown", std::wstring(name).c_str());
+            GetLogger().Write(kLogError, L"operation %s status unknown", name.c_str());
             break;
     }
 }
 
 void OperationStatus::DumpAll() const {
-    for (const Entry* const entry : InOrder([](const Entry&) { return true; })) {
-        DumpStatus(entry->first, entry->second);
-    }
+    WalkInOrder([](const Entry& entry) { DumpStatus(*entry.name, entry.operation); });
 }
 
 }  // namespace bmr_common

@@ -2,10 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 namespace bmr_common {
@@ -26,32 +25,38 @@ public:
         std::wstring error;  // empty unless the state is kError
     };
 
-    // The names of all the queries that there will be. They are constants: the record keeps no copies.
-    OperationStatus(std::initializer_list<std::wstring_view> names);
+    // The names of all the queries that there will be: constants, which the record points to.
+    OperationStatus(std::initializer_list<std::reference_wrapper<const std::wstring>> names);
     virtual ~OperationStatus() = default;
 
-    Operation& FindOperation(std::wstring_view name);
-    const Operation& FindOperation(std::wstring_view name) const;
-    Operation& SetSuccess(std::wstring_view name);
-    void SetError(std::wstring_view name, const std::wstring& error);
+    Operation& FindOperation(const std::wstring& name);
+    const Operation& FindOperation(const std::wstring& name) const;
+    Operation& SetSuccess(const std::wstring& name);
+    void SetError(const std::wstring& name, const std::wstring& error);
 
-    bool IsFailed(std::wstring_view name) const;
-    bool IsSucceeded(std::wstring_view name) const;
+    bool IsFailed(const std::wstring& name) const;
+    bool IsSucceeded(const std::wstring& name) const;
     bool HasErrors() const;
     std::uint64_t ErrorCount() const;
     // Appends the error texts, in the order of the names.
     void GetErrors(std::vector<std::wstring>& errors) const;
 
     // One line for a record that was not attempted (level 4) or failed (level 2).
-    static void DumpStatus(std::wstring_view name, const Operation& operation);
+    static void DumpStatus(const std::wstring& name, const Operation& operation);
     void DumpAll() const;
 
 private:
-    using Entry = std::pair<std::wstring_view, Operation>;
+    struct Entry {
+        const std::wstring* name;
+        Operation operation;
+    };
 
-    // Those that `wanted` picks, in the order of their names.
-    template <class Wanted>
-    std::vector<const Entry*> InOrder(Wanted&& wanted) const;
+    static bool HasFailed(const Entry& entry) { return entry.operation.state == kError; }
+
+    const Entry* NextInOrder(const Entry* last) const;
+    // Calls `visit` with every entry, in the order of the names. Allocates nothing.
+    template <class Visit>
+    void WalkInOrder(Visit&& visit) const;
 
     // A handful, as they were given: there is one list for every volume and disk, and few are ever walked.
     std::vector<Entry> operations_;

@@ -34,8 +34,8 @@ public:
     // Returns 1 when the message was delivered, 0 when it was dropped by its level or something threw.
     int Write(int level, const wchar_t* format, ...);
 
-    // As Write, for a format with one %s and one %d behind it: the entering and leaving lines, which most
-    // lines are, at a fraction of the cost.
+    // As Write, at a fraction of the cost, for the entering and leaving lines, which most lines are. The
+    // format must hold one %s, for the function, and end in its one %d.
     int WriteFunctionLine(int level, const wchar_t* format, std::wstring_view function, int line);
 
     // Outputs a text that is itself read as a format: "%d" prints `argument`, "%%" one percent sign.

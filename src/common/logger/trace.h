@@ -6,6 +6,7 @@
 #include <type_traits>
 #include <utility>
 
+// What nobody sees costs a look at the logger and no call.
 inline void WriteFunctionLine(const wchar_t* format, const wchar_t* function, int line) {
     OrvaneLogger& logger = GetLogger();
     if (logger.IsSeen(kLogTrace)) {

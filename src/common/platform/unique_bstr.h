@@ -14,7 +14,11 @@ struct BstrDeleter {
 // Sole ownership of a BSTR. Unlike the compiler's own wrapper it needs no memory to take one over.
 using UniqueBstr = std::unique_ptr<wchar_t, BstrDeleter>;
 
-// Its text; a null one is empty.
+// A view of the text, which must outlive it; a null one is empty.
+inline std::wstring_view TextOf(wchar_t* bstr) {
+    return {bstr, SysStringLen(bstr)};
+}
+
 inline std::wstring_view TextOf(const UniqueBstr& text) {
-    return {text.get(), SysStringLen(text.get())};
+    return TextOf(text.get());
 }

@@ -84,10 +84,6 @@ bool WithoutThrowing(Take&& take) {
     }
 }
 
-std::wstring TextOf(BSTR text) {
-    return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
-}
-
 void AppendStrings(SAFEARRAY* array, std::vector<std::wstring>& list) {
     LONG lower = 0;
     LONG upper = -1;
@@ -101,7 +97,7 @@ void AppendStrings(SAFEARRAY* array, std::vector<std::wstring>& list) {
     }
     const auto count = static_cast<long long>(upper) - lower + 1;
     for (long long i = 0; i < count; ++i) {
-        list.push_back(TextOf(access.elements()[i]));
+        list.emplace_back(TextOf(access.elements()[i]));
     }
 }
 

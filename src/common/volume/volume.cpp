@@ -20,7 +20,7 @@ const std::wstring kGettingVolumeFreeSpaceEx = L"Getting volume free space ex";
 namespace {
 
 // Records what became of one query.
-void Record(OperationStatus& status, std::wstring_view operation, bool succeeded, const wchar_t* failure) {
+void Record(OperationStatus& status, const std::wstring& operation, bool succeeded, const wchar_t* failure) {
     if (succeeded) {
         status.SetSuccess(operation);
     } else {

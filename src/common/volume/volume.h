@@ -25,6 +25,7 @@ extern const std::wstring kGettingVolumePartitionSize;
 extern const std::wstring kGettingVolumeFreeSpace;
 extern const std::wstring kGettingVolumeFreeSpaceEx;
 
+// A view into `path`.
 inline std::wstring_view WithoutTrailingBackslashes(std::wstring_view path) {
     return path.substr(0, path.find_last_not_of(L'\\') + 1);
 }
@@ -118,7 +119,7 @@ protected:
     virtual void InitializeDiskExtents(const UniqueFile& volume);
 
 private:
-    const std::wstring& QueryPath();
+    const std::wstring& QueryPath();  // valid until the next call
     bool FindDeviceName();
     bool FindMountPointsByDevice();
     void QueryOpenVolume();
@@ -130,7 +131,7 @@ private:
     std::wstring volume_id_;
     std::wstring volume_guid_;
     std::wstring device_name_;
-    std::wstring device_path_;
+    std::wstring device_path_;  // what QueryPath answers for a volume without an ID
     std::uint32_t drive_type_ = DRIVE_UNKNOWN;
     std::vector<std::wstring> mount_points_;
     win::VolumeInformation information_;

@@ -33,6 +33,7 @@ bool VolumeManager::InitializeWithCurrentVolumes(const DeviceManager& disks,
         } catch (...) {
             GetLogger().Write(kLogError, L"Exception in %s", kFunction);
             volumes_.clear();
+            by_name_.clear();
             if (!status_.IsFailed(kFindVolume)) {
                 status_.SetError(kFindVolume, L" exception");
             }
@@ -56,12 +57,14 @@ void VolumeManager::CreateVolumes(DeviceNamesMap map, const DeviceManager& disks
     }
 }
 
-void VolumeManager::IndexNames() const {
+VolumeManager::NameIndex VolumeManager::IndexOfNames() const {
+    NameIndex index;
     for (const VolumePtr& volume : volumes_) {
         // Of two volumes of one name the first is found.
-        by_name_.try_emplace(CaseFolded(volume->volume_guid()), volume);
-        by_name_.try_emplace(CaseFolded(volume->device_name()), volume);
+        index.try_emplace(CaseFolded(volume->volume_guid()), volume);
+        index.try_emplace(CaseFolded(volume->device_name()), volume);
     }
+    return index;
 }
 
 VolumePtr VolumeManager::GetVolume(const std::wstring& guid_or_device) const {
@@ -71,7 +74,7 @@ VolumePtr VolumeManager::GetVolume(const std::wstring& guid_or_device) const {
         name += L'\\';
     }
     if (by_name_.empty()) {
-        IndexNames();
+        by_name_ = IndexOfNames();
     }
     const auto found = by_name_.find(CaseFolded(name));
     if (found == by_name_.end()) {

@@ -47,6 +47,7 @@ public:
     const std::vector<VolumePtr>& volumes() const { return volumes_; }
 
 private:
+    using NameIndex = std::unordered_map<std::wstring, VolumePtr>;
     using DeviceNamesMap = std::map<std::wstring, std::wstring>;  // NT device name to volume GUID path
 
     // Each step returns false with what went wrong in `error`.
@@ -62,12 +63,12 @@ private:
     void CreateVolumes(DeviceNamesMap map, const DeviceManager& disks,
                        const std::wstring& system_volume_device, const std::wstring& boot_volume_device);
 
-    void IndexNames() const;
+    NameIndex IndexOfNames() const;
 
     OperationStatus status_;
     std::vector<VolumePtr> volumes_;
     // By GUID path and device name, case folded. Made by the first search: most captures search for none.
-    mutable std::unordered_map<std::wstring, VolumePtr> by_name_;
+    mutable NameIndex by_name_;
 };
 
 }  // namespace bmr_common

@@ -74,6 +74,7 @@ bool Volume::ConvertToNormalizedDeviceId(std::wstring& device_name) {
 
 bool Volume::IsDevice(const std::wstring& device_name) const {
     const std::wstring_view id = DeviceIdIn(device_name);
+    // A name of another form is compared as it is, and told in the log.
     return id.empty() ? EqualFolded(GetNormalizedDeviceId(device_name), device_name_)
                       : EqualFolded(id, device_name_);
 }

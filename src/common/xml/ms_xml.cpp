@@ -26,7 +26,8 @@ UniqueBstr Owned(BSTR text) {
 }
 
 UniqueBstr Bstr(std::wstring_view text) {
-    return Owned(SysAllocStringLen(text.data(), static_cast<UINT>(text.substr(0, text.find(L'\0')).size())));
+    const std::size_t length = std::min(text.find(L'\0'), text.size());
+    return Owned(SysAllocStringLen(text.data(), static_cast<UINT>(length)));
 }
 
 // ASCII, as all names of elements are.

@@ -13,7 +13,6 @@
 using XmlDocumentPtr = ComPointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
 using XmlElementPtr = ComPointer<IXMLDOMElement, &IID_IXMLDOMElement>;
 using XmlNodePtr = ComPointer<IXMLDOMNode, &IID_IXMLDOMNode>;
-using XmlNodeListPtr = ComPointer<IXMLDOMNodeList, &IID_IXMLDOMNodeList>;
 
 // One node of a document; shares its ownership with the document.
 class CMSXmlNode {

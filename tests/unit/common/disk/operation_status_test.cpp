@@ -186,7 +186,8 @@ TEST_F(OperationStatusTest, FindOperation_NameInAnotherCase_IsUnknown) {
 }
 
 TEST_F(OperationStatusTest, DumpAll_EachState_WritesItsLine) {
-    OperationStatus status{L"a initial", L"b error", L"c success", L"d odd"};
+    const std::vector<std::wstring> names = {L"a initial", L"b error", L"c success", L"d odd"};
+    OperationStatus status{names[0], names[1], names[2], names[3]};
     status.SetError(L"b error", L"why");
     status.SetSuccess(L"c success");
     status.FindOperation(L"d odd").state = 3;
@@ -216,8 +217,9 @@ TEST_F(OperationStatusTest, DumpAll_EveryQuerySucceeded_WritesNothing) {
 }
 
 TEST_F(OperationStatusTest, DumpAll_NamesOfBothCases_UpperCaseComesFirst) {
-    const OperationStatus status{L"Getting mount points", L"Opening volume", L"Getting Device Name",
-                                 L"Getting disk extents"};
+    const std::vector<std::wstring> names = {L"Getting mount points", L"Opening volume",
+                                             L"Getting Device Name", L"Getting disk extents"};
+    const OperationStatus status{names[0], names[1], names[2], names[3]};
 
     status.DumpAll();
 
@@ -228,7 +230,8 @@ TEST_F(OperationStatusTest, DumpAll_NamesOfBothCases_UpperCaseComesFirst) {
 }
 
 TEST_F(OperationStatusTest, OneName_IsItsOnlyOperation) {
-    const OperationStatus status{L"Find Volume"};
+    const std::wstring name = L"Find Volume";
+    const OperationStatus status{name};
 
     status.DumpAll();
 
