@@ -107,12 +107,12 @@ void ColdStart(CaseRunner& runner, const std::filesystem::path& library,
 void Reload(CaseRunner& runner, const std::filesystem::path& library,
             const machine::Description& description) {
     constexpr std::size_t kWarmUp = 100;
-    constexpr std::size_t kLoads = 10'000;
+    const std::size_t loads = runner.choice().loads;
     constexpr std::size_t kBytesOfNoise = 1024;  // of the program itself
     const EntryPoint& entry = FindEntryPoint(runner.choice().entry);
     machine::Session session(description);
     session.simulation().calls().SetKept(false);
-    runner.tally().calls += kLoads;
+    runner.tally().calls += loads;
     runner.Run("", "loading", [&] {
         std::vector<std::string> failures;
         std::size_t steps = 0;
@@ -120,7 +120,7 @@ void Reload(CaseRunner& runner, const std::filesystem::path& library,
         DWORD handles = 0;
         DWORD slot = 0;
         DWORD heaps = 0;
-        for (std::size_t i = 0; i < kWarmUp + kLoads; ++i) {
+        for (std::size_t i = 0; i < kWarmUp + loads; ++i) {
             if (i == kWarmUp) {
                 bytes = HeapBytes();
                 handles = Handles();

@@ -65,6 +65,7 @@ void AddOptions(CLI::App& app, Choice& choice) {
         "--from-there-on", [&] { choice.from_there_on = true; }, "It fails with all after it");
     app.add_option("--seed", choice.seed, "Of everything random");
     app.add_option("--stride", choice.stride, "One case in so many")->check(CLI::PositiveNumber);
+    app.add_option("--loads", choice.loads, "How often the library is loaded again");
     app.add_option("--from", choice.from, "The case to begin with, as a crash tells it");
 }
 

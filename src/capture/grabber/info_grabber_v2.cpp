@@ -23,6 +23,7 @@ constexpr std::uint32_t kHighestDiskNumber = 65'535;
 
 std::wstring DriveLetterOf(const bmr_common::Volume& volume) {
     std::wstring multi_string;
+    multi_string.reserve(64);  // most volumes have one short path
     for (const std::wstring& path : volume.mount_points()) {
         multi_string.append(path).push_back(L'\0');
     }

@@ -12,7 +12,6 @@
 #include <cwchar>
 #include <cwctype>
 #include <new>
-#include <set>
 
 namespace {
 
@@ -75,17 +74,17 @@ std::wstring EnumDisk::GetDriveLetter(const wchar_t* volume_name, const wchar_t*
     if (Assert(mount_paths != nullptr, __LINE__, L"NULL != mount_paths")) {
         paths = SplitMultiString(mount_paths, length);
     }
-    std::set<std::wstring> roots;
+    const std::wstring* first = nullptr;  // in the order of the alphabet
     for (const std::wstring& path : paths) {
         if (IsDriveLetter(path.c_str(), path.size())) {
-            roots.insert(path);
+            first = first == nullptr || path < *first ? &path : first;
         } else {
             GetLogger().Write(kLogTrace,
                               L"EnumDisk::GetDriveLetter %s volume mount path %s is not a drive letter", name,
                               path.c_str());
         }
     }
-    if (roots.empty()) {
+    if (first == nullptr) {
         GetLogger().Write(
             kLogTrace,
             L"EnumDisk::GetDriveLetter %s volume no appropriate drive letter found (checked %d names), "
@@ -93,7 +92,7 @@ std::wstring EnumDisk::GetDriveLetter(const wchar_t* volume_name, const wchar_t*
             name, static_cast<int>(paths.size()));
         return {};
     }
-    return *roots.begin();
+    return *first;
 }
 
 bool EnumDisk::QueryExtents(const std::wstring& volume, win::ByteBuffer& extents) {

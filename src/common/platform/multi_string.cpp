@@ -1,18 +1,32 @@
 #include "common/platform/multi_string.h"
 
 #include <cwchar>
+#include <string_view>
 
-std::vector<std::wstring> SplitMultiString(const wchar_t* text, std::size_t count) {
-    // No end pointer: a count may be larger than the address space behind the text.
-    std::vector<std::wstring> entries;
+namespace {
+
+// Calls `take` with every entry. No end pointer: a count may be larger than the address space behind the
+// text.
+template <class Take>
+void ForEachEntry(const wchar_t* text, std::size_t count, Take&& take) {
     while (count > 0 && *text != L'\0') {
         const std::size_t length = wcsnlen(text, count);
         if (length == count) {
-            break;
+            return;
         }
-        entries.emplace_back(text, length);
+        take(std::wstring_view(text, length));
         text += length + 1;
         count -= length + 1;
     }
+}
+
+}  // namespace
+
+std::vector<std::wstring> SplitMultiString(const wchar_t* text, std::size_t count) {
+    std::size_t number = 0;
+    ForEachEntry(text, count, [&](std::wstring_view) { ++number; });
+    std::vector<std::wstring> entries;
+    entries.reserve(number);
+    ForEachEntry(text, count, [&](std::wstring_view entry) { entries.emplace_back(entry); });
     return entries;
 }

@@ -97,6 +97,9 @@ bool Volume::ConvertToNormalizedVolumeGUID(std::wstring& volume_guid) {
     if (guid.empty() || guid.find_first_of(L"{}\\") != std::wstring_view::npos) {
         return false;
     }
+    if (volume_guid.starts_with(kVolumeGuidPrefix) && volume_guid.ends_with(kVolumeGuidEnd)) {
+        return true;  // as the system lists them
+    }
     std::wstring path;
     path.reserve(std::size(kVolumeGuidPrefix) + guid.size() + std::size(kVolumeGuidEnd));
     volume_guid = std::move(path.append(kVolumeGuidPrefix).append(guid).append(kVolumeGuidEnd));
