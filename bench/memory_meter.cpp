@@ -10,6 +10,7 @@ namespace bench {
 namespace {
 
 std::size_t held = 0;
+std::size_t base = 0;  // held when it was last asked
 std::size_t peak = 0;
 
 void* WINAPI MeteredHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
@@ -43,7 +44,8 @@ void MeterMemoryOf(HMODULE module) {
 }
 
 std::size_t PeakBytes() {
-    const std::size_t result = peak;
+    const std::size_t result = peak - base;
+    base = held;
     peak = held;
     return result;
 }

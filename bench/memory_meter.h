@@ -9,7 +9,7 @@ namespace bench {
 /// From now on the module's own memory is measured. One module.
 void MeterMemoryOf(HMODULE module);
 
-/// The most bytes that the module has held since the call before.
+/// The most bytes that the module has held since the call before, beyond what it held then.
 std::size_t PeakBytes();
 
 }  // namespace bench

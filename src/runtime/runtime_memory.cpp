@@ -98,7 +98,7 @@ void Untrack(const void* block) {
 }
 
 // Most captures fit, and ask the system for nothing more.
-constexpr std::size_t kFirstHeapBytes = 1024 * 1024;
+constexpr std::size_t kFirstHeapBytes = std::size_t{1024} * 1024;
 
 constinit HANDLE library_heap = nullptr;
 

@@ -47,7 +47,7 @@ public:
 
 private:
     struct Entry {
-        const std::wstring* name;
+        const std::wstring* name = nullptr;
         Operation operation;
     };
 
