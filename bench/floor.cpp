@@ -110,19 +110,19 @@ void MeasureFloor(const host::OrvaneLibrary& library, std::size_t effort, Report
     {
         machine::Session session(Example("bios-laptop"));
         session.simulation().calls().SetKept(false);
-        MeasureFormat(library, session.simulation(), "laptop", 1, 100 * effort, report);
+        MeasureFormat(library, session.simulation(), "laptop", 1, 500 * effort, report);
     }
     {
         machine::Session session(Example("uefi-workstation"));
         session.simulation().calls().SetKept(false);
         for (const std::uint32_t format : {2U, 3U}) {
-            MeasureFormat(library, session.simulation(), "workstation", format, 100 * effort, report);
+            MeasureFormat(library, session.simulation(), "workstation", format, 500 * effort, report);
         }
     }
     machine::Session session(MachineOf({16, 200, 1, 0}));
     session.simulation().calls().SetKept(false);
     for (const std::uint32_t format : {2U, 3U}) {
-        MeasureFormat(library, session.simulation(), "16 disks, 200 volumes", format, 10 * effort, report);
+        MeasureFormat(library, session.simulation(), "16 disks, 200 volumes", format, 50 * effort, report);
     }
 }
 

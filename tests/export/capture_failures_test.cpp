@@ -111,14 +111,14 @@ TEST_F(NoDisks, Capture_Fails) {
     EXPECT_EQ(LastError(), kNoEnvironment);
 }
 
-// There is memory for the text of the empty document and for no name of an element.
-BSTR WINAPI AllocateNoNames(const OLECHAR* text, UINT length) {
-    constexpr UINT kEmptyDocument = sizeof("<root></root>") - 1;
-    return length == kEmptyDocument ? SysAllocStringLen(text, length) : nullptr;
+// There is no memory for the long texts of a document.
+BSTR WINAPI AllocateNoText(const OLECHAR* /*text*/, UINT /*length*/) {
+    return nullptr;
 }
 
 TEST_F(CaptureFailures, ComError_IsToldByItsMessage) {
-    const support::ScopedImport import("SysAllocStringLen", &AllocateNoNames, library_.module);
+    simulation().description().volumes.front().label.assign(200, L'x');
+    const support::ScopedImport import("SysAllocStringLen", &AllocateNoText, library_.module);
     ExpectFailure();
     EXPECT_THAT(LastError(), testing::StartsWith("CaptureSystemRestorePointInfo COM Exception: "));
     EXPECT_GT(LastError().size(), std::string("CaptureSystemRestorePointInfo COM Exception: ").size());

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace bmr_common {
 
@@ -19,20 +20,22 @@ void RequireInitial(const OperationStatus::Operation& operation, const wchar_t* 
 }  // namespace
 
 // The entry whose name comes next after that of `last`, the first one after null; null after the last one.
-const OperationStatus::Entry* OperationStatus::NextInOrder(const Entry* last) const {
+template <class Wanted>
+const OperationStatus::Entry* OperationStatus::NextInOrder(const Entry* last, Wanted wanted) const {
     const Entry* next = nullptr;
     for (const Entry& entry : operations_) {
-        const bool ahead = last == nullptr || *last->name < *entry.name;
-        if (ahead && (next == nullptr || *entry.name < *next->name)) {
+        if (wanted(entry) && (last == nullptr || *last->name < *entry.name) &&
+            (next == nullptr || *entry.name < *next->name)) {
             next = &entry;
         }
     }
     return next;
 }
 
-template <class Visit>
-void OperationStatus::WalkInOrder(Visit&& visit) const {
-    for (const Entry* entry = NextInOrder(nullptr); entry != nullptr; entry = NextInOrder(entry)) {
+template <class Wanted, class Visit>
+void OperationStatus::WalkInOrder(Wanted wanted, Visit visit) const {
+    for (const Entry* entry = NextInOrder(nullptr, wanted); entry != nullptr;
+         entry = NextInOrder(entry, wanted)) {
         visit(*entry);
     }
 }
@@ -72,12 +75,12 @@ OperationStatus::Operation& OperationStatus::SetSuccess(const std::wstring& name
     return operation;
 }
 
-void OperationStatus::SetError(const std::wstring& name, const std::wstring& error) {
+void OperationStatus::SetError(const std::wstring& name, std::wstring error) {
     Operation& operation = FindOperation(name);
     RequireInitial(operation,
                    L"OperationStatus::SetError - operation not in kInitial state. Code will throw exception.",
                    "OperationStatus::SetError - operation not in kInitial state.");
-    operation.error = error;
+    operation.error = std::move(error);
     operation.state = kError;
 }
 
@@ -98,11 +101,7 @@ std::uint64_t OperationStatus::ErrorCount() const {
 }
 
 void OperationStatus::GetErrors(std::vector<std::wstring>& errors) const {
-    WalkInOrder([&](const Entry& entry) {
-        if (HasFailed(entry)) {
-            errors.push_back(entry.operation.error);
-        }
-    });
+    WalkInOrder(HasFailed, [&](const Entry& entry) { errors.push_back(entry.operation.error); });
 }
 
 void OperationStatus::DumpStatus(const std::wstring& name, const Operation& operation) {
@@ -122,7 +121,8 @@ void OperationStatus::DumpStatus(const std::wstring& name, const Operation& oper
 }
 
 void OperationStatus::DumpAll() const {
-    WalkInOrder([](const Entry& entry) { DumpStatus(*entry.name, entry.operation); });
+    WalkInOrder([](const Entry&) { return true; },
+                [](const Entry& entry) { DumpStatus(*entry.name, entry.operation); });
 }
 
 }  // namespace bmr_common

@@ -32,7 +32,7 @@ public:
     Operation& FindOperation(const std::wstring& name);
     const Operation& FindOperation(const std::wstring& name) const;
     Operation& SetSuccess(const std::wstring& name);
-    void SetError(const std::wstring& name, const std::wstring& error);
+    void SetError(const std::wstring& name, std::wstring error);
 
     bool IsFailed(const std::wstring& name) const;
     bool IsSucceeded(const std::wstring& name) const;
@@ -53,10 +53,11 @@ private:
 
     static bool HasFailed(const Entry& entry) { return entry.operation.state == kError; }
 
-    const Entry* NextInOrder(const Entry* last) const;
-    // Calls `visit` with every entry, in the order of the names. Allocates nothing.
-    template <class Visit>
-    void WalkInOrder(Visit&& visit) const;
+    template <class Wanted>
+    const Entry* NextInOrder(const Entry* last, Wanted wanted) const;
+    // Calls `visit` with every wanted entry, in the order of the names. Allocates nothing.
+    template <class Wanted, class Visit>
+    void WalkInOrder(Wanted wanted, Visit visit) const;
 
     // A handful, as they were given: there is one list for every volume and disk, and few are ever walked.
     std::vector<Entry> operations_;

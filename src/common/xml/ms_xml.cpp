@@ -1,9 +1,8 @@
 #include "common/xml/ms_xml.h"
 
-#include <objbase.h>
+#include "common/xml/bstr_argument.h"
 
-#include <algorithm>
-#include <cstring>
+#include <objbase.h>
 
 namespace {
 
@@ -18,26 +17,6 @@ void Require(HRESULT result) {
     }
 }
 
-UniqueBstr Owned(BSTR text) {
-    if (text == nullptr) {
-        throw _com_error(E_OUTOFMEMORY);
-    }
-    return UniqueBstr(text);
-}
-
-UniqueBstr Bstr(std::wstring_view text) {
-    const std::size_t length = std::min(text.find(L'\0'), text.size());
-    return Owned(SysAllocStringLen(text.data(), static_cast<UINT>(length)));
-}
-
-// ASCII, as all names of elements are.
-UniqueBstr WideOf(const char* text) {
-    const std::size_t length = std::strlen(text);
-    UniqueBstr wide = Owned(SysAllocStringLen(nullptr, static_cast<UINT>(length)));
-    std::copy(text, text + length, wide.get());
-    return wide;
-}
-
 IXMLDOMNode& Existing(const XmlNodePtr& node) {
     if (node == nullptr) {
         throw _com_error(E_POINTER);
@@ -46,7 +25,7 @@ IXMLDOMNode& Existing(const XmlNodePtr& node) {
 }
 
 void PutText(IXMLDOMNode& node, std::wstring_view text) {
-    Require(node.put_text(Bstr(text).get()));
+    Require(node.put_text(BstrArgument(text).get()));
 }
 
 }  // namespace
@@ -66,8 +45,8 @@ XmlNodePtr CMSXmlNode::Append(const char* name) {
         return {};
     }
     XmlNodePtr created;
-    Require(document_->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), WideOf(name).get(), nullptr,
-                                  &created));
+    Require(document_->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), BstrArgument(name).get(),
+                                  nullptr, &created));
     XmlNodePtr appended;
     Require(Node().appendChild(created, &appended));
     return appended;
@@ -109,7 +88,7 @@ bool CMSXmlDoc::LoadXML(const char* text) {
         return false;
     }
     VARIANT_BOOL loaded = VARIANT_FALSE;
-    Require(document_->loadXML(WideOf(text).get(), &loaded));
+    Require(document_->loadXML(BstrArgument(text).get(), &loaded));
     return loaded == VARIANT_TRUE;
 }
 

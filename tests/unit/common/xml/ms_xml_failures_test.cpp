@@ -133,30 +133,30 @@ TEST_F(MsXmlCalls, AddChild_NoName_RaisesTheFailureAndAddsNothing) {
     EXPECT_THAT(log_.all(), IsEmpty());
 }
 
-// No memory for a text, while it lives.
+// No memory for a text that is too long to be kept in place, while it lives.
 class NoTextMemory {
 private:
-    using Function = decltype(&::SysAllocString);
-    support::StubImport<Function, BSTR (*)(const OLECHAR*)> stub_{
-        "SysAllocString", &::SysAllocString, [](const OLECHAR*) -> BSTR { return nullptr; }};
-    using SizedFunction = decltype(&::SysAllocStringLen);
-    support::StubImport<SizedFunction, BSTR (*)(const OLECHAR*, UINT)> sized_stub_{
+    using Function = decltype(&::SysAllocStringLen);
+    support::StubImport<Function, BSTR (*)(const OLECHAR*, UINT)> stub_{
         "SysAllocStringLen", &::SysAllocStringLen, [](const OLECHAR*, UINT) -> BSTR { return nullptr; }};
 };
 
+const std::string kLong(200, 'a');
+
 TEST_F(MsXmlCalls, SetText_NoMemoryForTheText_RaisesOutOfMemory) {
     const NoTextMemory none;
-    EXPECT_EQ(ComErrorOf([&] { root_.SetText(L"text"); }), kOutOfMemory);
+    EXPECT_EQ(ComErrorOf([&] { root_.SetText(std::wstring(200, L'a')); }), kOutOfMemory);
 }
 
 TEST_F(MsXmlCalls, LoadXML_NoMemoryForTheText_RaisesOutOfMemory) {
     const NoTextMemory none;
-    EXPECT_EQ(ComErrorOf([&] { document_.LoadXML("<a></a>"); }), kOutOfMemory);
+    EXPECT_EQ(ComErrorOf([&] { document_.LoadXML(("<" + kLong + "></" + kLong + ">").c_str()); }),
+              kOutOfMemory);
 }
 
 TEST_F(MsXmlCalls, AddChild_NoMemoryForTheName_RaisesOutOfMemory) {
     const NoTextMemory none;
-    EXPECT_EQ(ComErrorOf([&] { root_.AddChild("a"); }), kOutOfMemory);
+    EXPECT_EQ(ComErrorOf([&] { root_.AddChild(kLong.c_str()); }), kOutOfMemory);
 }
 
 }  // namespace
