@@ -5,10 +5,9 @@
 #include <objbase.h>
 #include <winternl.h>
 
-#include <ctime>
-
 #include <algorithm>
 #include <cstring>
+#include <ctime>
 #include <stdexcept>
 #include <string>
 

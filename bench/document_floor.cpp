@@ -6,7 +6,6 @@
 #include <msxml2.h>
 
 #include <algorithm>
-
 #include <stdexcept>
 
 namespace bench {

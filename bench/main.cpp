@@ -17,7 +17,7 @@ struct Section {
     void (*measure)(const host::OrvaneLibrary& library, std::size_t effort, bench::Report& report);
 };
 
-// Growth comes late: it meters the library's memory from then on, which costs time.
+// The footprint comes last: it meters the library's memory from then on, which costs time.
 constexpr Section kSections[] = {{"floor", &bench::MeasureFloor},
                                  {"logging", &bench::MeasureLogging},
                                  {"growth", &bench::MeasureGrowth},

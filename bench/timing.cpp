@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <vector>
+#include <utility>
 
 namespace bench {
 
@@ -10,6 +10,12 @@ double SecondsOf(const Work& work) {
     const auto begin = std::chrono::steady_clock::now();
     work();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double MedianOf(std::vector<double> figures) {
+    const auto middle = figures.begin() + static_cast<std::ptrdiff_t>(figures.size() / 2);
+    std::nth_element(figures.begin(), middle, figures.end());
+    return *middle;
 }
 
 double RatioOf(const Work& measured, const Work& reference, std::size_t rounds) {
@@ -24,9 +30,7 @@ double RatioOf(const Work& measured, const Work& reference, std::size_t rounds) 
             ratios.push_back(seconds / (before + after));
         }
     }
-    auto* const middle = ratios.data() + ratios.size() / 2;
-    std::nth_element(ratios.data(), middle, ratios.data() + ratios.size());
-    return *middle;
+    return MedianOf(std::move(ratios));
 }
 
 }  // namespace bench

@@ -21,9 +21,9 @@ struct Choice {
     std::string fault;                  // one fault alone
     std::optional<bool> from_there_on;  // one way alone: once, or from there on
     std::size_t seed = 1;
-    std::size_t stride = 1;  // one case in so many
-    std::size_t loads = 10'000;
-    std::size_t from = 0;  // the case to begin with: after a crash
+    std::size_t stride = 1;      // one case in so many
+    std::size_t loads = 10'000;  // of the library, by the part that reloads it
+    std::size_t from = 0;        // the case to begin with: after a crash
 };
 
 /// What the cases of a run came to.

@@ -167,6 +167,7 @@ bool InfoGrabberV2::AddVolumeInfo(const NamedVolume& named_volume) {
             return true;
         }
         ::Volume row = RowOf(*volume, guid);
+        row.extents.reserve(volume->extents().size());
         for (const bmr_common::VolumeExtent& extent : volume->extents()) {
             DiskExtent extent_row;
             extent_row.m_GUID = guid;

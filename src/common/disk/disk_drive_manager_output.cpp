@@ -123,7 +123,7 @@ void DiskDriveManager::CaptureInfo(CMSXmlNode& parent) const {
 }
 
 bool DiskDriveManager::CaptureCommonInfo(CMSXmlNode& parent) const {
-    parent.AddTextChild("DiskId", std::to_wstring(disk_index_));
+    AddNumberElement(parent, "DiskId", disk_index_);
     std::vector<std::wstring> reasons;
     if (!can_backup(reasons)) {
         parent.AddTextChild("DiskSize", L"0");

@@ -107,6 +107,7 @@ bool PartitionManagerGPT::GetEnumDiskPartitionVector(const DiskRow& disk,
         return true;
     }
     const std::vector<PartitionPtr> sorted = SortedPartitions();
+    rows.reserve(sorted.size() + 2);  // most disks have free space at the start and the end alone
     std::int64_t cursor =
         sorted.empty() ? kFirstMegabyte : std::min(sorted.front()->starting_offset(), kFirstMegabyte);
     std::int32_t number = 1;

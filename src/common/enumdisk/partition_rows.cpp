@@ -54,7 +54,7 @@ public:
             row.length = row.length_copy = LengthBetween(cursor_, offset);
             row.kind = row.operation = kind;
             row.partition_style = PARTITION_STYLE_MBR;
-            rows_.push_back(row);
+            rows_.push_back(std::move(row));
         }
         cursor_ = offset;
     }
@@ -81,7 +81,7 @@ private:
         row.partition_number = static_cast<std::int32_t>(entry.PartitionNumber);
         row.mbr_type = entry.PartitionType;
         row.partition_style = PARTITION_STYLE_MBR;
-        rows_.push_back(row);
+        rows_.push_back(std::move(row));
         cursor_ = EntryEnd(entry);
     }
 
