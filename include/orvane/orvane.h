@@ -64,9 +64,9 @@ void SetXmlFormat(uint32_t format);
 /* Replaces the list of volumes that are to be backed up and returns how many it now holds. `volume_guid_list`
  * is a multi-string: volume GUID paths ("\\?\Volume{...}\"), each ended by a zero character, the list by an
  * empty entry. `count` is the number of characters that may be read; an entry that does not end within them
- * is left out. NULL or an empty list clears the list. Entries are taken as they are; the capture judges them.
- * Compare the result with the number that you meant: without memory the list is empty, and a capture after
- * that judges nothing. */
+ * is taken as far as they go. NULL or an empty list clears the list. Entries are taken as they are; the
+ * capture judges them. Compare the result with the number that you meant: without memory the list is empty,
+ * and a capture after that judges nothing. */
 int64_t SetupSelectedVolumesList(const wchar_t* volume_guid_list, uint64_t count);
 
 /* Describes the machine as an XML document, after judging whether every selected volume can be backed up

@@ -87,12 +87,12 @@ const Multistring kLists[] = {
     {"Complete", L"one\0two\0three\0\0"sv, 15, 3},
     {"CompleteInALargerBuffer", L"one\0two\0\0rest\0\0"sv, 15, 2},
     {"EndsWithTheCount", L"one\0two\0"sv, 8, 2},
-    {"LastEntryWithoutEnd", L"one\0two"sv, 7, 1},
-    {"OnlyEntryWithoutEnd", L"one"sv, 3, 0},
-    {"CutInTheFirstEntry", L"one\0two\0\0"sv, 2, 0},
-    {"CutBeforeTheFirstEnd", L"one\0two\0\0"sv, 3, 0},
+    {"LastEntryWithoutEnd", L"one\0two"sv, 7, 2},
+    {"OnlyEntryWithoutEnd", L"one"sv, 3, 1},
+    {"CutInTheFirstEntry", L"one\0two\0\0"sv, 2, 1},
+    {"CutBeforeTheFirstEnd", L"one\0two\0\0"sv, 3, 1},
     {"CutBehindTheFirstEnd", L"one\0two\0\0"sv, 4, 1},
-    {"CutInTheSecondEntry", L"one\0two\0\0"sv, 6, 1},
+    {"CutInTheSecondEntry", L"one\0two\0\0"sv, 6, 2},
     {"NoCharacters", L""sv, 0, 0},
     {"CountOfZero", L"one\0\0"sv, 0, 0},
     {"OneCharacter", L"\0"sv, 1, 0},
@@ -130,6 +130,12 @@ protected:
         return errors;
     }
 };
+
+TEST_F(KeptSelection, EntryThatTheCountCutsOff_IsJudgedAsFarAsItGoes) {
+    EXPECT_EQ(library_.SetupSelectedVolumesList(L"\\\\?\\one\0\0", 6), 1);
+    EXPECT_THAT(Unknown(),
+                ElementsAre("Backup cannot proceed. Failed to find any information about volume \\\\?\\on."));
+}
 
 TEST_F(KeptSelection, Entries_ReachEveryCaptureAsTheyWereGiven) {
     library_.Select({L"b", L" A ", L"b"});

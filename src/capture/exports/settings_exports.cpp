@@ -19,7 +19,8 @@ void TakeSelectedVolumes(const wchar_t* list, std::uint64_t count) {
         GetLogger().Write(kLogError, L"SetupSelectedVolumesList: volume_guid_list is empty");
         return;
     }
-    SelectedVolumes() = SplitMultiString(list, count);
+    // Left out, a volume would not be judged; cut short, it is found nowhere and the capture says so.
+    SelectedVolumes() = SplitMultiString(list, count, CutEntry::kTaken);
 }
 
 }  // namespace

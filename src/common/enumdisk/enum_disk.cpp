@@ -117,61 +117,71 @@ int EnumDisk::ListUsableDisks(std::vector<std::uint32_t>& indexes, std::int32_t&
 }
 
 bool EnumDisk::GetDiskLength(std::uint32_t disk_number, int level, std::int64_t& length, DWORD& error) {
-    const std::wstring name = PhysicalDriveName(disk_number);
-    GetLogger().Write(kLogTrace, L"DriveName: %s", name.c_str());
-    error = ERROR_SUCCESS;
-    const UniqueFile drive = OpenDevice(name, GENERIC_READ | GENERIC_WRITE);
-    if (!drive) {
-        error = win::LastFailure();
-        GetLogger().Write(level, L"GetDiskLength:Opening the drive %s failed error=%d", name.c_str(), error);
-        return false;
-    }
-    GET_LENGTH_INFORMATION information{};
-    DWORD returned = 0;
-    error = win::SendControl(drive, IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &information, sizeof(information),
-                             returned);
-    if (error == ERROR_SUCCESS && (returned != sizeof(information) || information.Length.QuadPart < 0)) {
-        error = ERROR_INVALID_DATA;
-    }
-    if (error != ERROR_SUCCESS) {
-        GetLogger().Write(level, L"Get length of drive %s failed error=%d", name.c_str(), error);
-        return false;
-    }
-    length = information.Length.QuadPart;
-    GetLogger().Write(kLogTrace, L"Get length of drive %s: %I64d", name.c_str(), length);
-    return true;
+    return Traced(L"EnumDisk::GetDiskLength", [&] {
+        const std::wstring name = PhysicalDriveName(disk_number);
+        error = ERROR_SUCCESS;
+        const UniqueFile drive = OpenDevice(name, GENERIC_READ | GENERIC_WRITE);
+        if (!drive) {
+            error = win::LastFailure();
+            GetLogger().Write(level, L"GetDiskLength:Opening the drive %s failed error=%d", name.c_str(),
+                              error);
+            return false;
+        }
+        GetLogger().Write(kLogTrace, L"DriveName: %s", name.c_str());
+        GET_LENGTH_INFORMATION information{};
+        DWORD returned = 0;
+        error = win::SendControl(drive, IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &information,
+                                 sizeof(information), returned);
+        if (error == ERROR_SUCCESS && (returned != sizeof(information) || information.Length.QuadPart < 0)) {
+            error = ERROR_INVALID_DATA;
+        }
+        if (error != ERROR_SUCCESS) {
+            GetLogger().Write(level, L"Get length of drive %s failed error=%d", name.c_str(), error);
+            return false;
+        }
+        length = information.Length.QuadPart;
+        GetLogger().Write(kLogTrace, L"Get length of drive %s: %I64d", name.c_str(), length);
+        return true;
+    });
 }
 
 bool EnumDisk::GetDriveLayout(std::uint32_t disk_number, bool extended, win::ByteBuffer& layout,
                               DWORD& error) {
+    return Traced(L"EnumDisk::GetDriveLayout", [&] {
+        Trace(L"Entering GetDriveLayout");
+        error = ReadDriveLayout(disk_number, extended, layout);
+        Trace(L"Leaving GetDriveLayout");
+        return error == ERROR_SUCCESS;
+    });
+}
+
+// Returns the Win32 error. A failed allocation has no line of its own.
+DWORD EnumDisk::ReadDriveLayout(std::uint32_t disk_number, bool extended, win::ByteBuffer& layout) {
     constexpr std::size_t kFirstExtendedBytes = 768;
     constexpr std::size_t kFirstClassicBytes = 168;
-    Trace(L"Entering GetDriveLayout");
     const std::wstring name = PhysicalDriveName(disk_number);
-    error = ERROR_SUCCESS;
     const UniqueFile drive = OpenDevice(name, GENERIC_READ);
     if (!drive) {
-        error = win::LastFailure();
+        const DWORD error = win::LastFailure();
         GetLogger().Write(kLogError, L"GetDriveLayout: Opening the drive %s failed error=%d 0x%x",
                           name.c_str(), error, error);
-    } else {
-        try {
-            error =
-                extended
+        return error;
+    }
+    DWORD error = ERROR_SUCCESS;
+    try {
+        error = extended
                     ? win::ReadGrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, kFirstExtendedBytes,
                                               ERROR_INSUFFICIENT_BUFFER, layout, win::IsWholeLayoutEx)
                     : win::ReadGrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT, kFirstClassicBytes,
                                               ERROR_INSUFFICIENT_BUFFER, layout, win::IsWholeLegacyLayout);
-        } catch (const std::bad_alloc&) {
-            error = ERROR_OUTOFMEMORY;
-        }
-        if (error != ERROR_SUCCESS && error != ERROR_OUTOFMEMORY) {
-            GetLogger().Write(kLogError, L"Get drive layout of drive %s failed error=%d 0x%x", name.c_str(),
-                              error, error);
-        }
+    } catch (const std::bad_alloc&) {
+        return ERROR_OUTOFMEMORY;
     }
-    Trace(L"Leaving GetDriveLayout");
-    return error == ERROR_SUCCESS;
+    if (error != ERROR_SUCCESS) {
+        GetLogger().Write(kLogError, L"Get drive layout of drive %s failed error=%d 0x%x", name.c_str(),
+                          error, error);
+    }
+    return error;
 }
 
 bool EnumDisk::GetDriveGeometry(std::uint32_t disk_number, DISK_GEOMETRY& geometry) {
@@ -263,19 +273,21 @@ bool EnumDisk::ReadDisks(std::vector<DiskRow>& disks) {
 }
 
 int EnumDisk::GetDiskDetails(const std::vector<DriveRow>* drives, std::vector<DiskRow>& disks) {
-    Trace(L"Entering GetDiskDetails");
-    bool succeeded = ReadDisks(disks);
-    if (succeeded && drives != nullptr) {
-        for (const DriveRow& drive : *drives) {
-            AttachDrive(drive, disks);
+    return Traced(L"EnumDisk::GetDiskDetails", [&] {
+        Trace(L"Entering GetDiskDetails");
+        bool succeeded = ReadDisks(disks);
+        if (succeeded && drives != nullptr) {
+            for (const DriveRow& drive : *drives) {
+                AttachDrive(drive, disks);
+            }
         }
-    }
-    Trace(L"Leaving GetDiskDetails");
-    succeeded = succeeded && AddMissingPhysicalDisks(disks) != 0;
-    if (!succeeded) {
-        GetLogger().Write(kLogError, L"Error occurred in EnumDisk::GetDiskDetails");
-    }
-    return succeeded ? 1 : 0;
+        Trace(L"Leaving GetDiskDetails");
+        succeeded = succeeded && AddMissingPhysicalDisks(disks) != 0;
+        if (!succeeded) {
+            GetLogger().Write(kLogError, L"Error occurred in EnumDisk::GetDiskDetails");
+        }
+        return succeeded ? 1 : 0;
+    });
 }
 
 int EnumDisk::AddMissingPhysicalDisks(std::vector<DiskRow>& disks) {

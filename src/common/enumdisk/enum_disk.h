@@ -55,6 +55,7 @@ private:
 
     static int ListUsableDisks(std::vector<std::uint32_t>& indexes, std::int32_t& maximum);
     static Usability DiskUsable(std::uint32_t disk_number);
+    static DWORD ReadDriveLayout(std::uint32_t disk_number, bool extended, win::ByteBuffer& layout);
     static bool GetDriveGeometry(std::uint32_t disk_number, DISK_GEOMETRY& geometry);
     DiskResult ReadDisk(std::uint32_t disk_number, DiskRow& disk);
     bool ReadDisks(std::vector<DiskRow>& disks);

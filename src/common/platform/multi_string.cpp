@@ -1,5 +1,6 @@
 #include "common/platform/multi_string.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <string_view>
 
@@ -8,25 +9,25 @@ namespace {
 // Calls `take` with every entry. No end pointer: a count may be larger than the address space behind the
 // text.
 template <class Take>
-void ForEachEntry(const wchar_t* text, std::size_t count, Take&& take) {
+void ForEachEntry(const wchar_t* text, std::size_t count, CutEntry cut, Take&& take) {
     while (count > 0 && *text != L'\0') {
         const std::size_t length = wcsnlen(text, count);
-        if (length == count) {
-            return;
+        if (length < count || cut == CutEntry::kTaken) {
+            take(std::wstring_view(text, length));
         }
-        take(std::wstring_view(text, length));
-        text += length + 1;
-        count -= length + 1;
+        const std::size_t passed = std::min(length + 1, count);
+        text += passed;
+        count -= passed;
     }
 }
 
 }  // namespace
 
-std::vector<std::wstring> SplitMultiString(const wchar_t* text, std::size_t count) {
+std::vector<std::wstring> SplitMultiString(const wchar_t* text, std::size_t count, CutEntry cut) {
     std::size_t number = 0;
-    ForEachEntry(text, count, [&](std::wstring_view) { ++number; });
+    ForEachEntry(text, count, cut, [&](std::wstring_view) { ++number; });
     std::vector<std::wstring> entries;
     entries.reserve(number);
-    ForEachEntry(text, count, [&](std::wstring_view entry) { entries.emplace_back(entry); });
+    ForEachEntry(text, count, cut, [&](std::wstring_view entry) { entries.emplace_back(entry); });
     return entries;
 }

@@ -142,10 +142,8 @@ TEST_F(DiskDetails, OneDisk_IsReadInOrder) {
                     "GetDiskDetails: Calling GetPartitionInfo for disk:0", "Entering GetPartitionInfo",
                     "Entering GetDriveLayout", "Leaving GetDriveLayout", "Leaving GetPartitionInfo",
                     "Leaving GetDiskDetails"));
-    EXPECT_EQ(log_.all().front().text, "Entering GetDiskDetails");
-    EXPECT_TRUE(
-        log_.all().back().text.starts_with("Leaving function EnumDisk::AddMissingPhysicalDisks line "))
-        << log_;
+    EXPECT_EQ(Steps().front(), "Entering GetDiskDetails");
+    EXPECT_TRUE(IsTracedAs("EnumDisk::GetDiskDetails")) << log_;
 }
 
 TEST_F(DiskDetails, DrivesGiven_AreAttachedToTheRowsWhereTheyStart) {
@@ -218,7 +216,7 @@ TEST_F(DiskDetails, LengthFails_EndsTheEnumeration) {
                     LogLine{support::kHostError, kFailure}));
     EXPECT_EQ(simulation().calls().Count("IWbemServices::ExecQuery"), 1U);  // no placeholders are looked for
     EXPECT_EQ(Steps().at(Steps().size() - 1), kFailure);
-    EXPECT_EQ(log_.all().at(log_.all().size() - 2).text, "Leaving GetDiskDetails");
+    EXPECT_EQ(Steps().at(Steps().size() - 2), "Leaving GetDiskDetails");
 }
 
 TEST_F(DiskDetails, ClassicLayoutFails_EndsTheEnumeration) {
@@ -248,8 +246,8 @@ TEST_F(DiskDetails, ListingFails_EndsWithTheCountOfTheDisksFoundSoFar) {
     EXPECT_EQ(Get(), 0);
     EXPECT_TRUE(log_.Contains(support::kHostTrace, "GetDiskDetails: No Of Disks: 1")) << log_;
     EXPECT_EQ(simulation().calls().Count(enum_machine::kGeometry), 0U);
-    EXPECT_EQ(log_.all().at(log_.all().size() - 2).text, "Leaving GetDiskDetails");
-    EXPECT_EQ(log_.all().back(), (LogLine{support::kHostError, kFailure}));
+    EXPECT_EQ(Steps().at(Steps().size() - 2), "Leaving GetDiskDetails");
+    EXPECT_EQ(Steps().back(), kFailure);
 }
 
 TEST_F(DiskDetails, SecondListingFails_IsAFailureWithTheDisksKept) {
@@ -257,14 +255,14 @@ TEST_F(DiskDetails, SecondListingFails_IsAFailureWithTheDisksKept) {
     faults().Add({"IWbemServices::ExecQuery", {}, 2, false, {}, {}});
     EXPECT_EQ(Get(), 0);
     EXPECT_THAT(Numbers(), ElementsAre(0U, 1U));
-    EXPECT_EQ(log_.all().back(), (LogLine{support::kHostError, kFailure}));
+    EXPECT_EQ(Steps().back(), kFailure);
 }
 
 TEST_F(DiskDetails, NoDisks_FailLikeTheListing) {
     UseExample("no-disks.json");
     EXPECT_EQ(Get(), 0);
     EXPECT_THAT(disks_, IsEmpty());
-    EXPECT_EQ(log_.all().back(), (LogLine{support::kHostError, kFailure}));
+    EXPECT_EQ(Steps().back(), kFailure);
 }
 
 TEST_F(DiskDetails, MissingDisksOnly_AreInsertedAndTraced) {

@@ -32,9 +32,10 @@ TEST_F(DriveQueries, Length_IsThatOfTheDisk) {
     EXPECT_TRUE(EnumDisk::GetDiskLength(0, kLogError, length_, error_));
     EXPECT_EQ(length_, 1000 * enum_machine::kMiB);
     EXPECT_EQ(error_, 0U);
-    EXPECT_THAT(log_.all(), ElementsAre(LogLine{support::kHostTrace, "DriveName: \\\\.\\PhysicalDrive0"},
-                                        LogLine{support::kHostTrace,
-                                                "Get length of drive \\\\.\\PhysicalDrive0: 1048576000"}));
+    EXPECT_THAT(Steps(), ElementsAre("DriveName: \\\\.\\PhysicalDrive0",
+                                     "Get length of drive \\\\.\\PhysicalDrive0: 1048576000"));
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+    EXPECT_TRUE(IsTracedAs("EnumDisk::GetDiskLength")) << log_;
 }
 
 TEST_F(DriveQueries, LengthOpen_IsForReadingAndWritingSharedForBoth) {
@@ -67,6 +68,7 @@ TEST_F(DriveQueries, LengthOpenFails_IsLoggedAtTheCallersLevel) {
     EXPECT_FALSE(EnumDisk::GetDiskLength(0, kLogError, length_, error_));
     EXPECT_EQ(error_, 5U);
     EXPECT_FALSE(EnumDisk::GetDiskLength(0, kLogTrace, length_, error_));
+    EXPECT_EQ(log_.Count(support::kHostTrace, "DriveName: \\\\.\\PhysicalDrive0"), 0U) << log_;
     const std::string text = "GetDiskLength:Opening the drive \\\\.\\PhysicalDrive0 failed error=5";
     EXPECT_EQ(log_.Count(support::kHostError, text), 1U) << log_;
     EXPECT_EQ(log_.Count(support::kHostTrace, text), 1U) << log_;
@@ -89,8 +91,9 @@ TEST_F(DriveQueries, Layout_HoldsTheTableAndIsTraced) {
     ASSERT_TRUE(Layout(true));
     EXPECT_EQ(layout_.size(), 48U + 4 * 144);
     EXPECT_EQ(error_, 0U);
-    EXPECT_THAT(log_.all(), ElementsAre(LogLine{support::kHostTrace, "Entering GetDriveLayout"},
-                                        LogLine{support::kHostTrace, "Leaving GetDriveLayout"}));
+    EXPECT_THAT(Steps(), ElementsAre("Entering GetDriveLayout", "Leaving GetDriveLayout"));
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+    EXPECT_TRUE(IsTracedAs("EnumDisk::GetDriveLayout")) << log_;
 }
 
 TEST_F(DriveQueries, ClassicLayout_IsAskedByItsOwnControl) {
@@ -141,7 +144,7 @@ TEST_F(DriveQueries, LayoutFails_IsLoggedWithTheErrorInBothBases) {
     EXPECT_TRUE(log_.Contains(support::kHostError,
                               "Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=170 0xaa"))
         << log_;
-    EXPECT_EQ(log_.all().back().text, "Leaving GetDriveLayout");
+    EXPECT_EQ(Steps().back(), "Leaving GetDriveLayout");
 }
 
 TEST_F(DriveQueries, LayoutOpenFails_IsLoggedWithTheErrorInBothBases) {
@@ -150,7 +153,16 @@ TEST_F(DriveQueries, LayoutOpenFails_IsLoggedWithTheErrorInBothBases) {
     EXPECT_TRUE(log_.Contains(support::kHostError,
                               "GetDriveLayout: Opening the drive \\\\.\\PhysicalDrive7 failed error=2 0x2"))
         << log_;
-    EXPECT_EQ(log_.all().back().text, "Leaving GetDriveLayout");
+    EXPECT_EQ(Steps().back(), "Leaving GetDriveLayout");
+}
+
+TEST_F(DriveQueries, LayoutFailsWithTheSystemsOwnError14_IsLogged) {
+    faults().Fail(enum_machine::kLayoutEx, 14);
+    EXPECT_FALSE(Layout(true));
+    EXPECT_EQ(error_, 14U);
+    EXPECT_TRUE(log_.Contains(support::kHostError,
+                              "Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=14 0xe"))
+        << log_;
 }
 
 TEST_F(DriveQueries, LayoutWithoutMemory_IsError14) {
@@ -159,7 +171,8 @@ TEST_F(DriveQueries, LayoutWithoutMemory_IsError14) {
     EXPECT_FALSE(Layout(true));
     EXPECT_EQ(error_, 14U);
     EXPECT_GT(failing.hits(), 0U);
-    EXPECT_EQ(log_.all().back().text, "Leaving GetDriveLayout");
+    EXPECT_EQ(log_.Count(support::kHostError), 0U) << log_;
+    EXPECT_EQ(Steps().back(), "Leaving GetDriveLayout");
 }
 
 TEST_F(DriveQueries, LayoutThatCountsMoreThanItHolds_Fails) {
@@ -213,12 +226,8 @@ TEST_F(DriveQueries, IsGpt_LayoutNotReadable_LeavesTheOutputAlone) {
 TEST_F(DriveQueries, IsGpt_IsTracedAroundTheLayout) {
     bool is_gpt = false;
     DriveIsGPT(0, is_gpt);
-    const auto& lines = log_.all();
-    ASSERT_EQ(lines.size(), 4U) << log_;
-    EXPECT_TRUE(lines[0].text.starts_with("Entering function DriveIsGPT line "));
-    EXPECT_EQ(lines[1].text, "Entering GetDriveLayout");
-    EXPECT_EQ(lines[2].text, "Leaving GetDriveLayout");
-    EXPECT_TRUE(lines[3].text.starts_with("Leaving function DriveIsGPT line "));
+    EXPECT_THAT(Steps(), ElementsAre("Entering GetDriveLayout", "Leaving GetDriveLayout"));
+    EXPECT_TRUE(IsTracedAs("DriveIsGPT")) << log_;
 }
 
 }  // namespace

@@ -88,6 +88,14 @@ protected:
         return texts;
     }
 
+    // Whether the log begins with the entering line of a function and ends with its leaving line.
+    bool IsTracedAs(const std::string& function) const {
+        const auto& lines = log_.all();
+        return lines.size() >= 2 &&
+               lines.front().text.starts_with("Entering function " + function + " line ") &&
+               lines.back().text.starts_with("Leaving function " + function + " line ");
+    }
+
     // The calls of one name with the object that each was made on, in order.
     std::vector<std::wstring> ObjectsOf(const std::string& call) {
         std::vector<std::wstring> objects;

@@ -60,8 +60,23 @@ TEST(MultiString, Split_BlockThatEndsAtAForbiddenPage_IsReadNoFurther) {
     text.copy(block, text.size());
 
     EXPECT_THAT(SplitMultiString(block, text.size()), ElementsAre(L"one"));
+    EXPECT_THAT(SplitMultiString(block, text.size(), CutEntry::kTaken), ElementsAre(L"one", L"two"));
 
     VirtualFree(memory, 0, MEM_RELEASE);
+}
+
+TEST(MultiString, Split_CutEntriesAreTaken_CutsNoOther) {
+    const std::wstring block(L"one\0two\0\0rest", 13);
+    const auto taken = [&](std::size_t count) {
+        return SplitMultiString(block.data(), count, CutEntry::kTaken);
+    };
+    EXPECT_THAT(taken(0), IsEmpty());
+    EXPECT_THAT(taken(2), ElementsAre(L"on"));
+    EXPECT_THAT(taken(3), ElementsAre(L"one"));
+    EXPECT_THAT(taken(4), ElementsAre(L"one"));
+    EXPECT_THAT(taken(5), ElementsAre(L"one", L"t"));
+    EXPECT_THAT(taken(8), ElementsAre(L"one", L"two"));
+    EXPECT_THAT(taken(13), ElementsAre(L"one", L"two"));
 }
 
 TEST(MultiString, Split_ManyEntries_KeepsTheirOrder) {
