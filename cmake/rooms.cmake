@@ -27,7 +27,8 @@ orvane_room(NAME orvane_grabber DIR src/capture/grabber
 orvane_room(NAME orvane_exports DIR src/capture/exports
     USES orvane_grabber orvane_environment orvane_disk orvane_enumdisk orvane_platform orvane_logger)
 
-# Around the library: its entry point and the memory of the C++ runtime. Only the finished DLL is linked with it.
+# Around the library: its entry point, its heap and the memory of the C++ runtime. Only the finished DLL is linked
+# with it.
 orvane_room(NAME orvane_runtime DIR src/runtime)
 
 # Beside the library: the described machine and the host. Neither sees any room of src/.

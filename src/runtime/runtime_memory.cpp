@@ -62,6 +62,9 @@ std::size_t NumberOf(const void* block) {
                                                                  : kBlocks;
 }
 
+// The threads that did not call for the end are gone then, one of them perhaps with a lock in its hand.
+constinit bool process_ends = false;
+
 // The runtime's blocks that live: a few dozen at most. Like all that stands here they are ready before any
 // code runs: the runtime allocates before it initialises what it is to initialise.
 constexpr std::size_t kMostTracked = 1024;
@@ -81,6 +84,9 @@ public:
 };
 
 void* Track(void* block) {
+    if (process_ends) {
+        return block;
+    }
     const TrackedLock lock;
     if (block != nullptr && tracked_count < kMostTracked) {
         tracked[tracked_count++] = block;
@@ -112,6 +118,7 @@ void CreateLibraryHeap() {
 }
 
 void LeaveMemoryToTheSystem() {
+    process_ends = true;
     library_heap = nullptr;
 }
 
@@ -139,6 +146,9 @@ void* RuntimeCalloc(std::size_t count, std::size_t size) {
 }
 
 void RuntimeFree(void* block) {
+    if (process_ends) {
+        return;
+    }
     const std::size_t number = NumberOf(block);
     if (number == kBlocks) {
         Untrack(block);
@@ -154,7 +164,7 @@ void* RuntimeRealloc(void* block, std::size_t size) {
     }
     if (NumberOf(block) == kBlocks) {
         void* const moved = RealRealloc(block, size);
-        if (moved != nullptr) {
+        if (moved != nullptr && !process_ends) {
             Untrack(block);
             Track(moved);
         }

@@ -40,7 +40,7 @@ bool IsAscii(std::wstring_view text) {
            std::all_of(text.begin(), text.end(), [](wchar_t letter) { return IsAscii(letter); });
 }
 
-// Such letters, which would break the document, are written by their numbers.
+// Letters that would become markup, and break the document, are written by their numbers.
 std::wstring WithoutFalseMarkup(std::wstring_view xml) {
     std::wstring safe;
     safe.reserve(xml.size());

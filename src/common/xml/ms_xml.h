@@ -8,7 +8,8 @@
 #include <string_view>
 
 // The platform's DOM, as far as documents are built with it. To be used on one thread, with COM initialised
-// there. A failed interface call throws _com_error; the empty node throws E_POINTER.
+// there. A text ends at its first zero character: XML cannot hold one. A failed interface call throws
+// _com_error; the empty node throws E_POINTER.
 
 using XmlDocumentPtr = ComPointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
 using XmlElementPtr = ComPointer<IXMLDOMElement, &IID_IXMLDOMElement>;
@@ -29,9 +30,9 @@ public:
     // Appends a new element of that name (ASCII) as the last child and returns it; the empty node where there
     // is no owner document.
     CMSXmlNode AddChild(const char* name);
-    // Appends a new element that holds that text and nothing else.
+    // Appends a new element that holds that text and nothing else. Throws E_POINTER where there is no owner
+    // document.
     void AddTextChild(const char* name, std::wstring_view text);
-    // A text ends at its first zero character: XML cannot hold one.
     void SetText(std::wstring_view text);
     // This node and everything below it as text, without an XML declaration.
     UniqueBstr GetXML() const;

@@ -1,7 +1,10 @@
 #include "common/platform/case_folding.h"
+#include "common/platform/scope_exit.h"
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cwctype>
 #include <string>
 
 namespace {
@@ -26,6 +29,18 @@ TEST(CaseFolding, StartsWithFolded_Prefix_IsFound) {
     EXPECT_TRUE(StartsWithFolded(L"volume{1}", L""));
     EXPECT_FALSE(StartsWithFolded(L"Volume", L"Volume{"));
     EXPECT_FALSE(StartsWithFolded(L"XVolume{1}", L"Volume{"));
+}
+
+TEST(CaseFolding, LettersBeyondAscii_AreFoldedAsTheRuntimeDoes) {
+    std::setlocale(LC_CTYPE, "");
+    const ScopeExit back([] { std::setlocale(LC_CTYPE, "C"); });
+    ASSERT_EQ(std::towlower(L'\x00C4'), L'\x00E4');  // else the cases below say nothing
+
+    EXPECT_EQ(CaseFolded(std::wstring(L"\x00C4 \x20AC \x0416")), L"\x00E4 \x20AC \x0436");
+    EXPECT_TRUE(EqualFolded(L"\x00C4", L"\x00E4"));
+    EXPECT_FALSE(EqualFolded(L"\x00C4", L"\x00F6"));
+    EXPECT_FALSE(LessFolded(L"\x00C4", L"\x00E4"));
+    EXPECT_FALSE(LessFolded(L"\x00E4", L"\x00C4"));
 }
 
 TEST(CaseFolding, LessFolded_TwoTexts_AreInOneOrder) {
