@@ -15,7 +15,7 @@ namespace bench {
 
 namespace {
 
-using Handles = CallTape::Handles;
+using Playback = CallTape::Playback;
 
 CallTape* tape = nullptr;
 
@@ -37,8 +37,8 @@ HANDLE WINAPI RecordCreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECUR
     ORVANE_SIMULATED(CreateFileW);
     const HANDLE handle = call(path, access, share, security, disposition, flags, model);
     const std::size_t place = tape->PlaceOf(handle);
-    tape->Add([=, path = Text(path)](Handles& handles) {
-        handles[place] = call(path.c_str(), access, share, nullptr, disposition, flags, nullptr);
+    tape->Add(0, [=, path = Text(path)](Playback& playback) {
+        playback.handles[place] = call(path.c_str(), access, share, nullptr, disposition, flags, nullptr);
     });
     return handle;
 }
@@ -46,7 +46,7 @@ HANDLE WINAPI RecordCreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECUR
 BOOL WINAPI RecordCloseHandle(HANDLE handle) {
     ORVANE_SIMULATED(CloseHandle);
     const std::size_t place = tape->Find(handle);
-    tape->Add([=](Handles& handles) { call(handles[place]); });
+    tape->Add(0, [=](Playback& playback) { call(playback.handles[place]); });
     return call(handle);
 }
 
@@ -54,10 +54,10 @@ BOOL WINAPI RecordDeviceIoControl(HANDLE handle, DWORD code, LPVOID input, DWORD
                                   DWORD output_size, LPDWORD returned, LPOVERLAPPED overlapped) {
     ORVANE_SIMULATED(DeviceIoControl);
     const std::size_t place = tape->Find(handle);
-    tape->Add([=](Handles& handles) {
-        std::vector<unsigned char> buffer(output_size);
+    tape->Add(output_size, [=](Playback& playback) {
         DWORD length = 0;
-        call(handles[place], code, nullptr, 0, buffer.data(), output_size, &length, nullptr);
+        call(playback.handles[place], code, nullptr, 0, playback.Answer<void>(), output_size, &length,
+             nullptr);
     });
     return call(handle, code, input, input_size, output, output_size, returned, overlapped);
 }
@@ -66,73 +66,66 @@ HANDLE WINAPI RecordFindFirstVolumeW(LPWSTR name, DWORD size) {
     ORVANE_SIMULATED(FindFirstVolumeW);
     const HANDLE handle = call(name, size);
     const std::size_t place = tape->PlaceOf(handle);
-    tape->Add([=](Handles& handles) {
-        std::vector<wchar_t> buffer(size);
-        handles[place] = call(buffer.data(), size);
-    });
+    tape->Add(size * sizeof(wchar_t),
+              [=](Playback& playback) { playback.handles[place] = call(playback.Answer<wchar_t>(), size); });
     return handle;
 }
 
 BOOL WINAPI RecordFindNextVolumeW(HANDLE search, LPWSTR name, DWORD size) {
     ORVANE_SIMULATED(FindNextVolumeW);
     const std::size_t place = tape->Find(search);
-    tape->Add([=](Handles& handles) {
-        std::vector<wchar_t> buffer(size);
-        call(handles[place], buffer.data(), size);
-    });
+    tape->Add(size * sizeof(wchar_t),
+              [=](Playback& playback) { call(playback.handles[place], playback.Answer<wchar_t>(), size); });
     return call(search, name, size);
 }
 
 BOOL WINAPI RecordFindVolumeClose(HANDLE search) {
     ORVANE_SIMULATED(FindVolumeClose);
     const std::size_t place = tape->Find(search);
-    tape->Add([=](Handles& handles) { call(handles[place]); });
+    tape->Add(0, [=](Playback& playback) { call(playback.handles[place]); });
     return call(search);
 }
 
 BOOL WINAPI RecordGetVolumePathNamesForVolumeNameW(LPCWSTR volume, LPWCH names, DWORD size, PDWORD needed) {
     ORVANE_SIMULATED(GetVolumePathNamesForVolumeNameW);
-    tape->Add([=, volume = Text(volume)](Handles&) {
-        std::vector<wchar_t> buffer(size);
+    tape->Add(size * sizeof(wchar_t), [=, volume = Text(volume)](Playback& playback) {
         DWORD length = 0;
-        call(volume.c_str(), buffer.data(), size, &length);
+        call(volume.c_str(), playback.Answer<wchar_t>(), size, &length);
     });
     return call(volume, names, size, needed);
 }
 
 BOOL WINAPI RecordGetVolumeNameForVolumeMountPointW(LPCWSTR path, LPWSTR name, DWORD size) {
     ORVANE_SIMULATED(GetVolumeNameForVolumeMountPointW);
-    tape->Add([=, path = Text(path)](Handles&) {
-        std::vector<wchar_t> buffer(size);
-        call(path.c_str(), buffer.data(), size);
+    tape->Add(size * sizeof(wchar_t), [=, path = Text(path)](Playback& playback) {
+        call(path.c_str(), playback.Answer<wchar_t>(), size);
     });
     return call(path, name, size);
 }
 
 DWORD WINAPI RecordQueryDosDeviceW(LPCWSTR device, LPWSTR targets, DWORD size) {
     ORVANE_SIMULATED(QueryDosDeviceW);
-    tape->Add([=, all = device == nullptr, name = Text(device)](Handles&) {
-        std::vector<wchar_t> buffer(size);
-        call(all ? nullptr : name.c_str(), buffer.data(), size);
+    tape->Add(size * sizeof(wchar_t), [=, all = device == nullptr, name = Text(device)](Playback& playback) {
+        call(all ? nullptr : name.c_str(), playback.Answer<wchar_t>(), size);
     });
     return call(device, targets, size);
 }
 
 DWORD WINAPI RecordGetLogicalDrives() {
     ORVANE_SIMULATED(GetLogicalDrives);
-    tape->Add([=](Handles&) { call(); });
+    tape->Add(0, [=](Playback&) { call(); });
     return call();
 }
 
 UINT WINAPI RecordGetDriveTypeW(LPCWSTR root) {
     ORVANE_SIMULATED(GetDriveTypeW);
-    tape->Add([=, root = Text(root)](Handles&) { call(root.c_str()); });
+    tape->Add(0, [=, root = Text(root)](Playback&) { call(root.c_str()); });
     return call(root);
 }
 
 BOOL WINAPI RecordGetDiskFreeSpaceW(LPCWSTR root, LPDWORD a, LPDWORD b, LPDWORD c, LPDWORD d) {
     ORVANE_SIMULATED(GetDiskFreeSpaceW);
-    tape->Add([=, root = Text(root)](Handles&) {
+    tape->Add(0, [=, root = Text(root)](Playback&) {
         DWORD numbers[4] = {};
         call(root.c_str(), &numbers[0], &numbers[1], &numbers[2], &numbers[3]);
     });
@@ -141,7 +134,7 @@ BOOL WINAPI RecordGetDiskFreeSpaceW(LPCWSTR root, LPDWORD a, LPDWORD b, LPDWORD 
 
 BOOL WINAPI RecordGetDiskFreeSpaceExW(LPCWSTR root, PULARGE_INTEGER a, PULARGE_INTEGER b, PULARGE_INTEGER c) {
     ORVANE_SIMULATED(GetDiskFreeSpaceExW);
-    tape->Add([=, root = Text(root)](Handles&) {
+    tape->Add(0, [=, root = Text(root)](Playback&) {
         ULARGE_INTEGER numbers[3] = {};
         call(root.c_str(), &numbers[0], &numbers[1], &numbers[2]);
     });
@@ -151,11 +144,12 @@ BOOL WINAPI RecordGetDiskFreeSpaceExW(LPCWSTR root, PULARGE_INTEGER a, PULARGE_I
 BOOL WINAPI RecordGetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD label_size, LPDWORD serial,
                                         LPDWORD component, LPDWORD flags, LPWSTR system, DWORD system_size) {
     ORVANE_SIMULATED(GetVolumeInformationW);
-    tape->Add([=, root = Text(root)](Handles&) {
-        std::vector<wchar_t> texts(label_size + system_size);
+    const std::size_t bytes = (label_size + system_size) * sizeof(wchar_t);
+    tape->Add(bytes, [=, root = Text(root)](Playback& playback) {
+        auto* const texts = playback.Answer<wchar_t>();
         DWORD numbers[3] = {};
-        call(root.c_str(), texts.data(), label_size, &numbers[0], &numbers[1], &numbers[2],
-             texts.data() + label_size, system_size);
+        call(root.c_str(), texts, label_size, &numbers[0], &numbers[1], &numbers[2], texts + label_size,
+             system_size);
     });
     return call(root, label, label_size, serial, component, flags, system, system_size);
 }
@@ -170,7 +164,7 @@ NTSTATUS NTAPI RecordZwOpenDirectoryObject(PHANDLE directory, ACCESS_MASK access
     const NTSTATUS status = call(directory, access, attributes);
     const std::size_t place = tape->PlaceOf(*directory);
     std::wstring path(attributes->ObjectName->Buffer, attributes->ObjectName->Length / sizeof(wchar_t));
-    tape->Add([=](Handles& handles) {
+    tape->Add(0, [=](Playback& playback) {
         UNICODE_STRING name{};
         name.Buffer = const_cast<PWSTR>(path.c_str());
         name.Length = static_cast<USHORT>(path.size() * sizeof(wchar_t));
@@ -179,7 +173,7 @@ NTSTATUS NTAPI RecordZwOpenDirectoryObject(PHANDLE directory, ACCESS_MASK access
         own.Length = sizeof(own);
         own.ObjectName = &name;
         own.Attributes = OBJ_CASE_INSENSITIVE;
-        call(&handles[place], access, &own);
+        call(&playback.handles[place], access, &own);
     });
     return status;
 }
@@ -188,11 +182,10 @@ NTSTATUS NTAPI RecordZwQueryDirectoryObject(HANDLE directory, PVOID buffer, ULON
                                             BOOLEAN restart, PULONG context, PULONG returned) {
     static const auto call = Simulated<QueryDirectory>(L"ntdll.dll", "ZwQueryDirectoryObject");
     const std::size_t place = tape->Find(directory);
-    tape->Add([=, before = *context](Handles& handles) {
-        std::vector<unsigned char> own(size);
+    tape->Add(size, [=, before = *context](Playback& playback) {
         ULONG position = before;
         ULONG length = 0;
-        call(handles[place], own.data(), size, single, restart, &position, &length);
+        call(playback.handles[place], playback.Answer<void>(), size, single, restart, &position, &length);
     });
     return call(directory, buffer, size, single, restart, context, returned);
 }
@@ -200,24 +193,24 @@ NTSTATUS NTAPI RecordZwQueryDirectoryObject(HANDLE directory, PVOID buffer, ULON
 NTSTATUS NTAPI RecordZwClose(HANDLE handle) {
     static const auto call = Simulated<CloseObject>(L"ntdll.dll", "ZwClose");
     const std::size_t place = tape->Find(handle);
-    tape->Add([=](Handles& handles) { call(handles[place]); });
+    tape->Add(0, [=](Playback& playback) { call(playback.handles[place]); });
     return call(handle);
 }
 
 // What the library imports itself.
 
 HRESULT WINAPI RecordCoInitializeEx(LPVOID reserved, DWORD model) {
-    tape->Add([=](Handles&) { CoInitializeEx(nullptr, model); });
+    tape->Add(0, [=](Playback&) { CoInitializeEx(nullptr, model); });
     return CoInitializeEx(reserved, model);
 }
 
 void WINAPI RecordCoUninitialize() {
-    tape->Add([](Handles&) { CoUninitialize(); });
+    tape->Add(0, [](Playback&) { CoUninitialize(); });
     CoUninitialize();
 }
 
 HRESULT WINAPI RecordCoCreateGuid(GUID* guid) {
-    tape->Add([](Handles&) {
+    tape->Add(0, [](Playback&) {
         GUID own{};
         CoCreateGuid(&own);
     });
@@ -225,7 +218,7 @@ HRESULT WINAPI RecordCoCreateGuid(GUID* guid) {
 }
 
 __time64_t __cdecl RecordTime(__time64_t* time) {
-    tape->Add([](Handles&) { _time64(nullptr); });
+    tape->Add(0, [](Playback&) { _time64(nullptr); });
     return _time64(time);
 }
 
@@ -284,6 +277,12 @@ void CallTape::Clear() {
     places_.clear();
 }
 
+void CallTape::Add(std::size_t answer_bytes, Call call) {
+    calls_.push_back(std::move(call));
+    std::vector<std::uint64_t>& scratch = playback_.scratch;
+    scratch.resize(std::max(scratch.size(), answer_bytes / sizeof(scratch[0]) + 1));
+}
+
 std::size_t CallTape::PlaceOf(HANDLE opened) {
     places_.push_back(opened);
     return places_.size() - 1;
@@ -298,10 +297,10 @@ std::size_t CallTape::Find(HANDLE handle) const {
     return static_cast<std::size_t>(places_.rend() - found) - 1;
 }
 
-void CallTape::Play() const {
-    Handles handles(places_.size());
+void CallTape::Play() {
+    playback_.handles.resize(places_.size());
     for (const Call& call : calls_) {
-        call(handles);
+        call(playback_);
     }
 }
 

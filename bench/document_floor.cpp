@@ -2,11 +2,11 @@
 
 #include "common/platform/com_pointer.h"
 #include "common/platform/unique_bstr.h"
-
-#include <msxml2.h>
+#include "common/xml/bstr_argument.h"
 
 #include <algorithm>
 #include <stdexcept>
+#include <string>
 
 namespace bench {
 
@@ -14,17 +14,27 @@ namespace {
 
 using Document = ComPointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
 using Element = ComPointer<IXMLDOMElement, &IID_IXMLDOMElement>;
-using Node = ComPointer<IXMLDOMNode, &IID_IXMLDOMNode>;
+using NodePtr = ComPointer<IXMLDOMNode, &IID_IXMLDOMNode>;
 
 constexpr CLSID kDomDocument30 = {
     0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
 
-UniqueBstr Bstr(const std::string& text) {
-    UniqueBstr wide(SysAllocStringLen(nullptr, static_cast<UINT>(text.size())));
-    std::transform(text.begin(), text.end(), wide.get(),
+std::wstring Wide(const std::string& text) {
+    std::wstring wide(text.size(), L'\0');
+    std::transform(text.begin(), text.end(), wide.begin(),
                    [](char letter) { return static_cast<wchar_t>(static_cast<unsigned char>(letter)); });
     return wide;
 }
+
+class SystemText {
+public:
+    explicit SystemText(const std::wstring& text)
+        : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
+    BSTR get() const { return text_.get(); }
+
+private:
+    UniqueBstr text_;
+};
 
 void Require(HRESULT result) {
     if (FAILED(result)) {
@@ -33,7 +43,7 @@ void Require(HRESULT result) {
 }
 
 // Made as the library makes it: that is the platform's part too.
-Document NewDocument(const std::string& root) {
+Document NewDocument(const std::wstring& root) {
     UnknownPtr unknown;
     Require(CoCreateInstance(kDomDocument30, nullptr, CLSCTX_SERVER, IID_IUnknown,
                              reinterpret_cast<void**>(&unknown)));
@@ -41,30 +51,45 @@ Document NewDocument(const std::string& root) {
     Document document;
     Require(unknown->QueryInterface(IID_IXMLDOMDocument, reinterpret_cast<void**>(&document)));
     VARIANT_BOOL loaded = VARIANT_FALSE;
-    Require(document->loadXML(Bstr("<" + root + "></" + root + ">").get(), &loaded));
+    Require(document->loadXML(SystemText(L"<" + root + L"></" + root + L">").get(), &loaded));
     return document;
-}
-
-void AppendChildren(IXMLDOMDocument* document, IXMLDOMNode* parent, const XmlTree& tree) {
-    for (const XmlTree& child : tree.children) {
-        Element element;
-        Require(document->createElement(Bstr(child.name).get(), &element));
-        Node added;
-        Require(parent->appendChild(element, &added));
-        if (child.children.empty()) {
-            Require(added->put_text(Bstr(child.text).get()));
-        }
-        AppendChildren(document, added, child);
-    }
 }
 
 }  // namespace
 
-std::size_t BuildDocument(const XmlTree& root) {
-    const Document document = NewDocument(root.name);
+DocumentFloor::DocumentFloor(const XmlTree& root) : root_(NodeOf(root)) {}
+
+DocumentFloor::Node DocumentFloor::NodeOf(const XmlTree& tree) {
+    Node node{Wide(tree.name), Wide(tree.text), {}};
+    for (const XmlTree& child : tree.children) {
+        node.children.push_back(NodeOf(child));
+    }
+    return node;
+}
+
+template <class Text>
+void DocumentFloor::AppendChildren(IXMLDOMDocument* document, IXMLDOMNode* parent, const Node& node) {
+    for (const Node& child : node.children) {
+        Element element;
+        Require(document->createElement(Text(child.name).get(), &element));
+        NodePtr added;
+        Require(parent->appendChild(element, &added));
+        if (child.children.empty()) {
+            Require(added->put_text(Text(child.text).get()));
+        }
+        AppendChildren<Text>(document, added, child);
+    }
+}
+
+std::size_t DocumentFloor::Build(Texts texts) const {
+    const Document document = NewDocument(root_.name);
     Element element;
     Require(document->get_documentElement(&element));
-    AppendChildren(document, element, root);
+    if (texts == Texts::kInPlace) {
+        AppendChildren<BstrArgument>(document, element, root_);
+    } else {
+        AppendChildren<SystemText>(document, element, root_);
+    }
     BSTR xml = nullptr;
     Require(element->get_xml(&xml));
     const int characters = static_cast<int>(SysStringLen(xml));

@@ -65,8 +65,9 @@ void MeasureLogging(const host::OrvaneLibrary& library, std::size_t effort, Repo
     report.Ratio("a traced call, in times of formatting its two lines",
                  RatioOf(traced, formatted, 20 * effort), kGoal);
     library.SetEventFunc(nullptr);
-    const machine::Session session(
+    machine::Session session(
         machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation.json"));
+    session.simulation().calls().SetKept(false);
     const std::size_t rounds = 100 * effort;
     report.Figure("lines of WMIDumpInfo", LinesPerSecond(library, library.WMIDumpInfo, rounds) / 1000,
                   "thousand a second");

@@ -17,11 +17,13 @@ struct Section {
     void (*measure)(const host::OrvaneLibrary& library, std::size_t effort, bench::Report& report);
 };
 
-// The footprint comes last: it meters the library's memory from then on, which costs time.
-constexpr Section kSections[] = {{"floor", &bench::MeasureFloor},
+// The size comes first, in a process that has done nothing yet; the repetition last: it meters the library's
+// memory from then on, which costs time.
+constexpr Section kSections[] = {{"size", &bench::MeasureSize},
+                                 {"floor", &bench::MeasureFloor},
                                  {"logging", &bench::MeasureLogging},
                                  {"growth", &bench::MeasureGrowth},
-                                 {"footprint", &bench::MeasureFootprint}};
+                                 {"repetition", &bench::MeasureRepetition}};
 
 }  // namespace
 
@@ -29,7 +31,7 @@ int main(int count, char** arguments) {
     std::string only;
     std::size_t effort = 1;
     CLI::App app("Benchmarks: ratios between things that are measured in the same run.", "bench");
-    app.add_option("--section", only, "floor, logging, growth or footprint alone");
+    app.add_option("--section", only, "size, floor, logging, growth or repetition alone");
     app.add_option("--effort", effort, "How many times as often each figure is measured")
         ->check(CLI::PositiveNumber);
     CLI11_PARSE(app, count, arguments);

@@ -1,7 +1,6 @@
 #include "bench/wmi_script.h"
 
 #include "common/platform/com_pointer.h"
-#include "common/platform/unique_bstr.h"
 
 #include <wbemidl.h>
 
@@ -29,18 +28,19 @@ struct Cursor {
     Object object;
 };
 
-void Get(const Cursor& cursor, const std::wstring& property) {
+void Get(const Cursor& cursor, const wchar_t* property) {
     VARIANT value;
     VariantInit(&value);
     if (cursor.object != nullptr) {
-        cursor.object->Get(property.c_str(), 0, &value, nullptr, nullptr);
+        cursor.object->Get(property, 0, &value, nullptr, nullptr);
     }
     VariantClear(&value);
 }
 
 }  // namespace
 
-WmiScript::WmiScript(const std::vector<machine::CallRecord>& records) {
+WmiScript::WmiScript(const std::vector<machine::CallRecord>& records)
+    : name_space_(SysAllocString(L"root\\cimv2")), language_(SysAllocString(L"WQL")) {
     const std::pair<const char*, Step> kSteps[] = {{"IClassFactory::CreateInstance", Step::kLocator},
                                                    {"IWbemLocator::ConnectServer", Step::kConnect},
                                                    {"IClientSecurity::SetBlanket", Step::kBlanket},
@@ -59,8 +59,10 @@ WmiScript::WmiScript(const std::vector<machine::CallRecord>& records) {
         }
         // A property stands behind its class.
         const std::size_t dot = record.object.find(L'.');
-        calls_.push_back(
-            {step->second, dot == std::wstring::npos ? record.object : record.object.substr(dot + 1)});
+        const std::wstring text = step->second == Step::kQuery ? L"Select * from " + record.object
+                                  : dot == std::wstring::npos  ? record.object
+                                                               : record.object.substr(dot + 1);
+        calls_.push_back({step->second, UniqueBstr(SysAllocString(text.c_str()))});
     }
 }
 
@@ -75,18 +77,16 @@ void WmiScript::Play() const {
                                  reinterpret_cast<void**>(&cursor.locator));
                 break;
             case Step::kConnect:
-                cursor.locator->ConnectServer(UniqueBstr(SysAllocString(L"root\\cimv2")).get(), nullptr,
-                                              nullptr, nullptr, 0, nullptr, nullptr, &cursor.services);
+                cursor.locator->ConnectServer(name_space_.get(), nullptr, nullptr, nullptr, 0, nullptr,
+                                              nullptr, &cursor.services);
                 break;
             case Step::kBlanket:
                 CoSetProxyBlanket(cursor.services, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
                                   RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
                 break;
             case Step::kQuery:
-                cursor.services->ExecQuery(
-                    UniqueBstr(SysAllocString(L"WQL")).get(),
-                    UniqueBstr(SysAllocString((L"Select * from " + call.text).c_str())).get(),
-                    WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, &cursor.enumerator);
+                cursor.services->ExecQuery(language_.get(), call.text.get(), WBEM_FLAG_RETURN_IMMEDIATELY,
+                                           nullptr, &cursor.enumerator);
                 break;
             case Step::kReset:
                 cursor.enumerator->Reset();
@@ -96,7 +96,7 @@ void WmiScript::Play() const {
                 cursor.enumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, &cursor.object, &count);
                 break;
             case Step::kGet:
-                Get(cursor, call.text);
+                Get(cursor, call.text.get());
                 break;
         }
     }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "common/platform/unique_bstr.h"
 #include "machine/call_log.h"
 
-#include <string>
 #include <vector>
 
 namespace bench {
@@ -20,9 +20,11 @@ private:
 
     struct Call {
         Step step;
-        std::wstring text;  // class or property
+        UniqueBstr text;  // the query, or the property
     };
 
+    UniqueBstr name_space_;
+    UniqueBstr language_;
     std::vector<Call> calls_;
 };
 
