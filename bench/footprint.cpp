@@ -102,7 +102,7 @@ void MeasureRepetition(const host::OrvaneLibrary& library, std::size_t effort, R
     std::vector<double> time;
     double first_bytes = 0;
     PeakBytes();
-    for (std::size_t i = 0; i < 4 * effort + 1; ++i) {
+    for (std::size_t i = 0; i < 10 * effort + 1; ++i) {
         const double first = run(kPart);
         if (i == 0) {
             first_bytes = static_cast<double>(PeakBytes());

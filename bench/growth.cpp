@@ -9,8 +9,6 @@
 #include "machine/redirect.h"
 #include "machine/session.h"
 
-#include <algorithm>
-#include <limits>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -22,6 +20,9 @@ namespace {
 
 // Ten times as many may take eleven times as long.
 constexpr double kSlack = 1.1;
+
+// A busy machine is slow for seconds: each step is measured for longer.
+constexpr double kLeastSeconds = 8;
 
 enum class Selection { kNothing, kEverything };
 
@@ -59,16 +60,18 @@ private:
     machine::Session session_;
 };
 
-// The fastest of a few captures.
+// The mean of some captures. Not the fastest: short ones find a quiet moment of a busy machine, long ones do
+// not.
 double SecondsOfCapture(const host::OrvaneLibrary& library, const machine::Description& description,
-                        std::uint32_t format, Selection selection, std::size_t rounds) {
+                        std::uint32_t format, Selection selection, std::size_t count) {
     const SizedMachine machine(library, description, selection);
     Captures captures(library, format);
-    double seconds = std::numeric_limits<double>::max();
-    for (std::size_t i = 0; i < rounds; ++i) {
-        seconds = std::min(seconds, SecondsOf([&] { captures.Run(); }));
-    }
-    return seconds;
+    const double seconds = SecondsOf([&] {
+        for (std::size_t i = 0; i < count; ++i) {
+            captures.Run();
+        }
+    });
+    return seconds / static_cast<double>(count);
 }
 
 // The most of its own memory that the library holds during a capture.
@@ -85,7 +88,7 @@ struct Series {
     std::string name;
     Size small;
     Size large;
-    double times;         // as many
+    std::size_t times;    // as many
     std::size_t objects;  // of the large one
     Selection selection = Selection::kNothing;
 };
@@ -97,17 +100,24 @@ void MeasureSeries(const Libraries& libraries, const Series& series, std::size_t
     for (const std::uint32_t format : {2U, 3U}) {
         std::vector<double> seconds;
         std::vector<double> times;
-        for (std::size_t i = 0; i < 4 * effort + 1; ++i) {
-            const double few = SecondsOfCapture(libraries.timed, small, format, series.selection, 5);
-            const double many = SecondsOfCapture(libraries.timed, large, format, series.selection, 3);
+        const auto measure = [&] {
+            // As many captures as take about as long as the one of the larger machine.
+            const double few =
+                SecondsOfCapture(libraries.timed, small, format, series.selection, series.times);
+            const double many = SecondsOfCapture(libraries.timed, large, format, series.selection, 1);
             seconds.push_back(many);
             times.push_back(many / few);
+        };
+        double spent = 0;
+        while (times.size() < 4 * effort + 1 || spent < kLeastSeconds * static_cast<double>(effort)) {
+            spent += SecondsOf(measure);
         }
         const double few_bytes = BytesOfCapture(libraries.metered, small, format, series.selection);
         const double many_bytes = BytesOfCapture(libraries.metered, large, format, series.selection);
+        const double limit = static_cast<double>(series.times) * kSlack;
         const std::string row = series.name + ", format " + std::to_string(format);
-        report.Ratio(row + ", time", MedianOf(std::move(times)), series.times * kSlack);
-        report.Ratio(row + ", memory", many_bytes / few_bytes, series.times * kSlack);
+        report.Ratio(row + ", time", MedianOf(std::move(times)), limit);
+        report.Ratio(row + ", memory", many_bytes / few_bytes, limit);
         report.Figure(row + ", time of each", MedianOf(std::move(seconds)) * 1e6 / objects, "us");
         report.Figure(row + ", memory of each", many_bytes / objects, "bytes");
     }
