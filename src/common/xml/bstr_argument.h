@@ -14,6 +14,7 @@ public:
     explicit BstrArgument(std::wstring_view text);
     // ASCII.
     explicit BstrArgument(const char* text);
+    ~BstrArgument() = default;
     BstrArgument(const BstrArgument&) = delete;
     BstrArgument& operator=(const BstrArgument&) = delete;
 
@@ -33,6 +34,6 @@ private:
     template <class Letter>
     void Assign(std::basic_string_view<Letter> text);
 
-    Short short_;
+    Short short_{};
     UniqueBstr long_;
 };
