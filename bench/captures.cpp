@@ -1,5 +1,7 @@
 #include "bench/captures.h"
 
+#include "machine/redirect.h"
+
 #include <stdexcept>
 
 namespace bench {
@@ -20,6 +22,12 @@ void Captures::Run() {
     if (library_.CaptureSystemRestorePointInfo(buffer_.data(), static_cast<std::uint32_t>(buffer_.size()),
                                                &length_) != ORVANE_SUCCESS) {
         throw std::runtime_error("a capture failed");
+    }
+}
+
+void PutOnSimulation(const host::OrvaneLibrary& library) {
+    if (!machine::PutModuleOnSimulation(library.module())) {
+        throw std::runtime_error("the library cannot be put on a described machine");
     }
 }
 

@@ -23,6 +23,9 @@ private:
     std::uint32_t length_ = 0;
 };
 
+/// Puts the library on the described machine of each session; throws when it cannot be put there.
+void PutOnSimulation(const host::OrvaneLibrary& library);
+
 /// Receives the log and does nothing with it.
 void IgnoreLog(std::int32_t level, const char* text);
 

@@ -5,10 +5,10 @@
 #include "bench/scratch_copy.h"
 #include "bench/sections.h"
 #include "bench/timing.h"
-#include "machine/redirect.h"
 #include "machine/session.h"
 
 #include <filesystem>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -67,9 +67,7 @@ void MeasureSize(const host::OrvaneLibrary& /*library*/, std::size_t /*effort*/,
     const host::OrvaneLibrary library(copy.file());
     const double loaded = PrivateBytes();
     const Imports imports = ImportsOf(library.module());
-    if (!machine::PutModuleOnSimulation(library.module())) {
-        throw std::runtime_error("the library cannot be put on a described machine");
-    }
+    PutOnSimulation(library);
     std::uint32_t length = 0;
     library.SetXmlFormat(2);
     if (library.CaptureSystemRestorePointInfo(nullptr, 0, &length) != ORVANE_BUFFER_TOO_SMALL) {

@@ -6,10 +6,8 @@
 #include "bench/scratch_copy.h"
 #include "bench/sections.h"
 #include "bench/timing.h"
-#include "machine/redirect.h"
 #include "machine/session.h"
 
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -131,9 +129,7 @@ void MeasureGrowth(const host::OrvaneLibrary& library, std::size_t effort, Repor
     report.Section("More objects: the larger machine in times of the smaller one");
     const ScratchCopy copy;
     const host::OrvaneLibrary metered(copy.file());
-    if (!machine::PutModuleOnSimulation(metered.module())) {
-        throw std::runtime_error("the library cannot be put on a described machine");
-    }
+    PutOnSimulation(metered);
     MeterMemoryOf(metered.module());
     const Libraries libraries{library, metered};
     const Series kSeries[] = {

@@ -1,8 +1,8 @@
 // Prints the table of the benchmarks. Exit code 0 when every goal is met, 1 when not, 2 when it cannot be
 // measured.
 
+#include "bench/captures.h"
 #include "bench/sections.h"
-#include "machine/redirect.h"
 
 #include <CLI/CLI.hpp>
 
@@ -37,9 +37,7 @@ int main(int count, char** arguments) {
     CLI11_PARSE(app, count, arguments);
     try {
         const host::OrvaneLibrary library(ORVANE_DLL_PATH);
-        if (!machine::PutModuleOnSimulation(library.module())) {
-            throw std::runtime_error("the library cannot be put on a described machine");
-        }
+        bench::PutOnSimulation(library);
         bench::Report report;
         for (const Section& section : kSections) {
             if (only.empty() || only == section.name) {

@@ -1,4 +1,3 @@
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -12,14 +11,14 @@
 
 namespace {
 
-constexpr std::chrono::seconds kTestLimit{180};
+constexpr unsigned kTestLimit = 180;  // seconds
 constexpr std::string_view kLimitFlag = "--test-limit=";
 
-std::chrono::seconds LimitFrom(int argument_count, char** arguments) {
+unsigned LimitFrom(int argument_count, char** arguments) {
     for (int i = 1; i < argument_count; ++i) {
         const std::string_view argument = arguments[i];
         if (argument.starts_with(kLimitFlag)) {
-            return std::chrono::seconds(std::atoi(arguments[i] + kLimitFlag.size()));
+            return static_cast<unsigned>(std::atoi(arguments[i] + kLimitFlag.size()));
         }
     }
     return kTestLimit;

@@ -1,13 +1,13 @@
 #include "support/watchdog.h"
 
+#include <cstdlib>
 #include <utility>
-
-#include "common/windows.h"
 
 namespace support {
 namespace {
 
 constexpr const char* kOutsideTests = "between tests";
+constexpr DWORD kLookMilliseconds = 200;
 
 // Straight to the handle: the thread that hangs or crashed may hold the locks of the runtime's streams.
 void Say(const std::string& text) {
@@ -37,19 +37,23 @@ LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
 
 }  // namespace
 
-Watchdog::Watchdog(std::chrono::seconds limit)
+Watchdog::Watchdog(unsigned limit)
     : limit_(limit),
       phase_(kOutsideTests),
-      since_(std::chrono::steady_clock::now()),
-      thread_([this] { Watch(); }) {}
+      since_(GetTickCount64()),
+      finished_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+      thread_(CreateThread(nullptr, 0, &Watchdog::Run, this, 0, nullptr)) {
+    if (finished_ == nullptr || thread_ == nullptr) {
+        Say("the watchdog cannot be started\n");
+        End(EXIT_FAILURE);
+    }
+}
 
 Watchdog::~Watchdog() {
-    {
-        const std::lock_guard lock(mutex_);
-        finished_ = true;
-    }
-    changed_.notify_one();
-    thread_.join();
+    SetEvent(finished_);
+    WaitForSingleObject(thread_, INFINITE);
+    CloseHandle(thread_);
+    CloseHandle(finished_);
 }
 
 void Watchdog::OnTestStart(const testing::TestInfo& test) {
@@ -61,21 +65,25 @@ void Watchdog::OnTestEnd(const testing::TestInfo& /*test*/) {
 }
 
 void Watchdog::Enter(std::string phase) {
-    // The watching thread is not woken: it looks at the clock when the older phase would have run out.
-    const std::lock_guard lock(mutex_);
+    AcquireSRWLockExclusive(&lock_);
     phase_ = std::move(phase);
-    since_ = std::chrono::steady_clock::now();
+    since_ = GetTickCount64();
+    ReleaseSRWLockExclusive(&lock_);
+}
+
+DWORD WINAPI Watchdog::Run(void* watchdog) {
+    static_cast<Watchdog*>(watchdog)->Watch();
+    return 0;
 }
 
 void Watchdog::Watch() {
-    std::unique_lock lock(mutex_);
-    while (!finished_) {
-        const auto deadline = since_ + limit_;
-        if (std::chrono::steady_clock::now() >= deadline) {
-            Say("\n[   HUNG   ] " + phase_ + ", longer than " + std::to_string(limit_.count()) + " s\n");
+    while (WaitForSingleObject(finished_, kLookMilliseconds) == WAIT_TIMEOUT) {
+        AcquireSRWLockExclusive(&lock_);
+        if (GetTickCount64() - since_ >= limit_ * 1000ULL) {
+            Say("\n[   HUNG   ] " + phase_ + ", longer than " + std::to_string(limit_) + " s\n");
             End(kHungExitCode);
         }
-        changed_.wait_until(lock, deadline, [this] { return finished_; });
+        ReleaseSRWLockExclusive(&lock_);
     }
 }
 

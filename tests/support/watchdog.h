@@ -1,12 +1,10 @@
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <string>
-#include <thread>
 
 #include <gtest/gtest.h>
+
+#include "common/windows.h"
 
 namespace support {
 
@@ -14,27 +12,27 @@ namespace support {
 inline constexpr unsigned kHungExitCode = 86;
 inline constexpr unsigned kCrashedExitCode = 87;
 
-/// Names the test that runs, and ends the process with kHungExitCode when it takes longer than `limit`. Hand
-/// it to gtest's listeners, which own it from then on.
+/// Names the test that runs, and ends the process with kHungExitCode when it takes longer than `limit`
+/// seconds. Hand it to gtest's listeners, which own it from then on.
 class Watchdog : public testing::EmptyTestEventListener {
 public:
-    explicit Watchdog(std::chrono::seconds limit);
+    explicit Watchdog(unsigned limit);
     ~Watchdog() override;
 
     void OnTestStart(const testing::TestInfo& test) override;
     void OnTestEnd(const testing::TestInfo& test) override;
 
 private:
+    static DWORD WINAPI Run(void* watchdog);
     void Watch();
     void Enter(std::string phase);
 
-    const std::chrono::seconds limit_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::string phase_;  // what runs: the full name of a test, or what comes between tests
-    std::chrono::steady_clock::time_point since_;
-    bool finished_ = false;
-    std::thread thread_;  // last: it uses the others
+    const unsigned limit_;
+    SRWLOCK lock_ = SRWLOCK_INIT;  // of the phase and its start
+    std::string phase_;            // what runs: the full name of a test, or what comes between tests
+    ULONGLONG since_;              // by GetTickCount64()
+    HANDLE finished_;              // an event
+    HANDLE thread_;
 };
 
 /// From now on a crash ends the process at once, without a debugger or a dialog, with kCrashedExitCode and

@@ -9,7 +9,6 @@ void BstrArgument::Assign(std::basic_string_view<Letter> text) {
     static_assert(offsetof(Short, letters) == offsetof(Short, bytes) + sizeof(Short::bytes));
     if (text.size() <= kShort) {
         short_.bytes = static_cast<UINT>(text.size() * sizeof(wchar_t));
-        short_.letters[text.size()] = L'\0';
     } else {
         long_.reset(SysAllocStringLen(nullptr, static_cast<UINT>(text.size())));
         if (!long_) {

@@ -34,6 +34,6 @@ private:
     template <class Letter>
     void Assign(std::basic_string_view<Letter> text);
 
-    Short short_{};
+    Short short_{};  // zero behind the letters
     UniqueBstr long_;
 };

@@ -12,8 +12,6 @@
 #include <gtest/gtest.h>
 #include <objbase.h>
 
-#include <thread>
-
 namespace {
 
 using orvane::GrabberException;
@@ -235,10 +233,24 @@ TEST_F(InfoGrabberV3Test, NoRecord_Throws) {
     EXPECT_EQ(FailureOf(grabber), L"InfoGrabberV3::CaptureInfo: Cannot get BMREnvInfoV3");
 }
 
+struct ThreadCapture {
+    orvane::InfoGrabberV3& grabber;
+    std::wstring failure;
+};
+
+DWORD WINAPI CaptureOnThread(void* argument) {
+    auto& capture = *static_cast<ThreadCapture*>(argument);
+    capture.failure = FailureOf(capture.grabber);
+    return 0;
+}
+
 TEST_F(InfoGrabberV3Test, ThreadWithoutCom_CannotWriteTheDocument) {
-    std::wstring message;
-    std::thread([&] { message = FailureOf(grabber_); }).join();
-    EXPECT_EQ(message, L"InfoGrabber::CaptureInfo: Failed to load XML configuration");
+    ThreadCapture capture{grabber_, {}};
+    HANDLE const thread = CreateThread(nullptr, 0, &CaptureOnThread, &capture, 0, nullptr);
+    ASSERT_NE(thread, nullptr);
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
+    EXPECT_EQ(capture.failure, L"InfoGrabber::CaptureInfo: Failed to load XML configuration");
 }
 
 int WINAPI RefuseToConvert(UINT, DWORD, const wchar_t*, int, char*, int, const char*, BOOL*) {
