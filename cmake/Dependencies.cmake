@@ -32,7 +32,7 @@ if(BUILD_TESTING)
     set(CMAKE_WARN_DEPRECATED OFF)
     add_subdirectory("${ORVANE_GOOGLETEST_DIR}" "${PROJECT_BINARY_DIR}/deps/googletest" EXCLUDE_FROM_ALL SYSTEM)
     foreach(library gtest gtest_main gmock gmock_main)
-        target_compile_options(${library} PRIVATE -w)
+        target_compile_options(${library} PRIVATE -w -O0)
         # The compiler has no thread library, so no test may assert outside its own thread.
         target_compile_definitions(${library} PUBLIC GTEST_IS_THREADSAFE=0)
         target_compile_options(${library} PRIVATE -include "${CMAKE_CURRENT_SOURCE_DIR}/cmake/gtest_without_death_tests.h")

@@ -15,6 +15,27 @@ add_library(orvane_base INTERFACE)
 target_include_directories(orvane_base INTERFACE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}/include")
 target_link_libraries(orvane_base INTERFACE orvane_boost)
 
+# Compiles a header once, for the targets that take it with orvane_precompile and are compiled with the same options.
+# orvane_precompiled_header(<name> <header> [<libraries and options>])
+function(orvane_precompiled_header name header)
+    set(source "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
+    file(CONFIGURE OUTPUT "${source}" CONTENT "")
+    add_library(${name} OBJECT "${source}")
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
+    target_link_libraries(${name} PRIVATE orvane_options orvane_base ${ARGN})
+    target_precompile_headers(${name} PRIVATE "$<$<COMPILE_LANGUAGE:CXX>:${PROJECT_SOURCE_DIR}/${header}>")
+endfunction()
+
+function(orvane_precompile target name)
+    target_precompile_headers(${target} REUSE_FROM ${name})
+    # A precompiled header of GCC 12 does not keep which warnings the system's headers suppress: these are then raised
+    # inside std::string. `make lint` compiles without it, and with them.
+    target_compile_options(${target} PRIVATE
+        $<$<COMPILE_LANGUAGE:CXX>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>)
+endfunction()
+
+orvane_precompiled_header(orvane_precompiled cmake/precompiled.h)
+
 # See cmake/rooms.cmake. A folder that holds headers only becomes an interface library; a main.cpp is left to the
 # program that it belongs to.
 function(orvane_room)
@@ -31,6 +52,7 @@ function(orvane_room)
     if(sources)
         add_library(${ROOM_NAME} STATIC ${sources})
         target_link_libraries(${ROOM_NAME} PRIVATE orvane_options)
+        orvane_precompile(${ROOM_NAME} orvane_precompiled)
         set(scope PUBLIC)
     else()
         add_library(${ROOM_NAME} INTERFACE)
@@ -50,6 +72,18 @@ function(orvane_program name)
     target_link_options(${name} PRIVATE -static)
 endfunction()
 
+# Tests are compiled often and run once: without optimisation.
+add_library(orvane_test_options INTERFACE)
+target_compile_options(orvane_test_options INTERFACE -O0)
+
+# A program of tests.
+function(orvane_test_program name)
+    orvane_program(${name} ${ARGN})
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(${name} PRIVATE orvane_test_options gmock gtest)
+    orvane_precompile(${name} orvane_test_precompiled)
+endfunction()
+
 # orvane_test(NAME <target> DIR <folder> [LINKS <libraries>] [DEFINES <definitions>])
 # One test program of all sources of a folder, and one CTest test that runs it; nothing when the folder is empty.
 function(orvane_test)
@@ -59,8 +93,7 @@ function(orvane_test)
     if(NOT sources)
         return()
     endif()
-    orvane_program(${TEST_NAME} ${sources})
-    target_include_directories(${TEST_NAME} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    orvane_test_program(${TEST_NAME} ${sources})
     target_compile_definitions(${TEST_NAME} PRIVATE
         ORVANE_SOURCE_DIR="${ORVANE_RUN_ROOT}${PROJECT_SOURCE_DIR}"
         ORVANE_BINARY_DIR="${ORVANE_RUN_ROOT}${PROJECT_BINARY_DIR}"

@@ -38,3 +38,8 @@ orvane_room(NAME orvane_machine DIR machine ROOT .
 orvane_room(NAME orvane_host DIR tools/orvane ROOT .
     USES orvane_machine
     PACKAGES orvane_json orvane_cli11)
+
+# These two are no part of the library: a quick build is worth more than quick code.
+foreach(room orvane_machine orvane_host)
+    target_compile_options(${room} PRIVATE $<$<CONFIG:Release>:-O1>)
+endforeach()

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "machine/json_cursor.h"
 #include "machine/name_index.h"
 #include "machine/parsing.h"

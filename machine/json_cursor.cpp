@@ -5,6 +5,8 @@
 #include <iterator>
 #include <utility>
 
+#include <nlohmann/json.hpp>
+
 #include "machine/text.h"
 
 namespace machine {
@@ -59,6 +61,34 @@ void JsonCursor::Refuse(const std::string& reason) const {
     throw DescriptionError(*file_, path_, reason);
 }
 
+bool JsonCursor::is_null() const noexcept {
+    return value_->is_null();
+}
+
+bool JsonCursor::is_text() const noexcept {
+    return value_->is_string();
+}
+
+bool JsonCursor::is_object() const noexcept {
+    return value_->is_object();
+}
+
+bool JsonCursor::is_array() const noexcept {
+    return value_->is_array();
+}
+
+bool JsonCursor::is_bool() const noexcept {
+    return value_->is_boolean();
+}
+
+bool JsonCursor::is_fraction() const noexcept {
+    return value_->is_number_float();
+}
+
+bool JsonCursor::is_negative() const noexcept {
+    return value_->is_number_integer() && !value_->is_number_unsigned();
+}
+
 bool JsonCursor::Bool() const {
     if (!value_->is_boolean()) {
         Refuse("must be true or false");
@@ -91,6 +121,17 @@ std::uint64_t JsonCursor::Number(std::uint64_t limit) const {
         Refuse("must not be more than " + std::to_string(limit));
     }
     return *number;
+}
+
+std::int64_t JsonCursor::Negative() const {
+    return value_->get<std::int64_t>();
+}
+
+double JsonCursor::Real() const {
+    if (!value_->is_number()) {
+        Refuse("must be a number");
+    }
+    return value_->get<double>();
 }
 
 std::uint64_t JsonCursor::ByteCount() const {

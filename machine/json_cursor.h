@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "machine/description.h"
 
@@ -24,11 +24,13 @@ public:
 
     const std::string& path() const noexcept { return path_; }
     const nlohmann::json& value() const noexcept { return *value_; }
-    bool is_null() const noexcept { return value_->is_null(); }
-    bool is_text() const noexcept { return value_->is_string(); }
-    bool is_object() const noexcept { return value_->is_object(); }
-    bool is_array() const noexcept { return value_->is_array(); }
-    bool is_bool() const noexcept { return value_->is_boolean(); }
+    bool is_null() const noexcept;
+    bool is_text() const noexcept;
+    bool is_object() const noexcept;
+    bool is_array() const noexcept;
+    bool is_bool() const noexcept;
+    bool is_fraction() const noexcept;  // a number with a point or an exponent
+    bool is_negative() const noexcept;  // a whole number under 0
 
     bool Bool() const;
     std::string Utf8() const;
@@ -38,7 +40,11 @@ public:
     std::uint64_t Number(std::uint64_t limit = UINT64_MAX) const;
     std::uint32_t Number32() const { return static_cast<std::uint32_t>(Number(UINT32_MAX)); }
 
-    /// The same, also with a unit: "100 MiB", "2 TB".
+    /// A whole number under 0, where is_negative().
+    std::int64_t Negative() const;
+    double Real() const;
+
+    /// As Number, also with a unit: "100 MiB", "2 TB".
     std::uint64_t ByteCount() const;
 
     GUID Guid() const;

@@ -55,8 +55,8 @@ constexpr Range kRanges[] = {
 
 std::int64_t Integer(const JsonCursor& cursor, VARTYPE type) {
     const std::int64_t number =
-        cursor.value().is_number_integer() && !cursor.value().is_number_unsigned()
-            ? cursor.value().get<std::int64_t>()
+        cursor.is_negative()
+            ? cursor.Negative()
             : static_cast<std::int64_t>(cursor.Number(std::numeric_limits<std::int64_t>::max()));
     for (const Range& range : kRanges) {
         if (range.type == type && (number < range.least || number > range.most)) {
@@ -81,10 +81,7 @@ WmiValue Typed(const JsonCursor& cursor, VARTYPE type) {
             break;
         case VT_R4:
         case VT_R8:
-            if (!cursor.value().is_number()) {
-                cursor.Refuse("must be a number");
-            }
-            value.real = cursor.value().get<double>();
+            value.real = cursor.Real();
             break;
         case kTextArray:
             for (const JsonCursor& element : cursor.Elements()) {
@@ -111,7 +108,7 @@ VARTYPE NaturalType(const JsonCursor& cursor) {
     if (cursor.is_array()) {
         return kTextArray;
     }
-    return cursor.value().is_number_float() ? VT_R8 : VT_I4;
+    return cursor.is_fraction() ? VT_R8 : VT_I4;
 }
 
 WmiValue ValueOf(const JsonCursor& cursor) {
