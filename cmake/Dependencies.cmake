@@ -18,6 +18,8 @@ function(orvane_headers target probe)
 endfunction()
 
 orvane_headers(orvane_boost boost/shared_ptr.hpp)
+# Numbers are converted without the host's locale, and without the part of the runtime that reads it.
+target_compile_definitions(orvane_boost INTERFACE BOOST_LEXICAL_CAST_ASSUME_C_LOCALE)
 orvane_headers(orvane_json nlohmann/json.hpp)
 orvane_headers(orvane_cli11 CLI/CLI.hpp)
 

@@ -4,10 +4,14 @@
 #include "common/platform/case_folding.h"
 #include "common/xml/xml_values.h"
 
+#include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/make_shared.hpp>
 
 namespace bmr_common {
+
+using boost::algorithm::is_any_of;
+using boost::algorithm::trim_left_copy_if;
 
 const std::wstring kFindVolume = L"Find Volume";
 
@@ -23,7 +27,7 @@ bool VolumeManager::InitializeWithCurrentVolumes(const DeviceManager& disks,
             std::wstring error;
             if (!GetDeviceNamesMap(map, error)) {
                 GetLogger().Write(kLogError, L"%s %s", kFunction,
-                                  boost::algorithm::trim_left_copy(error).c_str());
+                                  trim_left_copy_if(error, is_any_of(L" ")).c_str());
                 status_.SetError(kFindVolume, error);
                 return false;
             }
