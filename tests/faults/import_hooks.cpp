@@ -7,7 +7,6 @@
 #include <oleauto.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <set>
 #include <stdexcept>
@@ -24,21 +23,7 @@ std::set<HANDLE> tokens;
 // Answers of the system are at least as large as this; smaller blocks are not worth two pages each.
 constexpr std::size_t kSmallestGuarded = 128;
 
-// The functions that are called in the end, by their own names.
-template <class Function>
-Function Real(const wchar_t* library, const char* name) {
-    const auto function = machine::RealFunction<Function>(library, name);
-    if (function == nullptr) {
-        throw std::runtime_error(std::string("the system lacks ") + name);
-    }
-    return function;
-}
-
 // --- Memory
-
-const auto real_malloc = Real<decltype(&std::malloc)>(L"msvcrt.dll", "malloc");
-const auto real_realloc = Real<decltype(&std::realloc)>(L"msvcrt.dll", "realloc");
-const auto real_free = Real<decltype(&std::free)>(L"msvcrt.dll", "free");
 
 void* Counted(void* block) {
     watch.balance.heap_blocks += block != nullptr ? 1 : 0;
@@ -46,49 +31,11 @@ void* Counted(void* block) {
 }
 
 bool OutOfMemory() {
-    if (!watch.allocations.Step()) {
-        return false;
-    }
-    errno = ENOMEM;
-    return true;
+    return watch.allocations.Step();
 }
 
 bool IsGuarded(std::size_t size) {
     return guarded && size >= kSmallestGuarded;
-}
-
-void* __cdecl WatchedMalloc(std::size_t size) {
-    if (OutOfMemory()) {
-        return nullptr;
-    }
-    return Counted(IsGuarded(size) ? AllocateGuarded(size) : real_malloc(size));
-}
-
-void __cdecl WatchedFree(void* block) {
-    if (block == nullptr) {
-        return;
-    }
-    --watch.balance.heap_blocks;
-    if (!FreeGuarded(block)) {
-        real_free(block);
-    }
-}
-
-void* __cdecl WatchedRealloc(void* block, std::size_t size) {
-    if (OutOfMemory()) {
-        return nullptr;
-    }
-    const std::size_t guarded_size = GuardedSize(block);
-    if (guarded_size == 0) {
-        void* const moved = real_realloc(block, size);
-        return block == nullptr ? Counted(moved) : moved;
-    }
-    void* const moved = real_malloc(size);
-    if (moved != nullptr) {
-        std::memcpy(moved, block, std::min(size, guarded_size));
-        FreeGuarded(block);
-    }
-    return moved;
 }
 
 void* WINAPI WatchedHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
@@ -104,6 +51,11 @@ BOOL WINAPI WatchedHeapFree(HANDLE heap, DWORD flags, void* block) {
     }
     --watch.balance.heap_blocks;
     return FreeGuarded(block) ? TRUE : ::HeapFree(heap, flags, block);
+}
+
+SIZE_T WINAPI WatchedHeapSize(HANDLE heap, DWORD flags, const void* block) {
+    const std::size_t guarded_size = GuardedSize(const_cast<void*>(block));
+    return guarded_size != 0 ? guarded_size : ::HeapSize(heap, flags, block);
 }
 
 BSTR WINAPI WatchedSysAllocString(const OLECHAR* text) {
@@ -285,9 +237,7 @@ void ResetGuids() {
 void InstallImportHooks(HMODULE module) {
     Hook(module, "HeapAlloc", &WatchedHeapAlloc);
     Hook(module, "HeapFree", &WatchedHeapFree);
-    Hook(module, "malloc", &WatchedMalloc);
-    Hook(module, "realloc", &WatchedRealloc);
-    Hook(module, "free", &WatchedFree);
+    Hook(module, "HeapSize", &WatchedHeapSize);
     Hook(module, "SysAllocString", &WatchedSysAllocString);
     Hook(module, "SysAllocStringLen", &WatchedSysAllocStringLen);
     Hook(module, "CoInitializeEx", &WatchedCoInitializeEx);

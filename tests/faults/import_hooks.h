@@ -18,7 +18,7 @@ struct Balance {
     bool operator==(const Balance&) const = default;
 };
 
-/// The library's own imports under watch: memory (its heap, malloc and its kin, BSTRs), COM, registry,
+/// The library's own imports under watch: memory (its heap, BSTRs), COM, registry,
 /// privileges and text conversion. One thread.
 struct ImportWatch {
     Meter allocations;

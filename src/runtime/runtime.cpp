@@ -1,0 +1,180 @@
+// The library's entry point and its memory. An agent may load and unload the library as often as it likes:
+// nothing is left behind.
+
+#include "common/windows.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+
+// The linker sends malloc, its kin and two imports of the C++ runtime to the __wrap_ symbols.
+extern "C" {
+using TlsAllocFunction = DWORD(WINAPI*)();
+using CreateSemaphoreFunction = HANDLE(WINAPI*)(SECURITY_ATTRIBUTES*, LONG, LONG, LPCWSTR);
+
+BOOL WINAPI DllMainCRTStartup(HINSTANCE module, DWORD reason, LPVOID reserved);
+BOOL WINAPI OrvaneEntry(HINSTANCE module, DWORD reason, LPVOID reserved);
+
+void* LibraryMalloc(std::size_t size) __asm__("__wrap_malloc");
+void* LibraryCalloc(std::size_t count, std::size_t size) __asm__("__wrap_calloc");
+void* LibraryRealloc(void* block, std::size_t size) __asm__("__wrap_realloc");
+void LibraryFree(void* block) __asm__("__wrap_free");
+
+extern const TlsAllocFunction system_tls_alloc __asm__("__real___imp_TlsAlloc");
+extern const CreateSemaphoreFunction system_create_semaphore __asm__("__real___imp_CreateSemaphoreW");
+extern const TlsAllocFunction tls_alloc __asm__("__wrap___imp_TlsAlloc");
+extern const CreateSemaphoreFunction create_semaphore __asm__("__wrap___imp_CreateSemaphoreW");
+}
+
+namespace {
+
+// --- Memory: one heap for new and malloc, which goes back to the system in one piece.
+
+// A capture of the example workstation holds up to 150 KiB at a time.
+constexpr std::size_t kFirstHeapBytes = std::size_t{192} * 1024;
+
+constinit HANDLE heap = nullptr;
+
+// For a thread's first exception the C++ runtime allocates two small blocks, and ends the process, which is
+// the agent's, when it gets none. So malloc falls back on these when the heap is exhausted.
+struct alignas(std::max_align_t) ReserveBlock {
+    std::array<unsigned char, 512> bytes;
+};
+
+constinit std::array<ReserveBlock, 64> reserve{};
+constinit std::array<volatile LONG, 64> reserve_taken{};
+
+ReserveBlock* TakeFromReserve(std::size_t size) {
+    for (std::size_t i = 0; i < reserve.size() && size <= sizeof(ReserveBlock); ++i) {
+        if (InterlockedExchange(&reserve_taken[i], TRUE) == FALSE) {
+            return &reserve[i];
+        }
+    }
+    return nullptr;
+}
+
+bool IsInReserve(const void* block) {
+    const auto offset = reinterpret_cast<std::uintptr_t>(block) - reinterpret_cast<std::uintptr_t>(&reserve);
+    return offset < sizeof(reserve);
+}
+
+void* AllocateFromHeap(std::size_t size) {
+    return heap != nullptr ? HeapAlloc(heap, 0, size) : nullptr;
+}
+
+// --- What the C++ runtime takes after loading and never gives back.
+
+// A thread slot and the semaphore of a mutex for the records of exceptions, the semaphore of the mutex of
+// static objects. The runtime does give back the semaphores that it makes while it is loaded.
+constinit bool loaded = false;
+constinit DWORD thread_slot = TLS_OUT_OF_INDEXES;
+constinit std::array<HANDLE, 8> semaphores{};
+constinit LONG semaphore_count = 0;
+
+DWORD WINAPI TakeThreadSlot() {
+    thread_slot = system_tls_alloc();
+    return thread_slot;
+}
+
+HANDLE WINAPI CreateKeptSemaphore(SECURITY_ATTRIBUTES* attributes, LONG count, LONG most, LPCWSTR name) {
+    HANDLE const semaphore = system_create_semaphore(attributes, count, most, name);
+    if (loaded && semaphore != nullptr) {
+        const auto index = static_cast<std::size_t>(InterlockedIncrement(&semaphore_count) - 1);
+        if (index < semaphores.size()) {
+            semaphores[index] = semaphore;
+        }
+    }
+    return semaphore;
+}
+
+void GiveBack() {
+    TlsFree(thread_slot);
+    for (HANDLE semaphore : semaphores) {
+        if (semaphore != nullptr) {
+            CloseHandle(semaphore);
+        }
+    }
+    HeapDestroy(heap);
+    heap = nullptr;
+}
+
+}  // namespace
+
+const TlsAllocFunction tls_alloc = &TakeThreadSlot;
+const CreateSemaphoreFunction create_semaphore = &CreateKeptSemaphore;
+
+BOOL WINAPI OrvaneEntry(HINSTANCE module, DWORD reason, LPVOID reserved) {
+    if (reason == DLL_PROCESS_ATTACH) {
+        heap = HeapCreate(0, kFirstHeapBytes, 0);
+    }
+    if (heap == nullptr) {
+        return FALSE;
+    }
+    const bool process_ends = reason == DLL_PROCESS_DETACH && reserved != nullptr;
+    if (process_ends) {
+        // Nothing is freed any more: a thread that the system has ended may hold the heap's lock for ever.
+        heap = nullptr;
+    }
+    const BOOL result = DllMainCRTStartup(module, reason, reserved);
+    loaded = true;
+    if (reason == DLL_PROCESS_DETACH && !process_ends) {
+        GiveBack();
+    }
+    return result;
+}
+
+void* LibraryMalloc(std::size_t size) {
+    void* const block = AllocateFromHeap(size);
+    return block != nullptr ? block : TakeFromReserve(size);
+}
+
+void* LibraryCalloc(std::size_t count, std::size_t size) {
+    if (size != 0 && count > std::numeric_limits<std::size_t>::max() / size) {
+        return nullptr;
+    }
+    void* const block = LibraryMalloc(count * size);
+    return block != nullptr ? std::memset(block, 0, count * size) : nullptr;
+}
+
+void LibraryFree(void* block) {
+    if (IsInReserve(block)) {
+        InterlockedExchange(
+            &reserve_taken[static_cast<std::size_t>(static_cast<ReserveBlock*>(block) - reserve.data())],
+            FALSE);
+    } else if (block != nullptr && heap != nullptr) {
+        HeapFree(heap, 0, block);
+    }
+}
+
+void* LibraryRealloc(void* block, std::size_t size) {
+    if (block == nullptr || heap == nullptr) {
+        return LibraryMalloc(size);
+    }
+    const std::size_t old_size = IsInReserve(block) ? sizeof(ReserveBlock) : HeapSize(heap, 0, block);
+    void* const moved = LibraryMalloc(size);
+    if (moved != nullptr) {
+        std::memcpy(moved, block, std::min(size, old_size));
+        LibraryFree(block);
+    }
+    return moved;
+}
+
+void* operator new(std::size_t size) {
+    void* const block = AllocateFromHeap(size);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void operator delete(void* block) noexcept {
+    LibraryFree(block);
+}
+
+void operator delete(void* block, std::size_t /*size*/) noexcept {
+    LibraryFree(block);
+}
