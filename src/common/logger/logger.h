@@ -20,7 +20,8 @@ public:
     CLogger(const CLogger&) = delete;
     CLogger& operator=(const CLogger&) = delete;
 
-    // Delivers one finished message. `length` is in characters, without the terminator.
+    // Delivers one finished message, which goes as far as its terminator. `length` tells how many characters
+    // these are; nothing is cut by it.
     virtual void Output(int level, const wchar_t* text, std::size_t length) = 0;
     // The highest level that this logger lets through.
     virtual int GetLevel() const = 0;
