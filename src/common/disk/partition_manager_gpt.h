@@ -6,7 +6,8 @@
 namespace bmr_common {
 
 // The table of a GUID-partition-table disk. The editing operations work on the copy in memory; they need a
-// successful Initialize, and leave the copy as it was when they fail (false, after a level 2 line).
+// successful Initialize, and leave the copy as it was when they fail (false, after a level 2 line; an
+// alignment of 0 is such a failure).
 class PartitionManagerGPT : public PartitionManager {
 public:
     using PartitionManager::PartitionManager;
@@ -25,7 +26,7 @@ public:
     virtual bool DeletePartitionsAndWrite(const std::vector<std::int64_t>& offsets);
     // Adds a partition at the requested start, rounded up to `alignment`, with the requested size or, where
     // that does not fit, whatever there is down to the minimum. Stores what it used in `used_start` and
-    // `used_size`.
+    // `used_size`, which a failure for an alignment of 0 leaves alone.
     virtual bool AddPartitionInMemory(const std::int64_t& requested_start, const std::int64_t& requested_size,
                                       const std::int64_t& minimum_size, const std::int64_t& disk_size,
                                       std::uint32_t alignment, const GUID& type, std::int64_t* used_start,
