@@ -56,7 +56,9 @@ public:
                                          std::uint32_t alignment) const;
     // Whether start and end lie on boundaries of `alignment`; when not, or when it is 0, one level 2 line.
     static bool PartitionCorrectlyAligned(std::int64_t start, std::int64_t length, std::uint32_t alignment);
-    // Writes `layout` to the disk, every entry marked to be rewritten. On failure false after a level 2 line.
+    // Writes `layout` to the disk, every entry marked to be rewritten. On failure false after a level 2 line;
+    // the marks stay in `layout`. The disk then holds its old table where it was not opened, what the driver
+    // left where the writing failed, and the new table where only a step behind that failed.
     bool WritePartitionTableToDisk(win::ByteBuffer& layout) const;
 
     void FindPartitionsContainingExtent(std::int64_t offset, std::int64_t length,
