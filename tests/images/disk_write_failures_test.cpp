@@ -118,6 +118,11 @@ TEST_P(LayoutFailure, DeletePartitionsAndWrite_OneStepFails_LeavesWhatTheStepsBe
     EXPECT_EQ(0U, simulation.open_handles());
     EXPECT_EQ(0U, simulation.stale_handle_uses());
     EXPECT_TRUE(expected == image.bytes());
+    // Whatever the disk holds, the manager holds the edited table.
+    EXPECT_EQ(3U, manager.partitions().size());
+    EXPECT_EQ(nullptr, manager.FindUsedPartition(8 * kMiB));
+    ASSERT_NE(nullptr, manager.layout());
+    EXPECT_EQ(3U, manager.layout()->PartitionCount);
 }
 
 INSTANTIATE_TEST_SUITE_P(Steps, LayoutFailure,

@@ -10,12 +10,24 @@ namespace {
 constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
 
 std::atomic<std::size_t> smallest_failing_now{kNever};
+std::atomic<std::size_t> still_allowed{0};
 std::atomic<std::size_t> hit_count{0};
+
+// Whether an allocation of that size is one to fail; takes one of those that are still allowed.
+bool IsToFail(std::size_t size) {
+    if (size < smallest_failing_now) {
+        return false;
+    }
+    std::size_t left = still_allowed;
+    while (left != 0 && !still_allowed.compare_exchange_weak(left, left - 1)) {
+    }
+    return left == 0;
+}
 
 }  // namespace
 
 void* operator new(std::size_t size) {
-    if (size >= smallest_failing_now) {
+    if (IsToFail(size)) {
         ++hit_count;
         throw std::bad_alloc();
     }
@@ -36,9 +48,16 @@ void operator delete(void* memory, std::size_t /*size*/) noexcept {
 
 namespace support {
 
-AllocationFailure::AllocationFailure(std::size_t smallest_failing) {
+AllocationFailure::AllocationFailure(std::size_t smallest_failing) : AllocationFailure(smallest_failing, 0) {}
+
+AllocationFailure::AllocationFailure(std::size_t smallest_failing, std::size_t allowed) {
     hit_count = 0;
+    still_allowed = allowed;
     smallest_failing_now = smallest_failing;
+}
+
+AllocationFailure AllocationFailure::After(std::size_t allowed) {
+    return {0, allowed};
 }
 
 AllocationFailure::~AllocationFailure() {

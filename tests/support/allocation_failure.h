@@ -9,6 +9,8 @@ namespace support {
 class AllocationFailure {
 public:
     explicit AllocationFailure(std::size_t smallest_failing);
+    /// The next `allowed` allocations of whatever size succeed, all after them fail.
+    static AllocationFailure After(std::size_t allowed);
     ~AllocationFailure();
 
     AllocationFailure(const AllocationFailure&) = delete;
@@ -16,6 +18,9 @@ public:
 
     /// How many allocations it has made to fail.
     std::size_t hits() const noexcept;
+
+private:
+    AllocationFailure(std::size_t smallest_failing, std::size_t allowed);
 };
 
 }  // namespace support

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -61,6 +62,24 @@ LSTATUS FindStartOptions(HKEY key, std::wstring& options) {
     return status;
 }
 
+bool OpenControlKey(CRegistry& registry, HKEY& key) {
+    try {
+        return registry.OpenKey(HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control", KEY_READ, key);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+// Closes the key.
+LSTATUS ReadStartOptions(CRegistry& registry, HKEY key, std::wstring& options) {
+    const ScopeExit close([&] { registry.CloseKey(key); });
+    try {
+        return FindStartOptions(key, options);
+    } catch (const std::bad_alloc&) {
+        return ERROR_OUTOFMEMORY;
+    }
+}
+
 }  // namespace
 
 void SortVolumeTable(std::vector<::Volume>& volumes) {
@@ -98,14 +117,11 @@ int GetBootOptions(std::wstring& options) {
     EnableBackupPrivileges();
     CRegistry registry;
     HKEY key = nullptr;
-    if (!registry.OpenKey(HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control", KEY_READ, key)) {
+    if (!OpenControlKey(registry, key)) {
         GetLogger().Write(kLogError, L"GetBootOptions Failed to open registry");
         return 0;
     }
-    const LSTATUS status = [&] {
-        const ScopeExit close([&] { registry.CloseKey(key); });
-        return FindStartOptions(key, options);
-    }();
+    const LSTATUS status = ReadStartOptions(registry, key, options);
     if (status != ERROR_SUCCESS) {
         GetLogger().Write(kLogError, L"GetBootOptions failed to find %s error=%d", kSystemStartOptions,
                           status);

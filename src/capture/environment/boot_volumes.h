@@ -12,7 +12,8 @@ int FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLe
                              BootConfig& boot_config, const OSInfo& os);
 
 // Reads the options that the running system was started with. Enables the process's backup and restore
-// privileges. Non-zero on success, 0 after one level 2 line.
+// privileges. Non-zero on success, 0 after one level 2 line; memory running out is such a failure, nothing is
+// thrown.
 int GetBootOptions(std::wstring& options);
 
 // Puts the table in order of the drive letters; volumes without one come first.

@@ -39,7 +39,7 @@ public:
     // Whether exactly one partition contains the extent and it is the one the machine boots from.
     virtual bool ExtentIsOnBootablePartition(const std::int64_t& offset,
                                              const std::int64_t& length) const = 0;
-    // The bytes from `offset` to the end of what partitions may use.
+    // The bytes from `offset` to the end of what partitions may use. Reckons with any alignment, 0 included.
     virtual std::int64_t GetSpaceToEnd(const std::int64_t& offset, const std::int64_t& disk_size,
                                        std::uint32_t alignment) const;
 
@@ -50,11 +50,15 @@ public:
     bool GetDriveLayoutEx(const UniqueFile& drive);
     // The start of the first partition strictly after `offset`.
     bool GetNextPartitionAfter(std::int64_t offset, std::int64_t& next) const;
-    // The largest partition that could start at `offset`, a multiple of `alignment` (not 0).
+    // The largest partition that could start at `offset`, a multiple of `alignment`. 0 after a level 2 line
+    // where `offset` does not lie on the disk or `alignment` is 0.
     std::int64_t GetMaximumPartitionSize(std::int64_t offset, std::int64_t disk_size,
                                          std::uint32_t alignment) const;
+    // Whether start and end lie on boundaries of `alignment`; when not, or when it is 0, one level 2 line.
     static bool PartitionCorrectlyAligned(std::int64_t start, std::int64_t length, std::uint32_t alignment);
-    // Writes `layout` to the disk, every entry marked to be rewritten. On failure false after a level 2 line.
+    // Writes `layout` to the disk, every entry marked to be rewritten. On failure false after a level 2 line;
+    // the marks stay in `layout`. The disk then holds its old table where it was not opened, what the driver
+    // left where the writing failed, and the new table where only a step behind that failed.
     bool WritePartitionTableToDisk(win::ByteBuffer& layout) const;
 
     void FindPartitionsContainingExtent(std::int64_t offset, std::int64_t length,
@@ -85,6 +89,8 @@ protected:
     static win::ByteBuffer MakeLayout(std::size_t entries);
     DRIVE_LAYOUT_INFORMATION_EX* mutable_layout();
     void AddPartitionsOfLayout();
+    // False after a level 2 line of `function` for the alignment of 0, to which nothing can be rounded.
+    static bool IsUsableAlignment(const wchar_t* function, std::uint32_t alignment);
 
     OperationStatus status_;
     const std::uint32_t disk_index_;

@@ -26,11 +26,22 @@ bool PartitionManager::GetNextPartitionAfter(std::int64_t offset, std::int64_t& 
     return true;
 }
 
+bool PartitionManager::IsUsableAlignment(const wchar_t* function, std::uint32_t alignment) {
+    if (alignment == 0) {
+        GetLogger().Write(kLogError, L"%s the alignment is 0", function);
+    }
+    return alignment != 0;
+}
+
 std::int64_t PartitionManager::GetMaximumPartitionSize(std::int64_t offset, std::int64_t disk_size,
                                                        std::uint32_t alignment) const {
+    constexpr const wchar_t* kFunction = L"bmr_common::PartitionManager::GetMaximumPartitionSize";
     if (offset >= disk_size) {
-        GetLogger().Write(kLogError, L"%s Disk offset %I64i larger that disk size %I64i",
-                          L"bmr_common::PartitionManager::GetMaximumPartitionSize", offset, disk_size);
+        GetLogger().Write(kLogError, L"%s Disk offset %I64i larger that disk size %I64i", kFunction, offset,
+                          disk_size);
+        return 0;
+    }
+    if (!IsUsableAlignment(kFunction, alignment)) {
         return 0;
     }
     std::int64_t next = 0;
@@ -43,6 +54,9 @@ std::int64_t PartitionManager::GetMaximumPartitionSize(std::int64_t offset, std:
 bool PartitionManager::PartitionCorrectlyAligned(std::int64_t start, std::int64_t length,
                                                  std::uint32_t alignment) {
     constexpr const wchar_t* kFunction = L"bmr_common::PartitionManager::PartitionCorrectlyAligned";
+    if (!IsUsableAlignment(kFunction, alignment)) {
+        return false;
+    }
     if (start % std::int64_t{alignment} != 0) {
         GetLogger().Write(kLogError, L"%s partition's starting_offset %I64i not aligned on %u boundary ",
                           kFunction, start, alignment);

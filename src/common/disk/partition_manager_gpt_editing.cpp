@@ -41,8 +41,9 @@ bool PartitionManagerGPT::AddPartitionInMemory(const std::int64_t& requested_sta
                                                const std::int64_t& disk_size, std::uint32_t alignment,
                                                const GUID& type, std::int64_t* used_start,
                                                std::int64_t* used_size) {
+    constexpr const wchar_t* kFunction = L"bmr_common::PartitionManagerGPT::AddPartitionInMemory";
     const PartitionPtr partition = CreatePartition();
-    if (used_start == nullptr || used_size == nullptr) {
+    if (used_start == nullptr || used_size == nullptr || !IsUsableAlignment(kFunction, alignment)) {
         return false;
     }
     const std::int64_t start = RoundUp(requested_start, alignment);
@@ -54,7 +55,7 @@ bool PartitionManagerGPT::AddPartitionInMemory(const std::int64_t& requested_sta
         if (size < minimum) {
             GetLogger().Write(kLogError,
                               L"%s Maximum available size is %I64i but minimum requested was %I64i.",
-                              L"bmr_common::PartitionManagerGPT::AddPartitionInMemory", size, minimum);
+                              kFunction, size, minimum);
             return false;
         }
     }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 
 // Levels of a message; smaller is more severe. Level 1 is reserved.
 enum LogLevel : int {
@@ -20,7 +19,8 @@ public:
     CLogger(const CLogger&) = delete;
     CLogger& operator=(const CLogger&) = delete;
 
-    // Delivers one finished message. `length` is in characters, without the terminator.
+    // Delivers one finished message, which goes as far as its terminator. `length` tells how many characters
+    // these are; nothing is cut by it.
     virtual void Output(int level, const wchar_t* text, std::size_t length) = 0;
     // The highest level that this logger lets through.
     virtual int GetLevel() const = 0;
@@ -34,15 +34,11 @@ public:
     // Returns 1 when the message was delivered, 0 when it was dropped by its level or something threw.
     int Write(int level, const wchar_t* format, ...);
 
-    // As Write, at a fraction of the cost, for the entering and leaving lines, which most lines are. The
-    // format must hold one %s, for the function, and end in its one %d.
-    int WriteFunctionLine(int level, const wchar_t* format, std::wstring_view function, int line);
-
     // Outputs a text that is itself read as a format: "%d" prints `argument`, "%%" one percent sign.
     // Conversions that would follow a pointer nobody passed ("%s", "%n") stand in the output as they are.
     int WriteTextAsFormat(int level, const wchar_t* text, std::size_t argument = 0);
 
 private:
     template <class Compose>
-    int Deliver(int level, const wchar_t* format, Compose&& compose);
+    int Deliver(int level, const wchar_t* given, Compose&& compose);
 };

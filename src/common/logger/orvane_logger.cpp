@@ -16,21 +16,6 @@ std::int32_t HostLevel(int level) {
     return kHostLevels[known ? static_cast<std::size_t>(level) : 0];
 }
 
-// Most lines are ASCII, which is the same in every locale. False, with anything in `narrow`, for another text
-// or one that does not fit.
-bool CopyAscii(std::wstring_view text, std::array<char, kNarrowBytes>& narrow) {
-    constexpr wchar_t kLast = 0x7F;
-    if (text.size() >= narrow.size()) {
-        return false;
-    }
-    wchar_t all = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        all |= text[i];
-        narrow[i] = static_cast<char>(text[i]);
-    }
-    return all <= kLast;
-}
-
 }  // namespace
 
 OrvaneLogger& GetLogger() {
@@ -57,10 +42,6 @@ void OrvaneLogger::Output(int level, const wchar_t* text, std::size_t length) {
         return;
     }
     std::array<char, kNarrowBytes> narrow{};
-    if (CopyAscii({text, length}, narrow)) {
-        callback_(HostLevel(level), narrow.data());
-        return;
-    }
     std::size_t converted = 0;
     // A full buffer is measured as well: not every runtime reports that it has cut the text.
     if (wcstombs_s(&converted, narrow.data(), narrow.size(), text, _TRUNCATE) != 0 ||

@@ -6,12 +6,12 @@
 #include <type_traits>
 #include <utility>
 
-// What nobody sees costs a look at the logger and no call.
-inline void WriteFunctionLine(const wchar_t* format, const wchar_t* function, int line) {
-    OrvaneLogger& logger = GetLogger();
-    if (logger.IsSeen(kLogTrace)) {
-        logger.WriteFunctionLine(kLogTrace, format, function, line);
-    }
+inline void LogEntering(const wchar_t* function, int line) {
+    GetLogger().Write(kLogTrace, L"Entering function %s line %d", function, line);
+}
+
+inline void LogLeaving(const wchar_t* function, int line) {
+    GetLogger().Write(kLogTrace, L"Leaving function %s line %d", function, line);
 }
 
 // Runs `body` between the entering and the leaving line of `function` (its qualified name) and returns what
@@ -20,14 +20,13 @@ template <class Body>
 auto Traced(const wchar_t* function, Body&& body,
             const std::source_location where = std::source_location::current()) {
     const auto line = static_cast<int>(where.line());
-    WriteFunctionLine(L"Entering function %s line %d", function, line);
-    const auto leave = [&] { WriteFunctionLine(L"Leaving function %s line %d", function, line); };
+    LogEntering(function, line);
     if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
         std::forward<Body>(body)();
-        leave();
+        LogLeaving(function, line);
     } else {
         auto result = std::forward<Body>(body)();
-        leave();
+        LogLeaving(function, line);
         return result;
     }
 }
@@ -39,7 +38,7 @@ auto TracedToTheEnd(const wchar_t* function, Body&& body,
     try {
         return Traced(function, std::forward<Body>(body), where);
     } catch (...) {
-        WriteFunctionLine(L"Leaving function %s line %d", function, static_cast<int>(where.line()));
+        LogLeaving(function, static_cast<int>(where.line()));
         throw;
     }
 }

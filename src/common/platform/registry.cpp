@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -19,16 +20,20 @@ bool TraceResult(bool result, const wchar_t* exit_line) {
     return result;
 }
 
-// False when there is no memory for a value of that size, or the size is none that a value can have.
+// False when the size is none that a value can have, for which no memory is taken, or there is no memory for
+// it.
 template <class Container>
 bool MakeRoom(Container& container, std::size_t size) {
     constexpr std::size_t kLargestValue = std::size_t{1} << 30;
+    if (size > kLargestValue) {
+        return false;
+    }
     try {
-        container.resize(std::min(size, kLargestValue));
+        container.resize(size);
     } catch (const std::bad_alloc&) {
         return false;
     }
-    return size <= kLargestValue;
+    return true;
 }
 
 bool ValueFailed(int level, const wchar_t* format, const std::wstring& name, LSTATUS status) {
@@ -125,7 +130,8 @@ bool CRegistry::GetValue(HKEY key, const std::wstring& name, std::wstring& value
     if (status != ERROR_SUCCESS) {
         return ValueFailed(kLogWarning, kFailure, name, status);
     }
-    value.assign(text, 0, text.find(L'\0'));
+    text.resize(std::min(text.find(L'\0'), text.size()));
+    value = std::move(text);
     return true;
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // A cursor over the values of a key, which stays the caller's.
@@ -11,10 +12,12 @@ struct RegistryValueCursor {
     static constexpr std::size_t kNameCharacters = 16383;  // the longest name of a value
     static constexpr std::size_t kDataCharacters = 16383;
 
-    // `data_bytes` is the length of the longest data that can be read.
+    // `data_bytes` is the length of the longest data that can be read. Throws std::bad_alloc when there is no
+    // memory for the buffers.
     explicit RegistryValueCursor(HKEY open_key, std::size_t data_bytes = kDataCharacters * sizeof(wchar_t));
 
-    std::wstring Name() const { return {name.data(), name_length}; }
+    // Valid until the cursor moves.
+    std::wstring_view Name() const { return {name.data(), name_length}; }
 
     HKEY key;
     DWORD index = 0;
@@ -32,9 +35,9 @@ struct RegistryValue {
     std::vector<unsigned char> data;
 };
 
-// The registry. Keys are plain handles that belong to the caller. Failures are false and lines in the log;
-// nothing throws but GetCurrentControlSetName. Hives need the backup and restore privileges, which the caller
-// enables.
+// The registry. Keys are plain handles that belong to the caller. Failures, memory running out among them,
+// are false and lines in the log; nothing throws but GetCurrentControlSetName. Hives need the backup and
+// restore privileges, which the caller enables.
 class CRegistry {
 public:
     CRegistry() = default;
@@ -51,7 +54,8 @@ public:
     virtual bool ModifyRegValues(HKEY key, const std::vector<RegistryValue>& values);
     virtual bool VerifyKeyExistance(HKEY parent, const std::wstring& path);
     // The name ("ControlSet001") of the control set that the system under `windows_directory` marks current,
-    // out of its SYSTEM hive. Throws a std::wstring that says what failed.
+    // out of its SYSTEM hive. Throws a std::wstring that says what failed, and nothing else: where there is
+    // not even the memory to compose it, it is "Memory".
     virtual std::wstring GetCurrentControlSetName(const std::wstring& windows_directory);
     virtual bool GetValue(HKEY key, const std::wstring& name, std::wstring& value);
     virtual bool GetValue(HKEY key, const std::wstring& name, std::uint32_t& value);

@@ -1,18 +1,26 @@
 // The search for the current control set in a system's hive.
 
+#include "common/platform/listing_bound.h"
 #include "common/platform/registry.h"
 #include "common/platform/scope_exit.h"
 
 #include <array>
 #include <cstring>
 #include <cwchar>
+#include <new>
 
 namespace {
 
-constexpr wchar_t kHiveKey[] = L"ControlSetSearchHive";
-
 [[noreturn]] void Fail(const std::wstring& message) {
     throw L"Error in " + std::wstring(L"CRegistry::GetCurrentControlSetName") + L" - " + message;
+}
+
+[[noreturn]] void FailWithoutMemory() {
+    try {
+        Fail(L"Not enough memory");
+    } catch (const std::bad_alloc&) {
+        throw std::wstring(L"Memory");  // so short that it lies in the object itself
+    }
 }
 
 std::wstring ControlSetName(std::uint32_t number) {
@@ -26,40 +34,52 @@ std::wstring ControlSetName(std::uint32_t number) {
     return std::wstring(L"ControlSet") + digits.data();
 }
 
-std::wstring FindCurrentControlSet(HKEY select_key) {
+// The number that the key's values name as the current control set; false where none does.
+bool FindCurrentNumber(HKEY select_key, std::uint32_t& number) {
     RegistryValueCursor cursor(select_key);
-    for (LSTATUS status = CRegistry::FindFirstValue(cursor); status == ERROR_SUCCESS;
-         status = CRegistry::FindNextValue(cursor)) {
-        std::uint32_t number = 0;
+    LSTATUS status = CRegistry::FindFirstValue(cursor);
+    for (std::size_t i = 0; i < kMostListed && status == ERROR_SUCCESS; ++i) {
         if (cursor.Name() == L"Current" && cursor.type == REG_DWORD && cursor.data_length >= sizeof(number)) {
             std::memcpy(&number, cursor.data.data(), sizeof(number));
-            return ControlSetName(number);
+            return true;
         }
+        status = CRegistry::FindNextValue(cursor);
     }
-    return {};
+    return false;
+}
+
+std::wstring HiveFile(const std::wstring& windows_directory) {
+    return windows_directory + (windows_directory.ends_with(L'\\') ? L"" : L"\\") +
+           L"system32\\config\\SYSTEM";
+}
+
+// As GetCurrentControlSetName, but for memory running out, which is std::bad_alloc.
+std::wstring CurrentControlSetIn(CRegistry& registry, const std::wstring& file) {
+    // Made before the hive is loaded: unloading must need no memory.
+    const std::wstring hive_key = L"ControlSetSearchHive";
+    if (!registry.LoadHive(HKEY_LOCAL_MACHINE, hive_key, file)) {
+        Fail(L"Failed to load the system hive " + file);
+    }
+    const ScopeExit unload([&] { registry.UnloadHive(HKEY_LOCAL_MACHINE, hive_key); });
+    const std::wstring path = hive_key + L"\\Select";
+    HKEY select_key = nullptr;
+    if (!registry.OpenKey(HKEY_LOCAL_MACHINE, path, KEY_READ, select_key)) {
+        Fail(L"Failed to open the Key " + path);
+    }
+    const ScopeExit close([&] { registry.CloseKey(select_key); });
+    std::uint32_t number = 0;
+    if (!FindCurrentNumber(select_key, number)) {
+        Fail(L"Failed to find current ControlSet");
+    }
+    return ControlSetName(number);
 }
 
 }  // namespace
 
 std::wstring CRegistry::GetCurrentControlSetName(const std::wstring& windows_directory) {
-    std::wstring file = windows_directory;
-    if (!file.ends_with(L'\\')) {
-        file += L'\\';
+    try {
+        return CurrentControlSetIn(*this, HiveFile(windows_directory));
+    } catch (const std::bad_alloc&) {
+        FailWithoutMemory();
     }
-    file += L"system32\\config\\SYSTEM";
-    if (!LoadHive(HKEY_LOCAL_MACHINE, kHiveKey, file)) {
-        Fail(L"Failed to load the system hive " + file);
-    }
-    const ScopeExit unload([this] { UnloadHive(HKEY_LOCAL_MACHINE, kHiveKey); });
-    const std::wstring path = std::wstring(kHiveKey) + L"\\Select";
-    HKEY select_key = nullptr;
-    if (!OpenKey(HKEY_LOCAL_MACHINE, path, KEY_READ, select_key)) {
-        Fail(L"Failed to open the Key " + path);
-    }
-    const ScopeExit close([this, select_key] { CloseKey(select_key); });
-    std::wstring name = FindCurrentControlSet(select_key);
-    if (name.empty()) {
-        Fail(L"Failed to find current ControlSet");
-    }
-    return name;
 }

@@ -3,6 +3,7 @@
 #include <comdef.h>
 
 #include <algorithm>
+#include <type_traits>
 
 template <class Letter>
 void BstrArgument::Assign(std::basic_string_view<Letter> text) {
@@ -15,7 +16,9 @@ void BstrArgument::Assign(std::basic_string_view<Letter> text) {
             throw _com_error(E_OUTOFMEMORY);
         }
     }
-    std::copy(text.begin(), text.end(), get());
+    std::transform(text.begin(), text.end(), get(), [](Letter letter) {
+        return static_cast<wchar_t>(static_cast<std::make_unsigned_t<Letter>>(letter));
+    });
 }
 
 BstrArgument::BstrArgument(std::wstring_view text) {

@@ -12,7 +12,7 @@ class BstrArgument {
 public:
     // Up to the first zero character: XML cannot hold one.
     explicit BstrArgument(std::wstring_view text);
-    // ASCII.
+    // ASCII; a byte beyond it would be the character of that number, whatever the code page.
     explicit BstrArgument(const char* text);
     ~BstrArgument() = default;
     BstrArgument(const BstrArgument&) = delete;

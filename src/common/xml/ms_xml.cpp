@@ -4,6 +4,9 @@
 
 #include <objbase.h>
 
+#include <cstddef>
+#include <limits>
+
 namespace {
 
 constexpr CLSID kDomDocument30 = {
@@ -26,6 +29,31 @@ IXMLDOMNode& Existing(const XmlNodePtr& node) {
 
 void PutText(IXMLDOMNode& node, std::wstring_view text) {
     Require(node.put_text(BstrArgument(text).get()));
+}
+
+int ConvertAnsi(std::string_view text, wchar_t* wide, int room) {
+    if (text.empty()) {
+        return 0;
+    }
+    const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide, room);
+    if (length <= 0) {
+        throw _com_error(HRESULT_FROM_WIN32(GetLastError()));
+    }
+    return length;
+}
+
+// A text in the system's ANSI code page as a BSTR.
+UniqueBstr BstrOfAnsi(std::string_view text) {
+    if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        throw _com_error(E_INVALIDARG);
+    }
+    const int length = ConvertAnsi(text, nullptr, 0);
+    UniqueBstr bstr(SysAllocStringLen(nullptr, static_cast<UINT>(length)));
+    if (!bstr) {
+        throw _com_error(E_OUTOFMEMORY);
+    }
+    ConvertAnsi(text, bstr.get(), length);
+    return bstr;
 }
 
 }  // namespace
@@ -88,7 +116,7 @@ bool CMSXmlDoc::LoadXML(const char* text) {
         return false;
     }
     VARIANT_BOOL loaded = VARIANT_FALSE;
-    Require(document_->loadXML(BstrArgument(text).get(), &loaded));
+    Require(document_->loadXML(BstrOfAnsi(text).get(), &loaded));
     return loaded == VARIANT_TRUE;
 }
 

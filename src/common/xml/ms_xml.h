@@ -53,7 +53,8 @@ public:
     CMSXmlDoc(const CMSXmlDoc&) = delete;
     CMSXmlDoc& operator=(const CMSXmlDoc&) = delete;
 
-    // Replaces the content by `text`, XML in ASCII. False when it cannot be loaded.
+    // Replaces the content by `text`, XML in the system's ANSI code page, whatever encoding it declares.
+    // False when it cannot be loaded.
     bool LoadXML(const char* text);
     // The document element; the empty node when there is none.
     CMSXmlNode GetRoot() const;

@@ -1,5 +1,6 @@
 #include "capture/environment/boot_volumes.h"
 #include "machine/session.h"
+#include "support/allocation_failure.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
 
@@ -121,6 +122,39 @@ TEST(GetBootOptions, NoKey_IsReported) {
     EXPECT_THAT(answer.messages,
                 ElementsAre(LogLine{support::kHostError, "GetBootOptions Failed to open registry"}));
     EXPECT_THAT(answer.trace, testing::Not(testing::Contains("Function CloseKey")));
+}
+
+TEST(GetBootOptions, NoMemoryForTheBuffers_IsReportedAndTheKeyClosed) {
+    const machine::Session session(MachineWith({Value(L"SystemStartOptions", L"DEBUG")}));
+    const support::LoggerCapture log;
+    std::wstring options = kUntouched;
+    {
+        const support::AllocationFailure failing(16383);  // what the data's buffer takes
+        EXPECT_EQ(GetBootOptions(options), 0);
+        EXPECT_GT(failing.hits(), 0U);
+    }
+    EXPECT_EQ(options, kUntouched);
+    EXPECT_THAT(log.Messages(),
+                ElementsAre(LogLine{support::kHostError,
+                                    "GetBootOptions failed to find SystemStartOptions error=14"}));
+    EXPECT_TRUE(log.Contains(support::kHostTrace, "CRegistry::CloseKey res=0")) << log;
+}
+
+TEST(GetBootOptions, EachAllocationFails_FailsOrReadsAllWithoutThrowing) {
+    const machine::Session session(MachineWith({Value(L"SystemStartOptions", L"DEBUG=ON")}));
+    std::size_t hits = 1;
+    for (std::size_t allowed = 0; hits != 0; ++allowed) {
+        ASSERT_LT(allowed, 50U);
+        std::wstring options = kUntouched;
+        int result = -1;
+        EXPECT_NO_THROW({
+            const auto failing = support::AllocationFailure::After(allowed);
+            result = GetBootOptions(options);
+            hits = failing.hits();
+        }) << allowed;
+        EXPECT_EQ(result, hits == 0 ? 1 : 0) << allowed;
+        EXPECT_EQ(options, hits == 0 ? L"DEBUG=ON" : kUntouched) << allowed;
+    }
 }
 
 // --- The key.

@@ -9,12 +9,14 @@
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "support/logger_capture.h"
+#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/listed_disks.h"
 #include "unit/common/disk/simulated_disks.h"
 
 namespace bmr_common {
 namespace {
 
+using expected::Error;
 using simulated_disks::Machine;
 using testing::ElementsAre;
 
@@ -128,6 +130,25 @@ TEST_F(DiskFreshTableTest, NoUniqueIdToBeHad_IsAFailureWithoutATable) {
     EXPECT_EQ(nullptr, mbr.GetPartitionLayoutExPtr());
     EXPECT_EQ(nullptr, gpt.GetPartitionLayoutExPtr());
     EXPECT_EQ(0U, mbr.GetPartitionCount());
+}
+
+TEST_F(DiskFreshTableTest, SourceWithoutGeometry_IsAFailureWithItsLine) {
+    DiskDriveManagerMBR mbr(5);
+    DiskDriveManagerGPT gpt(6);
+    const DiskDriveManagerPtr never_read = boost::make_shared<DiskDriveManagerMBR>(1);
+
+    for (const DiskDriveManagerPtr& source : {DiskDriveManagerPtr(), never_read}) {
+        log_.Clear();
+        EXPECT_FALSE(mbr.InitializeUsingGeometryOf(source, disks_));
+        EXPECT_FALSE(gpt.InitializeUsingGeometryOf(source, disks_));
+        EXPECT_THAT(log_.Messages(),
+                    ElementsAre(Error("bmr_common::DiskDriveManager::InitializeUsingGeometryOf "
+                                      "no geometry to take for disk 5"),
+                                Error("bmr_common::DiskDriveManager::InitializeUsingGeometryOf "
+                                      "no geometry to take for disk 6")));
+    }
+    EXPECT_FALSE(mbr.IsSucceeded(L"Getting Drive Geometry"));
+    EXPECT_EQ(nullptr, gpt.GetPartitionLayoutExPtr());
 }
 
 }  // namespace

@@ -166,6 +166,18 @@ TEST_F(PartitionManagerGptEditingTest, Add_NoOutputs_AddsNothing) {
     EXPECT_EQ(-1, used_size_);
 }
 
+TEST_F(PartitionManagerGptEditingTest, Add_AlignmentZero_LogsAndAddsNothing) {
+    EXPECT_FALSE(manager_.AddPartitionInMemory(10 * kMiB, kMiB, kMiB, kDiskSize, 0, entries::kBasicData,
+                                               &used_start_, &used_size_));
+
+    EXPECT_EQ(3U, manager_.partitions().size());
+    EXPECT_EQ(-1, used_start_);
+    EXPECT_EQ(-1, used_size_);
+    EXPECT_THAT(
+        log_.Messages(),
+        ElementsAre(Error("bmr_common::PartitionManagerGPT::AddPartitionInMemory the alignment is 0")));
+}
+
 TEST_F(PartitionManagerGptEditingTest, Delete_UsedPartition_KeepsTheOrderOfTheRest) {
     EXPECT_TRUE(manager_.DeletePartitionFromMemory(100 * kMiB));
 
@@ -220,6 +232,14 @@ TEST_F(PartitionManagerGptEditingTest, Resize_Unaligned_LogsAndKeepsTheLength) {
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(Error("bmr_common::PartitionManager::PartitionCorrectlyAligned "
                                   "partition's end 157286912 not aligned on 1048576 boundary")));
+}
+
+TEST_F(PartitionManagerGptEditingTest, Resize_AlignmentZero_LogsAndKeepsTheLength) {
+    EXPECT_FALSE(manager_.ResizePartitionInMemory(100 * kMiB, 50 * kMiB, kDiskSize, 0));
+
+    EXPECT_EQ(100 * kMiB, manager_.partitions()[0]->length());
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("bmr_common::PartitionManager::PartitionCorrectlyAligned "
+                                                   "the alignment is 0")));
 }
 
 TEST_F(PartitionManagerGptEditingTest, Resize_NoUsedPartitionThere_Logs) {

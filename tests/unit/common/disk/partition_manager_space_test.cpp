@@ -93,6 +93,34 @@ TEST_F(PartitionManagerSpaceTest, GetMaximumPartitionSize_OffsetAtOrBehindTheEnd
                   "disk size 1000")));
 }
 
+TEST_F(PartitionManagerSpaceTest, GetMaximumPartitionSize_AlignmentZero_IsNothingAndLogged) {
+    const GptManager gpt{entries::Gpt(100 * kMiB, kMiB)};
+
+    EXPECT_EQ(0, gpt.GetMaximumPartitionSize(10 * kMiB, kDiskSize, 0));
+    EXPECT_EQ(0, MbrManager().GetMaximumPartitionSize(10 * kMiB, kDiskSize, 0));
+
+    const auto line = Error("bmr_common::PartitionManager::GetMaximumPartitionSize the alignment is 0");
+    EXPECT_THAT(log_.Messages(), ElementsAre(line, line));
+}
+
+TEST_F(PartitionManagerSpaceTest, GetMaximumPartitionSize_AlignmentZeroBehindTheDisk_LogsOneLine) {
+    EXPECT_EQ(0, GptManager().GetMaximumPartitionSize(1000, 1000, 0));
+
+    EXPECT_EQ(1U, log_.Messages().size()) << log_;
+}
+
+TEST_F(PartitionManagerSpaceTest, GetSpaceToEnd_AlignmentZero_KeepsNothingFree) {
+    EXPECT_EQ(kDiskSize - 10 * kMiB, MbrManager().GetSpaceToEnd(10 * kMiB, kDiskSize, 0));
+    EXPECT_EQ(kDiskSize - 10 * kMiB, GptManager().GetSpaceToEnd(10 * kMiB, kDiskSize, 0));
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+TEST_F(PartitionManagerSpaceTest, PartitionCorrectlyAligned_AlignmentZero_IsFalseAndLogged) {
+    EXPECT_FALSE(PartitionManager::PartitionCorrectlyAligned(kMiB, kMiB, 0));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("bmr_common::PartitionManager::PartitionCorrectlyAligned "
+                                                   "the alignment is 0")));
+}
+
 TEST_F(PartitionManagerSpaceTest, PartitionCorrectlyAligned_BothEndsOnTheBoundary_Agrees) {
     EXPECT_TRUE(PartitionManager::PartitionCorrectlyAligned(kMiB, 5 * kMiB, kAlignment));
     EXPECT_TRUE(PartitionManager::PartitionCorrectlyAligned(0, 0, kAlignment));

@@ -75,6 +75,21 @@ protected:
                                              &used_start, &used_size);
     }
 
+    // The starts in MiB that the manager holds, as objects and as a layout, which say the same.
+    std::vector<std::uint64_t> StartsInMemory() const {
+        std::vector<std::uint64_t> starts;
+        std::vector<std::uint64_t> in_layout;
+        for (const PartitionPtr& partition : manager_.partitions()) {
+            starts.push_back(static_cast<std::uint64_t>(partition->starting_offset()) >> 20);
+        }
+        for (DWORD i = 0; i < manager_.layout()->PartitionCount; ++i) {
+            const LARGE_INTEGER start = manager_.layout()->PartitionEntry[i].StartingOffset;
+            in_layout.push_back(static_cast<std::uint64_t>(start.QuadPart) >> 20);
+        }
+        EXPECT_EQ(starts, in_layout);
+        return starts;
+    }
+
     std::vector<std::uint64_t> StartsOnDisk() {
         std::vector<std::uint64_t> starts;
         for (const machine::Partition& partition : machine_.disk().partitions) {
@@ -205,6 +220,41 @@ TEST_F(PartitionManagerWritingTest, SetRefused_LogsClosesAndLeavesTheDisk) {
                                   "of disk 3 error=19")));
 }
 
+// After a failed write the manager holds what the disk was to have, and only a new one what it has.
+TEST_F(PartitionManagerWritingTest, WriteRefused_ManagerKeepsTheEditsThatTheDiskDoesNotHave) {
+    for (const char* const call : {"CreateFileW", kSetLayout}) {
+        PartitionManagerGPT fresh(3);
+        fresh.Initialize(machine_.Open());
+        machine_.simulation().faults().Fail(call, ERROR_WRITE_PROTECT);
+        EXPECT_FALSE(fresh.DeletePartitionsAndWrite({kMiB})) << call;
+        EXPECT_THAT(StartsOnDisk(), ElementsAre(1, 101, 117)) << call;
+        EXPECT_EQ(2U, fresh.partitions().size()) << call;
+        EXPECT_EQ(2U, fresh.layout()->PartitionCount) << call;
+        machine_.simulation().faults().Clear();
+    }
+}
+
+TEST_F(PartitionManagerWritingTest, UpdateRefused_ManagerAndDiskHoldTheNewTable) {
+    machine_.simulation().faults().Fail(kUpdate, ERROR_NOT_READY);
+
+    EXPECT_FALSE(manager_.DeletePartitionsAndWrite({kMiB}));
+
+    EXPECT_THAT(StartsInMemory(), ElementsAre(101, 117));
+    EXPECT_THAT(StartsOnDisk(), ElementsAre(101, 117));
+}
+
+TEST_F(PartitionManagerWritingTest, WriteRefusedOnce_CommitAgain_WritesTheEdits) {
+    machine_.simulation().faults().Fail(kSetLayout, ERROR_WRITE_PROTECT);
+    EXPECT_FALSE(manager_.DeletePartitionsAndWrite({kMiB}));
+    EXPECT_THAT(StartsInMemory(), ElementsAre(101, 117));
+    EXPECT_THAT(StartsOnDisk(), ElementsAre(1, 101, 117));
+    machine_.simulation().faults().Clear();
+
+    EXPECT_TRUE(manager_.CommitPartitionTable());
+
+    EXPECT_THAT(StartsOnDisk(), ElementsAre(101, 117));
+}
+
 TEST_F(PartitionManagerWritingTest, UpdateRefused_LogsAndCloses) {
     machine_.simulation().faults().Fail(kUpdate, ERROR_NOT_READY);
 
@@ -249,12 +299,44 @@ TEST_F(PartitionManagerWritingTest, FunctionsMissing_AreFailuresLikeOthers) {
                 ElementsAre(Error(std::string(kWriteFunction) + " OpenPhysicalDrive disk 3 error=127")));
 }
 
-TEST_F(PartitionManagerWritingTest, Commit_LayoutNeverRead_WritesNothing) {
+TEST_F(PartitionManagerWritingTest, Commit_LayoutNeverRead_LogsAndWritesNothing) {
     PartitionManagerGPT manager(3);
 
     EXPECT_FALSE(manager.CommitPartitionTable());
 
     EXPECT_EQ("", machine_.CallNames());
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("bmr_common::PartitionManagerGPT::CommitPartitionTable "
+                                                   "no GPT layout of disk 3 to write")));
+}
+
+TEST_F(PartitionManagerWritingTest, Commit_LayoutOfAnotherStyle_LogsAndWritesNothing) {
+    machine_.disk().style = PARTITION_STYLE_MBR;
+    PartitionManagerGPT manager(3);
+    manager.Initialize(machine_.Open());
+    ASSERT_TRUE(manager.IsFailed(L"Verifying partition type"));
+    machine_.simulation().calls().Clear();
+    log_.Clear();
+
+    EXPECT_FALSE(manager.CommitPartitionTable());
+
+    EXPECT_EQ("", machine_.CallNames());
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("bmr_common::PartitionManagerGPT::CommitPartitionTable "
+                                                   "no GPT layout of disk 3 to write")));
+}
+
+TEST_F(PartitionManagerWritingTest, WritePartitionTableToDisk_LayoutCutShort_LogsAndWritesNothing) {
+    win::ByteBuffer none;
+    win::ByteBuffer header_cut(47);
+    win::ByteBuffer one_entry_short(48 + 144);
+    LayoutIn(one_entry_short)->PartitionCount = 2;
+    for (win::ByteBuffer* const layout : {&none, &header_cut, &one_entry_short}) {
+        log_.Clear();
+        EXPECT_FALSE(manager_.WritePartitionTableToDisk(*layout));
+        EXPECT_THAT(log_.Messages(),
+                    ElementsAre(Error(std::string(kWriteFunction) + " the layout of disk 3 is not whole")));
+    }
+    EXPECT_EQ("", machine_.CallNames());
+    EXPECT_THAT(StartsOnDisk(), ElementsAre(1, 101, 117));
 }
 
 }  // namespace

@@ -170,47 +170,31 @@ TEST(Logger, Write_OutputThrowsOnALongFormat_CutsTheReportAt254Characters) {
     EXPECT_THAT(debugger.lines(), ElementsAre(report.substr(0, 254)));
 }
 
-constexpr wchar_t kFunctionLine[] = L"Entering function %s line %d";
+TEST(Logger, WriteTextAsFormat_OutputThrows_TellsTheDebuggerTheTextAsItWasGiven) {
+    ThrowingLogger logger(Thrown::kStandard);
+    DebuggerCapture debugger;
 
-TEST(Logger, WriteFunctionLine_Always_IsWhatWriteMakesOfIt) {
-    for (const int line : {0, 7, -1, 2147483647}) {
-        RecordingLogger written;
-        RecordingLogger logger;
-        written.Write(5, kFunctionLine, L"space::Function", line);
+    EXPECT_EQ(logger.WriteTextAsFormat(2, L"50% of %s, 100%% of %d", 7), 0);
 
-        EXPECT_EQ(logger.WriteFunctionLine(5, kFunctionLine, L"space::Function", line), 1);
-
-        EXPECT_EQ(logger.delivered, written.delivered);
-    }
+    EXPECT_THAT(debugger.lines(),
+                ElementsAre(L"Exception in CLogger::Write while writing 50% of %s, 100%% of %d"));
 }
 
-TEST(Logger, WriteFunctionLine_AboveTheThreshold_IsDropped) {
+TEST(Logger, WriteTextAsFormat_AboveTheThreshold_IsDropped) {
     RecordingLogger logger;
-    logger.threshold = 4;
+    logger.threshold = 3;
 
-    EXPECT_EQ(logger.WriteFunctionLine(5, kFunctionLine, L"Function", 1), 0);
+    EXPECT_EQ(logger.WriteTextAsFormat(4, L"too quiet"), 0);
 
     EXPECT_THAT(logger.delivered, IsEmpty());
 }
 
-TEST_P(LoggerLengths, WriteFunctionLine_LongName_IsCutAt254Characters) {
-    const auto [given, delivered] = GetParam();
+TEST(Logger, WriteTextAsFormat_ResultThatGrows_IsCutAt254Characters) {
     RecordingLogger logger;
-    const std::wstring name(given - 1, L'n');
 
-    EXPECT_EQ(logger.WriteFunctionLine(5, L"%s%d", name, 0), 1);
+    EXPECT_EQ(logger.WriteTextAsFormat(2, L"%300d"), 1);
 
-    EXPECT_THAT(logger.delivered, ElementsAre(Delivered{5, (name + L"0").substr(0, delivered), delivered}));
-}
-
-TEST(Logger, WriteFunctionLine_OutputThrows_ReturnsZeroAndTellsTheDebuggerTheFormat) {
-    ThrowingLogger logger(Thrown::kStandard);
-    DebuggerCapture debugger;
-
-    EXPECT_EQ(logger.WriteFunctionLine(5, kFunctionLine, L"Function", 1), 0);
-
-    EXPECT_THAT(debugger.lines(),
-                ElementsAre(std::wstring(L"Exception in CLogger::Write while writing ") + kFunctionLine));
+    EXPECT_THAT(logger.delivered, ElementsAre(Delivered{2, std::wstring(254, L' '), 254}));
 }
 
 }  // namespace

@@ -76,6 +76,55 @@ TEST(OrvaneLogger, Output_LevelAboveFive_MapsToThree) {
     EXPECT_THAT(log.all(), ElementsAre(LogLine{3, "six"}, LogLine{3, "most"}));
 }
 
+// Every locale and every text has the same rule: the text ends at its terminator.
+TEST(OrvaneLogger, Output_LengthShorterThanTheText_CutsNothing) {
+    LoggerCapture log;
+
+    GetLogger().Output(2, L"ASCII text", 5);
+    GetLogger().Output(2, L"caf\xE9 noir", 4);
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, "ASCII text"}, LogLine{3, "caf\xE9 noir"}));
+}
+
+TEST(OrvaneLogger, Output_LengthLongerThanTheText_EndsAtTheTerminator) {
+    LoggerCapture log;
+
+    GetLogger().Output(2, L"ASCII\0behind it", 15);
+    GetLogger().Output(2, L"caf\xE9\0behind it", 14);
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, "ASCII"}, LogLine{3, "caf\xE9"}));
+}
+
+TEST(OrvaneLogger, Output_TextLongerThanAMessage_BecomesTheAssertion) {
+    LoggerCapture log;
+    const std::wstring longest(254, L'x');
+    const std::wstring too_long(255, L'x');
+
+    GetLogger().Output(2, longest.c_str(), longest.size());
+    GetLogger().Output(2, too_long.c_str(), too_long.size());
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, std::string(254, 'x')}, kConversionAssertion));
+}
+
+// What is ASCII stays what it is in every locale, two-byte and single-byte ones.
+class OrvaneLoggerLocales : public testing::TestWithParam<const char*> {};
+
+TEST_P(OrvaneLoggerLocales, Write_AsciiText_IsTheSame) {
+    const ScopedLocale locale(GetParam());
+    ASSERT_TRUE(locale.known());
+    LoggerCapture log;
+    std::wstring text;
+    for (wchar_t letter = 1; letter <= 0x7F; ++letter) {
+        text += letter;
+    }
+
+    GetLogger().Write(2, L"%s", text.c_str());
+
+    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, std::string(text.begin(), text.end())}));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, OrvaneLoggerLocales, testing::Values("C", ".1252", ".932", ".437", ".1251"));
+
 TEST(OrvaneLogger, Write_LevelSix_IsDropped) {
     LoggerCapture log;
 

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include "support/allocation_failure.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
 #include "unit/common/platform/scratch_key.h"
@@ -169,6 +170,37 @@ TEST_F(RegistryKeys, ModifyRegValues_OneFails_WritesTheOthersAndIsFalse) {
     EXPECT_THAT(Trace(),
                 ElementsAre("Function ModifyRegValues", "Modifying Value", "Failed in Modifying Value",
                             "Modifying Value", "bRet is FALSE", "Exiting ModifyRegValues"));
+}
+
+TEST_F(RegistryKeys, EveryOperation_NoMemory_NeedsNone) {
+    const std::wstring name = L"A key whose name is too long to lie in place";
+    const std::wstring missing = L"Missing, and too long to lie in place as well";
+    const std::vector<RegistryValue> values = {{L"Value", REG_DWORD, {1, 0, 0, 0}}};
+    std::uint32_t number = 0;
+    GetLogger().SetCallback([](std::int32_t, const char*) {});  // one that keeps nothing
+
+    bool known = false;
+    bool unknown = true;
+    std::size_t hits = 1;
+    {
+        const auto failing = support::AllocationFailure::After(0);
+        known = registry_.CreateKey(scratch_.get(), name, key_) && registry_.CloseKey(key_) &&
+                registry_.OpenKey(scratch_.get(), name, KEY_ALL_ACCESS, key_) &&
+                registry_.ModifyRegValues(key_, values) &&
+                registry_.GetValue(key_, values.front().name, number) &&
+                registry_.VerifyKeyExistance(scratch_.get(), name);
+        unknown = registry_.GetValue(key_, missing, number) ||
+                  registry_.VerifyKeyExistance(scratch_.get(), missing) ||
+                  registry_.LoadHive(HKEY_LOCAL_MACHINE, missing, missing) ||
+                  registry_.UnloadHive(HKEY_LOCAL_MACHINE, missing);
+        hits = failing.hits();
+    }
+
+    EXPECT_TRUE(known);
+    EXPECT_FALSE(unknown);
+    EXPECT_EQ(hits, 0U);
+    EXPECT_EQ(number, 1U);
+    RegCloseKey(key_);
 }
 
 }  // namespace

@@ -90,6 +90,40 @@ TEST_F(RegistryValues, TextWithoutMemory_IsLeftAlone) {
     EXPECT_GT(failing.hits(), 0U);
 }
 
+TEST_F(RegistryValues, Text_EachAllocationFails_IsLeftAloneOrReadWhole) {
+    const std::wstring text(100, L'x');
+    scratch_.SetText(L"Text", text);
+    const std::wstring name = L"Text";
+    log_.Clear();
+    GetLogger().SetCallback(nullptr);  // a log that is kept would take memory as well
+    std::size_t hits = 1;
+    for (std::size_t allowed = 0; hits != 0; ++allowed) {
+        ASSERT_LT(allowed, 10U);
+        std::wstring value = L"before";
+        bool read = false;
+        EXPECT_NO_THROW({
+            const auto failing = support::AllocationFailure::After(allowed);
+            read = registry_.GetValue(scratch_.get(), name, value);
+            hits = failing.hits();
+        }) << allowed;
+        EXPECT_EQ(read, hits == 0) << allowed;
+        EXPECT_EQ(value, read ? text : L"before") << allowed;
+    }
+}
+
+TEST_F(RegistryValues, TextOfAnAbsurdSize_IsRefusedBeforeMemoryIsTaken) {
+    const support::StubImport stub(
+        "RegGetValueW", &::RegGetValueW,
+        [](HKEY, LPCWSTR, LPCWSTR, DWORD, LPDWORD, PVOID, LPDWORD bytes) -> LSTATUS {
+            *bytes = 0xFFFFFFFE;
+            return ERROR_SUCCESS;
+        });
+    const support::AllocationFailure failing(1'000'000);
+    ExpectFailure(L"Text", text_, support::kHostWarning,
+                  "CRegistry::GetValue failed to get value of Text error=14");
+    EXPECT_EQ(failing.hits(), 0U);
+}
+
 TEST_F(RegistryValues, Number_IsRead) {
     scratch_.SetNumber(L"Number", 0xFFFFFFFE);
     EXPECT_TRUE(registry_.GetValue(scratch_.get(), L"Number", number_));
@@ -155,7 +189,7 @@ TEST_F(RegistryValues, BytesThatShrinkBetweenTheCalls_AreThoseThatCame) {
     EXPECT_THAT(bytes_, ElementsAre(9));
 }
 
-TEST_F(RegistryValues, BytesOfAnAbsurdSize_AreLeftAlone) {
+TEST_F(RegistryValues, BytesOfAnAbsurdSize_AreRefusedBeforeMemoryIsTaken) {
     const support::StubImport stub("RegQueryValueExW", &::RegQueryValueExW,
                                    [](HKEY, LPCWSTR, LPDWORD, LPDWORD, LPBYTE, LPDWORD bytes) -> LSTATUS {
                                        *bytes = 0xFFFFFFFF;
@@ -164,6 +198,16 @@ TEST_F(RegistryValues, BytesOfAnAbsurdSize_AreLeftAlone) {
     const support::AllocationFailure failing(1'000'000);
     ExpectFailure(L"Raw", bytes_, support::kHostError,
                   "CRegistry::GetValue failed to get value of Raw error=14");
+    EXPECT_EQ(failing.hits(), 0U);
+}
+
+TEST_F(RegistryValues, BytesWithoutMemory_AreLeftAlone) {
+    const std::string megabyte(1'000'000, 'x');
+    scratch_.Set(L"Raw", REG_BINARY, megabyte.data(), megabyte.size());
+    const support::AllocationFailure failing(megabyte.size());
+    ExpectFailure(L"Raw", bytes_, support::kHostError,
+                  "CRegistry::GetValue failed to get value of Raw error=14");
+    EXPECT_EQ(failing.hits(), 1U);
 }
 
 TEST_F(RegistryValues, Cursor_VisitsEachValueOnceAndEndsWith259) {
@@ -173,7 +217,7 @@ TEST_F(RegistryValues, Cursor_VisitsEachValueOnceAndEndsWith259) {
     std::vector<std::wstring> names;
     LSTATUS status = CRegistry::FindFirstValue(cursor);
     for (; status == ERROR_SUCCESS; status = CRegistry::FindNextValue(cursor)) {
-        names.push_back(cursor.Name());
+        names.emplace_back(cursor.Name());
         if (cursor.Name() == L"Number") {
             EXPECT_EQ(cursor.type, DWORD{REG_DWORD});
             EXPECT_EQ(cursor.data_length, 4U);

@@ -188,6 +188,11 @@ TEST_F(VolumeExtentsTest, ExceptionInEitherQuery_IsLoggedAndTheVolumeClosed) {
         EXPECT_FALSE(volume.IsSucceeded(L"Getting disk extents"));
         EXPECT_EQ(!size_throws, volume.IsSucceeded(L"Getting volume partition size"));
         EXPECT_FALSE(volume.can_backup()) << "where it lies is not known";
+        std::vector<std::wstring> reasons = {L"Failed to GetVolumeDiskExtents"};
+        if (size_throws) {
+            reasons.emplace_back(L"Failed to get volume partition size");
+        }
+        EXPECT_EQ(reasons, volume.backup_failure_reasons());
     }
 }
 

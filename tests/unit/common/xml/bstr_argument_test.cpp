@@ -56,6 +56,11 @@ TEST(BstrArgument, ZeroCharacter_EndsTheText) {
     EXPECT_EQ(std::wstring(argument.get()), L"be");
 }
 
+TEST(BstrArgument, ByteBeyondAscii_IsNotWidenedWithASign) {
+    BstrArgument argument("\x80z\xFF");
+    EXPECT_EQ(std::wstring(argument.get()), L"\x80z\xFF");
+}
+
 TEST(BstrArgument, LongTextThatEndsEarly_IsShort) {
     std::wstring text(BstrArgument::kShort * 2, L'x');
     text[1] = L'\0';

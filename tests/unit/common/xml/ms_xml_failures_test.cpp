@@ -154,6 +154,19 @@ TEST_F(MsXmlCalls, LoadXML_NoMemoryForTheText_RaisesOutOfMemory) {
               kOutOfMemory);
 }
 
+TEST_F(MsXmlCalls, LoadXML_TextCannotBeConverted_RaisesTheSystemsCodeAndKeepsTheContent) {
+    const std::wstring before = Flat(root_.GetXML());
+    {
+        const StubImport refuse("MultiByteToWideChar", &::MultiByteToWideChar,
+                                [](UINT, DWORD, const char*, int, wchar_t*, int) -> int {
+                                    SetLastError(ERROR_NO_UNICODE_TRANSLATION);
+                                    return 0;
+                                });
+        EXPECT_EQ(ComErrorOf([&] { document_.LoadXML("<other></other>"); }), 0x80070459U);  // error 1113
+    }
+    EXPECT_EQ(Flat(document_.GetRoot().GetXML()), before);
+}
+
 TEST_F(MsXmlCalls, AddChild_NoMemoryForTheName_RaisesOutOfMemory) {
     const NoTextMemory none;
     EXPECT_EQ(ComErrorOf([&] { root_.AddChild(kLong.c_str()); }), kOutOfMemory);

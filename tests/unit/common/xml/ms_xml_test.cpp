@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "com_thread.h"
+#include "support/stub.h"
 
 namespace {
 
@@ -144,6 +145,45 @@ TEST_P(MsXmlRefused, LoadXML_NoXml_IsFalseAndLeavesNoRoot) {
 
 INSTANTIATE_TEST_SUITE_P(Table, MsXmlRefused,
                          testing::Values("", "no xml", "<root>", "<root></other>", "<a></a><b></b>"));
+
+struct AnsiText {
+    UINT code_page;
+    std::string given;
+    std::wstring loaded;
+};
+
+// On a system whose ANSI code page is this one.
+class MsXmlAnsi : public MsXml, public testing::WithParamInterface<AnsiText> {};
+
+TEST_P(MsXmlAnsi, LoadXML_TextBeyondAscii_IsOfTheAnsiCodePage) {
+    const auto real = &::MultiByteToWideChar;
+    const support::StubImport stub(
+        "MultiByteToWideChar", &::MultiByteToWideChar,
+        [&](UINT page, DWORD flags, const char* text, int length, wchar_t* wide, int room) -> int {
+            return real(page == CP_ACP ? GetParam().code_page : page, flags, text, length, wide, room);
+        });
+    ASSERT_TRUE(document_.LoadXML(("<root>" + GetParam().given + "</root>").c_str()));
+    EXPECT_EQ(TextOf(document_.GetRoot().GetXML()), L"<root>" + GetParam().loaded + L"</root>");
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, MsXmlAnsi,
+                         testing::Values(AnsiText{1252, "\x80 \xE4\xFF", L"\x20AC \x00E4\x00FF"},
+                                         AnsiText{1251, "\xC4\xE8\xF1\xEA", L"\x0414\x0438\x0441\x043A"},
+                                         AnsiText{932, "\x92\x86", L"\x4E2D"},
+                                         AnsiText{65001, "\xE2\x82\xAC", L"\x20AC"}));
+
+TEST_F(MsXml, LoadXML_LongTextBeyondAscii_IsWhole) {
+    const std::string euros(100'000, '\x80');
+    const support::StubImport stub(
+        "MultiByteToWideChar", &::MultiByteToWideChar,
+        [real = &::MultiByteToWideChar](UINT, DWORD flags, const char* text, int length, wchar_t* wide,
+                                        int room) -> int {
+            return real(1252, flags, text, length, wide, room);
+        });
+    ASSERT_TRUE(document_.LoadXML(("<root>" + euros + "</root>").c_str()));
+    EXPECT_EQ(TextOf(document_.GetRoot().GetXML()),
+              L"<root>" + std::wstring(100'000, L'\x20AC') + L"</root>");
+}
 
 TEST_F(MsXml, GetRoot_NothingLoaded_IsTheEmptyNode) {
     const CMSXmlDoc document;
