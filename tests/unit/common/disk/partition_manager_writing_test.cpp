@@ -255,6 +255,20 @@ TEST_F(PartitionManagerWritingTest, Commit_LayoutNeverRead_WritesNothing) {
     EXPECT_FALSE(manager.CommitPartitionTable());
 
     EXPECT_EQ("", machine_.CallNames());
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("bmr_common::PartitionManagerGPT::CommitPartitionTable no "
+                                                   "GPT layout of disk 3 to write")));
+}
+
+TEST_F(PartitionManagerWritingTest, Layout_ThatIsCutShort_IsNotWritten) {
+    win::ByteBuffer layout(48 + 144 - 1);  // a byte less than its one partition takes
+    const DWORD partitions = 1;
+    std::memcpy(layout.data() + sizeof(DWORD), &partitions, sizeof(partitions));
+
+    EXPECT_FALSE(manager_.WritePartitionTableToDisk(layout));
+
+    EXPECT_EQ("", machine_.CallNames());
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Error(std::string(kWriteFunction) + " the layout of disk 3 is not whole")));
 }
 
 }  // namespace
