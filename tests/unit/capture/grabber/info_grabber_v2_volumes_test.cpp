@@ -116,6 +116,7 @@ TEST_F(InfoGrabberV2Volumes, SpannedVolume_IsDynamicAndTouchesNoPartition) {
     EXPECT_EQ(volume.extents.size(), 2U);
     EXPECT_EQ(volume.m_DiskNumber, 1U);
     EXPECT_EQ(volume.m_offsetPartition, MiB(20));
+    ASSERT_FALSE(record().DiskDrives.at(1).partitions.empty());
     for (const PartitionRow& row : record().DiskDrives.at(1).partitions) {
         EXPECT_EQ(row.drive, L"");
     }

@@ -135,6 +135,7 @@ TEST_F(WmiCursor, FindFirstObject_ResetGivesASuccessBesideZero_IsFalse) {
 TEST_F(WmiCursor, FindNextObject_SystemFails_ClearsTheCurrentObject) {
     CWmi wmi(kQuery);
     ASSERT_TRUE(wmi.FindFirstObject());
+    ASSERT_EQ(NameOf(wmi), L"first");
     simulation().faults().Fail("IEnumWbemClassObject::Next", 0x80041003);
 
     EXPECT_FALSE(wmi.FindNextObject());
