@@ -100,5 +100,6 @@ function(orvane_test)
         ${TEST_DEFINES})
     target_link_libraries(${TEST_NAME} PRIVATE ${TEST_LINKS} orvane_machine orvane_test_support)
     add_test(NAME ${TEST_NAME} COMMAND ${TEST_NAME})
-    set_tests_properties(${TEST_NAME} PROPERTIES TIMEOUT 600)
+    # Wine takes its ANSI code page from the locale; this one's is the 1252 that some tests are written for.
+    set_tests_properties(${TEST_NAME} PROPERTIES TIMEOUT 600 ENVIRONMENT LC_ALL=C.UTF-8)
 endfunction()

@@ -64,6 +64,14 @@ Volume* Simulation::FindVolume(const std::wstring& device) {
     return target.kind == NameIndex::Target::Kind::kVolume ? &description_.volumes[target.position] : nullptr;
 }
 
+std::optional<std::uint32_t> Simulation::DescribedError(const Call& call) const {
+    std::optional<std::uint32_t> error;
+    if (call.errors != nullptr) {
+        error = call.errors->Find(call.name);
+    }
+    return error ? error : description_.errors.Find(call.name);
+}
+
 Answer Simulation::Perform(const Call& call, const AnswerBody& body) {
     CallRecord record;
     record.ordinal = calls_.NextOrdinal();
@@ -73,11 +81,9 @@ Answer Simulation::Perform(const Call& call, const AnswerBody& body) {
 
     const FaultPlan::Verdict verdict = faults_.Judge(call.family, call.name, call.object);
     std::optional<std::uint32_t> error = verdict.error;
-    if (!error && call.errors != nullptr) {
-        error = call.errors->Find(call.name);
-    }
     if (!error) {
-        error = description_.errors.Find(call.name);
+        error = DescribedError(call);
+        described_errors_met_ += error ? 1 : 0;
     }
     Answer answer = error ? Answer::Failure(*error) : Computed(call.family, body);
     for (const auto& action : verdict.actions) {

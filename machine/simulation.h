@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "machine/call_log.h"
@@ -50,6 +51,9 @@ public:
     CallLog& calls() noexcept { return calls_; }
     FaultPlan& faults() noexcept { return faults_; }
 
+    /// Calls that a described error has failed; those of the fault plan are FaultPlan::hits().
+    std::size_t described_errors_met() const noexcept { return described_errors_met_; }
+
     /// Files, volume searches and directories not yet closed.
     std::size_t open_handles() const noexcept { return handles_.open(); }
     /// Closing or use of a handle that is closed already.
@@ -77,12 +81,15 @@ public:
     Answer Perform(const Call& call, const AnswerBody& body);
 
 private:
+    std::optional<std::uint32_t> DescribedError(const Call& call) const;
+
     Description description_;
     CallLog calls_;
     FaultPlan faults_;
     HandleTable handles_;
     NameIndex names_;
     bool names_valid_ = false;
+    std::size_t described_errors_met_ = 0;
     std::shared_ptr<std::size_t> object_count_;
 };
 

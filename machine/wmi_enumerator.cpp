@@ -8,6 +8,7 @@ namespace machine {
 namespace {
 
 constexpr std::uint32_t kFalse = 1;                      // WBEM_S_FALSE
+constexpr std::uint32_t kTimedOut = 0x00040004;          // WBEM_S_TIMEDOUT
 constexpr std::uint32_t kInvalidParameter = 0x80041008;  // WBEM_E_INVALID_PARAMETER
 constexpr std::uint32_t kInvalidOperation = 0x80041016;  // WBEM_E_INVALID_OPERATION
 
@@ -38,7 +39,7 @@ HRESULT STDMETHODCALLTYPE WmiEnumerator::Reset() {
     });
 }
 
-HRESULT STDMETHODCALLTYPE WmiEnumerator::Next(LONG /*timeout*/, ULONG count, IWbemClassObject** objects,
+HRESULT STDMETHODCALLTYPE WmiEnumerator::Next(LONG timeout, ULONG count, IWbemClassObject** objects,
                                               ULONG* returned) {
     if (objects == nullptr || returned == nullptr) {
         return AsHresult(kInvalidParameter);
@@ -49,6 +50,12 @@ HRESULT STDMETHODCALLTYPE WmiEnumerator::Next(LONG /*timeout*/, ULONG count, IWb
     const HRESULT result = PerformCom("IEnumWbemClassObject::Next", result_->class_name, errors(), [&] {
         if (error_ != 0) {
             return Answer::Failure(error_);
+        }
+        // The objects come too late for whoever does not wait for them without a limit.
+        if (timeout != static_cast<LONG>(WBEM_INFINITE)) {
+            Answer late;
+            late.error = kTimedOut;
+            return late;
         }
         const std::size_t given = std::min<std::size_t>(count, left());
         found.reserve(given);

@@ -107,8 +107,8 @@ VARIANT VariantOf(const WmiValue& value) {
 WmiInstanceObject::WmiInstanceObject(std::shared_ptr<const WmiResult> result, std::size_t position)
     : ComObject(IID_IWbemClassObject), result_(std::move(result)), position_(position) {}
 
-Answer WmiInstanceObject::Found(LPCWSTR name, VARIANT& variant, CIMTYPE& cim_type) const {
-    if (name == nullptr) {
+Answer WmiInstanceObject::Found(LPCWSTR name, LONG flags, VARIANT& variant, CIMTYPE& cim_type) const {
+    if (name == nullptr || flags != 0) {  // flags are reserved
         return Answer::Failure(kInvalidParameter);
     }
     const auto system = SystemProperty(result_->class_name, name);
@@ -127,7 +127,7 @@ Answer WmiInstanceObject::Found(LPCWSTR name, VARIANT& variant, CIMTYPE& cim_typ
     return answer;
 }
 
-HRESULT STDMETHODCALLTYPE WmiInstanceObject::Get(LPCWSTR name, LONG /*flags*/, VARIANT* value, CIMTYPE* type,
+HRESULT STDMETHODCALLTYPE WmiInstanceObject::Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type,
                                                  LONG* flavor) {
     VARIANT variant;
     VariantInit(&variant);
@@ -135,7 +135,7 @@ HRESULT STDMETHODCALLTYPE WmiInstanceObject::Get(LPCWSTR name, LONG /*flags*/, V
     const HRESULT result = GuardedCom([&] {
         const std::wstring object = result_->class_name + L"." + (name == nullptr ? L"" : name);
         return PerformCom("IWbemClassObject::Get", object, &result_->found.errors,
-                          [&] { return Found(name, variant, cim_type); });
+                          [&] { return Found(name, flags, variant, cim_type); });
     });
     if (FAILED(result) || value == nullptr) {
         VariantClear(&variant);

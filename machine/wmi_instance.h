@@ -31,7 +31,7 @@ public:
 
 private:
     const WmiInstance& instance() const { return result_->found.instances[position_]; }
-    Answer Found(LPCWSTR name, VARIANT& variant, CIMTYPE& cim_type) const;
+    Answer Found(LPCWSTR name, LONG flags, VARIANT& variant, CIMTYPE& cim_type) const;
 
     std::shared_ptr<const WmiResult> result_;
     std::size_t position_;

@@ -72,8 +72,8 @@ DWORD NextThreadSlot() {
     return slot;
 }
 
-// The largest of the next handles that the system gives, which takes the smallest free numbers: it grows where
-// handles are left behind. Wine does not count the handles of a process.
+// The largest of the next handles that the system gives, which takes the smallest free numbers: it grows
+// where handles are left behind. Wine does not count the handles of a process.
 std::uintptr_t NextHandles() {
     std::array<HANDLE, 64> handles{};
     for (HANDLE& handle : handles) {

@@ -146,6 +146,7 @@ TEST_P(CreationFailure, InitializeRAWDisk_OneStepFails_LeavesWhatTheStepsBeforeL
 
     EXPECT_EQ(test_case.succeeds, Create());
 
+    EXPECT_EQ(1U, simulation.described_errors_met());
     EXPECT_EQ(0U, simulation.open_handles());
     EXPECT_EQ(0U, simulation.stale_handle_uses());
     EXPECT_TRUE(expected == image.bytes());

@@ -8,6 +8,7 @@
 #include "common/windows.h"
 #include "machine/redirect.h"
 #include "support/watchdog.h"
+#include "support/wine.h"
 
 namespace {
 
@@ -24,6 +25,20 @@ unsigned LimitFrom(int argument_count, char** arguments) {
     return kTestLimit;
 }
 
+// A run of no test proves nothing. Under Wine every test has what it needs: one that skips itself has lost
+// it.
+bool TestedAll(const testing::UnitTest& run) {
+    if (run.test_to_run_count() == 0) {
+        std::fputs("no test ran\n", stderr);
+        return false;
+    }
+    if (support::UnderWine() && run.skipped_test_count() != 0) {
+        std::fputs("tests were skipped, which none may be under Wine\n", stderr);
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 // Beside gtest's own flags: --test-limit=SECONDS, how long one test may run.
@@ -37,5 +52,7 @@ int main(int argument_count, char** arguments) {
     }
     auto watchdog = std::make_unique<support::Watchdog>(LimitFrom(argument_count, arguments));
     testing::UnitTest::GetInstance()->listeners().Append(watchdog.release());
-    return RUN_ALL_TESTS();
+    const int status = RUN_ALL_TESTS();
+    const bool only_listed = GTEST_FLAG_GET(list_tests);
+    return status != 0 || only_listed || TestedAll(*testing::UnitTest::GetInstance()) ? status : EXIT_FAILURE;
 }

@@ -151,5 +151,22 @@ TEST(DescribedErrors, MachineWide_HitEveryObject) {
     machine.kernel.CloseHandle(handle);
 }
 
+TEST(DescribedErrors, CallsThatTheyFail_AreCountedApartFromThoseOfThePlan) {
+    Machine machine(R"({"disks": [{"index": 0, "size": "1 GiB", "errors": {"CreateFileW": 21}}],
+        "errors": {"GetLogicalDrives": 5}})");
+    EXPECT_EQ(machine.simulation.described_errors_met(), 0u);
+    EXPECT_EQ(machine.kernel.GetDriveTypeW(L"C:\\"), UINT{DRIVE_NO_ROOT_DIR});
+    EXPECT_EQ(machine.simulation.described_errors_met(), 0u);
+    machine.kernel.GetLogicalDrives();
+    EXPECT_EQ(machine.kernel.Open(L"\\\\.\\PhysicalDrive0"), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(machine.simulation.described_errors_met(), 2u);
+    EXPECT_EQ(machine.simulation.faults().hits(), 0u);
+
+    machine.simulation.faults().Fail("GetLogicalDrives", ERROR_BUSY);
+    machine.kernel.GetLogicalDrives();
+    EXPECT_EQ(machine.simulation.described_errors_met(), 2u) << "the plan comes first";
+    EXPECT_EQ(machine.simulation.faults().hits(), 1u);
+}
+
 }  // namespace
 }  // namespace machine_test

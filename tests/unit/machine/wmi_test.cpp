@@ -107,6 +107,18 @@ TEST_F(Wmi, Enumerator_GivesSeveralAtOnce) {
     objects[1]->Release();
 }
 
+TEST_F(Wmi, Enumerator_GivesNothingToWhoDoesNotWait) {
+    Start("{}");
+    ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_Processor"), S_OK);
+    IWbemClassObject* object = nullptr;
+    ULONG returned = 1;
+    EXPECT_EQ(enumerator_->Next(0, 1, &object, &returned), kTimedOut);
+    EXPECT_EQ(enumerator_->Next(60'000, 1, &object, &returned), kTimedOut);
+    EXPECT_EQ(returned, 0u);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(Fetch(enumerator_, instance_), S_OK);
+}
+
 TEST_F(Wmi, ForwardOnly_CannotStartAgain) {
     Start("{}");
     ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_Processor", kReturnImmediately | 0x20),

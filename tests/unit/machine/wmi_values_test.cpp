@@ -39,6 +39,16 @@ TEST_F(Wmi, Values_HaveTheTypesOfTheDescription) {
     EXPECT_EQ(value.vt, VT_EMPTY);
 }
 
+TEST_F(Wmi, ReservedFlags_AreRefused) {
+    Start(R"({"wmi": {"Test_Class": [{"A": 1}]}})");
+    First(L"Test_Class");
+    for (const LONG flags : {1L, 0x10L, 0x40L, -1L}) {
+        _variant_t value;
+        EXPECT_EQ(instance_->Get(L"A", flags, &value, nullptr, nullptr), kInvalidParameter) << flags;
+        EXPECT_EQ(value.vt, VT_EMPTY);
+    }
+}
+
 TEST_F(Wmi, Instance_ListsItsProperties) {
     Start(R"({"wmi": {"Test_Class": [{"A": 1, "B": "two"}]}})");
     First(L"Test_Class");

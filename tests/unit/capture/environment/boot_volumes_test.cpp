@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
+
 namespace {
 
 using support::LogLine;
@@ -42,9 +44,21 @@ OSInfo System() {
 
 class FindBootAndSystemVolumesTest : public testing::Test {
 protected:
+    FindBootAndSystemVolumesTest() { session_.emplace(machine::ParseDescription("{}", "boot volumes")); }
+
     int Find() { return FindBootAndSystemVolumes(volumes_, letters_, boot_, os_); }
 
-    machine::Session session_{machine::ParseDescription("{}", "boot volumes")};
+    // Another machine, with this registry.
+    void Describe(std::vector<machine::RegistryKey> registry) {
+        machine::Description description = machine::ParseDescription("{}", "boot volumes");
+        description.registry = std::move(registry);
+        session_.reset();
+        session_.emplace(std::move(description));
+    }
+
+    static LogLine Trace(const char* text) { return {support::kHostTrace, text}; }
+
+    std::optional<machine::Session> session_;
     support::LoggerCapture log_;
     std::vector<::Volume> volumes_;
     std::vector<DriveLetterEntry> letters_;
@@ -141,6 +155,43 @@ TEST_F(FindBootAndSystemVolumesTest, BootVolumeMissing_IsReportedAndNoOptionsAre
     EXPECT_EQ(Find(), 0);
     EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoBootVolume}));
     EXPECT_EQ(boot_.m_guidSystemVolume, L"{1}");
+    EXPECT_EQ(boot_.m_strBootOptions, L"");
+}
+
+// The start options decide the whole step, whatever has been found before.
+TEST_F(FindBootAndSystemVolumesTest, StartOptionsAbsent_FailsWithTheVolumesMarked) {
+    Describe({{L"SYSTEM\\CurrentControlSet\\Control", {}}});
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot", L"C:\\"), VolumeOf(L"{2}", L"\\Device\\System")};
+
+    EXPECT_EQ(Find(), 0);
+
+    EXPECT_THAT(
+        log_.all(),
+        ElementsAre(
+            Trace("Function OpenKey"), Trace("Opening the Key"),
+            Trace("CRegistry::OpenKey keyName=SYSTEM\\CurrentControlSet\\Control "
+                  "access=0x20019 res=0"),
+            Trace("bRet is TRUE"), Trace("Exiting OpenKey"), Trace("Function CloseKey"),
+            Trace("CRegistry::CloseKey res=0"), Trace("bRet is TRUE"), Trace("Exiting CloseKey"),
+            LogLine{support::kHostError, "GetBootOptions failed to find SystemStartOptions error=259"}));
+    EXPECT_EQ(boot_.m_guidBootVolume, L"{1}");
+    EXPECT_EQ(boot_.m_guidSystemVolume, L"{2}");
+    EXPECT_EQ(boot_.m_strBootFolder, L"C:\\WINDOWS");
+    EXPECT_EQ(boot_.m_strBootOptions, L"");
+    EXPECT_TRUE(volumes_[0].BootVolume);
+    EXPECT_TRUE(volumes_[1].SystemVolume);
+    ASSERT_EQ(letters_.size(), 2U);
+    EXPECT_EQ(letters_[0].m_strDrive, L"C:\\");
+}
+
+TEST_F(FindBootAndSystemVolumesTest, NoControlKey_FailsWithItsLine) {
+    Describe({});
+    volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot"), VolumeOf(L"{2}", L"\\Device\\System")};
+
+    EXPECT_EQ(Find(), 0);
+
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(LogLine{support::kHostError, "GetBootOptions Failed to open registry"}));
     EXPECT_EQ(boot_.m_strBootOptions, L"");
 }
 

@@ -178,6 +178,30 @@ TEST_F(InitEnvInfoTest, BootOptionsThatAreMissing_Fail) {
                 ElementsAre("GetBootOptions Failed to open registry", kFailed.text));
 }
 
+// The key is there, the start options are not: the volumes are found and told, and the whole step fails.
+TEST_F(InitEnvInfoTest, BootOptionsValueThatIsAbsent_FailsWithTheVolumesFound) {
+    machine::Description machine = machine::ParseDescription(kTwoPartitions, "legacy machine");
+    machine.registry.at(0).values.at(0).name = L"SystemStartOptionsOld";
+    Describe(std::move(machine));
+
+    EXPECT_EQ(InitEnvInfo(record_), 0);
+
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(LogLine{support::kHostError,
+                                    "GetBootOptions failed to find SystemStartOptions error=259"},
+                            kFailed));
+    EXPECT_EQ(record_.Version, 0U);
+    EXPECT_EQ(record_.DllVersion, L"");
+    EXPECT_EQ(record_.VolumeTable.size(), 3U);
+    EXPECT_EQ(record_.DriveLetterTable.size(), 3U);
+    EXPECT_EQ(record_.BootConfig.m_guidSystemVolume,
+              L"\\\\?\\Volume{22222222-0000-0000-0000-000000000000}\\");
+    EXPECT_EQ(record_.BootConfig.m_strBootOptions, L"");
+    EXPECT_THAT(record_.DiskDrives, IsEmpty());
+    EXPECT_EQ(simulation().open_handles(), 0U);
+    EXPECT_EQ(simulation().calls().Count("DeviceIoControl:IOCTL_DISK_GET_DRIVE_GEOMETRY"), 0U);
+}
+
 TEST_F(InitEnvInfoTest, DrivesThatCannotBeListed_FailWithTheirOwnLineAlone) {
     machine::FaultRule second;
     second.name = "FindFirstVolumeW";

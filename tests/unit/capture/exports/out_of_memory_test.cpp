@@ -32,7 +32,8 @@ TEST_F(OutOfMemory, SelectedVolumes_AreNoneAndALineSaysSo) {
         EXPECT_EQ(SetupSelectedVolumesList(list.data(), list.size()), 0);
         EXPECT_GT(failure.hits(), 0U);
     }
-    EXPECT_EQ(log_.Count(support::kHostError), 1U) << log_;
+    EXPECT_TRUE(log_.Contains(support::kHostError, "SetupSelectedVolumesList Exception")) << log_;
+    EXPECT_EQ(log_.Messages().size(), 1U) << log_;
 }
 
 TEST_F(OutOfMemory, Capture_FailsWithoutWriting) {

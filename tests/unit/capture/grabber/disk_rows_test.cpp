@@ -43,8 +43,9 @@ TEST(GetMaxPhysicalDiskId, NoDisks_FailWithALine) {
     const support::LoggerCapture log;
     std::uint32_t maximum = 77;
     EXPECT_FALSE(orvane::GetMaxPhysicalDiskId(ListedDisks(), maximum));
-    ASSERT_EQ(log.all().size(), 1U);
-    EXPECT_EQ(log.all()[0].text, "DeviceManager::GetMaxPhysicalDiskId no devices so no maximum id");
+    EXPECT_THAT(log.all(),
+                ElementsAre(LogLine{support::kHostError,
+                                    "DeviceManager::GetMaxPhysicalDiskId no devices so no maximum id"}));
 }
 
 TEST(GetMaxPhysicalDiskId, EmptyEntry_IsReportedByItsKey) {

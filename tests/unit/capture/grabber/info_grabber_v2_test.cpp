@@ -114,7 +114,40 @@ TEST_F(InfoGrabberV2Test, BootOptionsThatAreMissing_FailLast) {
     EXPECT_EQ(record().DiskDrives.size(), 2U);
 }
 
-// --- Machines without disks.
+TEST_F(InfoGrabberV2Test, BootOptionsValueThatIsAbsent_FailsLastWithTheBootSectionFilled) {
+    machine::Description machine = ExampleMachine("uefi-workstation");
+    machine.registry.at(0).values.clear();
+    Describe(std::move(machine));
+    log_.Clear();
+
+    EXPECT_FALSE(grabber_.ObtainInformation());
+
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(support::LogLine{support::kHostError,
+                                             "GetBootOptions failed to find SystemStartOptions error=259"}));
+    EXPECT_EQ(record().DiskDrives.size(), 2U);
+    EXPECT_EQ(record().DriveLetterTable.size(), record().VolumeTable.size());
+    EXPECT_EQ(record().BootConfig.m_guidSystemVolume, VolumeOn(record(), record().OS.SystemDevice).m_GUID);
+    EXPECT_EQ(record().BootConfig.m_guidBootVolume, VolumeOn(record(), record().OS.BootDevice).m_GUID);
+    EXPECT_EQ(record().BootConfig.m_strBootOptions, L"");
+}
+
+// --- Machines without disks, and with a number that is no machine's.
+
+TEST_F(InfoGrabberV2Test, DiskNumberThatIsAbsurd_FailsTheConversion) {
+    machine::WmiInstance drive = Instances(L"Win32_DiskDrive").at(0);
+    machine::WmiValue index;
+    index.type = VT_I4;
+    index.number = 65'536;
+    machine::SetProperty(drive, {L"Index", index});
+    Instances(L"Win32_DiskDrive").push_back(drive);
+
+    EXPECT_FALSE(grabber_.ObtainInformation());
+
+    EXPECT_THAT(log_.Lines(support::kHostError),
+                ElementsAre("orvane::InfoGrabberV2::AddDiskInformation disk number 65536 is too large"));
+    EXPECT_THAT(record().DiskDrives, IsEmpty());
+}
 
 TEST_F(InfoGrabberV2Test, NoDisks_CannotBeCaptured) {
     Describe(ExampleMachine("no-disks"));

@@ -52,8 +52,9 @@ TEST_F(PartitionManagerSpaceTest, GetNextPartitionAfter_ManagersList_KeepsItsOrd
     const GptManager manager{entries::Gpt(300 * kMiB, kMiB), entries::Gpt(100 * kMiB, kMiB)};
     std::int64_t next = 0;
 
-    manager.GetNextPartitionAfter(0, next);
+    EXPECT_TRUE(manager.GetNextPartitionAfter(0, next));
 
+    EXPECT_EQ(100 * kMiB, next);
     EXPECT_EQ(300 * kMiB, manager.partitions().front()->starting_offset());
 }
 

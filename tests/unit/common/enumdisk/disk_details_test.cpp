@@ -6,7 +6,9 @@
 
 namespace {
 
+using enum_machine::Error;
 using enum_machine::kMiB;
+using enum_machine::Trace;
 using support::LogLine;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -35,16 +37,16 @@ protected:
         return sizes;
     }
 
-    // The steps of the log from the first with this beginning on, without the enumeration's own listings.
-    std::vector<std::string> StepsBetween(const std::string& first, const std::string& last) const {
-        std::vector<std::string> steps;
+    // The steps of the log from this first one on, without the enumeration's own listings.
+    std::vector<LogLine> StepsBetween(const LogLine& first, const LogLine& last) const {
+        std::vector<LogLine> steps;
         bool within = false;
-        for (const std::string& text : Steps()) {
-            within = within || text == first;
+        for (const LogLine& line : Steps()) {
+            within = within || line == first;
             if (within) {
-                steps.push_back(text);
+                steps.push_back(line);
             }
-            if (within && text == last) {
+            if (within && line == last) {
                 break;
             }
         }
@@ -134,15 +136,17 @@ TEST_F(DiskDetails, OneDisk_IsReadInOrder) {
     Use(R"({"disks": [{"index": 0, "size": "4 MiB", "style": "mbr"}]})");
     EXPECT_EQ(Get(), 1);
     EXPECT_THAT(
-        StepsBetween("GetDiskDetails: No Of Disks: 1", "Leaving GetDiskDetails"),
-        ElementsAre("GetDiskDetails: No Of Disks: 1", "Entering Get Drive Geometry",
-                    "Opening the Drive \\\\.\\PhysicalDrive0", "Leaving Get Drive Geometry",
-                    "GetDiskDetails: Calling GetDiskLength for disk:0", "DriveName: \\\\.\\PhysicalDrive0",
-                    "Get length of drive \\\\.\\PhysicalDrive0: 4194304",
-                    "GetDiskDetails: Calling GetPartitionInfo for disk:0", "Entering GetPartitionInfo",
-                    "Entering GetDriveLayout", "Leaving GetDriveLayout", "Leaving GetPartitionInfo",
-                    "Leaving GetDiskDetails"));
-    EXPECT_EQ(Steps().front(), "Entering GetDiskDetails");
+        StepsBetween(Trace("GetDiskDetails: No Of Disks: 1"), Trace("Leaving GetDiskDetails")),
+        ElementsAre(Trace("GetDiskDetails: No Of Disks: 1"), Trace("Entering Get Drive Geometry"),
+                    Trace("Opening the Drive \\\\.\\PhysicalDrive0"), Trace("Leaving Get Drive Geometry"),
+                    Trace("GetDiskDetails: Calling GetDiskLength for disk:0"),
+                    Trace("DriveName: \\\\.\\PhysicalDrive0"),
+                    Trace("Get length of drive \\\\.\\PhysicalDrive0: 4194304"),
+                    Trace("GetDiskDetails: Calling GetPartitionInfo for disk:0"),
+                    Trace("Entering GetPartitionInfo"), Trace("Entering GetDriveLayout"),
+                    Trace("Leaving GetDriveLayout"), Trace("Leaving GetPartitionInfo"),
+                    Trace("Leaving GetDiskDetails")));
+    EXPECT_EQ(Steps().front(), Trace("Entering GetDiskDetails"));
     EXPECT_TRUE(IsTracedAs("EnumDisk::GetDiskDetails")) << log_;
 }
 
@@ -179,11 +183,11 @@ TEST_F(DiskDetails, GeometryFails_SkipsTheDisk) {
     faults().Fail(enum_machine::kGeometry, 87, enum_machine::kDrive0);
     EXPECT_EQ(Get(), 1);
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
-    EXPECT_THAT(
-        StepsBetween("GetDriveGeometry on 0 IOCTL_DISK_GET_DRIVE_GEOMETRY 0x57",
-                     "EnumDisk::GetDiskDetails GetDriveGeometry failed"),
-        ElementsAre("GetDriveGeometry on 0 IOCTL_DISK_GET_DRIVE_GEOMETRY 0x57", "Leaving Get Drive Geometry",
-                    "EnumDisk::GetDiskDetails GetDriveGeometry failed"));
+    EXPECT_THAT(StepsBetween(Error("GetDriveGeometry on 0 IOCTL_DISK_GET_DRIVE_GEOMETRY 0x57"),
+                             Error("EnumDisk::GetDiskDetails GetDriveGeometry failed")),
+                ElementsAre(Error("GetDriveGeometry on 0 IOCTL_DISK_GET_DRIVE_GEOMETRY 0x57"),
+                            Trace("Leaving Get Drive Geometry"),
+                            Error("EnumDisk::GetDiskDetails GetDriveGeometry failed")));
     EXPECT_EQ(log_.Count(support::kHostError), 2U) << log_;
 }
 
@@ -215,8 +219,8 @@ TEST_F(DiskDetails, LengthFails_EndsTheEnumeration) {
         ElementsAre(LogLine{support::kHostError, "Get length of drive \\\\.\\PhysicalDrive0 failed error=21"},
                     LogLine{support::kHostError, kFailure}));
     EXPECT_EQ(simulation().calls().Count("IWbemServices::ExecQuery"), 1U);  // no placeholders are looked for
-    EXPECT_EQ(Steps().at(Steps().size() - 1), kFailure);
-    EXPECT_EQ(Steps().at(Steps().size() - 2), "Leaving GetDiskDetails");
+    EXPECT_EQ(Steps().at(Steps().size() - 1), Error(kFailure));
+    EXPECT_EQ(Steps().at(Steps().size() - 2), Trace("Leaving GetDiskDetails"));
 }
 
 TEST_F(DiskDetails, ClassicLayoutFails_EndsTheEnumeration) {
@@ -246,8 +250,8 @@ TEST_F(DiskDetails, ListingFails_EndsWithTheCountOfTheDisksFoundSoFar) {
     EXPECT_EQ(Get(), 0);
     EXPECT_TRUE(log_.Contains(support::kHostTrace, "GetDiskDetails: No Of Disks: 1")) << log_;
     EXPECT_EQ(simulation().calls().Count(enum_machine::kGeometry), 0U);
-    EXPECT_EQ(Steps().at(Steps().size() - 2), "Leaving GetDiskDetails");
-    EXPECT_EQ(Steps().back(), kFailure);
+    EXPECT_EQ(Steps().at(Steps().size() - 2), Trace("Leaving GetDiskDetails"));
+    EXPECT_EQ(Steps().back(), Error(kFailure));
 }
 
 TEST_F(DiskDetails, SecondListingFails_IsAFailureWithTheDisksKept) {
@@ -255,22 +259,21 @@ TEST_F(DiskDetails, SecondListingFails_IsAFailureWithTheDisksKept) {
     faults().Add({"IWbemServices::ExecQuery", {}, 2, false, {}, {}});
     EXPECT_EQ(Get(), 0);
     EXPECT_THAT(Numbers(), ElementsAre(0U, 1U));
-    EXPECT_EQ(Steps().back(), kFailure);
+    EXPECT_EQ(Steps().back(), Error(kFailure));
 }
 
 TEST_F(DiskDetails, NoDisks_FailLikeTheListing) {
     UseExample("no-disks.json");
     EXPECT_EQ(Get(), 0);
     EXPECT_THAT(disks_, IsEmpty());
-    EXPECT_EQ(Steps().back(), kFailure);
+    EXPECT_EQ(Steps().back(), Error(kFailure));
 }
 
 TEST_F(DiskDetails, MissingDisksOnly_AreInsertedAndTraced) {
     Use(enum_machine::kMbrAndGpt);
     EXPECT_EQ(EnumDisk().AddMissingPhysicalDisks(disks_), 1);
     EXPECT_THAT(Sizes(), ElementsAre(500U, 500U));
-    EXPECT_TRUE(
-        log_.all().front().text.starts_with("Entering function EnumDisk::AddMissingPhysicalDisks line "));
+    EXPECT_TRUE(IsTracedAs("EnumDisk::AddMissingPhysicalDisks")) << log_;
     EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function EnumDisk::CreateFakeDisk line "))
         << log_;
     EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Leaving function EnumDisk::CreateFakeDisk line "))
@@ -288,6 +291,13 @@ TEST_F(DiskDetails, DiskNumberThatIsAbsurd_Fails) {
     Use(R"({"wmi": {"Win32_DiskDrive": [{"Index": 2147483647}]}})");
     EXPECT_EQ(Get(), 0);
     EXPECT_THAT(disks_, IsEmpty());
+    // Listed twice: for the disks, and for the highest number.
+    const std::string not_there =
+        "GetDriveLayout: Opening the drive \\\\.\\PhysicalDrive2147483647 failed error=2 0x2";
+    EXPECT_THAT(
+        log_.Lines(support::kHostError),
+        ElementsAre(not_there, not_there,
+                    "EnumDisk::AddMissingPhysicalDisks disk number 2147483647 is too large", kFailure));
 }
 
 }  // namespace

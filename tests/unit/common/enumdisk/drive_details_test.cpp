@@ -6,7 +6,6 @@
 
 namespace {
 
-using support::LogLine;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -59,8 +58,7 @@ TEST_F(DriveDetails, MbrDisks_GiveTheirSignaturesToVolumesAndExtents) {
 TEST_F(DriveDetails, Steps_AreTraced) {
     Use(enum_machine::kTwoMbr);
     assignDriveDetails(volumes_);
-    EXPECT_TRUE(log_.all().front().text.starts_with("Entering function assignDriveDetails line "));
-    EXPECT_TRUE(log_.all().back().text.starts_with("Leaving function assignDriveDetails line "));
+    EXPECT_TRUE(IsTracedAs("assignDriveDetails")) << log_;
     EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function getDriveInfo line ")) << log_;
 }
 
@@ -114,16 +112,14 @@ protected:
         log_.Clear();
         assignDriveDetails(volumes_);
         const std::string text = std::to_string(number);
-        std::size_t volume_lines = 0;
-        std::size_t extent_lines = 0;
-        for (const LogLine& line : log_.all()) {
-            volume_lines +=
-                line.text == "assignDriveDetails no physical disk matching volume disk num " + text;
-            extent_lines +=
-                line.text == "assignDriveDetails no physical disk matching volume extent disk num " + text;
-        }
-        EXPECT_EQ(volume_lines, 2U) << log_;
-        EXPECT_EQ(extent_lines, 3U) << log_;
+        EXPECT_EQ(log_.Count(support::kHostError,
+                             "assignDriveDetails no physical disk matching volume disk num " + text),
+                  2U)
+            << log_;
+        EXPECT_EQ(log_.Count(support::kHostError,
+                             "assignDriveDetails no physical disk matching volume extent disk num " + text),
+                  3U)
+            << log_;
         EXPECT_EQ(volumes_[0].m_dwDiskSignature, 0U);
         EXPECT_EQ(volumes_[0].extents[1].m_dwDiskSignature, 0U);
         EXPECT_FALSE(volumes_[0].Dynamic);
@@ -165,7 +161,7 @@ TEST_F(DriveDetails, ListingFails_LeavesTheVolumesAlone) {
     assignDriveDetails(volumes_);
     EXPECT_EQ(volumes_[0].m_dwDiskSignature, 77U);
     EXPECT_EQ(volumes_[0].extents[0].m_dwDiskSignature, 77U);
-    EXPECT_FALSE(LoggedPart("no physical disk matching")) << log_;
+    EXPECT_FALSE(log_.ContainsPart(support::kHostError, "no physical disk matching")) << log_;
 }
 
 }  // namespace

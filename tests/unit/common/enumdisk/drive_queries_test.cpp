@@ -10,7 +10,7 @@
 
 namespace {
 
-using support::LogLine;
+using enum_machine::Trace;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -32,8 +32,8 @@ TEST_F(DriveQueries, Length_IsThatOfTheDisk) {
     EXPECT_TRUE(EnumDisk::GetDiskLength(0, kLogError, length_, error_));
     EXPECT_EQ(length_, 1000 * enum_machine::kMiB);
     EXPECT_EQ(error_, 0U);
-    EXPECT_THAT(Steps(), ElementsAre("DriveName: \\\\.\\PhysicalDrive0",
-                                     "Get length of drive \\\\.\\PhysicalDrive0: 1048576000"));
+    EXPECT_THAT(Steps(), ElementsAre(Trace("DriveName: \\\\.\\PhysicalDrive0"),
+                                     Trace("Get length of drive \\\\.\\PhysicalDrive0: 1048576000")));
     EXPECT_THAT(log_.Messages(), IsEmpty());
     EXPECT_TRUE(IsTracedAs("EnumDisk::GetDiskLength")) << log_;
 }
@@ -91,7 +91,7 @@ TEST_F(DriveQueries, Layout_HoldsTheTableAndIsTraced) {
     ASSERT_TRUE(Layout(true));
     EXPECT_EQ(layout_.size(), 48U + 4 * 144);
     EXPECT_EQ(error_, 0U);
-    EXPECT_THAT(Steps(), ElementsAre("Entering GetDriveLayout", "Leaving GetDriveLayout"));
+    EXPECT_THAT(Steps(), ElementsAre(Trace("Entering GetDriveLayout"), Trace("Leaving GetDriveLayout")));
     EXPECT_THAT(log_.Messages(), IsEmpty());
     EXPECT_TRUE(IsTracedAs("EnumDisk::GetDriveLayout")) << log_;
 }
@@ -149,7 +149,7 @@ TEST_F(DriveQueries, LayoutFails_IsLoggedWithTheErrorInBothBases) {
             log_.Contains(support::kHostError,
                           std::string("Get drive layout of drive \\\\.\\PhysicalDrive0 failed ") + told))
             << log_;
-        EXPECT_EQ(Steps().back(), "Leaving GetDriveLayout");
+        EXPECT_EQ(Steps().back(), Trace("Leaving GetDriveLayout"));
     }
 }
 
@@ -159,7 +159,7 @@ TEST_F(DriveQueries, LayoutOpenFails_IsLoggedWithTheErrorInBothBases) {
     EXPECT_TRUE(log_.Contains(support::kHostError,
                               "GetDriveLayout: Opening the drive \\\\.\\PhysicalDrive7 failed error=2 0x2"))
         << log_;
-    EXPECT_EQ(Steps().back(), "Leaving GetDriveLayout");
+    EXPECT_EQ(Steps().back(), Trace("Leaving GetDriveLayout"));
 }
 
 TEST_F(DriveQueries, LayoutWithoutMemory_IsError14) {
@@ -169,7 +169,7 @@ TEST_F(DriveQueries, LayoutWithoutMemory_IsError14) {
     EXPECT_EQ(error_, 14U);
     EXPECT_GT(failing.hits(), 0U);
     EXPECT_EQ(log_.Count(support::kHostError), 0U) << log_;
-    EXPECT_EQ(Steps().back(), "Leaving GetDriveLayout");
+    EXPECT_EQ(Steps().back(), Trace("Leaving GetDriveLayout"));
 }
 
 TEST_F(DriveQueries, LayoutThatCountsMoreThanItHolds_Fails) {
@@ -223,7 +223,7 @@ TEST_F(DriveQueries, IsGpt_LayoutNotReadable_LeavesTheOutputAlone) {
 TEST_F(DriveQueries, IsGpt_IsTracedAroundTheLayout) {
     bool is_gpt = false;
     DriveIsGPT(0, is_gpt);
-    EXPECT_THAT(Steps(), ElementsAre("Entering GetDriveLayout", "Leaving GetDriveLayout"));
+    EXPECT_THAT(Steps(), ElementsAre(Trace("Entering GetDriveLayout"), Trace("Leaving GetDriveLayout")));
     EXPECT_TRUE(IsTracedAs("DriveIsGPT")) << log_;
 }
 

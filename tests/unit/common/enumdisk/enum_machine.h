@@ -1,7 +1,7 @@
 #pragma once
 
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -11,6 +11,13 @@
 
 // Described machines under the enumerator: the disks and volumes of the tests, and what the log says of them.
 namespace enum_machine {
+
+inline support::LogLine Trace(std::string text) {
+    return {support::kHostTrace, std::move(text)};
+}
+inline support::LogLine Error(std::string text) {
+    return {support::kHostError, std::move(text)};
+}
 
 inline constexpr std::int64_t kMiB = 1LL << 20;
 inline constexpr const wchar_t* kDrive0 = L"\\\\.\\PhysicalDrive0";
@@ -59,39 +66,22 @@ protected:
     machine::Disk& disk(std::size_t position) { return simulation().description().disks.at(position); }
     machine::Volume& volume(std::size_t position) { return simulation().description().volumes.at(position); }
 
-    // A line with this text, whatever its level.
-    bool Logged(std::string_view text) const {
-        for (const support::LogLine& line : log_.all()) {
-            if (line.text == text) {
-                return true;
-            }
-        }
-        return false;
-    }
-    bool LoggedPart(std::string_view part) const {
-        for (const support::LogLine& line : log_.all()) {
-            if (line.text.find(part) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    // The texts of all lines, without the entering and leaving lines that bear line numbers.
-    std::vector<std::string> Steps() const {
-        std::vector<std::string> texts;
+    // All lines, without the entering and leaving lines that bear line numbers.
+    std::vector<support::LogLine> Steps() const {
+        std::vector<support::LogLine> steps;
         for (const support::LogLine& line : log_.all()) {
             if (!line.text.starts_with("Entering function ") && !line.text.starts_with("Leaving function ")) {
-                texts.push_back(line.text);
+                steps.push_back(line);
             }
         }
-        return texts;
+        return steps;
     }
 
     // Whether the log begins with the entering line of a function and ends with its leaving line.
     bool IsTracedAs(const std::string& function) const {
         const auto& lines = log_.all();
-        return lines.size() >= 2 &&
+        return lines.size() >= 2 && lines.front().level == support::kHostTrace &&
+               lines.back().level == support::kHostTrace &&
                lines.front().text.starts_with("Entering function " + function + " line ") &&
                lines.back().text.starts_with("Leaving function " + function + " line ");
     }

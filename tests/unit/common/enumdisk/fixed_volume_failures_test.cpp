@@ -19,12 +19,12 @@ constexpr char kLeftOut[] =
 
 class FixedVolumeFailures : public fixed_machine::FixedMachine {
 protected:
-    // The first volume is left out after `line`; the second one is there.
-    void ExpectLeftOut(const std::string& line) {
+    // The first volume is left out after the line; the second one is there.
+    void ExpectLeftOut(const std::string& line, support::HostLevel level = support::kHostWarning) {
         EXPECT_TRUE(Get());
         EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));
-        EXPECT_TRUE(Logged(line)) << line << '\n' << log_;
-        EXPECT_TRUE(log_.Contains(support::kHostWarning, kLeftOut)) << log_;
+        EXPECT_THAT(log_.Messages(),
+                    ElementsAre(LogLine{level, line}, LogLine{support::kHostWarning, kLeftOut}));
     }
 
     void ExpectWarning(const std::string& line) {
@@ -38,7 +38,7 @@ protected:
 
 TEST_F(FixedVolumeFailures, DeviceName_LeavesTheVolumeOut) {
     faults().Fail("QueryDosDeviceW", 2, L"Volume{00000000-0000-0000-0000-000000000001}");
-    ExpectLeftOut("getDeviceName of " + FirstName() + " error=0x2 2");
+    ExpectLeftOut("getDeviceName of " + FirstName() + " error=0x2 2", support::kHostError);
 }
 
 TEST_F(FixedVolumeFailures, DeviceNameTooLongAtFirst_IsAskedAgain) {
@@ -50,9 +50,7 @@ TEST_F(FixedVolumeFailures, DeviceNameTooLongAtFirst_IsAskedAgain) {
 
 TEST_F(FixedVolumeFailures, VolumeInformation_LeavesTheVolumeOut) {
     faults().Fail("GetVolumeInformationW", 1005, fixed_machine::kFirst);
-    const std::string line = Info("GetVolumeInformation failed error=0x3ed 1005");
-    ExpectLeftOut(line);
-    ExpectWarning(line);
+    ExpectLeftOut(Info("GetVolumeInformation failed error=0x3ed 1005"));
 }
 
 TEST_F(FixedVolumeFailures, Opening_LeavesTheVolumeOut) {
@@ -62,9 +60,7 @@ TEST_F(FixedVolumeFailures, Opening_LeavesTheVolumeOut) {
 
 TEST_F(FixedVolumeFailures, Extents_LeaveTheVolumeOut) {
     faults().Fail(enum_machine::kExtents, 1, kOpenedFirst);
-    const std::string line = Info("DeviceIoControl IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS failed error=0x1 1");
-    ExpectLeftOut(line);
-    ExpectWarning(line);
+    ExpectLeftOut(Info("DeviceIoControl IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS failed error=0x1 1"));
 }
 
 TEST_F(FixedVolumeFailures, NoExtents_LeaveTheVolumeOut) {
@@ -167,6 +163,23 @@ TEST_F(FixedVolumeFailures, MountPaths_LeaveTheLetterEmpty) {
     EXPECT_TRUE(Get());
     ASSERT_THAT(volumes_, SizeIs(2));
     EXPECT_EQ(volumes_[0].VolumeLetter, L"");
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(LogLine{support::kHostWarning,
+                                    "getVolumeInfo for " + FirstName() +
+                                        " GetVolumePathNamesForVolumeName failed error=0x57 87"}));
+}
+
+// The system answers, and names no target.
+TEST_F(FixedVolumeFailures, DeviceNameWithoutATarget_LeavesTheVolumeOut) {
+    faults().Alter(
+        "QueryDosDeviceW",
+        [](machine::Answer& answer) {
+            answer.bytes.assign(2 * sizeof(wchar_t), 0);
+            answer.returned = 2;
+        },
+        L"Volume{00000000-0000-0000-0000-000000000001}");
+    ExpectLeftOut("getDeviceName of " + FirstName() + " error=0xd 13", support::kHostError);
+    EXPECT_EQ(faults().hits(), 1U);
 }
 
 TEST_F(FixedVolumeFailures, EveryVolume_LeavesAnEmptyListAndSuccess) {
@@ -194,8 +207,9 @@ TEST_P(MalformedVolumeName, DeviceName_IsABadPathname) {
                              [](const wchar_t*) -> UINT { return DRIVE_FIXED; });
     EXPECT_TRUE(Get());
     EXPECT_THAT(volumes_, IsEmpty());
-    EXPECT_TRUE(
-        Logged("getDeviceName of " + std::string(name.begin(), name.end()) + " error ERROR_BAD_PATHNAME"))
+    EXPECT_TRUE(log_.Contains(
+        support::kHostError,
+        "getDeviceName of " + std::string(name.begin(), name.end()) + " error ERROR_BAD_PATHNAME"))
         << log_;
 }
 

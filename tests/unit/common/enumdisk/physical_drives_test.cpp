@@ -214,10 +214,7 @@ TEST_F(PhysicalDrivesIndexes, Query_IsForAllDiskDrivesAndTraced) {
     Use(enum_machine::kTwoMbr);
     List();
     EXPECT_THAT(ObjectsOf("IWbemServices::ExecQuery"), ElementsAre(L"Win32_DiskDrive"));
-    EXPECT_TRUE(
-        log_.all().front().text.starts_with("Entering function EnumDisk::GetPhysicalDrivesIndexes line "));
-    EXPECT_TRUE(
-        log_.all().back().text.starts_with("Leaving function EnumDisk::GetPhysicalDrivesIndexes line "));
+    EXPECT_TRUE(IsTracedAs("EnumDisk::GetPhysicalDrivesIndexes")) << log_;
     EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function EnumDisk::DiskUsable line "))
         << log_;
 }

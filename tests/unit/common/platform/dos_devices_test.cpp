@@ -43,6 +43,16 @@ TEST_F(DosDevices, SeveralTargets_AreGivenInTheirOrder) {
     EXPECT_THAT(targets_, ElementsAre(L"\\Device\\HarddiskVolume3", L"\\Device\\Old"));
 }
 
+TEST_F(DosDevices, ListOfNothing_IsASuccessWithoutTargets) {
+    const ListingSystem system(std::wstring(2, L'\0'));
+
+    EXPECT_TRUE(Get());
+
+    EXPECT_EQ(error_, 0U);
+    EXPECT_THAT(targets_, SizeIs(0));
+    EXPECT_FALSE(log_.ContainsPart(support::kHostTrace, "WinAPIWrapper::QueryDosDevice of ")) << log_;
+}
+
 TEST_F(DosDevices, EmptyName_IsPassedAsNull) {
     const ListingSystem system(MultiString({L"C:", L"PhysicalDrive0"}));
 

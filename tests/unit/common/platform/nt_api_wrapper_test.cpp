@@ -40,6 +40,8 @@ protected:
     }
     void ExpectTraceOf(const std::string& function) const {
         ASSERT_GE(log_.all().size(), 2U);
+        EXPECT_EQ(log_.all().front().level, support::kHostTrace);
+        EXPECT_EQ(log_.all().back().level, support::kHostTrace);
         EXPECT_THAT(log_.all().front().text, MatchesRegex("Entering function " + function + " line \\d+"));
         EXPECT_THAT(log_.all().back().text, MatchesRegex("Leaving function " + function + " line \\d+"));
     }

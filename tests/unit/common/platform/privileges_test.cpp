@@ -5,76 +5,61 @@
 #include <gmock/gmock.h>
 
 #include "common/platform/privileges.h"
-#include "common/platform/unique_handle.h"
 #include "support/stub.h"
+#include "unit/common/platform/token_privileges.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-struct TokenKind {
-    static HANDLE Invalid() { return nullptr; }
-    static void Close(HANDLE handle) { ::CloseHandle(handle); }
-};
-using Token = UniqueHandle<TokenKind>;
-
-Token OwnToken() {
-    HANDLE handle = nullptr;
-    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &handle));
-    return Token(handle);
-}
-
-LUID ValueOf(const wchar_t* privilege) {
-    LUID luid{};
-    EXPECT_TRUE(LookupPrivilegeValueW(nullptr, privilege, &luid));
-    return luid;
-}
-
-// Whether the process's token has the privilege enabled; false also where it has it not at all.
-bool IsEnabled(const wchar_t* privilege) {
-    PRIVILEGE_SET set{};
-    set.PrivilegeCount = 1;
-    set.Control = PRIVILEGE_SET_ALL_NECESSARY;
-    set.Privilege[0].Luid = ValueOf(privilege);
-    BOOL enabled = FALSE;
-    EXPECT_TRUE(PrivilegeCheck(OwnToken().get(), &set, &enabled));
-    return enabled != FALSE;
-}
-
-// Whether the process's token holds the privilege, enabled or not.
-bool IsHeld(const wchar_t* privilege) {
-    std::vector<unsigned char> buffer(4096);
-    DWORD bytes = 0;
-    EXPECT_TRUE(GetTokenInformation(OwnToken().get(), TokenPrivileges, buffer.data(),
-                                    static_cast<DWORD>(buffer.size()), &bytes));
-    const auto* held = reinterpret_cast<const TOKEN_PRIVILEGES*>(buffer.data());
-    const LUID wanted = ValueOf(privilege);
-    for (DWORD i = 0; i < held->PrivilegeCount; ++i) {
-        const LUID& luid = held->Privileges[i].Luid;
-        if (luid.LowPart == wanted.LowPart && luid.HighPart == wanted.HighPart) {
-            return true;
-        }
-    }
-    return false;
-}
-
-void Disable(const wchar_t* privilege) {
-    TOKEN_PRIVILEGES privileges{};
-    privileges.PrivilegeCount = 1;
-    privileges.Privileges[0].Luid = ValueOf(privilege);
-    EXPECT_TRUE(AdjustTokenPrivileges(OwnToken().get(), FALSE, &privileges, 0, nullptr, nullptr));
-}
+constexpr const wchar_t* kBoth[] = {L"SeBackupPrivilege", L"SeRestorePrivilege"};
 
 TEST(EnableBackupPrivileges, PrivilegesThatAreHeld_AreEnabledAfterwards) {
-    for (const wchar_t* const privilege : {L"SeBackupPrivilege", L"SeRestorePrivilege"}) {
-        Disable(privilege);
-        ASSERT_FALSE(IsEnabled(privilege));
+    if (!UserHoldsBackupPrivileges()) {
+        GTEST_SKIP() << "for a user who may back up and restore";
     }
+    const Token token = OwnToken();
+    for (const wchar_t* const privilege : kBoth) {
+        Adjust(token.get(), privilege, 0);
+        ASSERT_FALSE(IsEnabled(token.get(), privilege));
+    }
+
     EnableBackupPrivileges();
-    for (const wchar_t* const privilege : {L"SeBackupPrivilege", L"SeRestorePrivilege"}) {
-        EXPECT_EQ(IsEnabled(privilege), IsHeld(privilege));
+
+    for (const wchar_t* const privilege : kBoth) {
+        EXPECT_TRUE(IsEnabled(token.get(), privilege));
     }
 }
+
+// A process whose token lacks the privilege: a copy of the own token without it is handed out as the own.
+class PrivilegeNotHeld : public testing::TestWithParam<int> {};
+
+TEST_P(PrivilegeNotHeld, EnableBackupPrivileges_LeavesItAndEnablesTheOther) {
+    if (!UserHoldsBackupPrivileges()) {
+        GTEST_SKIP() << "for a user who may back up and restore";
+    }
+    const wchar_t* const missing = kBoth[GetParam()];
+    const wchar_t* const other = kBoth[1 - GetParam()];
+    HANDLE copy = nullptr;
+    ASSERT_TRUE(DuplicateTokenEx(OwnToken(TOKEN_DUPLICATE).get(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY,
+                                 nullptr, SecurityImpersonation, TokenPrimary, &copy));
+    const Token token(copy);
+    Adjust(copy, missing, SE_PRIVILEGE_REMOVED);
+    Adjust(copy, other, 0);
+    ASSERT_FALSE(IsHeld(copy, missing));
+    ASSERT_FALSE(IsEnabled(copy, other));
+    const support::StubImport open(
+        "OpenProcessToken", &::OpenProcessToken, [&](HANDLE, DWORD access, PHANDLE handle) -> BOOL {
+            return DuplicateHandle(GetCurrentProcess(), copy, GetCurrentProcess(), handle, access, FALSE, 0);
+        });
+
+    EnableBackupPrivileges();
+
+    EXPECT_FALSE(IsHeld(copy, missing));
+    EXPECT_TRUE(IsEnabled(copy, other));
+}
+
+INSTANTIATE_TEST_SUITE_P(BackupAndRestore, PrivilegeNotHeld, testing::Values(0, 1));
 
 TEST(EnableBackupPrivileges, Token_IsAskedForAdjustingAndQuerying) {
     DWORD access = 0;

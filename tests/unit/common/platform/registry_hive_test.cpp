@@ -12,6 +12,7 @@
 #include "support/stub.h"
 #include "support/text.h"
 #include "unit/common/platform/scratch_key.h"
+#include "unit/common/platform/token_privileges.h"
 
 namespace {
 
@@ -21,8 +22,7 @@ const std::wstring kFound = L"\\system32\\config\\SYSTEM";
 constexpr wchar_t kHiveKey[] = L"ControlSetSearchHive";
 constexpr wchar_t kErrorIn[] = L"Error in CRegistry::GetCurrentControlSetName - ";
 
-// A directory with a SYSTEM hive in the place where Windows has it. Loading takes the privileges of a backup
-// program: where the user may not have them, the tests say so and are skipped.
+// A directory with a place for a SYSTEM hive where Windows has it.
 class RegistryHive : public testing::Test {
 protected:
     RegistryHive() : windows_(std::filesystem::temp_directory_path() / ("orvane-hive-" + ProcessId())) {
@@ -49,31 +49,6 @@ protected:
         return loaded;
     }
 
-    // Writes a hive whose key "Select" is filled by `fill`; false where the system does not let us.
-    bool WriteHive(const std::function<void(const ScratchKey&)>& fill, const wchar_t* select = L"Select") {
-        const ScratchKey root;
-        {
-            const ScratchKey below(root.path() + L"\\" + select);
-            fill(below);
-            std::filesystem::remove(windows_ / "system32" / "config" / "SYSTEM");
-            const LSTATUS status = RegSaveKeyW(root.get(), File().c_str(), nullptr);
-            if (status == ERROR_PRIVILEGE_NOT_HELD) {
-                return false;
-            }
-            EXPECT_EQ(status, ERROR_SUCCESS);
-        }
-        log_.Clear();
-        return true;
-    }
-
-    bool WriteCurrent(DWORD number) {
-        return WriteHive([number](const ScratchKey& select) {
-            select.SetNumber(L"Default", 1);
-            select.SetNumber(L"Current", number);
-            select.SetNumber(L"Failed", 7);
-        });
-    }
-
     // The error that the search throws; empty when it throws none.
     std::wstring ErrorOf(const std::wstring& windows) {
         try {
@@ -89,12 +64,38 @@ protected:
     support::LoggerCapture log_;
 };
 
-constexpr char kNoPrivilege[] = "this user may not save registry keys";
-
-TEST_F(RegistryHive, LoadAndUnload_BringAndTakeTheKeysOfTheFile) {
-    if (!WriteCurrent(12)) {
-        GTEST_SKIP() << kNoPrivilege;
+// With a hive in its place, which takes the privileges of a backup program: to write it, and to load it.
+class WrittenHive : public RegistryHive {
+protected:
+    void SetUp() override {
+        if (!UserHoldsBackupPrivileges()) {
+            GTEST_SKIP() << "for a user who may back up and restore";
+        }
     }
+
+    // Writes a hive whose key "Select" is filled by `fill`.
+    void WriteHive(const std::function<void(const ScratchKey&)>& fill, const wchar_t* select = L"Select") {
+        const ScratchKey root;
+        {
+            const ScratchKey below(root.path() + L"\\" + select);
+            fill(below);
+            std::filesystem::remove(windows_ / "system32" / "config" / "SYSTEM");
+            ASSERT_EQ(RegSaveKeyW(root.get(), File().c_str(), nullptr), ERROR_SUCCESS);
+        }
+        log_.Clear();
+    }
+
+    void WriteCurrent(DWORD number) {
+        WriteHive([number](const ScratchKey& select) {
+            select.SetNumber(L"Default", 1);
+            select.SetNumber(L"Current", number);
+            select.SetNumber(L"Failed", 7);
+        });
+    }
+};
+
+TEST_F(WrittenHive, LoadAndUnload_BringAndTakeTheKeysOfTheFile) {
+    ASSERT_NO_FATAL_FAILURE(WriteCurrent(12));
     ASSERT_TRUE(registry_.LoadHive(HKEY_LOCAL_MACHINE, kHiveKey, File()));
     EXPECT_TRUE(registry_.VerifyKeyExistance(HKEY_LOCAL_MACHINE, L"ControlSetSearchHive\\Select"));
     EXPECT_TRUE(registry_.UnloadHive(HKEY_LOCAL_MACHINE, kHiveKey));
@@ -108,6 +109,7 @@ TEST_F(RegistryHive, LoadAndUnload_BringAndTakeTheKeysOfTheFile) {
 TEST_F(RegistryHive, LoadOfAMissingFile_IsFalseWithTheCode) {
     EXPECT_FALSE(registry_.LoadHive(HKEY_LOCAL_MACHINE, kHiveKey, File()));
     ASSERT_EQ(log_.all().size(), 1U);
+    EXPECT_EQ(log_.all()[0].level, support::kHostTrace);
     EXPECT_TRUE(log_.all()[0].text.starts_with("CRegistry::LoadHive subKey=ControlSetSearchHive file="))
         << log_;
     EXPECT_FALSE(log_.all()[0].text.ends_with(" res0")) << log_;
@@ -116,26 +118,23 @@ TEST_F(RegistryHive, LoadOfAMissingFile_IsFalseWithTheCode) {
 TEST_F(RegistryHive, UnloadOfWhatIsNotLoaded_IsFalseWithTheCode) {
     EXPECT_FALSE(registry_.UnloadHive(HKEY_LOCAL_MACHINE, kHiveKey));
     ASSERT_EQ(log_.all().size(), 1U);
+    EXPECT_EQ(log_.all()[0].level, support::kHostTrace);
     EXPECT_TRUE(log_.all()[0].text.starts_with("CRegistry::UnloadHive subKey=ControlSetSearchHive res"))
         << log_;
     EXPECT_FALSE(log_.all()[0].text.ends_with(" res0")) << log_;
 }
 
-TEST_F(RegistryHive, CurrentControlSet_HasThreeDigitsAndIsUnloadedAgain) {
+TEST_F(WrittenHive, CurrentControlSet_HasThreeDigitsAndIsUnloadedAgain) {
     for (const auto& [number, name] : {std::pair{0U, L"ControlSet000"}, std::pair{1U, L"ControlSet001"},
                                        std::pair{12U, L"ControlSet012"}, std::pair{999U, L"ControlSet999"}}) {
-        if (!WriteCurrent(number)) {
-            GTEST_SKIP() << kNoPrivilege;
-        }
+        ASSERT_NO_FATAL_FAILURE(WriteCurrent(number));
         EXPECT_EQ(registry_.GetCurrentControlSetName(Windows()), name);
         EXPECT_FALSE(IsLoaded());
     }
 }
 
-TEST_F(RegistryHive, CurrentControlSet_LeavesTheKeyBeforeTheHive) {
-    if (!WriteCurrent(1)) {
-        GTEST_SKIP() << kNoPrivilege;
-    }
+TEST_F(WrittenHive, CurrentControlSet_LeavesTheKeyBeforeTheHive) {
+    ASSERT_NO_FATAL_FAILURE(WriteCurrent(1));
     registry_.GetCurrentControlSetName(Windows());
     const std::vector<std::string> lines = log_.Lines(support::kHostTrace);
     EXPECT_THAT(
@@ -148,55 +147,44 @@ TEST_F(RegistryHive, CurrentControlSet_LeavesTheKeyBeforeTheHive) {
                     "CRegistry::UnloadHive subKey=ControlSetSearchHive res0"));
 }
 
-TEST_F(RegistryHive, CurrentControlSet_DirectoryWithABackslash_IsTheSame) {
-    if (!WriteCurrent(3)) {
-        GTEST_SKIP() << kNoPrivilege;
-    }
+TEST_F(WrittenHive, CurrentControlSet_DirectoryWithABackslash_IsTheSame) {
+    ASSERT_NO_FATAL_FAILURE(WriteCurrent(3));
     EXPECT_EQ(registry_.GetCurrentControlSetName(Windows() + L"\\"), L"ControlSet003");
     EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, " file=" + support::Utf8(File()) + " res0")) << log_;
 }
 
-TEST_F(RegistryHive, CurrentControlSet_1000_IsTooBigAndTheHiveUnloaded) {
-    if (!WriteCurrent(1000)) {
-        GTEST_SKIP() << kNoPrivilege;
-    }
+TEST_F(WrittenHive, CurrentControlSet_1000_IsTooBigAndTheHiveUnloaded) {
+    ASSERT_NO_FATAL_FAILURE(WriteCurrent(1000));
     EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Current ControlSet number too big"));
     EXPECT_FALSE(IsLoaded());
 }
 
-TEST_F(RegistryHive, CurrentControlSet_OfAnotherType_IsNotFound) {
-    if (!WriteHive([](const ScratchKey& select) { select.SetText(L"Current", L"1"); })) {
-        GTEST_SKIP() << kNoPrivilege;
-    }
+TEST_F(WrittenHive, CurrentControlSet_OfAnotherType_IsNotFound) {
+    ASSERT_NO_FATAL_FAILURE(WriteHive([](const ScratchKey& select) { select.SetText(L"Current", L"1"); }));
     EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Failed to find current ControlSet"));
     EXPECT_FALSE(IsLoaded());
 }
 
-TEST_F(RegistryHive, CurrentControlSet_OtherNamesOnly_AreNotFound) {
-    if (!WriteHive([](const ScratchKey& select) {
-            select.SetNumber(L"Currents", 1);
-            select.SetNumber(L"Curren", 2);
-        })) {
-        GTEST_SKIP() << kNoPrivilege;
-    }
+TEST_F(WrittenHive, CurrentControlSet_OtherNamesOnly_AreNotFound) {
+    ASSERT_NO_FATAL_FAILURE(WriteHive([](const ScratchKey& select) {
+        select.SetNumber(L"Currents", 1);
+        select.SetNumber(L"Curren", 2);
+    }));
     EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Failed to find current ControlSet"));
 }
 
-TEST_F(RegistryHive, CurrentControlSet_ValueTooLongBeforeIt_EndsTheSearch) {
-    if (!WriteHive([](const ScratchKey& select) {
-            select.Set(L"A", REG_BINARY, std::string(40'000, 'x').data(), 40'000);
-            select.SetNumber(L"Current", 1);
-        })) {
-        GTEST_SKIP() << kNoPrivilege;
-    }
+TEST_F(WrittenHive, CurrentControlSet_ValueTooLongBeforeIt_EndsTheSearch) {
+    ASSERT_NO_FATAL_FAILURE(WriteHive([](const ScratchKey& select) {
+        select.Set(L"A", REG_BINARY, std::string(40'000, 'x').data(), 40'000);
+        select.SetNumber(L"Current", 1);
+    }));
     EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Failed to find current ControlSet"));
     EXPECT_FALSE(IsLoaded());
 }
 
-TEST_F(RegistryHive, CurrentControlSet_NoSelectKey_FailsWithItsPathAndUnloads) {
-    if (!WriteHive([](const ScratchKey& select) { select.SetNumber(L"Current", 1); }, L"Other")) {
-        GTEST_SKIP() << kNoPrivilege;
-    }
+TEST_F(WrittenHive, CurrentControlSet_NoSelectKey_FailsWithItsPathAndUnloads) {
+    ASSERT_NO_FATAL_FAILURE(
+        WriteHive([](const ScratchKey& select) { select.SetNumber(L"Current", 1); }, L"Other"));
     EXPECT_EQ(ErrorOf(Windows()),
               kErrorIn + std::wstring(L"Failed to open the Key ControlSetSearchHive\\Select"));
     EXPECT_FALSE(IsLoaded());
@@ -214,10 +202,9 @@ TEST_F(RegistryHive, CurrentControlSet_NoHive_UnloadsNothing) {
     EXPECT_FALSE(log_.ContainsPart(support::kHostTrace, "CRegistry::UnloadHive")) << log_;
 }
 
-TEST_F(RegistryHive, CurrentControlSet_NumberCutShort_IsNotFound) {
-    if (!WriteHive([](const ScratchKey& select) { select.Set(L"Current", REG_DWORD, "\1\0", 2); })) {
-        GTEST_SKIP() << kNoPrivilege;
-    }
+TEST_F(WrittenHive, CurrentControlSet_NumberCutShort_IsNotFound) {
+    ASSERT_NO_FATAL_FAILURE(
+        WriteHive([](const ScratchKey& select) { select.Set(L"Current", REG_DWORD, "\1\0", 2); }));
     EXPECT_EQ(ErrorOf(Windows()), kErrorIn + std::wstring(L"Failed to find current ControlSet"));
 }
 

@@ -55,8 +55,8 @@ TEST_F(WmiCursor, Walk_ThreeObjects_GivesThemInTheirOrder) {
 
 TEST_F(WmiCursor, FindFirstObject_Twice_StartsAnew) {
     CWmi wmi(kQuery);
-    wmi.FindFirstObject();
-    wmi.FindNextObject();
+    ASSERT_TRUE(wmi.FindFirstObject());
+    ASSERT_TRUE(wmi.FindNextObject());
 
     EXPECT_TRUE(wmi.FindFirstObject());
 
@@ -65,9 +65,9 @@ TEST_F(WmiCursor, FindFirstObject_Twice_StartsAnew) {
 
 TEST_F(WmiCursor, FindNextObject_PastTheEnd_LeavesNoCurrentObject) {
     CWmi wmi(kQuery);
-    wmi.FindFirstObject();
-    wmi.FindNextObject();
-    wmi.FindNextObject();
+    ASSERT_TRUE(wmi.FindFirstObject());
+    ASSERT_TRUE(wmi.FindNextObject());
+    ASSERT_TRUE(wmi.FindNextObject());
 
     EXPECT_FALSE(wmi.FindNextObject());
 
@@ -91,13 +91,13 @@ TEST_F(WmiCursor, Get_BeforeTheFirstObject_IsFalse) {
 
 TEST_F(WmiCursor, FindNextObject_Always_ReleasesTheObjectBefore) {
     CWmi wmi(kQuery);
-    wmi.FindFirstObject();
+    ASSERT_TRUE(wmi.FindFirstObject());
     const std::size_t with_one = simulation().live_objects();
 
-    wmi.FindNextObject();
+    ASSERT_TRUE(wmi.FindNextObject());
     EXPECT_EQ(simulation().live_objects(), with_one);
-    wmi.FindNextObject();
-    wmi.FindNextObject();
+    ASSERT_TRUE(wmi.FindNextObject());
+    ASSERT_FALSE(wmi.FindNextObject());
 
     EXPECT_EQ(simulation().live_objects(), with_one - 1);
 }
@@ -134,7 +134,8 @@ TEST_F(WmiCursor, FindFirstObject_ResetGivesASuccessBesideZero_IsFalse) {
 
 TEST_F(WmiCursor, FindNextObject_SystemFails_ClearsTheCurrentObject) {
     CWmi wmi(kQuery);
-    wmi.FindFirstObject();
+    ASSERT_TRUE(wmi.FindFirstObject());
+    ASSERT_EQ(NameOf(wmi), L"first");
     simulation().faults().Fail("IEnumWbemClassObject::Next", 0x80041003);
 
     EXPECT_FALSE(wmi.FindNextObject());
@@ -144,7 +145,7 @@ TEST_F(WmiCursor, FindNextObject_SystemFails_ClearsTheCurrentObject) {
 
 TEST_F(WmiCursor, FindNextObject_ObjectWithASuccessBesideZero_IsReleasedAndNotTaken) {
     CWmi wmi(kQuery);
-    wmi.FindFirstObject();
+    ASSERT_TRUE(wmi.FindFirstObject());
     const std::size_t with_one = simulation().live_objects();
     simulation().faults().Alter("IEnumWbemClassObject::Next",
                                 [](machine::Answer& answer) { answer.error = 1; });
@@ -166,7 +167,8 @@ TEST_F(WmiCursor, FindNextObject_ClassWithoutAnEnd_IsGivenUp) {
     }
 
     EXPECT_EQ(found, 100'000);
-    EXPECT_EQ(log_.Count(support::kHostError), 1U) << log_;
+    EXPECT_THAT(log_.all(),
+                ElementsAre(LogLine{support::kHostError, "CWmi::Fetch gave up after 100000 objects"}));
 }
 
 TEST_F(WmiCursor, Construction_CreationFails_NamesThatStep) {
@@ -213,6 +215,46 @@ TEST_F(WmiCursor, Construction_Locator_IsCreatedAsAnUnknown) {
     EXPECT_TRUE(IsEqualGUID(iid, IID_IUnknown));
     EXPECT_EQ(context, 5U);
     EXPECT_FALSE(outer);
+}
+
+// Keeps what it is asked to connect to, and connects to nothing.
+class ListeningLocator final : public IWbemLocator {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID /*iid*/, void** /*object*/) override {
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
+    ULONG STDMETHODCALLTYPE Release() override { return --references; }
+    HRESULT STDMETHODCALLTYPE ConnectServer(const BSTR asked_resource, const BSTR user, const BSTR password,
+                                            const BSTR locale, LONG asked_flags, const BSTR authority,
+                                            IWbemContext* context, IWbemServices** /*services*/) override {
+        resource = asked_resource;
+        flags = asked_flags;
+        nothing_else = user == nullptr && password == nullptr && locale == nullptr && authority == nullptr &&
+                       context == nullptr;
+        return E_FAIL;
+    }
+
+    std::wstring resource;
+    LONG flags = -1;
+    bool nothing_else = false;
+    ULONG references = 1;
+};
+
+TEST_F(WmiCursor, Construction_Connection_IsToTheNamespaceAndNothingElse) {
+    ListeningLocator locator;
+    const StubImport create("CoCreateInstance", &::CoCreateInstance,
+                            [&](REFCLSID, IUnknown*, DWORD, REFIID, void** object) -> HRESULT {
+                                *object = static_cast<IWbemLocator*>(&locator);
+                                return S_OK;
+                            });
+
+    EXPECT_FALSE(CWmi(kQuery).initialized());
+
+    EXPECT_EQ(locator.resource, L"root\\cimv2");
+    EXPECT_EQ(locator.flags, 0);
+    EXPECT_TRUE(locator.nothing_else);
+    EXPECT_EQ(locator.references, 0U);
 }
 
 TEST_F(WmiCursor, Construction_Blanket_HasTheAgreedLevels) {

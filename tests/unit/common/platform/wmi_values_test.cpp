@@ -140,6 +140,24 @@ TEST_P(WmiUnreadable, Get_PropertyThatCannotBeRead_IsFalse) {
 
 INSTANTIATE_TEST_SUITE_P(MissingAndFailing, WmiUnreadable, testing::Values(L"NoSuchProperty", L"Broken"));
 
+// The simulated object refuses the reserved flags: no reading passes any.
+TEST_F(WmiValues, Get_EveryForm_PassesNoFlags) {
+    simulation().calls().Clear();
+    int number = 0;
+    std::wstring text;
+    std::vector<std::wstring> list;
+
+    wmi_.Get(L"I4", number);
+    wmi_.GetLowInteger(L"I4", number);
+    wmi_.Get(L"Text", text);
+    wmi_.Get(L"Five", list);
+
+    ASSERT_EQ(simulation().calls().Count("IWbemClassObject::Get"), 4U);
+    for (const machine::CallRecord& call : simulation().calls().records()) {
+        EXPECT_FALSE(call.failed) << call.ordinal << ": " << std::hex << call.error;
+    }
+}
+
 TEST_F(WmiValues, GetText_LettersOfAllKinds_AreKept) {
     std::wstring text;
     EXPECT_TRUE(wmi_.Get(L"Letters", text));

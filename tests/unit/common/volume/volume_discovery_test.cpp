@@ -35,12 +35,13 @@ protected:
         return found;
     }
 
-    // A discovery that fails leaves the reason in the log and no volumes.
-    void ExpectFailureWith(const std::string& part) {
+    // A discovery that fails leaves the reason as the only message in the log, and no volumes.
+    void ExpectFailureWith(const std::string& reason) {
         EXPECT_FALSE(Discover());
         EXPECT_TRUE(manager_.IsFailed(L"Find Volume"));
         EXPECT_THAT(manager_.volumes(), IsEmpty());
-        EXPECT_TRUE(log_.ContainsPart(support::kHostError, part)) << log_;
+        EXPECT_THAT(log_.Messages(), ElementsAre(support::LogLine{support::kHostError,
+                                                                  std::string(kFunction) + " " + reason}));
         EXPECT_EQ(0U, machine_.simulation().open_handles());
     }
 
@@ -50,6 +51,9 @@ protected:
 };
 
 const std::string kSystem = "\\Device\\HarddiskVolume1=\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\";
+constexpr const char* kSkippedLink =
+    "bmr_common::VolumeManager::GetDeviceNamesMap - skip volume link "
+    "Volume{00000000-0000-0000-0000-000000000001} without a target";
 const std::string kData = "\\Device\\HarddiskVolume2=\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\";
 
 TEST_F(VolumeDiscoveryTest, TwoVolumes_AreFoundAndInitialised) {
@@ -65,7 +69,7 @@ TEST_F(VolumeDiscoveryTest, TwoVolumes_AreFoundAndInitialised) {
 }
 
 TEST_F(VolumeDiscoveryTest, TwoVolumes_AreTraced) {
-    Discover();
+    EXPECT_TRUE(Discover());
 
     EXPECT_EQ(1U, log_.Count(support::kHostTrace,
                              "DeviceName[\\Device\\HarddiskVolume1] "
@@ -83,7 +87,7 @@ TEST_F(VolumeDiscoveryTest, TwoVolumes_AreTraced) {
 }
 
 TEST_F(VolumeDiscoveryTest, Discovery_LeavesNothingOpen) {
-    Discover();
+    EXPECT_TRUE(Discover());
 
     EXPECT_EQ(0U, machine_.simulation().open_handles());
     EXPECT_EQ(1U, machine_.simulation().calls().Count("FindVolumeClose"));
@@ -176,9 +180,30 @@ TEST_F(VolumeDiscoveryTest, LinkWhoseTargetCannotBeAsked_IsDroppedAlone) {
     EXPECT_TRUE(Discover());
 
     EXPECT_THAT(Found(), ElementsAre("\\Device\\HarddiskVolume1=", kData));
-    EXPECT_TRUE(
-        log_.ContainsPart(support::kHostTrace, "Volume{00000000-0000-0000-0000-000000000001} error=5"))
+    EXPECT_EQ(1U, log_.Count(support::kHostTrace,
+                             "WinAPIWrapper::QueryDosDevice of Volume{00000000-0000-0000-0000-000000000001} "
+                             "error=5"))
         << log_;
+    EXPECT_EQ(1U, log_.Count(support::kHostTrace, kSkippedLink)) << log_;
+    EXPECT_THAT(log_.Messages(), IsEmpty());
+}
+
+// The system answers, and names no target: its list holds the empty entry alone that ends it.
+TEST_F(VolumeDiscoveryTest, LinkThatHasNoTarget_IsDroppedAlone) {
+    faults().Alter(
+        "QueryDosDeviceW",
+        [](machine::Answer& answer) {
+            answer.bytes.assign(2 * sizeof(wchar_t), 0);
+            answer.returned = 2;
+        },
+        L"Volume{00000000-0000-0000-0000-000000000001}");
+
+    EXPECT_TRUE(Discover());
+
+    EXPECT_EQ(1U, faults().hits());
+    EXPECT_THAT(Found(), ElementsAre("\\Device\\HarddiskVolume1=", kData));
+    EXPECT_EQ(1U, log_.Count(support::kHostTrace, kSkippedLink)) << log_;
+    EXPECT_FALSE(log_.ContainsPart(support::kHostTrace, "WinAPIWrapper::QueryDosDevice of ")) << log_;
     EXPECT_THAT(log_.Messages(), IsEmpty());
 }
 
@@ -186,12 +211,14 @@ TEST_F(VolumeDiscoveryTest, NoLinks_LogsAndFindsNothing) {
     machine_.simulation().description().directories.push_back(
         {L"\\GLOBAL??", std::vector<machine::DirectoryEntry>{{L"C:", L"SymbolicLink"}}, {}});
 
-    Discover();
+    EXPECT_TRUE(Discover()) << "a machine without volumes has been looked at";
 
+    EXPECT_TRUE(manager_.IsSucceeded(L"Find Volume"));
     EXPECT_THAT(manager_.volumes(), IsEmpty());
-    EXPECT_EQ(1U, log_.Count(support::kHostError,
-                             "bmr_common::VolumeManager::GetDeviceNamesMap - volume list is empty"))
-        << log_;
+    EXPECT_THAT(log_.Messages(), ElementsAre(support::LogLine{
+                                     support::kHostError,
+                                     "bmr_common::VolumeManager::GetDeviceNamesMap - volume list is empty"}));
+    EXPECT_EQ(0U, machine_.simulation().open_handles());
     EXPECT_EQ(0U, machine_.simulation().calls().Count("FindFirstVolumeW"));
 }
 
@@ -210,7 +237,7 @@ TEST_F(VolumeDiscoveryTest, LinkDirectoryCannotBeOpened_IsARecordedFailure) {
 TEST_F(VolumeDiscoveryTest, DirectoryCannotBeListed_IsARecordedFailure) {
     faults().Fail("ZwQueryDirectoryObject", 0xC0000022, L"\\Device");
 
-    ExpectFailureWith(" QueryDirectoryObject failed error=31");
+    ExpectFailureWith("\\Device QueryDirectoryObject failed error=31");
 }
 
 TEST_F(VolumeDiscoveryTest, ListingBreaksOff_IsARecordedFailure) {
@@ -220,7 +247,7 @@ TEST_F(VolumeDiscoveryTest, ListingBreaksOff_IsARecordedFailure) {
     rule.ordinal = 3;
     faults().Add(rule);
 
-    ExpectFailureWith(" QueryDirectoryObject failed error=31");
+    ExpectFailureWith("\\GLOBAL?? QueryDirectoryObject failed error=31");
 }
 
 TEST_F(VolumeDiscoveryTest, DirectoryCannotBeClosed_IsTracedAndNoFailure) {
@@ -237,13 +264,13 @@ TEST_F(VolumeDiscoveryTest, DirectoryCannotBeClosed_IsTracedAndNoFailure) {
 TEST_F(VolumeDiscoveryTest, EnumerationCannotBegin_IsARecordedFailure) {
     faults().Fail("FindFirstVolumeW", ERROR_NOT_READY);
 
-    ExpectFailureWith(" failed to FindFirstVolume error=21");
+    ExpectFailureWith("failed to FindFirstVolume error=21");
 }
 
 TEST_F(VolumeDiscoveryTest, EnumerationBreaksOff_IsARecordedFailure) {
     faults().Fail("FindNextVolumeW", ERROR_NOT_READY);
 
-    ExpectFailureWith(" failed to FindNextVolume error=21");
+    ExpectFailureWith("failed to FindNextVolume error=21");
 }
 
 TEST_F(VolumeDiscoveryTest, VolumeThatFailsItsQueries_IsStillThere) {
@@ -274,7 +301,8 @@ TEST_F(VolumeDiscoveryTest, Exception_IsLoggedAndDoesNotEscape) {
 
     EXPECT_THAT(manager_.volumes(), IsEmpty()) << "not even the one that stands before it";
 
-    EXPECT_EQ(1U, log_.Count(support::kHostError, std::string("Exception in ") + kFunction)) << log_;
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(support::LogLine{support::kHostError, std::string("Exception in ") + kFunction}));
     EXPECT_FALSE(manager_.IsSucceeded(L"Find Volume"));
     EXPECT_EQ(0U, machine_.simulation().open_handles());
 }

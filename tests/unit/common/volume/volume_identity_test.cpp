@@ -44,6 +44,23 @@ TEST_F(VolumeIdentityTest, DeviceNameNotGiven_IsAskedByTheGuidName) {
                                                       L"Volume{00000000-0000-0000-0000-000000000002}"));
 }
 
+// The system answers, and names no target.
+TEST_F(VolumeIdentityTest, GuidNameWithoutATarget_IsRecordedAsNoName) {
+    machine_.simulation().faults().Alter("QueryDosDeviceW", [](machine::Answer& answer) {
+        answer.bytes.assign(2 * sizeof(wchar_t), 0);
+        answer.returned = 2;
+    });
+    Volume volume(kDataId);
+
+    EXPECT_FALSE(Initialize(volume));
+
+    EXPECT_EQ(1U, machine_.simulation().faults().hits());
+    EXPECT_TRUE(volume.IsFailed(L"Getting Device Name"));
+    EXPECT_EQ(L"", volume.device_name());
+    EXPECT_THAT(volume.backup_failure_reasons(),
+                ElementsAre(L"Failed to get device name", L"Failed to open volume"));
+}
+
 TEST_F(VolumeIdentityTest, DeviceNameOfAnotherForm_IsRecordedAndTheVolumeNotOpened) {
     Volume volume(kDataId, L"C:");
 

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -206,9 +205,7 @@ TEST_F(VolumeJudgementTest, IsDynamic_NoSuchDisk_IsLoggedAndFalse) {
 
     EXPECT_FALSE(volume_.is_dynamic());
     const std::string line = "bmr_common::Volume::is_dynamic " + support::Ansi(kDataId) + " no disk 4.";
-    EXPECT_EQ(1, std::count_if(log_.all().begin(), log_.all().end(),
-                               [&](const support::LogLine& logged) { return logged.text == line; }))
-        << log_;
+    EXPECT_EQ(1U, log_.Count(support::kHostWarning, line)) << log_;
 }
 
 TEST_F(VolumeJudgementTest, NoExtents_FixedVolume_IsTracedByBothQuestions) {
@@ -273,9 +270,7 @@ TEST_F(VolumeJudgementTest, IsOnActivePartition_NoSuchDisk_IsLoggedAndFalse) {
     EXPECT_FALSE(volume_.is_on_active_partition());
     const std::string line = "bmr_common::Volume::is_on_active_partition Volume " + support::Ansi(kDataId) +
                              " is on non existing disk 4";
-    EXPECT_EQ(1, std::count_if(log_.all().begin(), log_.all().end(),
-                               [&](const support::LogLine& logged) { return logged.text == line; }))
-        << log_;
+    EXPECT_EQ(1U, log_.Count(support::kHostWarning, line)) << log_;
 }
 
 TEST_F(VolumeJudgementTest, RealDisk_ActivePartition_IsFound) {

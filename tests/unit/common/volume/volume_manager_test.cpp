@@ -22,7 +22,7 @@ using testing::StartsWith;
 class VolumeManagerTest : public testing::Test {
 protected:
     VolumeManagerTest() {
-        manager_.InitializeWithCurrentVolumes(machine_.disks(), L"", L"");
+        EXPECT_TRUE(manager_.InitializeWithCurrentVolumes(machine_.disks(), L"", L""));
         log_.Clear();
     }
 
@@ -57,7 +57,7 @@ TEST_F(VolumeManagerTest, GetVolume_EachFormOfItsNames_IsTheVolume) {
 TEST_F(VolumeManagerTest, GetVolume_GuidInAnotherCase_IsTheVolume) {
     machine_.volume(1).guid = L"{abcdef00-0000-0000-0000-000000000002}";
     VolumeManager manager;
-    manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L"");
+    EXPECT_TRUE(manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L""));
 
     const VolumePtr volume = manager.GetVolume(L"ABCDEF00-0000-0000-0000-000000000002");
 
@@ -87,7 +87,7 @@ TEST_F(VolumeManagerTest, GetVolume_NoSuchName_IsTracedOnce) {
 TEST_F(VolumeManagerTest, GetVolume_EmptyName_IsNotTheVolumeWithoutGuid) {
     machine_.volume(0).guid.clear();
     VolumeManager manager;
-    manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L"");
+    EXPECT_TRUE(manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L""));
     ASSERT_EQ(2U, manager.volumes().size());
 
     EXPECT_FALSE(manager.GetVolume(L""));
@@ -103,7 +103,7 @@ TEST_F(VolumeManagerTest, GetVolume_StartOfAnExtent_IsTheVolume) {
 TEST_F(VolumeManagerTest, GetVolume_SecondExtent_IsFoundToo) {
     machine_.volume(1).extents = std::vector<machine::Extent>{{0, 1 << 20, 512}, {7, 4096, 512}};
     VolumeManager manager;
-    manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L"");
+    EXPECT_TRUE(manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L""));
 
     EXPECT_EQ(manager.volumes()[1], manager.GetVolume(7, 4096));
     EXPECT_EQ(manager.volumes()[0], manager.GetVolume(0, 1 << 20))

@@ -75,7 +75,9 @@ TEST_F(VolumeNamesTest, GetNormalizedDeviceId_OtherForm_IsAFailedAssertion) {
 
     const std::vector<support::LogLine> lines = log_.Messages();
     ASSERT_EQ(2U, lines.size()) << log_;
-    EXPECT_EQ("bmr_common::Volume::GetNormalizedDeviceId failed to convert device id C:", lines[0].text);
+    EXPECT_EQ((support::LogLine{support::kHostError,
+                                "bmr_common::Volume::GetNormalizedDeviceId failed to convert device id C:"}),
+              lines[0]);
     EXPECT_EQ(support::kHostWarning, lines[1].level);
     EXPECT_THAT(lines[1].text, StartsWith("ASSERTION FAILED, "));
     EXPECT_THAT(lines[1].text, EndsWith(" able_to_convert_device_id"));
@@ -91,10 +93,10 @@ TEST_F(VolumeNamesTest, GetWin32APICompatibleName_OtherForm_IsTracedAndEmpty) {
     for (const wchar_t* other : {L"C:", L"", L"\\\\?\\GLOBALROOT\\Device\\HarddiskVolume3"}) {
         log_.Clear();
         EXPECT_EQ(L"", Volume::GetWin32APICompatibleName(other));
-        ASSERT_EQ(1U, log_.all().size());
-        EXPECT_EQ("bmr_common::Volume::GetWin32APICompatibleName device name '" + support::Ansi(other) +
-                      "' in unexpected format",
-                  log_.all().front().text);
+        EXPECT_THAT(log_.all(),
+                    testing::ElementsAre(support::LogLine{
+                        support::kHostTrace, "bmr_common::Volume::GetWin32APICompatibleName device name '" +
+                                                 support::Ansi(other) + "' in unexpected format"}));
     }
 }
 
@@ -124,7 +126,10 @@ TEST_F(VolumeNamesTest, GetNormalizedVolumeGUID_NoGuid_IsAFailedAssertion) {
 
     const std::vector<support::LogLine> lines = log_.Messages();
     ASSERT_EQ(2U, lines.size()) << log_;
-    EXPECT_EQ("bmr_common::Volume::GetNormalizedVolumeGUID failed to convert volume_guid ", lines[0].text);
+    EXPECT_EQ(
+        (support::LogLine{support::kHostError,
+                          "bmr_common::Volume::GetNormalizedVolumeGUID failed to convert volume_guid "}),
+        lines[0]);
     EXPECT_EQ(support::kHostWarning, lines[1].level);
     EXPECT_THAT(lines[1].text, StartsWith("ASSERTION FAILED, "));
     EXPECT_THAT(lines[1].text, EndsWith(" able_to_convert_volume_GUID"));

@@ -85,6 +85,23 @@ TEST_F(VolumeWithoutGuidTest, MountPoints_OneLetterRefused_IsRecorded) {
     EXPECT_TRUE(volume.IsFailed(L"Getting mount points"));
 }
 
+TEST_F(VolumeWithoutGuidTest, MountPoints_LetterWithoutATarget_IsPassedOver) {
+    AddDosDevice(L"B:", kDevice);
+    machine_.simulation().faults().Alter(
+        "QueryDosDeviceW",
+        [](machine::Answer& answer) {
+            answer.bytes.assign(2 * sizeof(wchar_t), 0);
+            answer.returned = 2;
+        },
+        L"B:");
+    Volume volume(L"", kDevice);
+
+    EXPECT_TRUE(Initialize(volume));
+
+    EXPECT_EQ(1U, machine_.simulation().faults().hits());
+    EXPECT_THAT(volume.mount_points(), ElementsAre(L"D:\\"));
+}
+
 TEST_F(VolumeWithoutGuidTest, MountPoints_ListLongerThanTheBuffer_IsReadWhole) {
     for (int i = 0; i < 200; ++i) {
         AddDosDevice((L"UnimportantDevice" + std::to_wstring(i)).c_str(), L"\\Device\\Null");

@@ -1,0 +1,90 @@
+// What the dumps do with an exception from below: a line, and the end of the dump.
+
+#include "common/platform/system_library.h"
+#include "orvane/orvane.h"
+#include "support/allocation_failure.h"
+#include "support/logger_capture.h"
+#include "support/stub.h"
+#include "unit/capture/grabber/example_machine.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <objbase.h>
+
+#include <cstring>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using support::LogLine;
+using testing::ElementsAre;
+using testing::StartsWith;
+
+class DumpExceptions : public testing::Test {
+protected:
+    // The dump is entered and left, and the last that it says is of the exception.
+    void ExpectEndOf(const std::string& dump) const {
+        const std::vector<LogLine>& all = log_.all();
+        ASSERT_GE(all.size(), 3U);
+        EXPECT_THAT(all.front().text, StartsWith("Entering function " + dump + " line "));
+        EXPECT_EQ(all[all.size() - 2], (LogLine{support::kHostError, dump + " Exception"}));
+        EXPECT_THAT(all.back().text, StartsWith("Leaving function " + dump + " line "));
+        EXPECT_EQ(log_.Count(support::kHostError), 1U) << log_;
+    }
+
+    machine::Session session_{ExampleMachine("uefi-workstation")};
+    support::LoggerCapture log_;
+};
+
+HRESULT ThrowingCom(void* /*reserved*/, DWORD /*model*/) {
+    throw std::runtime_error("the system");
+}
+
+TEST_F(DumpExceptions, WMIDumpInfo_EndsWithItsLine) {
+    const support::StubImport stub("CoInitializeEx", &::CoInitializeEx, &ThrowingCom);
+    EXPECT_NO_THROW(WMIDumpInfo());
+    ExpectEndOf("WMIDumpInfo");
+}
+
+TEST_F(DumpExceptions, VolumeDumpInfo_EndsWithItsLine) {
+    const support::StubImport stub("CoInitializeEx", &::CoInitializeEx, &ThrowingCom);
+    EXPECT_NO_THROW(VolumeDumpInfo());
+    ExpectEndOf("VolumeDumpInfo");
+}
+
+// The dump of the disks asks nothing of the system: memory runs out when its first line has been written. No
+// line can be kept from there on.
+std::optional<support::AllocationFailure> no_memory;
+std::int32_t exception_level = -1;
+
+void RunOutOfMemory(std::int32_t level, const char* text) {
+    if (std::strcmp(text, "[Device Information]") == 0) {
+        no_memory.emplace(1);
+    } else if (std::strcmp(text, "DiskDumpInfo Exception") == 0) {
+        no_memory.reset();
+        exception_level = level;
+    }
+}
+
+TEST_F(DumpExceptions, DiskDumpInfo_EndsWithItsLine) {
+    exception_level = -1;
+    SetEventFunc(&RunOutOfMemory);
+
+    EXPECT_NO_THROW(DiskDumpInfo());
+
+    EXPECT_FALSE(no_memory) << "the dump came to its end";
+    no_memory.reset();
+    EXPECT_EQ(exception_level, support::kHostError);
+    EXPECT_EQ(session_.simulation().open_handles(), 0U);
+}
+
+TEST_F(DumpExceptions, FirmwareDumpInfo_EndsWithItsLine) {
+    const support::Stub stub(Kernel32DLL::Get().GetFirmwareType,
+                             [](PFIRMWARE_TYPE) -> BOOL { throw std::runtime_error("the system"); });
+    EXPECT_NO_THROW(FirmwareDumpInfo());
+    ExpectEndOf("FirmwareDumpInfo");
+}
+
+}  // namespace
