@@ -1,9 +1,17 @@
 # What a loader and a reviewer would see of the built library: it exports what its definition file lists and nothing
-# else, imports only libraries that belong to Windows, and lets the loader randomise and protect its memory.
-# cmake -DOBJDUMP=... -DDLL=... -DDEFINITION=... -P CheckDll.cmake
+# else, imports the functions that a table lists and nothing else, and lets the loader randomise and protect its memory.
+# cmake -DOBJDUMP=... -DDLL=... -DDEFINITION=... -DIMPORTS=... -DCOMPLETE=... -P CheckDll.cmake
+# COMPLETE is true for the build that is shipped. Others bring functions of their own, of which only those that no
+# build may import are looked for.
 
 cmake_minimum_required(VERSION 3.25)
-set(allowed_imports kernel32.dll msvcrt.dll ole32.dll oleaut32.dll advapi32.dll user32.dll)
+
+# Control of threads, processes and the memory of others, and handlers ahead of the agent's own.
+set(forbidden SuspendThread ResumeThread OpenThread CreateThread CreateRemoteThread TerminateThread GetThreadContext
+    SetThreadContext SetThreadAffinityMask OpenProcess CreateProcessA CreateProcessW TerminateProcess
+    SetProcessAffinityMask ReadProcessMemory WriteProcessMemory VirtualAllocEx VirtualProtectEx
+    AddVectoredExceptionHandler AddVectoredContinueHandler SetUnhandledExceptionFilter SetWindowsHookExA
+    SetWindowsHookExW malloc calloc realloc free _strdup _wcsdup)
 
 execute_process(COMMAND "${OBJDUMP}" -p "${DLL}" OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
 set(faults 0)
@@ -13,18 +21,38 @@ macro(fault text)
     math(EXPR faults "${faults} + 1")
 endmacro()
 
-string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${dump}")
-if(NOT imports)
-    fault("no imports found in ${DLL}: the output of ${OBJDUMP} was not understood")
-endif()
-foreach(import IN LISTS imports)
-    string(REGEX REPLACE "^DLL Name: " "" import "${import}")
-    string(TOLOWER "${import}" import)
-    message(NOTICE "imports ${import}")
-    if(NOT import IN_LIST allowed_imports)
-        fault("${import} is no library that every Windows has")
+# The import tables: "DLL Name: X", then one function a line, "<address> <hint> <name>".
+string(REGEX MATCHALL "DLL Name: [^\n]+|\n[ \t]+[0-9a-f]+[ \t]+[0-9]+[ \t]+[A-Za-z_][A-Za-z0-9_]*" lines "${dump}")
+set(imports "")
+foreach(line IN LISTS lines)
+    if(line MATCHES "^DLL Name: (.*)")
+        string(TOLOWER "${CMAKE_MATCH_1}" library)
+    else()
+        string(REGEX REPLACE ".*[ \t]" "" function "${line}")
+        list(APPEND imports "${library} ${function}")
+        if(function IN_LIST forbidden)
+            fault("${function} must not be imported")
+        endif()
     endif()
 endforeach()
+list(LENGTH imports count)
+message(NOTICE "${count} imported functions")
+if(count EQUAL 0)
+    fault("no imports found in ${DLL}: the output of ${OBJDUMP} was not understood")
+endif()
+if(COMPLETE)
+    file(STRINGS "${IMPORTS}" listed REGEX "^[^#]")
+    foreach(function IN LISTS imports)
+        if(NOT function IN_LIST listed)
+            fault("${function} is imported, and not listed in ${IMPORTS}")
+        endif()
+    endforeach()
+    foreach(function IN LISTS listed)
+        if(NOT function IN_LIST imports)
+            fault("${function} is listed in ${IMPORTS}, and not imported")
+        endif()
+    endforeach()
+endif()
 
 # The export table's names stand after this line, one per line: "\t[   0] Name" (newer tools add "+base[   1]" and the hint).
 string(REGEX MATCH "\\[Ordinal/Name Pointer\\] Table[^\n]*\n(.*)" table "${dump}")

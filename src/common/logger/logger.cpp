@@ -65,10 +65,11 @@ int CLogger::WriteTextAsFormat(int level, const wchar_t* text, std::size_t argum
 
 void CLogger::FormatTime(std::wstring& result) const {
     const std::time_t now = std::time(nullptr);
-    std::tm local{};
     std::array<wchar_t, kTimeCharacters> text{};
-    if (localtime_s(&local, &now) == 0) {
-        wcsftime(text.data(), text.size(), L"%m/%d/%Y %I:%M:%S %p ", &local);
+    // The system's record is each thread's own. (localtime_s of this compiler looks itself up at run time.)
+    const std::tm* const local = std::localtime(&now);  // NOLINT(concurrency-mt-unsafe)
+    if (local != nullptr) {
+        wcsftime(text.data(), text.size(), L"%m/%d/%Y %I:%M:%S %p ", local);
     }
     result = text.data();
 }
