@@ -2,7 +2,6 @@
 
 #include "common/platform/com_pointer.h"
 #include "common/platform/unique_bstr.h"
-#include "common/xml/bstr_argument.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -67,29 +66,24 @@ DocumentFloor::Node DocumentFloor::NodeOf(const XmlTree& tree) {
     return node;
 }
 
-template <class Text>
 void DocumentFloor::AppendChildren(IXMLDOMDocument* document, IXMLDOMNode* parent, const Node& node) {
     for (const Node& child : node.children) {
         Element element;
-        Require(document->createElement(Text(child.name).get(), &element));
+        Require(document->createElement(SystemText(child.name).get(), &element));
         NodePtr added;
         Require(parent->appendChild(element, &added));
         if (child.children.empty()) {
-            Require(added->put_text(Text(child.text).get()));
+            Require(added->put_text(SystemText(child.text).get()));
         }
-        AppendChildren<Text>(document, added, child);
+        AppendChildren(document, added, child);
     }
 }
 
-std::size_t DocumentFloor::Build(Texts texts) const {
+std::size_t DocumentFloor::Build() const {
     const Document document = NewDocument(root_.name);
     Element element;
     Require(document->get_documentElement(&element));
-    if (texts == Texts::kInPlace) {
-        AppendChildren<BstrArgument>(document, element, root_);
-    } else {
-        AppendChildren<SystemText>(document, element, root_);
-    }
+    AppendChildren(document, element, root_);
     BSTR xml = nullptr;
     Require(element->get_xml(&xml));
     const int characters = static_cast<int>(SysStringLen(xml));

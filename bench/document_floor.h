@@ -10,12 +10,6 @@
 
 namespace bench {
 
-/// How a text reaches the XML component.
-enum class Texts {
-    kOfTheSystem,  // as its documentation has it: a BSTR of the system for each
-    kInPlace,      // laid out like one, where it is short
-};
-
 /// A document, to be built again.
 class DocumentFloor {
 public:
@@ -23,7 +17,7 @@ public:
 
     /// Builds the document's nodes with the XML component, the shortest way, and turns it into bytes of the
     /// code page. Returns how many. COM must be initialised.
-    std::size_t Build(Texts texts) const;
+    std::size_t Build() const;
 
 private:
     struct Node {
@@ -33,7 +27,6 @@ private:
     };
 
     static Node NodeOf(const XmlTree& tree);
-    template <class Text>
     static void AppendChildren(IXMLDOMDocument* document, IXMLDOMNode* parent, const Node& node);
 
     Node root_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/platform/short_text.h"
+#include "common/platform/guid.h"
 #include "common/windows.h"
 #include "common/xml/ms_xml.h"
 
@@ -35,14 +35,14 @@ struct Field {
 // The texts of the values: numbers in plain decimal, "1" or "0", a GUID in registry form, a text as it
 // stands.
 template <std::integral Number>
-ShortText ValueText(Number value) {
-    return ShortText(value);
+std::wstring ValueText(Number value) {
+    return std::to_wstring(value);
 }
 inline std::wstring_view ValueText(bool value) {
     return value ? L"1" : L"0";
 }
-inline ShortText ValueText(const GUID& value) {
-    return ShortText(value);
+inline std::wstring ValueText(const GUID& value) {
+    return GuidText(value);
 }
 inline const std::wstring& ValueText(const std::wstring& value) {
     return value;

@@ -4,13 +4,11 @@
 #include "capture/grabber/info_grabber.h"
 #include "common/logger/orvane_logger.h"
 #include "common/platform/safe.h"
-#include "common/platform/short_text.h"
 #include "common/platform/string_conversion.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <limits>
+#include <string>
 #include <string_view>
 
 namespace orvane {
@@ -27,26 +25,13 @@ bool IsAscii(wchar_t letter) {
     return letter <= 0x7F;
 }
 
-// Four letters at a time: a document has up to millions.
-bool IsAscii(std::wstring_view text) {
-    constexpr std::size_t kLetters = sizeof(std::uint64_t) / sizeof(wchar_t);
-    std::uint64_t seen = 0;
-    for (; text.size() >= kLetters; text.remove_prefix(kLetters)) {
-        std::uint64_t four = 0;
-        std::memcpy(&four, text.data(), sizeof(four));
-        seen |= four;
-    }
-    return (seen & 0xFF80FF80FF80FF80) == 0 &&
-           std::all_of(text.begin(), text.end(), [](wchar_t letter) { return IsAscii(letter); });
-}
-
 // Letters that would become markup, and break the document, are written by their numbers.
 std::wstring WithoutFalseMarkup(std::wstring_view xml) {
     std::wstring safe;
     safe.reserve(xml.size());
     for (const wchar_t letter : xml) {
         if (!IsAscii(letter) && BecomesMarkup(letter)) {
-            safe.append(L"&#").append(ShortText(static_cast<unsigned>(letter))).push_back(L';');
+            safe.append(L"&#").append(std::to_wstring(unsigned{letter})).push_back(L';');
         } else {
             safe.push_back(letter);
         }
@@ -64,10 +49,8 @@ CMSXmlNode LoadEmptyDocument(CMSXmlDoc& document) {
 }
 
 std::string DocumentText(const CMSXmlNode& root) {
-    const UniqueBstr owner = root.GetXML();
-    const std::wstring_view xml = TextOf(owner);
-    // Most documents are plain ASCII and go without the copy.
-    return IsAscii(xml) ? ConvertWStrToStr(xml) : ConvertWStrToStr(WithoutFalseMarkup(xml));
+    const UniqueBstr xml = root.GetXML();
+    return ConvertWStrToStr(WithoutFalseMarkup(TextOf(xml)));
 }
 
 void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buffer,

@@ -2,7 +2,6 @@
 
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
-#include "common/platform/short_text.h"
 #include "common/platform/wmi.h"
 #include "common/xml/xml_values.h"
 
@@ -82,7 +81,7 @@ bool DeviceManager::InitializeWithCurrentDisks() {
 }
 
 DiskDriveManagerPtr DeviceManager::GetDevice(std::uint32_t disk_index) const {
-    const std::wstring index(ShortText{disk_index});
+    const std::wstring index = std::to_wstring(disk_index);
     const auto found = disks_.find(index);
     if (found == disks_.end()) {
         GetLogger().Write(kLogTrace, L"DeviceManager::GetDevice no device with index %s", index.c_str());

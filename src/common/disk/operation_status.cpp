@@ -19,32 +19,13 @@ void RequireInitial(const OperationStatus::Operation& operation, const wchar_t* 
 
 }  // namespace
 
-// The entry whose name comes next after that of `last`, the first one after null; null after the last one.
-template <class Wanted>
-const OperationStatus::Entry* OperationStatus::NextInOrder(const Entry* last, Wanted wanted) const {
-    const Entry* next = nullptr;
-    for (const Entry& entry : operations_) {
-        if (wanted(entry) && (last == nullptr || *last->name < *entry.name) &&
-            (next == nullptr || *entry.name < *next->name)) {
-            next = &entry;
-        }
-    }
-    return next;
-}
-
-template <class Wanted, class Visit>
-void OperationStatus::WalkInOrder(Wanted wanted, Visit visit) const {
-    for (const Entry* entry = NextInOrder(nullptr, wanted); entry != nullptr;
-         entry = NextInOrder(entry, wanted)) {
-        visit(*entry);
-    }
-}
-
 OperationStatus::OperationStatus(std::initializer_list<std::reference_wrapper<const std::wstring>> names) {
     operations_.reserve(names.size());
     for (const std::wstring& name : names) {
         operations_.push_back({&name, Operation()});
     }
+    std::sort(operations_.begin(), operations_.end(),
+              [](const Entry& a, const Entry& b) { return *a.name < *b.name; });
 }
 
 const OperationStatus::Operation& OperationStatus::FindOperation(const std::wstring& name) const {
@@ -101,7 +82,11 @@ std::uint64_t OperationStatus::ErrorCount() const {
 }
 
 void OperationStatus::GetErrors(std::vector<std::wstring>& errors) const {
-    WalkInOrder(HasFailed, [&](const Entry& entry) { errors.push_back(entry.operation.error); });
+    for (const Entry& entry : operations_) {
+        if (HasFailed(entry)) {
+            errors.push_back(entry.operation.error);
+        }
+    }
 }
 
 void OperationStatus::DumpStatus(const std::wstring& name, const Operation& operation) {
@@ -121,8 +106,9 @@ void OperationStatus::DumpStatus(const std::wstring& name, const Operation& oper
 }
 
 void OperationStatus::DumpAll() const {
-    WalkInOrder([](const Entry&) { return true; },
-                [](const Entry& entry) { DumpStatus(*entry.name, entry.operation); });
+    for (const Entry& entry : operations_) {
+        DumpStatus(*entry.name, entry.operation);
+    }
 }
 
 }  // namespace bmr_common

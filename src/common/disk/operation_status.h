@@ -53,14 +53,7 @@ private:
 
     static bool HasFailed(const Entry& entry) { return entry.operation.state == kError; }
 
-    template <class Wanted>
-    const Entry* NextInOrder(const Entry* last, Wanted wanted) const;
-    // Calls `visit` with every wanted entry, in the order of the names. Allocates nothing.
-    template <class Wanted, class Visit>
-    void WalkInOrder(Wanted wanted, Visit visit) const;
-
-    // A handful, as they were given: there is one list for every volume and disk, and few are ever walked.
-    std::vector<Entry> operations_;
+    std::vector<Entry> operations_;  // in the order of the names
 };
 
 }  // namespace bmr_common

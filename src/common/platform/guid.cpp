@@ -1,12 +1,15 @@
 #include "common/platform/guid.h"
 
 #include "common/logger/orvane_logger.h"
-#include "common/platform/short_text.h"
+
+#include <array>
 
 #include <objbase.h>
 
 std::wstring GuidText(const GUID& guid) {
-    return std::wstring(ShortText(guid));
+    std::array<wchar_t, 39> text{};
+    StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
+    return text.data();
 }
 
 bool CreateGuid(GUID& guid) {

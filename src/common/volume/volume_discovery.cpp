@@ -126,7 +126,7 @@ bool VolumeManager::AddLinkedVolumes(const std::vector<std::wstring>& links, Dev
     if (!GetVolumeGUIDsFromFindFirstVolume(known, error)) {
         return false;
     }
-    std::sort(known.begin(), known.end(), LessFolded);
+    std::sort(known.begin(), known.end(), LessFolded());
     std::wstring guid_path;
     for (const std::wstring& link : links) {
         std::vector<std::wstring> targets;
@@ -137,7 +137,7 @@ bool VolumeManager::AddLinkedVolumes(const std::vector<std::wstring>& links, Dev
             continue;
         }
         guid_path.assign(L"\\\\?\\").append(link).push_back(L'\\');
-        if (!std::binary_search(known.begin(), known.end(), guid_path, LessFolded)) {
+        if (!std::binary_search(known.begin(), known.end(), guid_path, LessFolded())) {
             continue;
         }
         if (!map.try_emplace(std::move(targets.front()), guid_path).second) {

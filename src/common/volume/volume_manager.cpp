@@ -1,7 +1,6 @@
 #include "common/volume/volume_manager.h"
 
 #include "common/logger/trace.h"
-#include "common/platform/case_folding.h"
 #include "common/xml/xml_values.h"
 
 #include <boost/algorithm/string/classification.hpp>
@@ -58,17 +57,10 @@ void VolumeManager::CreateVolumes(DeviceNamesMap map, const DeviceManager& disks
         const auto volume = boost::make_shared<Volume>(std::move(entry.mapped()), std::move(entry.key()));
         volume->Initialize(system_volume_device, boot_volume_device, disks);
         volumes_.push_back(volume);
-    }
-}
-
-VolumeManager::NameIndex VolumeManager::IndexOfNames() const {
-    NameIndex index;
-    for (const VolumePtr& volume : volumes_) {
         // Of two volumes of one name the first is found.
-        index.try_emplace(CaseFolded(volume->volume_guid()), volume);
-        index.try_emplace(CaseFolded(volume->device_name()), volume);
+        by_name_.try_emplace(volume->volume_guid(), volume);
+        by_name_.try_emplace(volume->device_name(), volume);
     }
-    return index;
 }
 
 VolumePtr VolumeManager::GetVolume(const std::wstring& guid_or_device) const {
@@ -77,10 +69,7 @@ VolumePtr VolumeManager::GetVolume(const std::wstring& guid_or_device) const {
         name = kVolumeGuidPrefix + name + L"}";
         name += L'\\';
     }
-    if (by_name_.empty()) {
-        by_name_ = IndexOfNames();
-    }
-    const auto found = by_name_.find(CaseFolded(name));
+    const auto found = by_name_.find(name);
     if (found == by_name_.end()) {
         GetLogger().Write(kLogTrace, L"VolumeManager::GetVolume: bad GUID %s, no match",
                           guid_or_device.c_str());

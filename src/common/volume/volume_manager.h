@@ -1,11 +1,11 @@
 #pragma once
 
 #include "common/disk/operation_status.h"
+#include "common/platform/case_folding.h"
 #include "common/platform/nt_api_wrapper.h"
 #include "common/volume/volume.h"
 
 #include <map>
-#include <unordered_map>
 
 namespace bmr_common {
 
@@ -47,7 +47,6 @@ public:
     const std::vector<VolumePtr>& volumes() const { return volumes_; }
 
 private:
-    using NameIndex = std::unordered_map<std::wstring, VolumePtr>;
     using DeviceNamesMap = std::map<std::wstring, std::wstring>;  // NT device name to volume GUID path
 
     // Each step returns false with what went wrong in `error`.
@@ -63,12 +62,9 @@ private:
     void CreateVolumes(DeviceNamesMap map, const DeviceManager& disks,
                        const std::wstring& system_volume_device, const std::wstring& boot_volume_device);
 
-    NameIndex IndexOfNames() const;
-
     OperationStatus status_;
     std::vector<VolumePtr> volumes_;
-    // By GUID path and device name, case folded. Made by the first search: most captures search for none.
-    mutable NameIndex by_name_;
+    std::map<std::wstring, VolumePtr, LessFolded> by_name_;  // by GUID path and by device name
 };
 
 }  // namespace bmr_common
