@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/platform/decimal_text.h"
 #include "common/platform/guid.h"
 #include "common/windows.h"
 #include "common/xml/ms_xml.h"
@@ -36,7 +37,7 @@ struct Field {
 // stands.
 template <std::integral Number>
 std::wstring ValueText(Number value) {
-    return std::to_wstring(value);
+    return DecimalText(value);
 }
 inline std::wstring_view ValueText(bool value) {
     return value ? L"1" : L"0";

@@ -3,9 +3,11 @@
 #include "capture/grabber/grabber_exception.h"
 #include "capture/grabber/info_grabber.h"
 #include "common/logger/orvane_logger.h"
+#include "common/platform/decimal_text.h"
 #include "common/platform/safe.h"
 #include "common/platform/string_conversion.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -31,7 +33,7 @@ std::wstring WithoutFalseMarkup(std::wstring_view xml) {
     safe.reserve(xml.size());
     for (const wchar_t letter : xml) {
         if (!IsAscii(letter) && BecomesMarkup(letter)) {
-            safe.append(L"&#").append(std::to_wstring(unsigned{letter})).push_back(L';');
+            safe.append(L"&#").append(DecimalText(unsigned{letter})).push_back(L';');
         } else {
             safe.push_back(letter);
         }
@@ -49,8 +51,11 @@ CMSXmlNode LoadEmptyDocument(CMSXmlDoc& document) {
 }
 
 std::string DocumentText(const CMSXmlNode& root) {
-    const UniqueBstr xml = root.GetXML();
-    return ConvertWStrToStr(WithoutFalseMarkup(TextOf(xml)));
+    const UniqueBstr owner = root.GetXML();
+    const std::wstring_view xml = TextOf(owner);
+    // Most documents are ASCII and need no copy.
+    return std::all_of(xml.begin(), xml.end(), IsAscii) ? ConvertWStrToStr(xml)
+                                                        : ConvertWStrToStr(WithoutFalseMarkup(xml));
 }
 
 void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buffer,

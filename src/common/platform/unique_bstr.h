@@ -4,8 +4,6 @@
 
 #include <oleauto.h>
 
-#include <comdef.h>
-
 #include <memory>
 #include <string_view>
 
@@ -15,17 +13,6 @@ struct BstrDeleter {
 
 // Sole ownership of a BSTR. Unlike the compiler's own wrapper it needs no memory to take one over.
 using UniqueBstr = std::unique_ptr<wchar_t, BstrDeleter>;
-
-// A BSTR of the text up to its first zero character. Throws _com_error (E_OUTOFMEMORY) when there is no
-// memory.
-inline UniqueBstr NewBstr(std::wstring_view text) {
-    text = text.substr(0, text.find(L'\0'));
-    UniqueBstr bstr(SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
-    if (!bstr) {
-        throw _com_error(E_OUTOFMEMORY);
-    }
-    return bstr;
-}
 
 // A view of the text, which must outlive it; a null one is empty.
 inline std::wstring_view TextOf(wchar_t* bstr) {

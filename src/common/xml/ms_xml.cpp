@@ -1,11 +1,11 @@
 #include "common/xml/ms_xml.h"
 
+#include "common/xml/bstr_argument.h"
+
 #include <objbase.h>
 
 #include <cstddef>
-#include <cstring>
 #include <limits>
-#include <string>
 
 namespace {
 
@@ -28,7 +28,7 @@ IXMLDOMNode& Existing(const XmlNodePtr& node) {
 }
 
 void PutText(IXMLDOMNode& node, std::wstring_view text) {
-    Require(node.put_text(NewBstr(text).get()));
+    Require(node.put_text(BstrArgument(text).get()));
 }
 
 int ConvertAnsi(std::string_view text, wchar_t* wide, int room) {
@@ -72,10 +72,9 @@ XmlNodePtr CMSXmlNode::Append(const char* name) {
     if (document_ == nullptr) {
         return {};
     }
-    const UniqueBstr wide_name = NewBstr(std::wstring(name, name + std::strlen(name)));
     XmlNodePtr created;
-    Require(document_->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), wide_name.get(), nullptr,
-                                  &created));
+    Require(document_->createNode(_variant_t(static_cast<long>(NODE_ELEMENT)), BstrArgument(name).get(),
+                                  nullptr, &created));
     XmlNodePtr appended;
     Require(Node().appendChild(created, &appended));
     return appended;

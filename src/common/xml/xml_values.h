@@ -1,15 +1,15 @@
 #pragma once
 
+#include "common/platform/decimal_text.h"
 #include "common/xml/ms_xml.h"
 
 #include <concepts>
-#include <string>
 
 // Appends a child element that holds a number in plain decimal.
 template <std::integral Number>
 requires(!std::same_as<Number, bool>) void AddNumberElement(CMSXmlNode& parent, const char* name,
                                                             Number value) {
-    parent.AddTextChild(name, std::to_wstring(value));
+    parent.AddTextChild(name, DecimalText(value));
 }
 
 // A truth value as the disk model writes it.
