@@ -7,11 +7,12 @@
 cmake_minimum_required(VERSION 3.25)
 
 # Control of threads, processes and the memory of others, and handlers ahead of the agent's own.
-set(forbidden SuspendThread ResumeThread OpenThread CreateThread CreateRemoteThread TerminateThread GetThreadContext
+set(forbidden SuspendThread ResumeThread OpenThread CreateThread CreateRemoteThread CreateRemoteThreadEx
+    _beginthread _beginthreadex TerminateThread QueueUserAPC GetThreadContext
     SetThreadContext SetThreadAffinityMask OpenProcess CreateProcessA CreateProcessW TerminateProcess
     SetProcessAffinityMask ReadProcessMemory WriteProcessMemory VirtualAllocEx VirtualProtectEx
-    AddVectoredExceptionHandler AddVectoredContinueHandler SetUnhandledExceptionFilter SetWindowsHookExA
-    SetWindowsHookExW malloc calloc realloc free _strdup _wcsdup)
+    AddVectoredExceptionHandler RtlAddVectoredExceptionHandler AddVectoredContinueHandler SetUnhandledExceptionFilter SetWindowsHookExA
+    SetWindowsHookExW malloc calloc realloc free _aligned_malloc _strdup _wcsdup)
 
 execute_process(COMMAND "${OBJDUMP}" -p "${DLL}" OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
 set(faults 0)
@@ -21,8 +22,9 @@ macro(fault text)
     math(EXPR faults "${faults} + 1")
 endmacro()
 
-# The import tables: "DLL Name: X", then one function a line, "<address> <hint> <name>".
-string(REGEX MATCHALL "DLL Name: [^\n]+|\n[ \t]+[0-9a-f]+[ \t]+[0-9]+[ \t]+[A-Za-z_][A-Za-z0-9_]*" lines "${dump}")
+# The import tables: "DLL Name: X", then one function a line, "<address> <hint> <name>", with newer tools "<address>
+# <ordinal> <hint> <name>".
+string(REGEX MATCHALL "DLL Name: [^\n]+|\n[ \t]+[0-9a-f]+[ \t]+([0-9]+|<none>)[ \t]+([0-9a-f]+[ \t]+)?[A-Za-z_][A-Za-z0-9_]*" lines "${dump}")
 set(imports "")
 foreach(line IN LISTS lines)
     if(line MATCHES "^DLL Name: (.*)")

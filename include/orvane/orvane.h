@@ -15,7 +15,8 @@
  * is kept. The library hands out no memory: nothing is to be freed.
  * 4. Null. A null pointer is allowed where this header says so.
  * 5. Failure. No exception leaves a function. Failures are told by the status and by lines in the log. A
- *    capture that fails stores nothing.
+ *    capture that fails stores nothing. All memory of the library lies in one heap of its own; where the
+ * system has none for it, loading the library fails.
  * 6. Text. Wide texts are UTF-16. The document is 8-bit, in the system's ANSI code page: for a letter that
  * the page lacks the system's best fit or substitute stands. The callback's text is 8-bit, in the current
  * locale of the C runtime msvcrt.dll, which an agent built on another runtime does not choose. A line that
@@ -65,8 +66,9 @@ void SetXmlFormat(uint32_t format);
  * is a multi-string: volume GUID paths ("\\?\Volume{...}\"), each ended by a zero character, the list by an
  * empty entry. `count` is the number of characters that may be read; an entry that does not end within them
  * is taken as far as they go. NULL or an empty list clears the list. Entries are taken as they are; the
- * capture judges them. Compare the result with the number that you meant: without memory the list is empty,
- * and a capture after that judges nothing. */
+ * capture finds their volumes without regard to case, as the system compares its own names, and judges them.
+ * Compare the result with the number that you meant: without memory the list is empty, and a capture after
+ * that judges nothing. */
 int64_t SetupSelectedVolumesList(const wchar_t* volume_guid_list, uint64_t count);
 
 /* Describes the machine as an XML document, after judging whether every selected volume can be backed up

@@ -34,13 +34,14 @@ namespace {
 
 // --- Memory: one heap for new and malloc, which goes back to the system in one piece.
 
-// A capture of the example workstation holds up to 150 KiB at a time.
+// A capture of the example workstation holds up to 150 KiB at a time, with the 72 KiB that the C++ runtime
+// keeps for exceptions.
 constexpr std::size_t kFirstHeapBytes = std::size_t{192} * 1024;
 
 constinit HANDLE heap = nullptr;
 
-// For a thread's first exception the C++ runtime allocates two small blocks, and ends the process, which is
-// the agent's, when it gets none. So malloc falls back on these when the heap is exhausted.
+// For a thread's first exception the C++ runtime allocates up to three small blocks, and ends the process,
+// which is the agent's, when it gets none. So malloc falls back on these when the heap is exhausted.
 struct alignas(std::max_align_t) ReserveBlock {
     std::array<unsigned char, 512> bytes;
 };
@@ -68,16 +69,19 @@ void* AllocateFromHeap(std::size_t size) {
 
 // --- What the C++ runtime takes after loading and never gives back.
 
-// A thread slot and the semaphore of a mutex for the records of exceptions, the semaphore of the mutex of
-// static objects. The runtime does give back the semaphores that it makes while it is loaded.
+// A thread slot and a semaphore with the first exception, a semaphore with the first static object: without
+// this each would stay behind. What the runtime makes while it is loaded, it gives back itself.
 constinit bool loaded = false;
 constinit DWORD thread_slot = TLS_OUT_OF_INDEXES;
 constinit std::array<HANDLE, 8> semaphores{};
 constinit LONG semaphore_count = 0;
 
 DWORD WINAPI TakeThreadSlot() {
-    thread_slot = system_tls_alloc();
-    return thread_slot;
+    const DWORD slot = system_tls_alloc();
+    if (loaded) {
+        thread_slot = slot;
+    }
+    return slot;
 }
 
 HANDLE WINAPI CreateKeptSemaphore(SECURITY_ATTRIBUTES* attributes, LONG count, LONG most, LPCWSTR name) {
@@ -92,7 +96,9 @@ HANDLE WINAPI CreateKeptSemaphore(SECURITY_ATTRIBUTES* attributes, LONG count, L
 }
 
 void GiveBack() {
-    TlsFree(thread_slot);
+    if (thread_slot != TLS_OUT_OF_INDEXES) {
+        TlsFree(thread_slot);
+    }
     for (HANDLE semaphore : semaphores) {
         if (semaphore != nullptr) {
             CloseHandle(semaphore);
@@ -116,7 +122,8 @@ BOOL WINAPI OrvaneEntry(HINSTANCE module, DWORD reason, LPVOID reserved) {
     }
     const bool process_ends = reason == DLL_PROCESS_DETACH && reserved != nullptr;
     if (process_ends) {
-        // Nothing is freed any more: a thread that the system has ended may hold the heap's lock for ever.
+        // From here on nothing is freed: a thread that the system has ended may hold the heap's lock for
+        // ever.
         heap = nullptr;
     }
     const BOOL result = DllMainCRTStartup(module, reason, reserved);
@@ -151,8 +158,11 @@ void LibraryFree(void* block) {
 }
 
 void* LibraryRealloc(void* block, std::size_t size) {
-    if (block == nullptr || heap == nullptr) {
+    if (block == nullptr) {
         return LibraryMalloc(size);
+    }
+    if (heap == nullptr) {
+        return nullptr;
     }
     const std::size_t old_size = IsInReserve(block) ? sizeof(ReserveBlock) : HeapSize(heap, 0, block);
     void* const moved = LibraryMalloc(size);

@@ -5,6 +5,7 @@
 #include "capture/grabber/grabber_exception.h"
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
+#include "common/platform/decimal_text.h"
 
 namespace orvane {
 
@@ -37,7 +38,7 @@ std::wstring RefusalOf(const std::wstring& name, const bmr_common::Volume& volum
 }
 
 bool CheckDisk(const RequestedDisk& request, const bmr_common::DeviceManager& device_manager, Lines& errors) {
-    const std::wstring number = std::to_wstring(request.disk_number);
+    const std::wstring number = DecimalText(request.disk_number);
     const bmr_common::DiskDriveManagerPtr disk = device_manager.GetDevice(request.disk_number);
     if (!disk) {
         GetLogger().Write(kLogError, L"%s Can't find requested disk %u", kCanBackup, request.disk_number);
@@ -54,7 +55,7 @@ bool CheckDisk(const RequestedDisk& request, const bmr_common::DeviceManager& de
     if (!disk->HasPartitionAtOffset(request.partition_offset)) {
         errors.push_back(L"Disk " + number +
                          L" cannot be backed up because there is no requested partition at offset " +
-                         std::to_wstring(request.partition_offset));
+                         DecimalText(request.partition_offset));
         return false;
     }
     return true;

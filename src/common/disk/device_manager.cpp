@@ -2,6 +2,7 @@
 
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
+#include "common/platform/decimal_text.h"
 #include "common/platform/wmi.h"
 #include "common/xml/xml_values.h"
 
@@ -53,7 +54,7 @@ bool DeviceManager::ReadIndexes() {
             return false;
         }
         if (index != kNoIndex) {
-            disks_.try_emplace(std::to_wstring(static_cast<std::uint32_t>(index)));
+            disks_.try_emplace(DecimalText(static_cast<std::uint32_t>(index)));
         }
     } while (wmi.FindNextObject());
     return true;
@@ -81,7 +82,7 @@ bool DeviceManager::InitializeWithCurrentDisks() {
 }
 
 DiskDriveManagerPtr DeviceManager::GetDevice(std::uint32_t disk_index) const {
-    const std::wstring index = std::to_wstring(disk_index);
+    const std::wstring index = DecimalText(disk_index);
     const auto found = disks_.find(index);
     if (found == disks_.end()) {
         GetLogger().Write(kLogTrace, L"DeviceManager::GetDevice no device with index %s", index.c_str());

@@ -2,6 +2,7 @@
 
 #include "common/disk/device_manager.h"
 #include "common/logger/trace.h"
+#include "common/platform/decimal_text.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -57,7 +58,7 @@ bool DiskDriveManager::CreateRawDisk(std::uint32_t disk_index) const {
     CREATE_DISK description{};
     if (!SetupDiskStruct(description)) {
         // The index goes into the line as a text, so that the number shown is not the index.
-        const std::wstring index = std::to_wstring(disk_index);
+        const std::wstring index = DecimalText(disk_index);
         GetLogger().Write(kLogError, L"%s failed for disk %u", L"bmr_common::DiskDriveManager::CreateRawDisk",
                           index.c_str());
         return false;
@@ -67,7 +68,7 @@ bool DiskDriveManager::CreateRawDisk(std::uint32_t disk_index) const {
 
 bool DiskDriveManager::InitializeRAWDisk(std::uint32_t disk_index, CREATE_DISK& description) {
     constexpr const wchar_t* kFunction = L"bmr_common::DiskDriveManager::InitializeRAWDisk";
-    const std::wstring index = std::to_wstring(disk_index);
+    const std::wstring index = DecimalText(disk_index);
     DWORD error = 0;
     UniqueFile drive;
     if (!win::WinAPIWrapper::OpenPhysicalDrive(disk_index, GENERIC_READ | GENERIC_WRITE, &drive, error)) {

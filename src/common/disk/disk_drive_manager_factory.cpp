@@ -4,6 +4,7 @@
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "common/logger/trace.h"
+#include "common/platform/decimal_text.h"
 
 #include <boost/make_shared.hpp>
 
@@ -33,13 +34,13 @@ DiskDriveManagerPtr DiskDriveManagerFactory::CreateFor(std::uint32_t disk_index,
 }
 
 DiskDriveManagerPtr DiskDriveManagerFactory::CreateAndInitialize(std::uint32_t disk_index) const {
-    const std::wstring index = std::to_wstring(disk_index);
+    const std::wstring index = DecimalText(disk_index);
     DWORD error = 0;
     UniqueFile drive;
     if (!win::WinAPIWrapper::OpenPhysicalDrive(disk_index, 0, &drive, error)) {
         DiskDriveManagerPtr disk = CreateUnknown(disk_index);
         disk->status().SetError(kOpeningDisk,
-                                L"Failed to open hard disk " + index + L" error: " + std::to_wstring(error));
+                                L"Failed to open hard disk " + index + L" error: " + DecimalText(error));
         return disk;
     }
     win::ByteBuffer geometry;
@@ -47,7 +48,7 @@ DiskDriveManagerPtr DiskDriveManagerFactory::CreateAndInitialize(std::uint32_t d
         DiskDriveManagerPtr disk = CreateUnknown(disk_index);
         disk->status().SetSuccess(kOpeningDisk);
         disk->status().SetError(kGettingDriveGeometry, L"Failed to GetDriveGeometryEx for disk " + index +
-                                                           L" error: " + std::to_wstring(error));
+                                                           L" error: " + DecimalText(error));
         return disk;
     }
     DiskDriveManagerPtr disk = CreateFor(disk_index, DiskGeometry(geometry));

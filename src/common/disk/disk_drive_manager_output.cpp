@@ -3,6 +3,7 @@
 #include "common/disk/disk_drive_manager.h"
 #include "common/disk/sizes.h"
 #include "common/logger/trace.h"
+#include "common/platform/decimal_text.h"
 #include "common/xml/xml_values.h"
 
 #include <objbase.h>
@@ -104,7 +105,7 @@ void DiskDriveManager::DumpInfo() const {
     Traced(L"bmr_common::DiskDriveManager::DumpInfo", [&] {
         GetLogger().Write(kLogInformation, L"");
         GetLogger().Write(kLogInformation, L"[Disk/Partition Information]");
-        GetLogger().Write(kLogInformation, L"Disk id: %s", std::to_wstring(disk_index_).c_str());
+        GetLogger().Write(kLogInformation, L"Disk id: %s", DecimalText(disk_index_).c_str());
         std::vector<std::wstring> reasons;
         GetLogger().Write(kLogInformation, L"  Available for backup: %s", TrueOrFalse(can_backup(reasons)));
         for (const std::wstring& reason : reasons) {

@@ -1,6 +1,7 @@
 #include "common/disk/disk_drive_manager_unknown.h"
 
 #include "common/logger/trace.h"
+#include "common/platform/decimal_text.h"
 
 namespace bmr_common {
 
@@ -34,7 +35,7 @@ void DiskDriveManagerUnknown::Initialize(const UniqueFile& /*drive*/, const win:
 
 bool DiskDriveManagerUnknown::can_backup(std::vector<std::wstring>& reasons) const {
     if (DiskDriveManager::can_backup(reasons)) {
-        reasons.push_back(L"Unknown disk partition style " + std::to_wstring(geometry_.partition_style()));
+        reasons.push_back(L"Unknown disk partition style " + DecimalText(geometry_.partition_style()));
     }
     return false;
 }

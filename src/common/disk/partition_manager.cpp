@@ -1,6 +1,7 @@
 #include "common/disk/partition_manager.h"
 
 #include "common/logger/trace.h"
+#include "common/platform/decimal_text.h"
 #include "common/xml/xml_values.h"
 
 #include <boost/make_shared.hpp>
@@ -48,8 +49,8 @@ bool PartitionManager::GetDriveLayoutEx(const UniqueFile& drive) {
         status_.SetSuccess(kGettingDriveLayoutEx);
         return true;
     }
-    status_.SetError(kGettingDriveLayoutEx, L"Failed to get drive " + std::to_wstring(disk_index_) +
-                                                L" layout information error: " + std::to_wstring(error));
+    status_.SetError(kGettingDriveLayoutEx, L"Failed to get drive " + DecimalText(disk_index_) +
+                                                L" layout information error: " + DecimalText(error));
     return false;
 }
 
@@ -65,7 +66,7 @@ void PartitionManager::InitializeExpecting(std::uint32_t style, const std::wstri
             return;
         }
         const std::wstring text =
-            refusal + std::to_wstring(layout()->PartitionStyle) + L" on disk " + std::to_wstring(disk_index_);
+            refusal + DecimalText(layout()->PartitionStyle) + L" on disk " + DecimalText(disk_index_);
         status_.SetError(kVerifyingPartitionType, text);
         GetLogger().Write(kLogTrace, L"%s %s", function, text.c_str());
     });
@@ -89,8 +90,8 @@ bool PartitionManager::AnyPartitionInUse(std::vector<std::wstring>& reasons) con
     const bool any = std::any_of(partitions_.begin(), partitions_.end(),
                                  [](const PartitionPtr& partition) { return !partition->is_unused(); });
     if (!any) {
-        const std::wstring reason = L" All partitions are marked as unused entry - cannot backup disk " +
-                                    std::to_wstring(disk_index_);
+        const std::wstring reason =
+            L" All partitions are marked as unused entry - cannot backup disk " + DecimalText(disk_index_);
         reasons.push_back(reason);
         GetLogger().WriteTextAsFormat(kLogInformation, reason.c_str());
     }

@@ -3,6 +3,7 @@
 #include "common/disk/partition_manager.h"
 #include "common/logger/orvane_logger.h"
 #include "common/platform/byte_range.h"
+#include "common/platform/decimal_text.h"
 #include "common/platform/device_control.h"
 
 #include <algorithm>
@@ -81,7 +82,7 @@ bool PartitionManager::WritePartitionTableToDisk(win::ByteBuffer& layout) const 
     for (DWORD i = 0; i < table.PartitionCount; ++i) {
         table.PartitionEntry[i].RewritePartition = TRUE;
     }
-    const std::wstring index = std::to_wstring(disk_index_);
+    const std::wstring index = DecimalText(disk_index_);
     DWORD error = 0;
     UniqueFile drive;
     if (!win::WinAPIWrapper::OpenPhysicalDrive(disk_index_, GENERIC_READ | GENERIC_WRITE, &drive, error)) {

@@ -7,9 +7,9 @@ namespace bmr_common {
 
 // The table of a GUID-partition-table disk. The editing operations work on the copy in memory; they need a
 // successful Initialize, and leave the copy as it was when they fail (false, after a level 2 line; an
-// alignment of 0 is such a failure). The writing operations are other: where the write fails, the copy keeps
-// all edits, in partitions() and layout() alike, and the disk may not have them. A new manager's Initialize
-// reads what it has.
+// alignment of 0 is such a failure). The operations that write to the disk differ: when a write fails, the
+// copy keeps all edits, in partitions() and layout() alike, and the disk may not have them. A new manager's
+// Initialize reads what it has.
 class PartitionManagerGPT : public PartitionManager {
 public:
     using PartitionManager::PartitionManager;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/platform/decimal_text.h"
 #include "common/platform/unique_handle.h"
 
 #include <cstdint>
@@ -7,7 +8,7 @@
 
 // "\\.\PhysicalDriveN".
 inline std::wstring PhysicalDriveName(std::uint32_t disk_number) {
-    return L"\\\\.\\PhysicalDrive" + std::to_wstring(disk_number);
+    return L"\\\\.\\PhysicalDrive" + DecimalText(disk_number);
 }
 
 // Opens a device that exists. Empty on failure, with the thread's last error.

@@ -19,8 +19,7 @@ public:
     CLogger(const CLogger&) = delete;
     CLogger& operator=(const CLogger&) = delete;
 
-    // Delivers one finished message, which goes as far as its terminator. `length` tells how many characters
-    // these are; nothing is cut by it.
+    // Delivers one finished message. `text` is terminated; `length` is its length in characters.
     virtual void Output(int level, const wchar_t* text, std::size_t length) = 0;
     // The highest level that this logger lets through.
     virtual int GetLevel() const = 0;

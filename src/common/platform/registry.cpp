@@ -25,7 +25,7 @@ bool TraceResult(bool result, const wchar_t* exit_line) {
 template <class Container>
 bool MakeRoom(Container& container, std::size_t size) {
     constexpr std::size_t kLargestValue = std::size_t{1} << 30;
-    if (size > kLargestValue) {
+    if (size > kLargestValue / sizeof(typename Container::value_type)) {
         return false;
     }
     try {

@@ -1,5 +1,6 @@
 // The part of the wrapper that opens devices and sends them control codes.
 
+#include "common/platform/decimal_text.h"
 #include "common/platform/device_control.h"
 #include "common/platform/win_api_wrapper.h"
 
@@ -45,7 +46,7 @@ bool WinAPIWrapper::OpenPhysicalDrive(std::uint32_t disk_index, DWORD access, Un
     error = ERROR_SUCCESS;
     const bool opened = Traced(L"win::WinAPIWrapper::OpenPhysicalDrive", [&] {
         try {
-            const std::wstring path = L"\\\\.\\PhysicalDrive" + std::to_wstring(disk_index);
+            const std::wstring path = L"\\\\.\\PhysicalDrive" + DecimalText(disk_index);
             if (drive == nullptr) {
                 GetLogger().Write(kLogTrace,
                                   L"WinAPIWrapper::OpenPhysicalDrive on %s internal error, bad parameters",

@@ -3,6 +3,7 @@
 
 #include "common/logger/trace.h"
 #include "common/platform/case_folding.h"
+#include "common/platform/decimal_text.h"
 #include "common/platform/listing_bound.h"
 #include "common/volume/volume_manager.h"
 
@@ -15,7 +16,7 @@ namespace {
 constexpr wchar_t kMapFunction[] = L"bmr_common::VolumeManager::GetDeviceNamesMap";
 
 std::wstring WithCode(const wchar_t* text, DWORD error) {
-    return text + std::to_wstring(error);
+    return text + DecimalText(error);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // What a volume concludes from its queries and from the disks that it lies on.
 
+#include "common/platform/decimal_text.h"
 #include "common/volume/volume.h"
 
 #include "common/logger/trace.h"
@@ -27,7 +28,7 @@ bool Volume::can_backup(const DeviceManager& disks) {
         can_backup_ = false;
         reasons_.clear();
         if (drive_type_ != DRIVE_FIXED) {
-            reasons_.push_back(L"This not a fixed disk, type is " + std::to_wstring(drive_type_));
+            reasons_.push_back(L"This not a fixed disk, type is " + DecimalText(drive_type_));
             return false;
         }
         if (MissesQuery()) {
@@ -37,7 +38,7 @@ bool Volume::can_backup(const DeviceManager& disks) {
         for (const VolumeExtent& extent : extents_) {
             const DiskDriveManagerPtr disk = disks.GetDevice(extent.disk_number);
             if (!disk) {
-                reasons_.push_back(L"Extent is on disk " + std::to_wstring(extent.disk_number) +
+                reasons_.push_back(L"Extent is on disk " + DecimalText(extent.disk_number) +
                                    L" but we don't have such disk.");
                 return false;
             }

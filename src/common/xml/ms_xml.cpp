@@ -1,5 +1,6 @@
 #include "common/xml/ms_xml.h"
 
+#include "common/platform/system_query.h"
 #include "common/xml/bstr_argument.h"
 
 #include <objbase.h>
@@ -37,7 +38,7 @@ int ConvertAnsi(std::string_view text, wchar_t* wide, int room) {
     }
     const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide, room);
     if (length <= 0) {
-        throw _com_error(HRESULT_FROM_WIN32(GetLastError()));
+        throw _com_error(HRESULT_FROM_WIN32(win::LastFailure()));
     }
     return length;
 }

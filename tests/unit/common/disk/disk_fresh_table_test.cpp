@@ -118,23 +118,6 @@ TEST_F(DiskFreshTableTest, EitherKind_CannotBeBackedUpYet) {
                                      L" All partitions are marked as unused entry - cannot backup disk 6"));
 }
 
-TEST_F(DiskFreshTableTest, SourceWithoutAGeometry_IsAFailureWithALine) {
-    const DiskDriveManagerPtr unread = boost::make_shared<DiskDriveManagerMBR>(7);
-    DiskDriveManagerMBR mbr(5);
-    DiskDriveManagerGPT gpt(6);
-
-    EXPECT_FALSE(mbr.InitializeUsingGeometryOf(unread, disks_));
-    EXPECT_FALSE(gpt.InitializeUsingGeometryOf({}, disks_));
-
-    const std::string function = "bmr_common::DiskDriveManager::InitializeUsingGeometryOf";
-    EXPECT_THAT(
-        log_.Messages(),
-        ElementsAre(support::LogLine{support::kHostError, function + " no geometry to take for disk 5"},
-                    support::LogLine{support::kHostError, function + " no geometry to take for disk 6"}));
-    EXPECT_FALSE(mbr.IsSucceeded(L"Getting Drive Geometry"));
-    EXPECT_EQ(nullptr, gpt.GetPartitionLayoutExPtr());
-}
-
 TEST_F(DiskFreshTableTest, NoUniqueIdToBeHad_IsAFailureWithoutATable) {
     disks_.Put(boost::make_shared<DiskDriveManagerMBR>(1));
     disks_.Put(boost::make_shared<DiskDriveManagerGPT>(2));

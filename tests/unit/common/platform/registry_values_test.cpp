@@ -112,16 +112,23 @@ TEST_F(RegistryValues, Text_EachAllocationFails_IsLeftAloneOrReadWhole) {
 }
 
 TEST_F(RegistryValues, TextOfAnAbsurdSize_IsRefusedBeforeMemoryIsTaken) {
+    static DWORD size = 0;
     const support::StubImport stub(
         "RegGetValueW", &::RegGetValueW,
         [](HKEY, LPCWSTR, LPCWSTR, DWORD, LPDWORD, PVOID, LPDWORD bytes) -> LSTATUS {
-            *bytes = 0xFFFFFFFE;
+            *bytes = size;
             return ERROR_SUCCESS;
         });
-    const support::AllocationFailure failing(1'000'000);
-    ExpectFailure(L"Text", text_, support::kHostWarning,
-                  "CRegistry::GetValue failed to get value of Text error=14");
-    EXPECT_EQ(failing.hits(), 0U);
+    // Room is made for the terminator too, so that 1 GiB is over the bound, and 4 bytes less is not.
+    for (const auto& [bytes, hits] : {std::pair{DWORD{0xFFFFFFFE}, 0U}, std::pair{DWORD{1} << 30, 0U},
+                                      std::pair{(DWORD{1} << 30) - 4, 1U}}) {
+        size = bytes;
+        log_.Clear();
+        const support::AllocationFailure failing(1'000'000);
+        ExpectFailure(L"Text", text_, support::kHostWarning,
+                      "CRegistry::GetValue failed to get value of Text error=14");
+        EXPECT_EQ(failing.hits(), hits) << bytes;
+    }
 }
 
 TEST_F(RegistryValues, Number_IsRead) {
