@@ -1,7 +1,13 @@
 #include "capture/document/system_sections.h"
 
 #include "capture/document/fields.h"
+#include "capture/environment/wmi_facts.h"
 #include "common/xml/xml_values.h"
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
 
 namespace {
 
@@ -10,94 +16,36 @@ constexpr Field<SystemSections> kHeader[] = {
     {"DllVersion", &SystemSections::DllVersion},
 };
 
-constexpr Field<ProcessorInfo> kProcessor[] = {
-    {"Architecture", &ProcessorInfo::Architecture},
-    {"CurrentClockSpeed", &ProcessorInfo::CurrentClockSpeed},
-    {"Family", &ProcessorInfo::Family},
-    {"Manufacturer", &ProcessorInfo::Manufacturer},
-    {"MaxClockSpeed", &ProcessorInfo::MaxClockSpeed},
-    {"ProcessorId", &ProcessorInfo::ProcessorId},
-    {"ProcessorType", &ProcessorInfo::ProcessorType},
-    {"UniqueId", &ProcessorInfo::UniqueId},
-};
+template <class Value>
+void WriteFact(CMSXmlNode& section, const char* element, const Value& value) {
+    section.AddTextChild(element, ValueText(value));
+}
 
-// Before and after the startup options, which are a list.
-constexpr Field<ComputerSystemInfo> kComputerSystemHead[] = {
-    {"CurrentTimeZone", &ComputerSystemInfo::CurrentTimeZone},
-    {"Description", &ComputerSystemInfo::Description},
-    {"Domain", &ComputerSystemInfo::Domain},
-    {"Manufacturer", &ComputerSystemInfo::Manufacturer},
-    {"Model", &ComputerSystemInfo::Model},
-    {"NumberOfProcessors", &ComputerSystemInfo::NumberOfProcessors},
-};
-
-constexpr Field<ComputerSystemInfo> kComputerSystemTail[] = {
-    {"SystemType", &ComputerSystemInfo::SystemType},
-    {"TotalPhysicalMemory", &ComputerSystemInfo::TotalPhysicalMemory},
-    {"UserName", &ComputerSystemInfo::UserName},
-};
-
-constexpr Field<BootConfigurationInfo> kBootConfiguration[] = {
-    {"BootDirectory", &BootConfigurationInfo::BootDirectory},
-    {"ConfigurationPath", &BootConfigurationInfo::ConfigurationPath},
-    {"Description", &BootConfigurationInfo::Description},
-    {"LastDrive", &BootConfigurationInfo::LastDrive},
-    {"Name", &BootConfigurationInfo::Name},
-    {"ScratchDirectory", &BootConfigurationInfo::ScratchDirectory},
-    {"SettingID", &BootConfigurationInfo::SettingID},
-    {"TempDirectory", &BootConfigurationInfo::TempDirectory},
-};
-
-constexpr Field<OSInfo> kOS[] = {
-    {"BootDevice", &OSInfo::BootDevice},
-    {"CountryCode", &OSInfo::CountryCode},
-    {"CSDVersion", &OSInfo::CSDVersion},
-    {"CSName", &OSInfo::CSName},
-    {"CurrentTimeZone", &OSInfo::CurrentTimeZone},
-    {"Description", &OSInfo::Description},
-    {"Locale", &OSInfo::Locale},
-    {"Manufacturer", &OSInfo::Manufacturer},
-    {"Organization", &OSInfo::Organization},
-    {"OSLanguage", &OSInfo::OSLanguage},
-    {"OSType", &OSInfo::OSType},
-    {"OSArchitecture", &OSInfo::OSArchitecture},
-    {"SerialNumber", &OSInfo::SerialNumber},
-    {"SystemDevice", &OSInfo::SystemDevice},
-    {"SystemDirectory", &OSInfo::SystemDirectory},
-    {"SystemDrive", &OSInfo::SystemDrive},
-    {"Version", &OSInfo::Version},
-    {"Name", &OSInfo::Name},
-    {"WindowsDirectory", &OSInfo::WindowsDirectory},
-};
-
-void WriteStartupOptions(CMSXmlNode& computer_system, const std::vector<std::wstring>& options) {
-    CMSXmlNode list = computer_system.AddChild("SystemStartupOptions");
-    AddNumberElement(list, "size", static_cast<std::uint32_t>(options.size()));
+void WriteFact(CMSXmlNode& section, const char* element, const std::vector<std::wstring>& texts) {
+    CMSXmlNode list = section.AddChild(element);
+    AddNumberElement(list, "size", static_cast<std::uint32_t>(texts.size()));
     std::size_t position = 0;
-    for (const std::wstring& option : options) {
-        list.AddTextChild(("child" + std::to_string(position++)).c_str(), option);
+    for (const std::wstring& text : texts) {
+        list.AddTextChild(("child" + std::to_string(position++)).c_str(), text);
     }
 }
 
-void WriteComputerSystem(CMSXmlNode& environment, const ComputerSystemInfo& computer_system) {
-    CMSXmlNode section = environment.AddChild("ComputerSystem");
-    WriteFields(section, computer_system, kComputerSystemHead);
-    WriteStartupOptions(section, computer_system.SystemStartupOptions);
-    WriteFields(section, computer_system, kComputerSystemTail);
-}
-
-template <class Record, class Fields>
-void WriteSection(CMSXmlNode& environment, const char* name, const Record& record, const Fields& fields) {
+template <class Section>
+void WriteSection(CMSXmlNode& environment, const char* name, const WmiClass<Section>& wmi_class,
+                  const Section& record) {
     CMSXmlNode section = environment.AddChild(name);
-    WriteFields(section, record, fields);
+    WalkInOrder(wmi_class, &WmiFact<Section>::document, [&](const WmiFact<Section>& fact) {
+        std::visit([&](auto member) { WriteFact(section, fact.document.element, record.*member); },
+                   fact.member);
+    });
 }
 
 }  // namespace
 
 void WriteSystemSections(CMSXmlNode& environment, const SystemSections& sections) {
     WriteFields(environment, sections, kHeader);
-    WriteSection(environment, "Processor", sections.Processor, kProcessor);
-    WriteComputerSystem(environment, sections.ComputerSystem);
-    WriteSection(environment, "BootConfiguration", sections.BootConfiguration, kBootConfiguration);
-    WriteSection(environment, "OS", sections.OS, kOS);
+    WriteSection(environment, "Processor", kProcessorClass, sections.Processor);
+    WriteSection(environment, "ComputerSystem", kComputerSystemClass, sections.ComputerSystem);
+    WriteSection(environment, "BootConfiguration", kBootConfigurationClass, sections.BootConfiguration);
+    WriteSection(environment, "OS", kOSClass, sections.OS);
 }
