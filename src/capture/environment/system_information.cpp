@@ -19,7 +19,7 @@ enum class Rule {
     kOptional,
     kMandatory,    // the collector fails when the property cannot be read
     kWholeNumber,  // by CWmi's integer operation
-    kConstant64,   // not read at all: only 64-bit systems run this library
+    kConstant64,   // not read at all: compatibility C77
 };
 
 template <class Section>
@@ -78,8 +78,10 @@ constexpr Collector<OSInfo, 21> kOS = {
         {L"SystemDrive", &OSInfo::SystemDrive},
         {L"Version", &OSInfo::Version},
         {L"ProductType", &OSInfo::ProductType, Rule::kWholeNumber},
+        // Not the property "Name": compatibility C76
         {L"Caption", &OSInfo::Name},
         {L"WindowsDirectory", &OSInfo::WindowsDirectory},
+        // Read a second time: compatibility C124
         {L"Description", &OSInfo::Description},
     },
 };
@@ -149,6 +151,7 @@ bool ReadProperty(CWmi& wmi, const Property<Section>& property, Section& section
     const bool read =
         std::visit([&](auto member) { return ReadValue(wmi, property.name, property.rule, section.*member); },
                    property.target);
+    // A null value, or one of another type, counts as read: compatibility C125
     if (!read && property.rule == Rule::kMandatory) {
         GetLogger().Write(kLogError, property.failure);
         return false;
@@ -167,6 +170,8 @@ int Collect(const Collector<Section, kCount>& collector, Section& section) {
         GetLogger().Write(kLogError, collector.find_first_failed);
         return 0;
     }
+    // The last instance stands, lists grow, and a walk that breaks off is no failure: compatibility C74,
+    // C75, C126
     do {
         for (const Property<Section>& property : collector.properties) {
             if (!ReadProperty(wmi, property, section)) {
@@ -203,6 +208,7 @@ int GetBootConfiguration(BootConfigurationInfo& boot_configuration) {
     return Collect(kBootConfiguration, boot_configuration);
 }
 
+// In another order than GetWMIInfo below: compatibility C123
 bool CollectSystemSections(SystemSections& sections, SectionsRead& read) {
     bmr_common::COMEnabler com;
     if (!InitializeCom(com)) {

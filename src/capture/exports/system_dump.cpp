@@ -66,6 +66,7 @@ constexpr Line<OSInfo> kOS[] = {
     {L"Organization: %s", &OSInfo::Organization},
     {L"OSLanguage: %d", &OSInfo::OSLanguage},
     {L"OSType: %d", &OSInfo::OSType},
+    // Not in the document: compatibility C63
     {L"Product Type: %d", &OSInfo::ProductType},
     {L"OSArchitecture: %u", &OSInfo::OSArchitecture},
     {L"SerialNumber: %s", &OSInfo::SerialNumber},
@@ -118,6 +119,7 @@ bool BeginBlock(bool read, const wchar_t* header, const wchar_t* failure) {
 
 }  // namespace
 
+// Not in the order of the document: compatibility C62
 void DumpSystemSections(const SystemSections& sections, const SectionsRead& read) {
     if (BeginBlock(read.processor, L"[Processor Information]", L"WMIDumpInfo Processor Info Failed")) {
         WriteLines(sections.Processor, kProcessor);
@@ -126,6 +128,7 @@ void DumpSystemSections(const SystemSections& sections, const SectionsRead& read
                    L"WMIDumpInfo Boot Configuration Info Failed")) {
         WriteLines(sections.BootConfiguration, kBootConfiguration);
     }
+    // The failure line has half of the block's name: compatibility C64
     if (BeginBlock(read.computer_system, L"[Computer System Information]",
                    L"WMIDumpInfo System Info Failed")) {
         WriteComputerSystem(sections.ComputerSystem);

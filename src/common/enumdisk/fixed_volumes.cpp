@@ -317,6 +317,7 @@ bool ListFixedVolumes(std::vector<::Volume>& volumes) {
     }
     error = error == ERROR_SUCCESS ? static_cast<DWORD>(ERROR_INVALID_DATA) : error;  // it never ended
     if (error != ERROR_NO_MORE_FILES) {
+        // Logged, but no failure: compatibility C135
         GetLogger().Write(kLogError, L"getFixedVolumes: FindNextVolume failed error=0x%x %d", error, error);
     }
     return true;
