@@ -31,7 +31,7 @@ struct Candidate {
     ::Volume& volume;
 };
 
-// Logs a failed step of a volume with the thread's last error; always false.
+// Logs a failed step of a volume, with the error in both bases; always false: compatibility C161
 bool Failed(int level, const wchar_t* format, const Candidate& candidate, DWORD error) {
     GetLogger().Write(level, format, candidate.name.c_str(), candidate.drive_name.c_str(), error, error);
     return false;
