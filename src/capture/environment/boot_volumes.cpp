@@ -41,14 +41,15 @@ void CopyIdentity(const OSInfo& os, BootConfig& boot_config) {
     boot_config.m_OSArchitecture = os.OSArchitecture;
 }
 
-// The value's data as they are: a terminator that is stored with them is part of the text.
+// The value's data as they are, a stored terminator included: compatibility C98
 std::wstring TextOf(const RegistryValueCursor& cursor) {
     std::wstring text(cursor.data_length / sizeof(wchar_t), L'\0');
     std::memcpy(text.data(), cursor.data.data(), text.size() * sizeof(wchar_t));
     return text;
 }
 
-// Looks for the value through the key's values; returns the system's last code.
+// Looks for the value through the key's values, with case; returns the system's last code:
+// compatibility C132
 LSTATUS FindStartOptions(HKEY key, std::wstring& options) {
     constexpr std::size_t kDataBytes = 16383;
     RegistryValueCursor cursor(key, kDataBytes);
@@ -95,7 +96,9 @@ int FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLe
     bool boot_found = false;
     drive_letters.reserve(volumes.size());
     for (::Volume& volume : volumes) {
+        // Without a letter too: compatibility C113
         drive_letters.push_back({volume.m_GUID, volume.VolumeLetter});
+        // Compared with case; the last one stands: compatibility C133, C116
         if (volume.DeviceName == os.SystemDevice) {
             boot_config.m_guidSystemVolume = volume.m_GUID;
             volume.SystemVolume = true;
@@ -107,6 +110,7 @@ int FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLe
             boot_found = true;
         }
     }
+    // The boot volume is not reported beside it: compatibility C41
     if (!system_found) {
         return SystemVolumeNotFound(os);
     }
@@ -114,6 +118,7 @@ int FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLe
 }
 
 int GetBootOptions(std::wstring& options) {
+    // Not needed for this key: compatibility C131
     EnableBackupPrivileges();
     CRegistry registry;
     HKEY key = nullptr;

@@ -14,6 +14,7 @@
 
 // The product's version, as the record gives it and, in 8 bits, the dump of the firmware.
 #define ORVANE_DLL_VERSION "9.50.6732"
+// The record appends a dot, the dump does not: compatibility C61
 inline constexpr wchar_t kDllVersion[] = L"" ORVANE_DLL_VERSION;
 inline constexpr char kDllVersion8[] = ORVANE_DLL_VERSION;
 #undef ORVANE_DLL_VERSION
@@ -24,9 +25,9 @@ struct ProcessorInfo {
     std::int32_t Family = 0;
     std::wstring Manufacturer;
     std::int32_t MaxClockSpeed = 0;  // MHz
-    std::int32_t ProcessorId = 0;    // a number here, although it is a text at its source: always 0
+    std::int32_t ProcessorId = 0;    // a text at its source: compatibility C72
     std::int32_t ProcessorType = 0;
-    std::int32_t UniqueId = 0;  // as ProcessorId
+    std::int32_t UniqueId = 0;  // compatibility C72
 };
 
 struct ComputerSystemInfo {
@@ -42,6 +43,7 @@ struct ComputerSystemInfo {
     std::wstring UserName;
 };
 
+// Boot and system the other way round from Windows' terms: compatibility C96
 struct OSInfo {
     std::wstring BootDevice;  // NT device name of the volume that the system started from
     std::wstring CountryCode;
@@ -60,7 +62,7 @@ struct OSInfo {
     std::wstring SystemDirectory;
     std::wstring SystemDrive;
     std::wstring Version;
-    std::wstring Name;  // the caption, not the name, of the source
+    std::wstring Name;  // the caption: compatibility C76
     std::wstring WindowsDirectory;
     std::uint32_t OSArchitecture = 0;
 };
@@ -72,7 +74,7 @@ struct BootConfigurationInfo {
     std::wstring LastDrive;
     std::wstring Name;
     std::wstring ScratchDirectory;
-    std::uint32_t SettingID = 0;  // a number here, although it is a text at its source: always 0
+    std::uint32_t SettingID = 0;  // a text at its source: compatibility C72
     std::wstring TempDirectory;
 };
 
@@ -106,6 +108,7 @@ struct DriveLetterEntry {
 // The record with the flat tables.
 struct EnvInfo : SystemSections {
     std::vector<DiskRow> DiskDrives;
+    // Always empty: compatibility C95
     std::wstring BootIniContents;
     struct BootConfig BootConfig;
     std::vector<DriveLetterEntry> DriveLetterTable;

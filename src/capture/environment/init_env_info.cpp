@@ -9,6 +9,7 @@
 
 namespace {
 
+// Not the number of the format: compatibility C71
 constexpr std::uint32_t kRecordVersion = 3;
 
 int Failed() {
@@ -39,11 +40,13 @@ int RepairPartitionNumbers(EnvInfo& environment) {
             continue;
         }
         const std::int32_t number = GetPartitionNumber(environment.DiskDrives, volume);
+        // The row of a whole disk too: compatibility C142
         if (number == 0) {
             GetLogger().Write(kLogError, L"InitEnvInfo failed to fix volume %s partition number",
                               volume.VolumeLetter.c_str());
             return 0;
         }
+        // The line has the number of a fault report; extents stay: compatibility C16, C111
         if (number != volume.m_PartitionNumber) {
             GetLogger().Write(
                 kLogTrace, L"DTS 19963 InitEnvInfo changing partition number from %d to %d for volume %s %s",
@@ -71,6 +74,7 @@ int InitEnvInfo(EnvInfo& environment) {
     environment.DllVersion = std::wstring(kDllVersion) + L".";
     EnumDisk enumerator;
     std::vector<DriveRow> drives;
+    // No "InitEnvInfo Failed" from here on: compatibility C42
     if (enumerator.GetDrives(drives) == 0 ||
         enumerator.GetDiskDetails(&drives, environment.DiskDrives) == 0) {
         return 0;

@@ -17,7 +17,7 @@ enum class WmiReading {
     kOptional,     // a number by the collectors' own rule
     kMandatory,    // the same; the collector fails when the property cannot be read
     kWholeNumber,  // a number by CWmi's integer operation
-    kConstant64,   // not read: only 64-bit systems run this library
+    kConstant64,   // not read at all: compatibility C77
 };
 
 // Where a fact stands in the document, counted from 1, and its element; 0 where it does not stand there.
@@ -119,10 +119,12 @@ inline constexpr WmiFact<OSInfo> kOSFacts[] = {
     {L"SystemDirectory", &OSInfo::SystemDirectory, {15, "SystemDirectory"}, {16, L"SystemDirectory: %s"}},
     {L"SystemDrive", &OSInfo::SystemDrive, {16, "SystemDrive"}, {17, L"SystemDrive: %s"}},
     {L"Version", &OSInfo::Version, {17, "Version"}, {18, L"Version: %s"}},
+    // Not in the document: compatibility C63
     {L"ProductType", &OSInfo::ProductType, {}, {12, L"Product Type: %d"}, WmiReading::kWholeNumber},
+    // Not the property "Name": compatibility C76
     {L"Caption", &OSInfo::Name, {18, "Name"}, {19, L"Name: %s"}},
     {L"WindowsDirectory", &OSInfo::WindowsDirectory, {19, "WindowsDirectory"}, {20, L"WindowsDirectory: %s"}},
-    {L"Description", &OSInfo::Description, {}, {}},  // read a second time
+    {L"Description", &OSInfo::Description, {}, {}},  // read a second time: compatibility C124
 };
 
 inline constexpr WmiFact<ComputerSystemInfo> kComputerSystemFacts[] = {

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Formats 1 and 3 have grabbers of their own; every other number means the default, format 2.
+// Formats 1 and 3 have grabbers of their own, every other number means format 2: compatibility C118
 std::uint32_t GrabberTypeOf(std::uint32_t format) {
     switch (format) {
         case 1:
@@ -33,6 +33,7 @@ std::uint32_t Capture(char* buffer, std::uint32_t buffer_size, std::uint32_t* re
         throw OrvaneMainException(L"Failed to obtain EnvInfo");
     }
     if (!grabber->CanBackup(SelectedVolumes(), RequestedDisks(), false)) {
+        // The wording: compatibility C31
         throw OrvaneMainException(L"I cannot backup the needed information");
     }
     std::uint32_t size = 0;
@@ -70,6 +71,7 @@ std::uint32_t CaptureSafely(char* buffer, std::uint32_t buffer_size, std::uint32
                           error.message().c_str());
         return FailureStatus(status);
     } catch (...) {
+        // A GrabberException too, without its message: compatibility C38
         GetLogger().Write(kLogError, L"CaptureSystemRestorePointInfo Exception");
         return FailureStatus(status);
     }

@@ -27,6 +27,7 @@ void DumpSafely(const wchar_t* function, const wchar_t* failure, Body&& dump) {
 }
 
 void DumpSystem() {
+    // The collectors initialise it again: compatibility C65
     bmr_common::COMEnabler com;
     if (!com.InitializeCOM(L"WMIDumpInfo")) {
         GetLogger().Write(kLogError, L"WMIDumpInfo: Cannot initialize COM");
@@ -41,6 +42,7 @@ void DumpSystem() {
 
 void DumpDisks() {
     bmr_common::DeviceManager device_manager;
+    // Dumped even where it fails: compatibility C55
     device_manager.InitializeWithCurrentDisks();
     device_manager.DumpInfo();
 }
@@ -52,6 +54,7 @@ void DumpVolumes() {
                           L"VolumeDumpInfo");
         return;
     }
+    // Whatever the format: compatibility C66
     const orvane::InfoGrabberPtr grabber = orvane::CreateInfoGrabber(orvane::kGrabberV3);
     if (!grabber) {
         GetLogger().Write(kLogError, L"Failed to obtain information grabber");
@@ -65,13 +68,14 @@ void DumpVolumes() {
         return;
     }
     grabber->DumpVolumeInfo();
+    // Twelve signs before, thirteen behind: compatibility C56
     GetLogger().Write(kLogInformation, L"============ Volume(s) available for backup summary =============");
     GetLogger().Write(kLogInformation, grabber->CanBackup({}, RequestedDisks(), true)
                                            ? L"All volumes can be backed up"
                                            : L"Other volumes can be backed up except volumes with errors");
 }
 
-// The system's own answer where it has one, whatever it is; else the probe's.
+// The system's own answer where it has one, even a failure; else the probe's: compatibility C60
 bool FindFirmwareType(std::uint32_t& type) {
     const auto get_firmware_type = Kernel32DLL::Get().GetFirmwareType;
     if (get_firmware_type == nullptr) {
@@ -83,6 +87,7 @@ bool FindFirmwareType(std::uint32_t& type) {
     return known;
 }
 
+// The lines bring their line feeds: compatibility C58
 void DumpFirmware() {
     GetLogger().Write(kLogInformation, L"Capture DLL Version: %S", kDllVersion8);
     GetLogger().Write(kLogInformation, L"==========Firmware Detection==========\n");
@@ -102,6 +107,7 @@ void DumpFirmware() {
             GetLogger().Write(kLogInformation, L"Firmware type: UEFI\n");
             break;
         default:
+            // Logged as an error: compatibility C59
             GetLogger().Write(kLogError, L"Firmware type: Default Unknown\n");
             break;
     }

@@ -11,6 +11,7 @@ constexpr std::uint32_t kInterfaceVersion = 4;
 
 void TakeSelectedVolumes(const wchar_t* list, std::uint64_t count) {
     SelectedVolumes().clear();
+    // Errors of a call that succeeds: compatibility C40
     if (list == nullptr) {
         GetLogger().Write(kLogError, L"SetupSelectedVolumesList: volume_guid_list is NULL");
         return;

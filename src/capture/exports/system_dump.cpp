@@ -49,6 +49,7 @@ bool BeginBlock(bool read, const wchar_t* header, const wchar_t* failure) {
 
 }  // namespace
 
+// Not in the order of the document: compatibility C62
 void DumpSystemSections(const SystemSections& sections, const SectionsRead& read) {
     if (BeginBlock(read.processor, L"[Processor Information]", L"WMIDumpInfo Processor Info Failed")) {
         WriteLines(kProcessorClass, sections.Processor);
@@ -57,6 +58,7 @@ void DumpSystemSections(const SystemSections& sections, const SectionsRead& read
                    L"WMIDumpInfo Boot Configuration Info Failed")) {
         WriteLines(kBootConfigurationClass, sections.BootConfiguration);
     }
+    // The failure line has half of the block's name: compatibility C64
     if (BeginBlock(read.computer_system, L"[Computer System Information]",
                    L"WMIDumpInfo System Info Failed")) {
         WriteLines(kComputerSystemClass, sections.ComputerSystem);

@@ -57,6 +57,7 @@ void AddGptRows(const bmr_common::DiskDriveManagerGPT& disk, DiskRow& row) {
 
 }  // namespace
 
+// The lines name the device manager: compatibility C11
 bool GetMaxPhysicalDiskId(const bmr_common::DeviceManager& device_manager, std::uint32_t& maximum) {
     bool found = false;
     maximum = 0;
@@ -100,8 +101,7 @@ bool AddExistingDiskInformation(const bmr_common::DiskDriveManager& disk, DiskRo
             AddGptRows(*gpt, row);
             return true;
         }
-        // The name goes first although the line has no place for it: the number shown is a part of its
-        // address.
+        // The name takes the place of the style: compatibility C23
         GetLogger().Write(kLogError, L"unsupported partition style %d", kFunction, style);
         return false;
     });

@@ -15,6 +15,7 @@ constexpr wchar_t kCanBackup[] = L"orvane::InfoGrabber::CanBackup";
 
 using Lines = std::vector<std::wstring>;
 
+// Each line is a format: compatibility C2
 void LogLines(const Lines& lines) {
     for (const std::wstring& line : lines) {
         GetLogger().WriteTextAsFormat(kLogError, line.c_str());
@@ -41,6 +42,7 @@ bool CheckDisk(const RequestedDisk& request, const bmr_common::DeviceManager& de
     const std::wstring number = DecimalText(request.disk_number);
     const bmr_common::DiskDriveManagerPtr disk = device_manager.GetDevice(request.disk_number);
     if (!disk) {
+        // At once, and again in the report: compatibility C37
         GetLogger().Write(kLogError, L"%s Can't find requested disk %u", kCanBackup, request.disk_number);
         errors.push_back(L"Backup cannot proceed. Failed to find any information about requested disk " +
                          number + L".");
@@ -84,7 +86,7 @@ bool InfoGrabber::CanBackup(const std::vector<std::wstring>& volumes, const std:
         }
         Lines disk_errors;
         const bool disks_ok = CanBackup(disks, device_manager, disk_errors);
-        // A disk's lines are logged only beside those of a volume.
+        // Not without a volume's: compatibility C36
         if (!volumes_ok) {
             LogLines(disk_errors);
         }

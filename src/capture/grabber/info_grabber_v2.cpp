@@ -16,6 +16,7 @@ namespace orvane {
 
 namespace {
 
+// Not the number of the format: compatibility C71
 constexpr std::uint32_t kRecordVersion = 5;
 
 // The rows run to the largest disk number: one past this is no machine's, and the collection fails.
@@ -154,6 +155,7 @@ bool InfoGrabberV2::FillExtent(const bmr_common::VolumeExtent& extent, DiskExten
             return false;
     }
     std::uint32_t number = 0;
+    // The system's number, which extents keep: compatibility C112
     if (disk->GetPartitionNumberAtOffset(extent.starting_offset, number)) {
         row.m_PartitionNumber = static_cast<std::int32_t>(number);
     }

@@ -16,6 +16,7 @@ namespace orvane {
 
 namespace {
 
+// Not the number of the format: compatibility C71
 constexpr std::uint32_t kRecordVersion = 7;
 
 }  // namespace
@@ -38,7 +39,7 @@ bool InfoGrabberV3::Collect() {
            SetVolumeInfoGUID();
 }
 
-// Nobody reads the identifiers here: the step proves that they can be made.
+// Makes identifiers and drops them: compatibility C122
 bool InfoGrabberV3::SetVolumeInfoGUID() const {
     return Traced(L"orvane::InfoGrabberV3::SetVolumeInfoGUID", [&] {
         const auto& volumes = environment_->volume_manager.volumes();
@@ -68,9 +69,11 @@ void InfoGrabberV3::CaptureInfo(std::uint32_t buffer_size, char* buffer, std::ui
         if (!environment_) {
             throw GrabberException(L"InfoGrabberV3::CaptureInfo: Cannot get BMREnvInfoV3");
         }
+        // COM is the calling thread's: compatibility C120
         CMSXmlDoc document;
         CMSXmlNode root = LoadEmptyDocument(document);
         WriteEnvironment(root, *environment_);
+        // An empty text is delivered too: compatibility C121
         CopyDocument(DocumentText(root), buffer_size, buffer, required_size, status);
     });
 }

@@ -13,7 +13,7 @@ namespace bmr_common {
 
 namespace {
 
-constexpr int kNoIndex = 255;  // what a drive without a physical disk number is listed under
+constexpr int kNoIndex = 255;  // of a drive without a disk number; compatibility C101
 
 }  // namespace
 
@@ -50,6 +50,7 @@ bool DeviceManager::ReadIndexes() {
     do {
         int index = 0;
         if (!wmi.Get(L"Index", index)) {
+            // The numbers read so far stay: compatibility C54
             GetLogger().Write(kLogError, L"DeviceManager::ObtainPhysicalDrivesIndexes wmi.Get failed");
             return false;
         }

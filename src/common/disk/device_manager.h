@@ -6,8 +6,7 @@
 
 namespace bmr_common {
 
-// The machine's physical disks, ordered by the text of their index: disk 10 stands before disk 2 in every
-// walk.
+// The machine's physical disks, ordered by the text of their index: compatibility C85
 class DeviceManager {
 public:
     DeviceManager() = default;

@@ -57,7 +57,7 @@ bool DiskDriveManager::AssignUniqueId(const DeviceManager& device_manager) {
 bool DiskDriveManager::CreateRawDisk(std::uint32_t disk_index) const {
     CREATE_DISK description{};
     if (!SetupDiskStruct(description)) {
-        // The index goes into the line as a text, so that the number shown is not the index.
+        // The number shown is a part of the text's address: compatibility C22
         const std::wstring index = DecimalText(disk_index);
         GetLogger().Write(kLogError, L"%s failed for disk %u", L"bmr_common::DiskDriveManager::CreateRawDisk",
                           index.c_str());

@@ -26,7 +26,7 @@ inline constexpr std::uint32_t kStyleRAW = PARTITION_STYLE_RAW;
 // status; nothing but the XML layer throws.
 class DiskDriveManager {
 public:
-    // Seeds the runtime's random numbers with the current second.
+    // Seeds the runtime's random numbers with the current second: compatibility C157
     explicit DiskDriveManager(std::uint32_t disk_index);
     virtual ~DiskDriveManager() = default;
     DiskDriveManager(const DiskDriveManager&) = delete;

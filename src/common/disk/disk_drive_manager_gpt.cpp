@@ -26,6 +26,7 @@ void DiskDriveManagerGPT::DumpInfo() const {
     Traced(L"bmr_common::DiskDriveManagerGPT::DumpInfo", [&] {
         PartitionedDiskDriveManager::DumpInfo();
         GetLogger().Write(kLogInformation, L"  Partition Style: GPT");
+        // The table dumps it again: compatibility C46
         GetLogger().Write(kLogInformation, L"    DiskId: %s", GuidText(geometry_.disk_id()).c_str());
         partition_manager_->DumpInfo();
     });
@@ -40,6 +41,7 @@ bool DiskDriveManagerGPT::SetupDiskStruct(CREATE_DISK& description) const {
 
 void DiskDriveManagerGPT::SetUniqueIdToRandom() {
     GUID disk_id{};
+    // Stays zero where the system makes none: compatibility C153
     CreateGuid(disk_id);
     geometry_.SetDiskId(disk_id);
 }

@@ -22,6 +22,7 @@ void DiskDriveManagerMBR::DumpInfo() const {
     Traced(L"bmr_common::DiskDriveManagerMBR::DumpInfo", [&] {
         PartitionedDiskDriveManager::DumpInfo();
         GetLogger().Write(kLogInformation, L"  Partition Style: MBR");
+        // The table dumps it again: compatibility C46
         GetLogger().Write(kLogInformation, L"    Signature: 0x%x", geometry_.signature());
         partition_manager_->DumpInfo();
     });
@@ -30,6 +31,7 @@ void DiskDriveManagerMBR::DumpInfo() const {
 void DiskDriveManagerMBR::CaptureInfo(CMSXmlNode& parent) const {
     Traced(L"bmr_common::DiskDriveManagerMBR::CaptureInfo", [&] {
         if (CaptureCommonInfo(parent)) {
+            // With a second "PartitionStyle": compatibility C81
             partition_manager_->CaptureInfo(parent);
         }
     });
@@ -42,7 +44,7 @@ bool DiskDriveManagerMBR::SetupDiskStruct(CREATE_DISK& description) const {
 }
 
 void DiskDriveManagerMBR::SetUniqueIdToRandom() {
-    // The runtime's numbers have 15 bits: bits 15 and 31 of a signature made here are always 0.
+    // Two numbers of 15 bits: compatibility C158
     const auto high = static_cast<std::uint32_t>(std::rand()) << 16;
     geometry_.SetSignature(high + static_cast<std::uint32_t>(std::rand()));
 }

@@ -25,6 +25,7 @@ void DiskDriveManagerUnknown::DumpInfo() const {
                                   geometry_.partition_style());
             }
         }
+        // Logged for a disk that cannot be read too: compatibility C49
         GetLogger().Write(kLogInformation, L"The application does not support this partition style.");
     });
 }

@@ -53,7 +53,7 @@ private:
 
     static bool HasFailed(const Entry& entry) { return entry.operation.state == kError; }
 
-    std::vector<Entry> operations_;  // in the order of the names
+    std::vector<Entry> operations_;  // in the order of the names: compatibility C52
 };
 
 }  // namespace bmr_common

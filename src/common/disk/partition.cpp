@@ -12,7 +12,7 @@ namespace bmr_common {
 namespace {
 
 void DumpStyle(std::uint32_t style) {
-    // The two rarer lines are set less deep than the others.
+    // Two names and two depths: compatibility C45
     switch (style) {
         case PARTITION_STYLE_MBR:
             GetLogger().Write(kLogInformation, L"    Style: MBR");
@@ -30,7 +30,7 @@ void DumpStyle(std::uint32_t style) {
 }
 
 void CaptureStyle(CMSXmlNode& parent, std::uint32_t style) {
-    // The element's name changes with the value; readers of the document know both.
+    // The element's name changes with the value: compatibility C80
     switch (style) {
         case PARTITION_STYLE_MBR:
             parent.AddTextChild("Style", L"MBR");

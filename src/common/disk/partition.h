@@ -30,7 +30,8 @@ public:
     virtual bool is_unused() const = 0;
     // Whether the partition wholly contains the extent. A partial overlap is logged and is no containment.
     virtual bool contains_extent(const std::int64_t& offset, const std::int64_t& length) const;
-    // Whether the two share at least one byte, or start at the same one.
+    // Whether the two share at least one byte, or start at the same one, or the extent is empty and inside;
+    // of an unused entry too: compatibility C150, C149
     virtual bool IsExtentOverlapped(const std::int64_t& offset, const std::int64_t& length) const;
     virtual bool is_bootable() const = 0;
 

@@ -59,6 +59,7 @@ bool PartitionGPT::can_backup(std::vector<std::wstring>& reasons) const {
     if (type.may_be_backed_up) {
         return true;
     }
+    // Begins with a blank: compatibility C33
     const std::wstring reason = std::wstring(L" Can't backup partition of type ") + type.name + L" " +
                                 GuidText(entry_.Gpt.PartitionType);
     reasons.push_back(reason);

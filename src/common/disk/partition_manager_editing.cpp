@@ -38,6 +38,7 @@ std::int64_t PartitionManager::GetMaximumPartitionSize(std::int64_t offset, std:
                                                        std::uint32_t alignment) const {
     constexpr const wchar_t* kFunction = L"bmr_common::PartitionManager::GetMaximumPartitionSize";
     if (offset >= disk_size) {
+        // The spelling: compatibility C24
         GetLogger().Write(kLogError, L"%s Disk offset %I64i larger that disk size %I64i", kFunction, offset,
                           disk_size);
         return 0;
@@ -59,6 +60,7 @@ bool PartitionManager::PartitionCorrectlyAligned(std::int64_t start, std::int64_
         return false;
     }
     if (start % std::int64_t{alignment} != 0) {
+        // Ends in a blank: compatibility C25
         GetLogger().Write(kLogError, L"%s partition's starting_offset %I64i not aligned on %u boundary ",
                           kFunction, start, alignment);
         return false;

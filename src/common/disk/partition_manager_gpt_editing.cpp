@@ -12,6 +12,7 @@ namespace bmr_common {
 
 namespace {
 
+// Whatever the type: compatibility C152
 constexpr wchar_t kNewPartitionName[] = L"Basic data partition";
 
 std::int64_t RoundUp(std::int64_t value, std::uint32_t alignment) {
@@ -28,6 +29,7 @@ PARTITION_INFORMATION_EX NewEntry(std::int64_t start, std::int64_t size, const G
     entry.PartitionLength.QuadPart = size;
     entry.PartitionNumber = 1;
     entry.Gpt.PartitionType = type;
+    // Stays zero where the system makes none: compatibility C153
     CreateGuid(entry.Gpt.PartitionId);
     std::copy(std::begin(kNewPartitionName), std::end(kNewPartitionName), entry.Gpt.Name);
     return entry;
@@ -50,6 +52,7 @@ bool PartitionManagerGPT::AddPartitionInMemory(const std::int64_t& requested_sta
     const std::int64_t minimum = RoundUp(minimum_size, alignment);
     std::int64_t size = RoundUp(requested_size, alignment);
     *used_start = start;
+    // Just to the end of the disk is let through: compatibility C151
     if (IsExtentOverlappingAnyPartition(start, size) || EndOf(start, size) > disk_size) {
         size = GetMaximumPartitionSize(start, disk_size, alignment);
         if (size < minimum) {
@@ -98,7 +101,7 @@ bool PartitionManagerGPT::ResizePartitionInMemory(std::int64_t start, std::int64
     }
     const std::int64_t maximum = GetMaximumPartitionSize(start, disk_size, alignment);
     if (maximum < new_size) {
-        // The first number is the partition's start, not the size asked for.
+        // The first number is the partition's start, not the size asked for: compatibility C21
         GetLogger().Write(kLogError, L"%s New partition size too big %I64i only %I64i bytes available",
                           kFunction, partition->starting_offset(), maximum);
         return false;

@@ -18,7 +18,7 @@ public:
     bool is_bootable() const override;
 
 private:
-    // The flags' bytes as they stand; a byte other than 0 and 1 is kept apart from both.
+    // The flags' bytes as they stand: compatibility C84
     std::uint8_t boot_indicator() const;
     std::uint8_t recognized() const;
 };

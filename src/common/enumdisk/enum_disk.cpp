@@ -12,8 +12,9 @@
 
 namespace {
 
-constexpr int kNoIndex = 255;  // what a drive without a physical disk number is listed under
+constexpr int kNoIndex = 255;  // of a drive without a disk number; compatibility C101
 
+// Traces beside those of Traced, some without an end after a failure: compatibility C8, C9
 void Trace(const wchar_t* text) {
     GetLogger().Write(kLogTrace, text);
 }
@@ -49,6 +50,7 @@ EnumDisk::Usability EnumDisk::DiskUsable(std::uint32_t disk_number) {
     bool unavailable = false;
     if (GetDriveLayout(disk_number, true, layout, error)) {
         if (LayoutEx(layout).PartitionStyle == PARTITION_STYLE_GPT) {
+            // GPT disks are left out: compatibility C100
             return Usability::kUnavailable;
         }
         std::int64_t length = 0;
@@ -64,6 +66,7 @@ EnumDisk::Usability EnumDisk::DiskUsable(std::uint32_t disk_number) {
                           error);
         return Usability::kUnavailable;
     }
+    // Logged as a warning: compatibility C18
     GetLogger().Write(kLogWarning, L"EnumDisk::DiskUsable will return error. Drive %d: error=%u", disk_number,
                       error);
     return Usability::kError;
@@ -120,6 +123,7 @@ bool EnumDisk::GetDiskLength(std::uint32_t disk_number, int level, std::int64_t&
     return Traced(L"EnumDisk::GetDiskLength", [&] {
         const std::wstring name = PhysicalDriveName(disk_number);
         error = ERROR_SUCCESS;
+        // Opened for writing, although it is only asked: compatibility C137
         const UniqueFile drive = OpenDevice(name, GENERIC_READ | GENERIC_WRITE);
         if (!drive) {
             error = win::LastFailure();
@@ -294,6 +298,7 @@ int EnumDisk::AddMissingPhysicalDisks(std::vector<DiskRow>& disks) {
     return Traced(L"EnumDisk::AddMissingPhysicalDisks", [&] {
         std::vector<std::uint32_t> indexes;
         std::int32_t maximum = -1;
+        // Lists and tests the disks again: compatibility C136
         if (GetPhysicalDrivesIndexes(indexes, maximum) == 0) {
             return 0;
         }

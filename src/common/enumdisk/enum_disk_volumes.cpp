@@ -39,12 +39,13 @@ std::vector<std::wstring> MountPathsOf(const std::wstring& volume) {
     return SplitMultiString(buffer.data(), std::min<std::size_t>(length, buffer.size()));
 }
 
+// The line feed here and in GetDrives: compatibility C17
 int WalkFailed(DWORD error) {
     GetLogger().Write(kLogError, L"EnumDisk::GetDrives FindNextVolumeW failed with error code %d\n", error);
     return 0;
 }
 
-// Opens a volume for its extents, for reading only where more is refused.
+// Opens a volume for its extents, for reading only where more is refused: compatibility C138
 UniqueFile OpenVolumeForExtents(const std::wstring& volume) {
     constexpr const wchar_t* kFailure = L"OpenVolumeForExtents: Opening the drive %s failed Error = %d";
     UniqueFile file = OpenDevice(volume, GENERIC_READ | GENERIC_WRITE);
@@ -110,6 +111,7 @@ bool EnumDisk::QueryExtents(const std::wstring& volume, win::ByteBuffer& extents
                                  extents.size(), returned);
         const std::uint64_t count =
             reinterpret_cast<const VOLUME_DISK_EXTENTS*>(extents.data())->NumberOfDiskExtents;
+        // Size times count plus one, plus one byte: compatibility C139
         const std::uint64_t next = extents.size() * (count + 1) + 1;
         if (error != ERROR_MORE_DATA || next > win::kLargestAnswerBytes) {
             break;
@@ -129,6 +131,7 @@ bool EnumDisk::QueryExtents(const std::wstring& volume, win::ByteBuffer& extents
     return false;
 }
 
+// The lines name functions that do not exist: compatibility C10
 EnumDisk::ExtentResult EnumDisk::GetVolumeExtents(const std::wstring& volume, DriveRow& drive) {
     win::ByteBuffer buffer;
     try {
@@ -198,6 +201,7 @@ bool EnumDisk::DescribeDrive(const std::wstring& volume, DriveRow& drive) {
         return false;
     }
     drive.volume = volume;
+    // The beginning of a folder's path too: compatibility C93
     drive.letter = paths.empty() ? std::wstring() : paths.front().substr(0, 2);
     std::wstring device = volume;
     if (device.ends_with(L'\\')) {

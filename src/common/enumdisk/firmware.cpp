@@ -8,8 +8,7 @@
 
 namespace {
 
-// The line begins as many characters into the text as the error's number says, and never shows the number;
-// readers of old logs know it so. Past the end it is empty.
+// The error's number is where the line begins in the text, and is not shown: compatibility C15
 void LogUndecided(DWORD error) {
     constexpr wchar_t kText[] = L"GetFirmwareEnvironment function failed to find firmware type. Error code ";
     constexpr std::size_t kLength = std::size(kText) - 1;

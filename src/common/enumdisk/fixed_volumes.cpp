@@ -31,7 +31,7 @@ struct Candidate {
     ::Volume& volume;
 };
 
-// Logs a failed step of a volume with the thread's last error; always false.
+// Logs a failed step of a volume, with the error in both bases; always false: compatibility C161
 bool Failed(int level, const wchar_t* format, const Candidate& candidate, DWORD error) {
     GetLogger().Write(level, format, candidate.name.c_str(), candidate.drive_name.c_str(), error, error);
     return false;
@@ -317,6 +317,7 @@ bool ListFixedVolumes(std::vector<::Volume>& volumes) {
     }
     error = error == ERROR_SUCCESS ? static_cast<DWORD>(ERROR_INVALID_DATA) : error;  // it never ended
     if (error != ERROR_NO_MORE_FILES) {
+        // Logged, but no failure: compatibility C135
         GetLogger().Write(kLogError, L"getFixedVolumes: FindNextVolume failed error=0x%x %d", error, error);
     }
     return true;

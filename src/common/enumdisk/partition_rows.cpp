@@ -9,9 +9,11 @@
 
 namespace {
 
+// Where the first gap may begin: compatibility C103
 constexpr std::int64_t kFirstMegabyte = 0x100000;
 constexpr std::size_t kPrimarySlots =
     4;  // an extended partition's logical ones begin every fourth slot after them
+// Of a placeholder: compatibility C99
 constexpr std::uint64_t kFakeDiskBytes = 500;
 constexpr wchar_t kUnallocated[] = L"Unallocated";
 constexpr wchar_t kFreeSpace[] = L"Free space";
@@ -24,7 +26,8 @@ std::int64_t EntryEnd(const PARTITION_INFORMATION& entry) {
     return EndOf(entry.StartingOffset.QuadPart, entry.PartitionLength.QuadPart);
 }
 
-// Walks a table from slot to slot; the cursor is the end of what the rows cover.
+// Walks a table from slot to slot, in their order; the cursor is the end of what the rows cover:
+// compatibility C108
 class RowBuilder {
 public:
     RowBuilder(const std::vector<PARTITION_INFORMATION>& entries, std::vector<PartitionRow>& rows)
@@ -63,6 +66,7 @@ public:
 
 private:
     void AddLogicalPartitions() {
+        // Every fourth entry alone: compatibility C141
         for (std::size_t slot = kPrimarySlots; slot < entries_.size(); slot += kPrimarySlots) {
             if (entries_[slot].PartitionNumber != 0) {
                 AddGap(kFreeSpace, entries_[slot].StartingOffset.QuadPart);
@@ -139,7 +143,7 @@ void InsertFakeDisks(std::int32_t maximum, std::vector<DiskRow>& disks) {
 }
 
 void SortDiskPartitionNumbers(DiskRow& disk) {
-    std::map<std::int64_t, PartitionRow*> by_offset;  // of rows with the same offset the last one stays
+    std::map<std::int64_t, PartitionRow*> by_offset;  // the last of one offset: compatibility C109
     for (PartitionRow& row : disk.partitions) {
         if (row.partition_number != -1) {
             by_offset[row.offset] = &row;

@@ -14,7 +14,7 @@ void BuildPartitionRows(const std::vector<PARTITION_INFORMATION>& entries, std::
 // Replaces the disk's rows by one "Unallocated" row over the whole disk.
 void MakeWholeDiskRow(DiskRow& disk);
 
-// A placeholder for a disk number without a usable disk: 500 bytes, unallocated.
+// A placeholder for a disk number without a usable disk, 500 bytes, unallocated: compatibility C99
 DiskRow CreateFakeDisk(std::uint32_t disk_number);
 
 // Puts the disks in order of their numbers and inserts a placeholder for every number up to and with

@@ -13,14 +13,15 @@ struct PartitionRow {
     std::int64_t length = 0;       // bytes
     std::int64_t offset = 0;       // bytes
     std::int64_t length_copy = 0;  // the length once more
+    // Never filled: compatibility C91
     std::int32_t hidden = 0;
-    bool active = false;     // the boot indicator; written under the name "primary"
+    bool active = false;     // the boot indicator, written as "primary": compatibility C90
     std::wstring kind;       // "Primary", "Logical", "Unallocated" or "Free space"
     std::wstring operation;  // "Existing" for partitions, else the kind
     std::wstring drive;      // drive letter
     std::wstring file_system;
     std::wstring volume;
-    std::int32_t partition_number = -1;  // -1 for gaps, 0 for whole-disk rows
+    std::int32_t partition_number = -1;  // -1 gap, 0 whole disk: compatibility C102
     std::uint8_t mbr_type = 0;
     std::int32_t partition_style = 2;  // 0 MBR, 1 GPT, 2 raw
     GUID gpt_type{};
@@ -32,6 +33,7 @@ struct DiskRow {
     std::uint64_t size = 0;  // bytes; 500 in a placeholder
     std::uint32_t disk_number = 0;
     std::uint32_t bytes_per_sector = 0;
+    // Left alone by the flat enumerator: compatibility C104
     std::int32_t partition_style = 2;  // 0 MBR, 1 GPT, 2 raw
     std::wstring interface_type;
     GUID disk_guid{};

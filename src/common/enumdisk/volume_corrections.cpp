@@ -39,7 +39,8 @@ OffsetsOfDisks CollectOffsets(const std::vector<::Volume>& volumes) {
     return offsets;
 }
 
-// The position from 1 of the extent's offset among those of its disk: the last one where offsets repeat.
+// The position from 1 of the extent's offset among those of its disk, the last one where offsets repeat:
+// compatibility C110
 void Renumber(const OffsetsOfDisks& offsets, const wchar_t* message, const std::wstring& volume_name,
               DiskExtent& extent) {
     const auto disk = offsets.find(extent.m_DiskNumber);
@@ -60,6 +61,7 @@ void Renumber(const OffsetsOfDisks& offsets, const wchar_t* message, const std::
 
 DriveInfo DescribeGpt(const DRIVE_LAYOUT_INFORMATION_EX& layout) {
     DriveInfo info;
+    // The beginning of the identifier: compatibility C115
     info.signature = layout.Gpt.DiskId.Data1;
     info.disk_guid = layout.Gpt.DiskId;
     if (layout.PartitionCount == 0) {
@@ -68,6 +70,7 @@ DriveInfo DescribeGpt(const DRIVE_LAYOUT_INFORMATION_EX& layout) {
     const PARTITION_INFORMATION_EX* const first = layout.PartitionEntry;
     const bool dynamic =
         std::any_of(first, first + layout.PartitionCount, [](const PARTITION_INFORMATION_EX& partition) {
+            // The metadata alone too: compatibility C147
             const std::wstring type = GuidText(partition.Gpt.PartitionType);
             return type == L"{5808C8AA-7E8F-42E0-85D2-E1E90434CFB3}" ||
                    type == L"{AF9B60A0-1431-4F62-BC68-3311714A69AD}";
@@ -122,6 +125,7 @@ DriveInfo ApplyDriveInfo(const DriveInfos& disks, const wchar_t* message, DiskEx
 
 }  // namespace
 
+// The lines name an old fault report: compatibility C16
 void assignPartitionNumbers(std::vector<::Volume>& volumes) {
     const OffsetsOfDisks offsets = CollectOffsets(volumes);
     for (::Volume& volume : volumes) {

@@ -15,6 +15,7 @@ constexpr std::size_t kTimeCharacters = 80;
 
 using MessageBuffer = std::array<wchar_t, kMessageCharacters>;
 
+// Without stamp and callback, and with the format that was given: compatibility C5
 void ReportThrowingOutput(const wchar_t* given) noexcept {
     MessageBuffer message{};
     _snwprintf(message.data(), message.size() - 1, L"Exception in CLogger::Write while writing %s", given);

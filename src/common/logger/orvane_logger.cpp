@@ -8,10 +8,11 @@ namespace {
 constinit OrvaneLogger g_logger;
 
 constexpr std::size_t kNarrowBytes = 255;  // the terminator included
+// A fixed number, no line of this file: compatibility C4
 constexpr int kConversionAssertionLine = 79;
 
 std::int32_t HostLevel(int level) {
-    constexpr std::array<std::int32_t, 6> kHostLevels = {3, 4, 3, 2, 1, 0};  // by level; 0 is none of ours
+    constexpr std::array<std::int32_t, 6> kHostLevels = {3, 4, 3, 2, 1, 0};  // by level; compatibility C3
     const bool known = level >= 1 && level <= kLogTrace;
     return kHostLevels[known ? static_cast<std::size_t>(level) : 0];
 }
@@ -36,8 +37,7 @@ int OrvaneLogger::GetLevel() const {
 
 void OrvaneLogger::Output(int level, const wchar_t* text, std::size_t length) {
     if (callback_ == nullptr) {
-        // The finished text is formatted a second time here, with its length to print: readers of the
-        // debugger output have come to know it so.
+        // The finished text is formatted a second time, with its length to print: compatibility C1
         fallback_.WriteTextAsFormat(level, text, length);
         return;
     }

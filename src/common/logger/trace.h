@@ -15,7 +15,7 @@ inline void LogLeaving(const wchar_t* function, int line) {
 }
 
 // Runs `body` between the entering and the leaving line of `function` (its qualified name) and returns what
-// it returns. A body left by an exception logs no leaving line.
+// it returns. A body left by an exception logs no leaving line: compatibility C6
 template <class Body>
 auto Traced(const wchar_t* function, Body&& body,
             const std::source_location where = std::source_location::current()) {
@@ -31,7 +31,7 @@ auto Traced(const wchar_t* function, Body&& body,
     }
 }
 
-// As Traced, for the body that logs its leaving line on every way out, exceptions included.
+// As Traced, but logs the leaving line after an exception too: compatibility C7
 template <class Body>
 auto TracedToTheEnd(const wchar_t* function, Body&& body,
                     const std::source_location where = std::source_location::current()) {

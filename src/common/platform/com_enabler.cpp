@@ -46,11 +46,12 @@ bool COMEnabler::InitializeCOM(const wchar_t* caller) {
                           caller);
         return false;
     }
+    // Named for itself, not for the caller: compatibility C19
     if (!InitializeSecurity(L"bmr_common::COMEnabler::InitializeCOM")) {
         CoUninitialize();
         return false;
     }
-    // Also after RPC_E_CHANGED_MODE: the uninitialisation is paired with every accepted call.
+    // Also after RPC_E_CHANGED_MODE: compatibility C128
     initialized_ = true;
     return true;
 }

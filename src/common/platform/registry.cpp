@@ -72,6 +72,7 @@ bool CRegistry::CloseKey(HKEY key) {
 
 bool CRegistry::LoadHive(HKEY parent, const std::wstring& subkey, const std::wstring& file) {
     const LSTATUS status = RegLoadKeyW(parent, subkey.c_str(), file.c_str());
+    // "res" without "=", here and below: compatibility C27
     GetLogger().Write(kLogTrace, L"CRegistry::LoadHive subKey=%ws file=%ws res%d", subkey.c_str(),
                       file.c_str(), status);
     return status == ERROR_SUCCESS;
@@ -97,6 +98,7 @@ bool CRegistry::ModifyRegValues(HKEY key, const std::vector<RegistryValue>& valu
     return TraceResult(result, L"Exiting ModifyRegValues");
 }
 
+// The spelling, and true where only the closing failed: compatibility C26, C130
 bool CRegistry::VerifyKeyExistance(HKEY parent, const std::wstring& path) {
     constexpr const wchar_t* kFunction = L"CRegistry::VerifyKeyExistance";
     HKEY key = nullptr;
@@ -114,6 +116,7 @@ bool CRegistry::VerifyKeyExistance(HKEY parent, const std::wstring& path) {
     return true;
 }
 
+// Warnings for texts and numbers, errors for bytes: compatibility C28
 bool CRegistry::GetValue(HKEY key, const std::wstring& name, std::wstring& value) {
     constexpr const wchar_t* kFailure = L"%s failed to get value of %s error=%u";
     DWORD bytes = 0;

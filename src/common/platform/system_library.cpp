@@ -37,7 +37,8 @@ void Store(typename MemberOf<decltype(kMember)>::TableType& table, FARPROC funct
 }
 
 // In the order of binding: a function that is missing leaves those after it unbound. The firmware functions
-// alone may be missing, so that the library works on systems without firmware support.
+// alone may be missing, so that the library works on systems without firmware support. The order, and what
+// stays set after a failure: compatibility C129
 constexpr Binding<Kernel32DLL> kKernel32Bindings[] = {
     {"CreateWaitableTimerA", Store<&Kernel32DLL::CreateWaitableTimerA>, Missing::kStopsBinding,
      L"Kernel32DLL GetProcAddress of CreateWaitableTimerA failed error=0x%x"},
@@ -88,6 +89,7 @@ constexpr Binding<Kernel32DLL> kKernel32Bindings[] = {
     {"FlushFileBuffers", Store<&Kernel32DLL::FlushFileBuffers>, Missing::kStopsBinding,
      L"Kernel32DLL GetProcAddress of FlushFileBuffers failed error=0x%x"},
     {"GetFirmwareType", Store<&Kernel32DLL::GetFirmwareType>, Missing::kSilentlyAllowed, nullptr},
+    // The line leaves the "W" out: compatibility C14
     {"GetFirmwareEnvironmentVariableW", Store<&Kernel32DLL::GetFirmwareEnvironmentVariableW>,
      Missing::kLoggedOnly, L"Kernel32DLL GetProcAddress of GetFirmwareEnvironmentVariable failed error=0x%x"},
     {"DefineDosDeviceW", Store<&Kernel32DLL::DefineDosDeviceW>, Missing::kStopsBinding,

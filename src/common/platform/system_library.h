@@ -5,8 +5,8 @@
 #include <winternl.h>
 
 // The two tables of system functions that are bound at run time, on first use. A function that could not be
-// found stays null. A failed binding is logged once and never tried again. First use may come from any
-// thread; after it the tables are only read.
+// found stays null. First use may come from any thread; after it the tables are only read. A failed binding
+// is logged once and never tried again: compatibility C160
 
 // The functions of kernel32.dll, each under its own name.
 struct Kernel32DLL {

@@ -41,6 +41,7 @@ DWORD TakeEntries(const std::vector<wchar_t>& buffer, std::size_t returned,
 
 }  // namespace
 
+// The failure lines of the wrappers shorten their names, at trace level: compatibility C12, C13
 bool WinAPIWrapper::GetVolumePathNamesForVolumeNameW(const std::wstring& volume,
                                                      std::vector<std::wstring>& paths, DWORD& error) {
     const auto query = [&]() -> DWORD {

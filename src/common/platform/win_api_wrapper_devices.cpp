@@ -149,6 +149,7 @@ bool WinAPIWrapper::SetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk
                            returned);
     };
     return Query(kFunction, error, query, [&] {
+        // Errors where a disk is written, and the code without its "_EX": compatibility C13
         GetLogger().Write(kLogError, L"%s IOCTL_DISK_SET_DRIVE_LAYOUT of disk %u error=%u", kFunction,
                           disk_index, error);
     });

@@ -46,6 +46,7 @@ int WholeInteger(const VARIANT& value) {
     }
 }
 
+// The low 16 bits of an unsigned number: compatibility C73
 int LowInteger(const VARIANT& value) {
     return value.vt == VT_UI4 ? static_cast<int>(value.ulVal & 0xFFFFU) : WholeInteger(value);
 }
@@ -117,7 +118,7 @@ CWmi::CWmi(const wchar_t* query) {
 }
 
 HRESULT CWmi::Connect() {
-    // The pointer is the locator as it is delivered: asked for as IUnknown, used without a further query.
+    // Asked for as IUnknown and used without a further query: compatibility C127
     HRESULT result =
         CoCreateInstance(kAdministrativeLocator, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
                          IID_IUnknown, reinterpret_cast<void**>(&locator_));

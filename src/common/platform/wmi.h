@@ -35,7 +35,7 @@ public:
     virtual bool Get(const wchar_t* property, std::vector<std::wstring>& value);
 
     // As the number above, but an unsigned 32-bit value gives its low 16 bits, and a property that cannot be
-    // read leaves `value` as it was.
+    // read leaves `value` as it was: compatibility C73
     bool GetLowInteger(const wchar_t* property, int& value);
 
 private:

@@ -48,6 +48,7 @@ bool Volume::Initialize(const std::wstring& system_volume_device, const std::wst
         InitializeDriveType();
         InitializeDeviceName();
         InitializeMountPoints();
+        // All other types are asked everything: compatibility C148
         if (drive_type_ != DRIVE_REMOVABLE) {
             InitializeVolumeInformation();
             InitializeFreeSpace();
@@ -217,6 +218,7 @@ void Volume::InitializeVolumePartitionSize(const UniqueFile& volume) {
 void Volume::InitializeDiskExtents(const UniqueFile& volume) {
     win::ByteBuffer buffer;
     DWORD error = 0;
+    // Grows on error 122 alone: compatibility C140
     const bool known = win::WinAPIWrapper::GetVolumeDiskExtents(volume, device_name_, buffer, error);
     if (known) {
         const auto& list = *reinterpret_cast<const VOLUME_DISK_EXTENTS*>(buffer.data());

@@ -124,6 +124,7 @@ private:
     bool FindMountPointsByDevice();
     void QueryOpenVolume();
     void FailIfNotAttempted(const std::wstring& operation, const wchar_t* failure);
+    // Without regard to case, unlike the flat tables: compatibility C133
     bool IsDevice(const std::wstring& device_name) const;
     bool MissesQuery() const;
 

@@ -107,6 +107,7 @@ bool VolumeManager::GetDeviceNamesMap(DeviceNamesMap& map, std::wstring& error) 
             return false;
         }
         if (links.empty()) {
+            // A success without any volume: compatibility C134
             GetLogger().Write(kLogError, L"%s - volume list is empty", kMapFunction);
             return true;
         }

@@ -14,7 +14,7 @@ std::uint32_t Volume::volume_block_size() const {
     return free_space_.sectors_per_cluster * free_space_.bytes_per_sector;
 }
 
-// Whether a query failed without which no backup is possible. The free-space queries are not among them.
+// Whether a query failed without which no backup is possible. Not the free space: compatibility C35
 bool Volume::MissesQuery() const {
     const std::array<const std::wstring*, 7> needed = {
         &kGettingDriveType,   &kGettingDeviceName,  &kGettingVolumeInformation,  &kOpeningVolume,
@@ -27,6 +27,7 @@ bool Volume::can_backup(const DeviceManager& disks) {
     return Traced(L"bmr_common::Volume::can_backup", [&] {
         can_backup_ = false;
         reasons_.clear();
+        // The wording, and type 0 where the query failed: compatibility C29, C34
         if (drive_type_ != DRIVE_FIXED) {
             reasons_.push_back(L"This not a fixed disk, type is " + DecimalText(drive_type_));
             return false;
@@ -35,9 +36,11 @@ bool Volume::can_backup(const DeviceManager& disks) {
             status_.GetErrors(reasons_);
             return false;
         }
+        // No extents refuse nothing: compatibility C145
         for (const VolumeExtent& extent : extents_) {
             const DiskDriveManagerPtr disk = disks.GetDevice(extent.disk_number);
             if (!disk) {
+                // The wording: compatibility C30
                 reasons_.push_back(L"Extent is on disk " + DecimalText(extent.disk_number) +
                                    L" but we don't have such disk.");
                 return false;
@@ -53,6 +56,7 @@ bool Volume::can_backup(const DeviceManager& disks) {
 
 bool Volume::is_dynamic(const DeviceManager& disks) {
     constexpr const wchar_t* kFunction = L"bmr_common::Volume::is_dynamic";
+    // Whatever their disks are: compatibility C146
     is_dynamic_ = extents_.size() > 1;
     if (extents_.empty() && drive_type_ == DRIVE_FIXED) {
         GetLogger().Write(kLogTrace, L"%s %s has no extents.", kFunction, volume_id_.c_str());

@@ -65,6 +65,7 @@ void VolumeManager::CreateVolumes(DeviceNamesMap map, const DeviceManager& disks
 
 VolumePtr VolumeManager::GetVolume(const std::wstring& guid_or_device) const {
     std::wstring name = guid_or_device;
+    // Logs a line for every GUID: compatibility C43
     if (!Volume::ConvertToNormalizedDeviceId(name) && name.find(kVolumeGuidPrefix) == std::wstring::npos) {
         name = kVolumeGuidPrefix + name + L"}";
         name += L'\\';
@@ -93,6 +94,7 @@ VolumePtr VolumeManager::GetVolume(std::uint32_t disk_number, std::int64_t offse
 
 void VolumeManager::DumpInfo() const {
     Traced(L"bmr_common::VolumeManager::DumpInfo", [&] {
+        // Without an empty line before it: compatibility C57
         GetLogger().Write(kLogInformation, L"[Volume Information]");
         GetLogger().Write(kLogInformation, L"Number of volumes: %I64u", std::uint64_t{volumes_.size()});
         unsigned number = 0;
@@ -108,6 +110,7 @@ void VolumeManager::CaptureInfo(CMSXmlNode& parent) const {
         CMSXmlNode volume_info = parent.AddChild("VolumeInfo");
         AddNumberElement(volume_info, "NumberOfVolumes", volumes_.size());
         for (const VolumePtr& volume : volumes_) {
+            // Without a number: compatibility C87
             CMSXmlNode node = volume_info.AddChild("Volume");
             volume->CaptureInfo(node);
         }

@@ -43,7 +43,7 @@ public:
     virtual bool IsSucceeded(const std::wstring& operation) const { return status_.IsSucceeded(operation); }
     virtual std::uint64_t ErrorCount() const { return status_.ErrorCount(); }
 
-    // In the order of their device names.
+    // In the order of the text of their device names: compatibility C86
     const std::vector<VolumePtr>& volumes() const { return volumes_; }
 
 private:

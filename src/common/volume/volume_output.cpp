@@ -47,6 +47,7 @@ void DumpMountPoints(bool known, const std::vector<std::wstring>& mount_points) 
         Line(L"Error: failed to obtain mount points information");
         return;
     }
+    // Ends in a blank, and stands without mount points too: compatibility C68
     Line(L"Drive letter/Mount points: ");
     for (const std::wstring& mount_point : mount_points) {
         Line(L"  %s", mount_point.c_str());
@@ -72,6 +73,7 @@ void DumpBlockSizes(bool known, const win::DiskFreeSpace& space, std::uint32_t b
     }
     Line(L"Sectors per cluster: %u", space.sectors_per_cluster);
     Line(L"Bytes per sector: %u", space.bytes_per_sector);
+    // The kilobytes are rounded down: compatibility C70
     Line(L"Volume block size: %u KB (%u bytes)", block_size >> 10, block_size);
 }
 
@@ -91,6 +93,7 @@ void DumpExtents(const std::vector<VolumeExtent>& extents) {
         Line(L"  Disk number: %u", extent.disk_number);
         Line(L"  Disk offset: %I64d", extent.starting_offset);
         Line(L"  Extent length: %I64d", extent.length);
+        // Behind the last one too: compatibility C69
         if (extents.size() > 1) {
             Line(L"  --------------------------------");
         }
@@ -156,6 +159,7 @@ void Volume::DumpInfo() const {
         if (vorn_used_spaces_) {
             SizeLine(L"The application's used spaces: %I64u(%.2f GB)", *vorn_used_spaces_);
         } else {
+            // Always, as information: compatibility C67
             Line(L"Error: failed to obtain the application's used spaces information");
         }
         Line(L"System volume: %s", TrueOrFalse(is_system_volume_));

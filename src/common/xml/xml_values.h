@@ -12,7 +12,7 @@ requires(!std::same_as<Number, bool>) void AddNumberElement(CMSXmlNode& parent, 
     parent.AddTextChild(name, DecimalText(value));
 }
 
-// A truth value as the disk model writes it.
+// A truth value as the disk model writes it: compatibility C89
 inline const wchar_t* TrueOrFalse(bool value) {
     return value ? L"True" : L"False";
 }
