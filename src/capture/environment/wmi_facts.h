@@ -36,7 +36,7 @@ struct PlaceInDump {
 // A row. The order of the rows is the order of reading.
 template <class Section>
 struct WmiFact {
-    const wchar_t* property;
+    const wchar_t* property = nullptr;
     std::variant<std::wstring Section::*, std::int32_t Section::*, std::uint32_t Section::*,
                  std::vector<std::wstring> Section::*>
         member;

@@ -11,5 +11,6 @@ template <std::integral Number>
 requires(!std::same_as<Number, bool>) std::wstring DecimalText(Number number) {
     std::array<char, 20> digits{};  // of the longest, INT64_MIN
     char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    return std::wstring(digits.data(), end);
+    std::wstring text(digits.data(), end);
+    return text;
 }
