@@ -7,12 +7,17 @@
 cmake_minimum_required(VERSION 3.25)
 
 # Control of threads, processes and the memory of others, and handlers ahead of the agent's own.
-set(forbidden SuspendThread ResumeThread OpenThread CreateThread CreateRemoteThread CreateRemoteThreadEx
-    _beginthread _beginthreadex TerminateThread QueueUserAPC GetThreadContext
-    SetThreadContext SetThreadAffinityMask OpenProcess CreateProcessA CreateProcessW TerminateProcess
-    SetProcessAffinityMask ReadProcessMemory WriteProcessMemory VirtualAllocEx VirtualProtectEx
-    AddVectoredExceptionHandler RtlAddVectoredExceptionHandler AddVectoredContinueHandler SetUnhandledExceptionFilter SetWindowsHookExA
-    SetWindowsHookExW malloc calloc realloc free _aligned_malloc _strdup _wcsdup)
+set(forbidden
+    SuspendThread ResumeThread OpenThread CreateThread CreateRemoteThread CreateRemoteThreadEx _beginthread
+    _beginthreadex TerminateThread QueueUserAPC GetThreadContext SetThreadContext SetThreadAffinityMask
+    OpenProcess CreateProcessA CreateProcessW TerminateProcess SetProcessAffinityMask
+    ReadProcessMemory WriteProcessMemory VirtualAllocEx VirtualProtectEx
+    AddVectoredExceptionHandler RtlAddVectoredExceptionHandler AddVectoredContinueHandler
+    SetUnhandledExceptionFilter SetWindowsHookExA SetWindowsHookExW
+    malloc calloc realloc free _aligned_malloc _strdup _wcsdup)
+
+# Every Windows has these.
+set(allowed_libraries kernel32.dll msvcrt.dll ole32.dll oleaut32.dll advapi32.dll user32.dll)
 
 execute_process(COMMAND "${OBJDUMP}" -p "${DLL}" OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
 set(faults 0)
@@ -29,6 +34,9 @@ set(imports "")
 foreach(line IN LISTS lines)
     if(line MATCHES "^DLL Name: (.*)")
         string(TOLOWER "${CMAKE_MATCH_1}" library)
+        if(NOT library IN_LIST allowed_libraries)
+            fault("${library} is no library that every Windows has")
+        endif()
     else()
         string(REGEX REPLACE ".*[ \t]" "" function "${line}")
         list(APPEND imports "${library} ${function}")
