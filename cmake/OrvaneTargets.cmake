@@ -84,12 +84,15 @@ function(orvane_test_program name)
     orvane_precompile(${name} orvane_test_precompiled)
 endfunction()
 
-# orvane_test(NAME <target> DIR <folder> [LINKS <libraries>] [DEFINES <definitions>])
-# One test program of all sources of a folder, and one CTest test that runs it; nothing when the folder is empty.
+# orvane_test(NAME <target> DIRS <folders> [LINKS <libraries>] [DEFINES <definitions>])
+# One test program of all sources of the folders, and one CTest test that runs it; nothing where there are none.
 function(orvane_test)
-    cmake_parse_arguments(PARSE_ARGV 0 TEST "" "NAME;DIR" "LINKS;DEFINES")
-    file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${TEST_DIR}/*.cpp"
-        "${PROJECT_SOURCE_DIR}/${TEST_DIR}/*.c")
+    cmake_parse_arguments(PARSE_ARGV 0 TEST "" "NAME" "DIRS;LINKS;DEFINES")
+    set(sources)
+    foreach(folder IN LISTS TEST_DIRS)
+        file(GLOB found CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${folder}/*.cpp" "${PROJECT_SOURCE_DIR}/${folder}/*.c")
+        list(APPEND sources ${found})
+    endforeach()
     if(NOT sources)
         return()
     endif()

@@ -5,27 +5,33 @@
 # A room may use only rooms that stand above it. "orvane_base" (common/windows.h, the public header, Boost) is
 # seen by all.
 
+orvane_room(NAME orvane_text DIR src/common/text)
 orvane_room(NAME orvane_logger DIR src/common/logger)
+orvane_room(NAME orvane_record DIR src/common/record
+    USES orvane_logger orvane_text)
 orvane_room(NAME orvane_platform DIR src/common/platform
-    USES orvane_logger
+    USES orvane_logger orvane_text
     LINKS ole32 oleaut32 uuid wbemuuid advapi32)
 orvane_room(NAME orvane_xml DIR src/common/xml
-    USES orvane_platform)
-orvane_room(NAME orvane_enumdisk DIR src/common/enumdisk
-    USES orvane_platform orvane_logger)
+    USES orvane_platform orvane_text)
 orvane_room(NAME orvane_disk DIR src/common/disk
-    USES orvane_enumdisk orvane_xml orvane_platform orvane_logger)
+    USES orvane_xml orvane_platform orvane_record orvane_logger orvane_text)
 orvane_room(NAME orvane_volume DIR src/common/volume
-    USES orvane_disk orvane_xml orvane_platform orvane_logger)
+    USES orvane_disk orvane_xml orvane_platform orvane_logger orvane_text)
+orvane_room(NAME orvane_enumdisk DIR src/common/enumdisk
+    USES orvane_platform orvane_record orvane_logger orvane_text)
 orvane_room(NAME orvane_environment DIR src/capture/environment
-    USES orvane_volume orvane_disk orvane_enumdisk orvane_platform orvane_logger)
+    USES orvane_enumdisk orvane_volume orvane_disk orvane_platform orvane_record orvane_logger orvane_text)
 orvane_room(NAME orvane_document DIR src/capture/document
-    USES orvane_environment orvane_xml orvane_platform)
+    USES orvane_environment orvane_xml orvane_platform orvane_record orvane_text)
 orvane_room(NAME orvane_grabber DIR src/capture/grabber
-    USES orvane_document orvane_environment orvane_volume orvane_disk orvane_enumdisk orvane_xml orvane_platform
-         orvane_logger)
+    USES orvane_document orvane_environment orvane_enumdisk orvane_volume orvane_disk orvane_xml orvane_platform
+         orvane_record orvane_logger orvane_text)
 orvane_room(NAME orvane_exports DIR src/capture/exports
-    USES orvane_grabber orvane_environment orvane_disk orvane_enumdisk orvane_platform orvane_logger)
+    USES orvane_grabber orvane_environment orvane_disk orvane_platform orvane_logger orvane_text)
+
+# The version stands in CMakeLists.txt alone.
+target_compile_definitions(orvane_environment PUBLIC ORVANE_VERSION="${PROJECT_VERSION}")
 
 # Around the library: its entry point, its heap and the memory of the C++ runtime. Only the finished DLL is linked
 # with it.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/platform/decimal_text.h"
 #include "common/platform/guid.h"
+#include "common/text/decimal_text.h"
 #include "common/windows.h"
 #include "common/xml/ms_xml.h"
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/environment/env_info.h"
+#include "common/record/rows.h"
 #include "common/xml/ms_xml.h"
 
 // The tables of the layout of formats 1 and 2, each one element under `environment`. They throw _com_error.

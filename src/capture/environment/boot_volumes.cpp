@@ -1,10 +1,10 @@
 #include "capture/environment/boot_volumes.h"
 
 #include "common/logger/orvane_logger.h"
-#include "common/platform/listing_bound.h"
 #include "common/platform/privileges.h"
 #include "common/platform/registry.h"
-#include "common/platform/scope_exit.h"
+#include "common/text/listing_bound.h"
+#include "common/text/scope_exit.h"
 
 #include <algorithm>
 #include <cstring>
@@ -14,19 +14,19 @@ namespace {
 
 constexpr wchar_t kSystemStartOptions[] = L"SystemStartOptions";
 
-int NotFound(const wchar_t* message, const std::wstring& device) {
+bool NotFound(const wchar_t* message, const std::wstring& device) {
     GetLogger().Write(kLogError, message, device.c_str());
-    return 0;
+    return false;
 }
 
-int SystemVolumeNotFound(const OSInfo& os) {
+bool SystemVolumeNotFound(const OSInfo& os) {
     return NotFound(
         L"Failed to find System volume '%s'. This happens if disk has been converted to Dynamic or after "
         L"BMR restore. Rebooting usually fixes problem.",
         os.SystemDevice);
 }
 
-int BootVolumeNotFound(const OSInfo& os) {
+bool BootVolumeNotFound(const OSInfo& os) {
     return NotFound(
         L"Failed to find Boot volume '%s'. This happens if disk has been converted to Dynamic or after "
         L"BMR restore. Rebooting usually fixes problem.",
@@ -89,8 +89,8 @@ void SortVolumeTable(std::vector<::Volume>& volumes) {
     });
 }
 
-int FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLetterEntry>& drive_letters,
-                             BootConfig& boot_config, const OSInfo& os) {
+bool FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLetterEntry>& drive_letters,
+                              BootConfig& boot_config, const OSInfo& os) {
     CopyIdentity(os, boot_config);
     bool system_found = false;
     bool boot_found = false;
@@ -117,20 +117,20 @@ int FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLe
     return boot_found ? GetBootOptions(boot_config.m_strBootOptions) : BootVolumeNotFound(os);
 }
 
-int GetBootOptions(std::wstring& options) {
+bool GetBootOptions(std::wstring& options) {
     // Not needed for this key: compatibility C131
     EnableBackupPrivileges();
     CRegistry registry;
     HKEY key = nullptr;
     if (!OpenControlKey(registry, key)) {
         GetLogger().Write(kLogError, L"GetBootOptions Failed to open registry");
-        return 0;
+        return false;
     }
     const LSTATUS status = ReadStartOptions(registry, key, options);
     if (status != ERROR_SUCCESS) {
         GetLogger().Write(kLogError, L"GetBootOptions failed to find %s error=%d", kSystemStartOptions,
                           status);
-        return 0;
+        return false;
     }
-    return 1;
+    return true;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/disk/device_manager.h"
-#include "common/enumdisk/rows.h"
+#include "common/record/rows.h"
 #include "common/volume/volume_manager.h"
 
 #include <cstdint>
@@ -11,13 +11,6 @@
 // The environment record: one description of the machine in memory. The members carry the names of the
 // document's elements. What a collector could not fill keeps its initial value. Filled once, by one thread,
 // then written.
-
-// The product's version, as the record gives it and, in 8 bits, the dump of the firmware.
-#define ORVANE_DLL_VERSION "9.50.6732"
-// The record appends a dot, the dump does not: compatibility C61
-inline constexpr wchar_t kDllVersion[] = L"" ORVANE_DLL_VERSION;
-inline constexpr char kDllVersion8[] = ORVANE_DLL_VERSION;
-#undef ORVANE_DLL_VERSION
 
 struct ProcessorInfo {
     std::int32_t Architecture = 0;

@@ -1,40 +1,33 @@
 #include "capture/environment/init_env_info.h"
 
 #include "capture/environment/boot_volumes.h"
+#include "capture/environment/dll_version.h"
 #include "capture/environment/system_information.h"
 #include "common/enumdisk/disk_interfaces.h"
 #include "common/enumdisk/enum_disk.h"
 #include "common/enumdisk/fixed_volumes.h"
 #include "common/logger/trace.h"
+#include "common/record/find_rows.h"
 
 namespace {
 
 // Not the number of the format: compatibility C71
 constexpr std::uint32_t kRecordVersion = 3;
 
-int Failed() {
+bool Failed() {
     GetLogger().Write(kLogError, L"InitEnvInfo Failed");
-    return 0;
+    return false;
 }
 
 // The number of the first row that starts where the volume starts; 0 where no row does.
 std::int32_t GetPartitionNumber(const std::vector<DiskRow>& disks, const ::Volume& volume) {
     return Traced(L"GetPartitionNumber", [&] {
-        for (const DiskRow& disk : disks) {
-            if (disk.disk_number != volume.m_DiskNumber) {
-                continue;
-            }
-            for (const PartitionRow& row : disk.partitions) {
-                if (static_cast<std::uint64_t>(row.offset) == volume.m_offsetPartition) {
-                    return row.partition_number;
-                }
-            }
-        }
-        return 0;
+        const PartitionRow* const row = FindRowAt(disks, volume.m_DiskNumber, volume.m_offsetPartition);
+        return row != nullptr ? row->partition_number : 0;
     });
 }
 
-int RepairPartitionNumbers(EnvInfo& environment) {
+bool RepairPartitionNumbers(EnvInfo& environment) {
     for (::Volume& volume : environment.VolumeTable) {
         if (volume.Dynamic) {
             continue;
@@ -44,7 +37,7 @@ int RepairPartitionNumbers(EnvInfo& environment) {
         if (number == 0) {
             GetLogger().Write(kLogError, L"InitEnvInfo failed to fix volume %s partition number",
                               volume.VolumeLetter.c_str());
-            return 0;
+            return false;
         }
         // The line has the number of a fault report; extents stay: compatibility C16, C111
         if (number != volume.m_PartitionNumber) {
@@ -54,30 +47,29 @@ int RepairPartitionNumbers(EnvInfo& environment) {
             volume.m_PartitionNumber = number;
         }
     }
-    return 1;
+    return true;
 }
 
 }  // namespace
 
-int InitEnvInfo(EnvInfo& environment) {
+bool InitEnvInfo(EnvInfo& environment) {
     SectionsRead read;
     if (!CollectSystemSections(environment, read) || !read.all() ||
         !getFixedVolumes(environment.VolumeTable)) {
         return Failed();
     }
     SortVolumeTable(environment.VolumeTable);
-    if (FindBootAndSystemVolumes(environment.VolumeTable, environment.DriveLetterTable,
-                                 environment.BootConfig, environment.OS) == 0) {
+    if (!FindBootAndSystemVolumes(environment.VolumeTable, environment.DriveLetterTable,
+                                  environment.BootConfig, environment.OS)) {
         return Failed();
     }
     environment.Version = kRecordVersion;
-    environment.DllVersion = std::wstring(kDllVersion) + L".";
+    environment.DllVersion = RecordedDllVersion();
     EnumDisk enumerator;
     std::vector<DriveRow> drives;
     // No "InitEnvInfo Failed" from here on: compatibility C42
-    if (enumerator.GetDrives(drives) == 0 ||
-        enumerator.GetDiskDetails(&drives, environment.DiskDrives) == 0) {
-        return 0;
+    if (!enumerator.GetDrives(drives) || !enumerator.GetDiskDetails(&drives, environment.DiskDrives)) {
+        return false;
     }
     AssignInterfaceTypes(environment.DiskDrives);
     return RepairPartitionNumbers(environment);

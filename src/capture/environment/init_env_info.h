@@ -2,6 +2,6 @@
 
 #include "capture/environment/env_info.h"
 
-// Fills the record through the flat enumerator. Non-zero on success; on failure 0, after lines in the log,
-// with the record partly filled.
-int InitEnvInfo(EnvInfo& environment);
+// Fills the record through the flat enumerator. False after lines in the log,
+// then with the record partly filled.
+bool InitEnvInfo(EnvInfo& environment);

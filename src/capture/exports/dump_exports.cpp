@@ -1,14 +1,13 @@
 // The exports that write what the library finds into the log.
 
+#include "capture/environment/dll_version.h"
+#include "capture/environment/firmware.h"
 #include "capture/exports/process_settings.h"
 #include "capture/exports/system_dump.h"
 #include "capture/grabber/info_grabber_factory.h"
 #include "common/disk/device_manager.h"
-#include "common/disk/raw_value.h"
-#include "common/enumdisk/firmware.h"
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
-#include "common/platform/system_library.h"
 #include "orvane/orvane.h"
 
 namespace {
@@ -75,21 +74,9 @@ void DumpVolumes() {
                                            : L"Other volumes can be backed up except volumes with errors");
 }
 
-// The system's own answer where it has one, even a failure; else the probe's: compatibility C60
-bool FindFirmwareType(std::uint32_t& type) {
-    const auto get_firmware_type = Kernel32DLL::Get().GetFirmwareType;
-    if (get_firmware_type == nullptr) {
-        return DetectFirmwareType(type);
-    }
-    FIRMWARE_TYPE answer{};
-    const bool known = get_firmware_type(&answer) == TRUE;
-    type = bmr_common::RawValue(answer);
-    return known;
-}
-
 // The lines bring their line feeds: compatibility C58
 void DumpFirmware() {
-    GetLogger().Write(kLogInformation, L"Capture DLL Version: %S", kDllVersion8);
+    GetLogger().Write(kLogInformation, L"Capture DLL Version: %S", kDllVersion);
     GetLogger().Write(kLogInformation, L"==========Firmware Detection==========\n");
     std::uint32_t type = kFirmwareUnknown;
     if (!FindFirmwareType(type)) {

@@ -2,7 +2,7 @@
 
 #include "capture/exports/process_settings.h"
 #include "common/logger/trace.h"
-#include "common/platform/multi_string.h"
+#include "common/text/multi_string.h"
 #include "orvane/orvane.h"
 
 namespace {

@@ -1,9 +1,9 @@
 #include "capture/grabber/disk_rows.h"
 
-#include "common/disk/disk_drive_manager_gpt.h"
-#include "common/enumdisk/partition_rows.h"
 #include "common/logger/trace.h"
-#include "common/platform/byte_range.h"
+#include "common/record/find_rows.h"
+#include "common/record/partition_rows.h"
+#include "common/text/byte_range.h"
 
 #include <boost/lexical_cast.hpp>
 
@@ -26,33 +26,6 @@ Position PositionIn(const PartitionRow& row, const VolumeOnDisk& volume) {
     }
     const bool same_end = pe == ee && row.length != 0 && volume.length != 0;
     return ps == es || same_end || (es < pe && ps < ee) ? Position::kPartial : Position::kOutside;
-}
-
-PARTITION_INFORMATION ClassicEntry(const PARTITION_INFORMATION_EX& entry) {
-    PARTITION_INFORMATION classic{};
-    classic.StartingOffset = entry.StartingOffset;
-    classic.PartitionLength = entry.PartitionLength;
-    classic.HiddenSectors = entry.Mbr.HiddenSectors;
-    classic.PartitionNumber = entry.PartitionNumber;
-    classic.PartitionType = entry.Mbr.PartitionType;
-    classic.BootIndicator = entry.Mbr.BootIndicator;
-    classic.RecognizedPartition = entry.Mbr.RecognizedPartition;
-    classic.RewritePartition = entry.RewritePartition;
-    return classic;
-}
-
-void AddMbrRows(const DRIVE_LAYOUT_INFORMATION_EX& layout, DiskRow& row) {
-    const PARTITION_INFORMATION_EX* const first = layout.PartitionEntry;
-    std::vector<PARTITION_INFORMATION> entries;
-    std::transform(first, first + layout.PartitionCount, std::back_inserter(entries), ClassicEntry);
-    BuildPartitionRows(entries, static_cast<std::int64_t>(row.size), row.partitions);
-}
-
-void AddGptRows(const bmr_common::DiskDriveManagerGPT& disk, DiskRow& row) {
-    disk.FillDiskRow(row);
-    for (PartitionRow& partition : row.partitions) {
-        partition.partition_style = row.partition_style;
-    }
 }
 
 }  // namespace
@@ -93,12 +66,7 @@ bool AddExistingDiskInformation(const bmr_common::DiskDriveManager& disk, DiskRo
             MakeWholeDiskRow(row);
             return true;
         }
-        if (style == bmr_common::kStyleMBR) {
-            AddMbrRows(*disk.GetPartitionLayoutExPtr(), row);
-            return true;
-        }
-        if (const auto* gpt = dynamic_cast<const bmr_common::DiskDriveManagerGPT*>(&disk)) {
-            AddGptRows(*gpt, row);
+        if (disk.FillDiskRow(row)) {
             return true;
         }
         // The name takes the place of the style: compatibility C23
@@ -125,27 +93,25 @@ bool SetPartitionVolumeLetterFileSystem(const VolumeOnDisk& volume, std::vector<
     constexpr const wchar_t* kFunction = L"orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem";
     return Traced(kFunction, [&] {
         const std::int64_t last = LastBefore(EndOf(volume.offset, volume.length));
-        for (DiskRow& disk : disks) {
-            if (disk.disk_number != volume.disk_number) {
-                continue;
-            }
-            for (PartitionRow& row : disk.partitions) {
-                const Position position = PositionIn(row, volume);
-                if (position == Position::kInside) {
-                    row.drive = volume.letter;
-                    row.file_system = volume.file_system;
-                    return true;
-                }
-                if (position == Position::kPartial) {
-                    GetLogger().Write(
-                        kLogWarning,
-                        L"%s extent (%I64i to %I64i) from volume %s on disk %u only partially inside "
-                        L"partition (%I64i to %I64i length %I64i).",
-                        kFunction, volume.offset, last, volume.volume_name, disk.disk_number, row.offset,
-                        LastBefore(EndOf(row.offset, row.length)), row.length);
-                    return false;
-                }
-            }
+        PartitionRow* row = nullptr;
+        Position position = Position::kOutside;
+        VisitRowsOf(disks, volume.disk_number, [&](PartitionRow& candidate) {
+            row = &candidate;
+            position = PositionIn(candidate, volume);
+            return position == Position::kOutside;
+        });
+        if (position == Position::kInside) {
+            row->drive = volume.letter;
+            row->file_system = volume.file_system;
+            return true;
+        }
+        if (position == Position::kPartial) {
+            GetLogger().Write(kLogWarning,
+                              L"%s extent (%I64i to %I64i) from volume %s on disk %u only partially inside "
+                              L"partition (%I64i to %I64i length %I64i).",
+                              kFunction, volume.offset, last, volume.volume_name, volume.disk_number,
+                              row->offset, LastBefore(EndOf(row->offset, row->length)), row->length);
+            return false;
         }
         GetLogger().Write(kLogWarning, L"%s Failed to find extent (%I64i to %I64i) from volume %s", kFunction,
                           volume.offset, last, volume.volume_name);

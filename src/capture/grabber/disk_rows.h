@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/disk/device_manager.h"
-#include "common/enumdisk/rows.h"
+#include "common/record/rows.h"
 
 #include <cstdint>
 #include <string>

@@ -1,61 +1,20 @@
 #include "capture/grabber/document_buffer.h"
 
+#include "capture/document/document_text.h"
 #include "capture/grabber/grabber_exception.h"
-#include "capture/grabber/info_grabber.h"
 #include "common/logger/orvane_logger.h"
-#include "common/platform/decimal_text.h"
-#include "common/platform/safe.h"
-#include "common/platform/string_conversion.h"
+#include "common/text/safe.h"
+#include "orvane/orvane.h"
 
-#include <algorithm>
-#include <cstdint>
 #include <limits>
-#include <string>
-#include <string_view>
 
 namespace orvane {
 
-namespace {
-
-// Whether the code page puts markup in the place of a letter that it lacks: the full-width "<" becomes "<".
-bool BecomesMarkup(wchar_t letter) {
-    const std::string narrow = ConvertWStrToStr({&letter, 1});
-    return narrow == "<" || narrow == ">" || narrow == "&";
-}
-
-bool IsAscii(wchar_t letter) {
-    return letter <= 0x7F;
-}
-
-// Letters that would become markup, and break the document, are written by their numbers.
-std::wstring WithoutFalseMarkup(std::wstring_view xml) {
-    std::wstring safe;
-    safe.reserve(xml.size());
-    for (const wchar_t letter : xml) {
-        if (!IsAscii(letter) && BecomesMarkup(letter)) {
-            safe.append(L"&#").append(DecimalText(unsigned{letter})).push_back(L';');
-        } else {
-            safe.push_back(letter);
-        }
-    }
-    return safe;
-}
-
-}  // namespace
-
-CMSXmlNode LoadEmptyDocument(CMSXmlDoc& document) {
-    if (!document.LoadXML("<root></root>")) {
+CMSXmlNode NewDocument(CMSXmlDoc& document) {
+    if (!LoadEmptyDocument(document)) {
         throw GrabberException(L"InfoGrabber::CaptureInfo: Failed to load XML configuration");
     }
     return document.GetRoot();
-}
-
-std::string DocumentText(const CMSXmlNode& root) {
-    const UniqueBstr owner = root.GetXML();
-    const std::wstring_view xml = TextOf(owner);
-    // Most documents are ASCII and need no copy.
-    return std::all_of(xml.begin(), xml.end(), IsAscii) ? ConvertWStrToStr(xml)
-                                                        : ConvertWStrToStr(WithoutFalseMarkup(xml));
 }
 
 void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buffer,
@@ -67,11 +26,11 @@ void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buff
     if (buffer_size < length) {
         // A size query is no error: compatibility C39
         GetLogger().Write(kLogTrace, L"InfoGrabber::CaptureInfo: output buffer too small");
-        *status = kCaptureBufferTooSmall;
+        *status = ORVANE_BUFFER_TOO_SMALL;
     } else {
         // No terminator follows: compatibility C119
         safe::MemoryCopy(buffer, buffer_size, text.data(), length);
-        *status = kCaptureDone;
+        *status = ORVANE_SUCCESS;
     }
     if (required_size != nullptr) {
         *required_size = length;

@@ -8,10 +8,7 @@
 namespace orvane {
 
 // Loads the empty document into `document` and returns its root; throws GrabberException where that fails.
-CMSXmlNode LoadEmptyDocument(CMSXmlDoc& document);
-
-// The root element and everything in it as text in the ANSI code page.
-std::string DocumentText(const CMSXmlNode& root);
+CMSXmlNode NewDocument(CMSXmlDoc& document);
 
 // The size protocol of a capture: copies `text` where it fits, sets status and size. See
 // InfoGrabber::CaptureInfo.

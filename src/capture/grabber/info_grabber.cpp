@@ -1,11 +1,12 @@
 #include "capture/grabber/info_grabber.h"
 
+#include "capture/document/document_text.h"
 #include "capture/document/environment_document.h"
 #include "capture/grabber/document_buffer.h"
 #include "capture/grabber/grabber_exception.h"
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
-#include "common/platform/decimal_text.h"
+#include "common/text/decimal_text.h"
 
 namespace orvane {
 
@@ -115,7 +116,7 @@ bool InfoGrabber::CanBackup(const std::vector<std::wstring>& volumes,
             errors.push_back(L"Backup cannot proceed. Failed to find any information about volume " + name +
                              L".");
             result = false;
-        } else if (!volume->can_backup()) {
+        } else if (!volume->found_fit_for_backup()) {
             errors.push_back(RefusalOf(name, *volume));
             Append(errors, volume->backup_failure_reasons());
             result = false;
@@ -135,7 +136,7 @@ void InfoGrabber::CaptureInfo(std::uint32_t buffer_size, char* buffer, std::uint
         throw GrabberException(L"Failed to initialize COM");
     }
     CMSXmlDoc document;
-    CMSXmlNode root = LoadEmptyDocument(document);
+    CMSXmlNode root = NewDocument(document);
     WriteEnvironment(root, *environment);
     const std::string text = DocumentText(root);
     if (text.empty()) {

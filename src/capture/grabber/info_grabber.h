@@ -18,13 +18,6 @@ struct RequestedDisk {
     std::int64_t partition_offset = 0;  // bytes
 };
 
-// The statuses of a capture, as the host receives them.
-enum CaptureStatus : std::uint32_t {
-    kCaptureDone = 0,
-    kCaptureFailed = 1,
-    kCaptureBufferTooSmall = 2,
-};
-
 // For one call of an export: collects the machine's environment, judges whether what the host selected can be
 // backed up, and writes the environment document. Nothing is kept between calls. One thread.
 class InfoGrabber {
@@ -59,9 +52,9 @@ public:
     virtual void DumpVolumeInfo() = 0;
 
     // Writes the document as text in the ANSI code page into `buffer` (the caller's, `buffer_size` bytes)
-    // when it fits, with status kCaptureDone; else leaves it untouched, with kCaptureBufferTooSmall. Stores
-    // the document's length in bytes through `required_size` unless that is null. Throws GrabberException or
-    // _com_error.
+    // when it fits, with status ORVANE_SUCCESS; else leaves it untouched, with ORVANE_BUFFER_TOO_SMALL.
+    // Stores the document's length in bytes through `required_size` unless that is null. Throws
+    // GrabberException or _com_error.
     virtual void CaptureInfo(std::uint32_t buffer_size, char* buffer, std::uint32_t* required_size,
                              std::uint32_t* status);
 };

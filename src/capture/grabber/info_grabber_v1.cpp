@@ -9,7 +9,7 @@ namespace orvane {
 InfoGrabberV1::InfoGrabberV1(boost::shared_ptr<EnvInfo> environment) : environment_(std::move(environment)) {}
 
 bool InfoGrabberV1::ObtainInformation() {
-    return InitEnvInfo(*environment_) != 0;
+    return InitEnvInfo(*environment_);
 }
 
 bool InfoGrabberV1::CanBackup(const std::vector<std::wstring>& /*volumes*/,

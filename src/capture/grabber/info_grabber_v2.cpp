@@ -1,12 +1,14 @@
 #include "capture/grabber/info_grabber_v2.h"
 
 #include "capture/environment/boot_volumes.h"
+#include "capture/environment/dll_version.h"
 #include "capture/environment/system_information.h"
 #include "capture/grabber/disk_rows.h"
 #include "common/enumdisk/disk_interfaces.h"
 #include "common/enumdisk/enum_disk.h"
 #include "common/logger/trace.h"
-#include "common/platform/byte_range.h"
+#include "common/record/find_rows.h"
+#include "common/text/byte_range.h"
 
 #include <boost/make_shared.hpp>
 
@@ -21,16 +23,6 @@ constexpr std::uint32_t kRecordVersion = 5;
 
 // The rows run to the largest disk number: one past this is no machine's, and the collection fails.
 constexpr std::uint32_t kHighestDiskNumber = 65'535;
-
-std::wstring DriveLetterOf(const bmr_common::Volume& volume) {
-    std::wstring multi_string;
-    multi_string.reserve(64);  // most volumes have one short path
-    for (const std::wstring& path : volume.mount_points()) {
-        multi_string.append(path).push_back(L'\0');
-    }
-    multi_string.push_back(L'\0');
-    return EnumDisk().GetDriveLetter(volume.volume_id().c_str(), multi_string.data(), multi_string.size());
-}
 
 // Whether the volume has a row: only fixed volumes whose place on the disks is known have one.
 bool HasRow(const bmr_common::Volume& volume) {
@@ -57,12 +49,12 @@ bool HasRow(const bmr_common::Volume& volume) {
     row.m_GUID = guid;
     row.Name = volume.volume_guid();
     row.DeviceName = volume.device_name();
-    row.VolumeLetter = DriveLetterOf(volume);
+    row.VolumeLetter = EnumDisk().DriveLetterAmong(volume.volume_id(), volume.mount_points());
     row.Label = volume.information().label;
     row.Serial = volume.information().serial_number;
     row.FileSystem = volume.information().file_system;
     row.Flags = volume.information().file_system_flags;
-    row.Dynamic = volume.is_dynamic();
+    row.Dynamic = volume.found_dynamic();
     row.BlockSize = volume.volume_block_size();
     row.m_FileSystemUsedSpace = UsedOf(volume.free_space_ex().total, volume.free_space_ex().total_free);
     return row;
@@ -94,7 +86,7 @@ bool InfoGrabberV2::ObtainInformation() {
 
 bool InfoGrabberV2::Collect() {
     environment_->Version = kRecordVersion;
-    environment_->DllVersion = std::wstring(kDllVersion) + L".";
+    environment_->DllVersion = RecordedDllVersion();
     if (!GetWMIInfo(*environment_)) {
         return false;
     }
@@ -124,7 +116,7 @@ bool InfoGrabberV2::ConvertObtainedInformation() {
         AssignInterfaceTypes(environment_->DiskDrives);
         return AddVolumeInformationToPartitions() && SetVolumePartitionNumbers() &&
                FindBootAndSystemVolumes(environment_->VolumeTable, environment_->DriveLetterTable,
-                                        environment_->BootConfig, environment_->OS) != 0;
+                                        environment_->BootConfig, environment_->OS);
     });
 }
 
@@ -255,16 +247,11 @@ bool InfoGrabberV2::SetBasicVolumesPartitionNumber() {
 bool InfoGrabberV2::SetBasicVolumePartitionNumber(::Volume& volume) const {
     constexpr const wchar_t* kFunction = L"orvane::InfoGrabberV2::SetBasicVolumePartitionNumber";
     return Traced(kFunction, [&] {
-        for (const DiskRow& disk : environment_->DiskDrives) {
-            if (disk.disk_number != volume.m_DiskNumber) {
-                continue;
-            }
-            for (const PartitionRow& row : disk.partitions) {
-                if (static_cast<std::uint64_t>(row.offset) == volume.m_offsetPartition) {
-                    volume.m_PartitionNumber = row.partition_number;
-                    return true;
-                }
-            }
+        const PartitionRow* const row =
+            FindRowAt(environment_->DiskDrives, volume.m_DiskNumber, volume.m_offsetPartition);
+        if (row != nullptr) {
+            volume.m_PartitionNumber = row->partition_number;
+            return true;
         }
         GetLogger().Write(
             kLogError,

@@ -1,6 +1,8 @@
 #include "capture/grabber/info_grabber_v3.h"
 
+#include "capture/document/document_text.h"
 #include "capture/document/environment_document.h"
+#include "capture/environment/dll_version.h"
 #include "capture/environment/system_information.h"
 #include "capture/grabber/document_buffer.h"
 #include "capture/grabber/grabber_exception.h"
@@ -32,7 +34,7 @@ bool InfoGrabberV3::ObtainInformation() {
 
 bool InfoGrabberV3::Collect() {
     environment_->Version = kRecordVersion;
-    environment_->DllVersion = std::wstring(kDllVersion) + L".";
+    environment_->DllVersion = RecordedDllVersion();
     return GetWMIInfo(*environment_) && environment_->device_manager.InitializeWithCurrentDisks() &&
            environment_->volume_manager.InitializeWithCurrentVolumes(
                environment_->device_manager, environment_->OS.SystemDevice, environment_->OS.BootDevice) &&
@@ -71,7 +73,7 @@ void InfoGrabberV3::CaptureInfo(std::uint32_t buffer_size, char* buffer, std::ui
         }
         // COM is the calling thread's: compatibility C120
         CMSXmlDoc document;
-        CMSXmlNode root = LoadEmptyDocument(document);
+        CMSXmlNode root = NewDocument(document);
         WriteEnvironment(root, *environment_);
         // An empty text is delivered too: compatibility C121
         CopyDocument(DocumentText(root), buffer_size, buffer, required_size, status);

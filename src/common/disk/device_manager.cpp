@@ -2,20 +2,14 @@
 
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
-#include "common/platform/decimal_text.h"
-#include "common/platform/wmi.h"
+#include "common/platform/disk_drives.h"
+#include "common/text/decimal_text.h"
 #include "common/xml/xml_values.h"
 
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
 
 namespace bmr_common {
-
-namespace {
-
-constexpr int kNoIndex = 255;  // of a drive without a disk number; compatibility C101
-
-}  // namespace
 
 void DeviceManager::CreateFactory() {
     factory_ = boost::make_shared<DiskDriveManagerFactory>();
@@ -38,27 +32,25 @@ bool DeviceManager::ReadIndexes() {
     if (!com.InitializeCOM(L"DeviceManager::ObtainPhysicalDrivesIndexes")) {
         return false;
     }
-    CWmi wmi(L"Select * from Win32_DiskDrive");
-    if (!wmi.initialized()) {
-        GetLogger().Write(kLogError, L"DeviceManager::ObtainPhysicalDrivesIndexes wmi not initialized");
-        return false;
-    }
-    if (!wmi.FindFirstObject()) {
-        GetLogger().Write(kLogError, L"DeviceManager::ObtainPhysicalDrivesIndexes FindFirstObject failed");
-        return false;
-    }
-    do {
+    const DriveListing listing = VisitDiskDrives([&](CWmi& drive) {
         int index = 0;
-        if (!wmi.Get(L"Index", index)) {
+        if (!drive.Get(L"Index", index)) {
             // The numbers read so far stay: compatibility C54
             GetLogger().Write(kLogError, L"DeviceManager::ObtainPhysicalDrivesIndexes wmi.Get failed");
             return false;
         }
-        if (index != kNoIndex) {
+        if (index != kNoDiskIndex) {
             disks_.try_emplace(DecimalText(static_cast<std::uint32_t>(index)));
         }
-    } while (wmi.FindNextObject());
-    return true;
+        return true;
+    });
+    if (listing == DriveListing::kNotConnected) {
+        GetLogger().Write(kLogError, L"DeviceManager::ObtainPhysicalDrivesIndexes wmi not initialized");
+    }
+    if (listing == DriveListing::kNoneFound) {
+        GetLogger().Write(kLogError, L"DeviceManager::ObtainPhysicalDrivesIndexes FindFirstObject failed");
+    }
+    return listing == DriveListing::kWhole;
 }
 
 bool DeviceManager::InitializeWithCurrentDisks() {

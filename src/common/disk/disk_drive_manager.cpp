@@ -2,7 +2,7 @@
 
 #include "common/disk/device_manager.h"
 #include "common/logger/trace.h"
-#include "common/platform/decimal_text.h"
+#include "common/text/decimal_text.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -51,6 +51,10 @@ bool DiskDriveManager::AssignUniqueId(const DeviceManager& device_manager) {
     }
     GetLogger().Write(kLogError, L"%s Failed to get unique disk signature",
                       L"bmr_common::DiskDriveManager::AssignUniqueId");
+    return false;
+}
+
+bool DiskDriveManager::FillDiskRow(DiskRow& /*row*/) const {
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "common/disk/disk_geometry.h"
 #include "common/disk/operation_status.h"
+#include "common/record/rows.h"
 #include "common/xml/ms_xml.h"
 
 #include <boost/shared_ptr.hpp>
@@ -61,6 +62,9 @@ public:
     virtual bool has_same_unique_id(const DiskDriveManager& other) const = 0;
     virtual std::uint32_t GetPartitionCount() const = 0;
     virtual bool GetPartitionNumberAtOffset(std::int64_t offset, std::uint32_t& number) const = 0;
+    // Fills the partition style and the partition rows of a flat row whose size is set, from a layout that
+    // was read. False, and the row as it was, for a kind of disk without rows.
+    virtual bool FillDiskRow(DiskRow& row) const;
 
     virtual bool IsFailed(const std::wstring& operation) const { return status_.IsFailed(operation); }
     virtual bool IsSucceeded(const std::wstring& operation) const { return status_.IsSucceeded(operation); }

@@ -4,7 +4,7 @@
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "common/logger/trace.h"
-#include "common/platform/decimal_text.h"
+#include "common/text/decimal_text.h"
 
 #include <boost/make_shared.hpp>
 

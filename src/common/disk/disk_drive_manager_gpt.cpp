@@ -53,7 +53,11 @@ bool DiskDriveManagerGPT::has_same_unique_id(const DiskDriveManager& other) cons
 
 bool DiskDriveManagerGPT::FillDiskRow(DiskRow& row) const {
     row.partition_style = static_cast<std::int32_t>(GetPartitionStyle());
-    return partition_manager_->GetEnumDiskPartitionVector(row, row.partitions);
+    const bool filled = partition_manager_->GetEnumDiskPartitionVector(row, row.partitions);
+    for (PartitionRow& partition : row.partitions) {
+        partition.partition_style = row.partition_style;
+    }
+    return filled;
 }
 
 }  // namespace bmr_common

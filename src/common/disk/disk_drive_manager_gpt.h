@@ -16,9 +16,7 @@ public:
     bool SetupDiskStruct(CREATE_DISK& description) const override;
     void SetUniqueIdToRandom() override;
     bool has_same_unique_id(const DiskDriveManager& other) const override;
-
-    // Fills the partition style and the partition rows of a flat disk row whose size is set.
-    bool FillDiskRow(DiskRow& row) const;
+    bool FillDiskRow(DiskRow& row) const override;
 
 protected:
     PartitionManager& partition_manager() const override { return *partition_manager_; }

@@ -1,12 +1,31 @@
 #include "common/disk/disk_drive_manager_mbr.h"
 
 #include "common/logger/trace.h"
+#include "common/platform/storage_queries.h"
+#include "common/record/partition_rows.h"
 
 #include <boost/make_shared.hpp>
 
 #include <cstdlib>
 
 namespace bmr_common {
+
+namespace {
+
+PARTITION_INFORMATION ClassicEntry(const PARTITION_INFORMATION_EX& entry) {
+    PARTITION_INFORMATION classic{};
+    classic.StartingOffset = entry.StartingOffset;
+    classic.PartitionLength = entry.PartitionLength;
+    classic.HiddenSectors = entry.Mbr.HiddenSectors;
+    classic.PartitionNumber = entry.PartitionNumber;
+    classic.PartitionType = entry.Mbr.PartitionType;
+    classic.BootIndicator = entry.Mbr.BootIndicator;
+    classic.RecognizedPartition = entry.Mbr.RecognizedPartition;
+    classic.RewritePartition = entry.RewritePartition;
+    return classic;
+}
+
+}  // namespace
 
 DiskDriveManagerMBR::DiskDriveManagerMBR(std::uint32_t disk_index)
     : PartitionedDiskDriveManager(disk_index),
@@ -52,6 +71,16 @@ void DiskDriveManagerMBR::SetUniqueIdToRandom() {
 bool DiskDriveManagerMBR::has_same_unique_id(const DiskDriveManager& other) const {
     return other.GetPartitionStyle() == GetPartitionStyle() &&
            other.geometry().signature() == geometry_.signature();
+}
+
+bool DiskDriveManagerMBR::FillDiskRow(DiskRow& row) const {
+    row.partition_style = static_cast<std::int32_t>(GetPartitionStyle());
+    std::vector<PARTITION_INFORMATION> entries;
+    for (const PARTITION_INFORMATION_EX& entry : win::PartitionsIn(*GetPartitionLayoutExPtr())) {
+        entries.push_back(ClassicEntry(entry));
+    }
+    BuildPartitionRows(entries, static_cast<std::int64_t>(row.size), row.partitions);
+    return true;
 }
 
 }  // namespace bmr_common

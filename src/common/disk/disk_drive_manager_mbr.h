@@ -16,6 +16,7 @@ public:
     bool SetupDiskStruct(CREATE_DISK& description) const override;
     void SetUniqueIdToRandom() override;
     bool has_same_unique_id(const DiskDriveManager& other) const override;
+    bool FillDiskRow(DiskRow& row) const override;
 
 protected:
     PartitionManager& partition_manager() const override { return *partition_manager_; }

@@ -3,7 +3,7 @@
 #include "common/disk/disk_drive_manager.h"
 #include "common/disk/sizes.h"
 #include "common/logger/trace.h"
-#include "common/platform/decimal_text.h"
+#include "common/text/decimal_text.h"
 #include "common/xml/xml_values.h"
 
 #include <objbase.h>

@@ -1,7 +1,7 @@
 #include "common/disk/disk_drive_manager_unknown.h"
 
 #include "common/logger/trace.h"
-#include "common/platform/decimal_text.h"
+#include "common/text/decimal_text.h"
 
 namespace bmr_common {
 

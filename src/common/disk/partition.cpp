@@ -3,8 +3,8 @@
 #include "common/disk/raw_value.h"
 #include "common/disk/sizes.h"
 #include "common/logger/trace.h"
-#include "common/platform/byte_range.h"
-#include "common/platform/safe.h"
+#include "common/text/byte_range.h"
+#include "common/text/safe.h"
 #include "common/xml/xml_values.h"
 
 namespace bmr_common {

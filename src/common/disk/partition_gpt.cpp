@@ -2,6 +2,7 @@
 
 #include "common/logger/trace.h"
 #include "common/platform/guid.h"
+#include "common/record/dynamic_types.h"
 
 #include <array>
 #include <cstring>
@@ -18,7 +19,6 @@ struct PartitionType {
 
 constexpr GUID kUnused = {};
 constexpr GUID kSystem = {0xC12A7328, 0xF81F, 0x11D2, {0xBA, 0x4B, 0x00, 0xA0, 0xC9, 0x3E, 0xC9, 0x3B}};
-constexpr GUID kLdmData = {0xAF9B60A0, 0x1431, 0x4F62, {0xBC, 0x68, 0x33, 0x11, 0x71, 0x4A, 0x69, 0xAD}};
 
 constexpr PartitionType kTypes[] = {
     {{0xEBD0A0A2, 0xB9E5, 0x4433, {0x87, 0xC0, 0x68, 0xB6, 0xB7, 0x26, 0x99, 0xC7}},
@@ -29,10 +29,8 @@ constexpr PartitionType kTypes[] = {
     {{0xE3C9E316, 0x0B5C, 0x4DB8, {0x81, 0x7D, 0xF9, 0x2D, 0xF0, 0x02, 0x15, 0xAE}},
      L"Microsoft reserved partition",
      false},
-    {{0x5808C8AA, 0x7E8F, 0x42E0, {0x85, 0xD2, 0xE1, 0xE9, 0x04, 0x34, 0xCF, 0xB3}},
-     L"LDM metadata partition",
-     false},
-    {kLdmData, L"LDM data partition", true},
+    {kLdmMetadataPartition, L"LDM metadata partition", false},
+    {kLdmDataPartition, L"LDM data partition", true},
     {{0xDE94BBA4, 0x06D1, 0x4D40, {0xA1, 0x6A, 0xBF, 0xD5, 0x01, 0x79, 0xD6, 0xAC}},
      L"MSFT recovery partition",
      false},
@@ -85,7 +83,7 @@ void PartitionGPT::DumpInfo() const {
 }
 
 bool PartitionGPT::is_dynamic() const {
-    return IsEqualGUID(entry_.Gpt.PartitionType, kLdmData);
+    return IsEqualGUID(entry_.Gpt.PartitionType, kLdmDataPartition);
 }
 
 bool PartitionGPT::is_unused() const {

@@ -1,7 +1,7 @@
 #include "common/disk/partition_manager.h"
 
 #include "common/logger/trace.h"
-#include "common/platform/decimal_text.h"
+#include "common/text/decimal_text.h"
 #include "common/xml/xml_values.h"
 
 #include <boost/make_shared.hpp>

@@ -2,9 +2,9 @@
 
 #include "common/disk/partition_manager.h"
 #include "common/logger/orvane_logger.h"
-#include "common/platform/byte_range.h"
-#include "common/platform/decimal_text.h"
 #include "common/platform/device_control.h"
+#include "common/text/byte_range.h"
+#include "common/text/decimal_text.h"
 
 #include <algorithm>
 

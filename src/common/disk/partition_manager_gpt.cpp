@@ -2,8 +2,8 @@
 
 #include "common/disk/partition_gpt.h"
 #include "common/logger/trace.h"
-#include "common/platform/byte_range.h"
 #include "common/platform/guid.h"
+#include "common/text/byte_range.h"
 
 #include <boost/make_shared.hpp>
 #include <boost/pointer_cast.hpp>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/disk/partition_manager.h"
-#include "common/enumdisk/rows.h"
+#include "common/record/rows.h"
 
 namespace bmr_common {
 

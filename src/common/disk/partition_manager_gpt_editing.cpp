@@ -2,8 +2,8 @@
 
 #include "common/disk/partition_manager_gpt.h"
 #include "common/logger/orvane_logger.h"
-#include "common/platform/byte_range.h"
 #include "common/platform/guid.h"
+#include "common/text/byte_range.h"
 
 #include <algorithm>
 #include <cwchar>

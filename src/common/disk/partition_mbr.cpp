@@ -1,6 +1,7 @@
 #include "common/disk/partition_mbr.h"
 
 #include "common/logger/trace.h"
+#include "common/record/dynamic_types.h"
 #include "common/xml/xml_values.h"
 
 namespace bmr_common {
@@ -8,7 +9,6 @@ namespace bmr_common {
 namespace {
 
 constexpr std::uint8_t kUnusedType = 0;
-constexpr std::uint8_t kLdmType = 0x42;
 
 }  // namespace
 
@@ -53,7 +53,7 @@ void PartitionMBR::CaptureInfo(CMSXmlNode& parent) const {
 }
 
 bool PartitionMBR::is_dynamic() const {
-    return entry_.Mbr.PartitionType == kLdmType;
+    return entry_.Mbr.PartitionType == kLdmMbrType;
 }
 
 bool PartitionMBR::is_unused() const {

@@ -2,15 +2,9 @@
 
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
-#include "common/platform/wmi.h"
+#include "common/platform/disk_drives.h"
 
 #include <map>
-
-namespace {
-
-constexpr int kNoIndex = 255;  // what a drive without a physical disk number is listed under
-
-}  // namespace
 
 void AssignInterfaceTypes(std::vector<DiskRow>& disks) {
     Traced(L"AssignInterfaceTypes", [&] {
@@ -18,15 +12,16 @@ void AssignInterfaceTypes(std::vector<DiskRow>& disks) {
         if (!com.InitializeCOM(L"AssignInterfaceTypes")) {
             return;
         }
-        CWmi wmi(L"Select * from Win32_DiskDrive");
         std::map<std::uint32_t, std::wstring> types;
-        for (bool more = wmi.FindFirstObject(); more; more = wmi.FindNextObject()) {
+        VisitDiskDrives([&](CWmi& drive) {
             int index = 0;
             std::wstring type;
-            if (wmi.GetLowInteger(L"Index", index) && index != kNoIndex && wmi.Get(L"InterfaceType", type)) {
+            if (drive.GetLowInteger(L"Index", index) && index != kNoDiskIndex &&
+                drive.Get(L"InterfaceType", type)) {
                 types.emplace(static_cast<std::uint32_t>(index), type);
             }
-        }
+            return true;
+        });
         for (DiskRow& disk : disks) {
             const auto found = types.find(disk.disk_number);
             if (found != types.end()) {

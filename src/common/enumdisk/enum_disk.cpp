@@ -1,18 +1,15 @@
 #include "common/enumdisk/enum_disk.h"
 
-#include "common/enumdisk/device_files.h"
-#include "common/enumdisk/partition_rows.h"
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
-#include "common/platform/device_control.h"
-#include "common/platform/wmi.h"
+#include "common/platform/disk_drives.h"
+#include "common/record/find_rows.h"
+#include "common/record/partition_rows.h"
 
 #include <algorithm>
 #include <new>
 
 namespace {
-
-constexpr int kNoIndex = 255;  // of a drive without a disk number; compatibility C101
 
 // Traces beside those of Traced, some without an end after a failure: compatibility C8, C9
 void Trace(const wchar_t* text) {
@@ -22,24 +19,16 @@ void Trace(const wchar_t* text) {
 // A placeholder list runs to the highest number: one past this is no machine's, and the enumeration fails.
 constexpr std::int32_t kHighestDiskNumber = 65'535;
 
-const DRIVE_LAYOUT_INFORMATION_EX& LayoutEx(const win::ByteBuffer& buffer) {
-    return *reinterpret_cast<const DRIVE_LAYOUT_INFORMATION_EX*>(buffer.data());
-}
-
 // Gives a partition row what is known of the volume that starts where it starts.
 void AttachDrive(const DriveRow& drive, std::vector<DiskRow>& disks) {
-    for (DiskRow& disk : disks) {
-        if (disk.disk_number != drive.disk_number) {
-            continue;
+    VisitRowsOf(disks, drive.disk_number, [&](PartitionRow& row) {
+        if (row.partition_number > 0 && row.offset == drive.offset) {
+            row.drive = drive.letter;
+            row.file_system = drive.file_system;
+            row.volume = drive.volume;
         }
-        for (PartitionRow& row : disk.partitions) {
-            if (row.partition_number > 0 && row.offset == drive.offset) {
-                row.drive = drive.letter;
-                row.file_system = drive.file_system;
-                row.volume = drive.volume;
-            }
-        }
-    }
+        return true;
+    });
 }
 
 }  // namespace
@@ -49,7 +38,7 @@ EnumDisk::Usability EnumDisk::DiskUsable(std::uint32_t disk_number) {
     DWORD error = ERROR_SUCCESS;
     bool unavailable = false;
     if (GetDriveLayout(disk_number, true, layout, error)) {
-        if (LayoutEx(layout).PartitionStyle == PARTITION_STYLE_GPT) {
+        if (win::LayoutExIn(layout).PartitionStyle == PARTITION_STYLE_GPT) {
             // GPT disks are left out: compatibility C100
             return Usability::kUnavailable;
         }
@@ -72,78 +61,67 @@ EnumDisk::Usability EnumDisk::DiskUsable(std::uint32_t disk_number) {
     return Usability::kError;
 }
 
-int EnumDisk::GetPhysicalDrivesIndexes(std::vector<std::uint32_t>& indexes, std::int32_t& maximum) {
+bool EnumDisk::GetPhysicalDrivesIndexes(std::vector<std::uint32_t>& indexes, std::int32_t& maximum) {
     return Traced(L"EnumDisk::GetPhysicalDrivesIndexes", [&] { return ListUsableDisks(indexes, maximum); });
 }
 
-int EnumDisk::ListUsableDisks(std::vector<std::uint32_t>& indexes, std::int32_t& maximum) {
+bool EnumDisk::ListUsableDisks(std::vector<std::uint32_t>& indexes, std::int32_t& maximum) {
     bmr_common::COMEnabler com;
     if (!com.InitializeCOM(L"EnumDisk::GetPhysicalDrivesIndexes")) {
         GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes InitializeCOM error");
-        return 0;
+        return false;
     }
     maximum = -1;
-    CWmi wmi(L"Select * from Win32_DiskDrive");
-    if (!wmi.initialized()) {
-        GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes wmi not initialized");
-        return 0;
-    }
-    if (!wmi.FindFirstObject()) {
-        GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes FindFirstObject failed");
-        return 0;
-    }
-    do {
+    const DriveListing listing = VisitDiskDrives([&](CWmi& drive) {
         int index = 0;
-        if (!wmi.GetLowInteger(L"Index", index)) {
+        if (!drive.GetLowInteger(L"Index", index)) {
             GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes wmi.Get failed");
-            return 0;
+            return false;
         }
         maximum = std::max(maximum, index);
-        if (index == kNoIndex) {
-            continue;
-        }
-        switch (
-            Traced(L"EnumDisk::DiskUsable", [&] { return DiskUsable(static_cast<std::uint32_t>(index)); })) {
-            case Usability::kUsable:
-                indexes.push_back(static_cast<std::uint32_t>(index));
-                break;
-            case Usability::kUnavailable:
-                break;
-            case Usability::kError:
-                return 0;
-            default:
-                GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes - invalid value for a switch");
-                break;
-        }
-    } while (wmi.FindNextObject());
-    return 1;
+        return index == kNoDiskIndex || AddIfUsable(static_cast<std::uint32_t>(index), indexes);
+    });
+    if (listing == DriveListing::kNotConnected) {
+        GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes wmi not initialized");
+    }
+    if (listing == DriveListing::kNoneFound) {
+        GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes FindFirstObject failed");
+    }
+    return listing == DriveListing::kWhole;
+}
+
+bool EnumDisk::AddIfUsable(std::uint32_t disk_number, std::vector<std::uint32_t>& indexes) {
+    switch (Traced(L"EnumDisk::DiskUsable", [&] { return DiskUsable(disk_number); })) {
+        case Usability::kUsable:
+            indexes.push_back(disk_number);
+            return true;
+        case Usability::kUnavailable:
+            return true;
+        case Usability::kError:
+            return false;
+        default:
+            GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes - invalid value for a switch");
+            return true;
+    }
 }
 
 bool EnumDisk::GetDiskLength(std::uint32_t disk_number, int level, std::int64_t& length, DWORD& error) {
     return Traced(L"EnumDisk::GetDiskLength", [&] {
-        const std::wstring name = PhysicalDriveName(disk_number);
-        error = ERROR_SUCCESS;
+        const std::wstring name = win::PhysicalDriveName(disk_number);
+        UniqueFile drive;
         // Opened for writing, although it is only asked: compatibility C137
-        const UniqueFile drive = OpenDevice(name, GENERIC_READ | GENERIC_WRITE);
-        if (!drive) {
-            error = win::LastFailure();
+        error = win::OpenDevice(name, {.access = GENERIC_READ | GENERIC_WRITE}, drive);
+        if (error != ERROR_SUCCESS) {
             GetLogger().Write(level, L"GetDiskLength:Opening the drive %s failed error=%d", name.c_str(),
                               error);
             return false;
         }
         GetLogger().Write(kLogTrace, L"DriveName: %s", name.c_str());
-        GET_LENGTH_INFORMATION information{};
-        DWORD returned = 0;
-        error = win::SendControl(drive, IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &information,
-                                 sizeof(information), returned);
-        if (error == ERROR_SUCCESS && (returned != sizeof(information) || information.Length.QuadPart < 0)) {
-            error = ERROR_INVALID_DATA;
-        }
+        error = win::ReadLength(drive, length);
         if (error != ERROR_SUCCESS) {
             GetLogger().Write(level, L"Get length of drive %s failed error=%d", name.c_str(), error);
             return false;
         }
-        length = information.Length.QuadPart;
         GetLogger().Write(kLogTrace, L"Get length of drive %s: %I64d", name.c_str(), length);
         return true;
     });
@@ -161,23 +139,19 @@ bool EnumDisk::GetDriveLayout(std::uint32_t disk_number, bool extended, win::Byt
 
 // Returns the Win32 error. A failed allocation has no line of its own.
 DWORD EnumDisk::ReadDriveLayout(std::uint32_t disk_number, bool extended, win::ByteBuffer& layout) {
-    constexpr std::size_t kFirstExtendedBytes = 768;
-    constexpr std::size_t kFirstClassicBytes = 168;
-    const std::wstring name = PhysicalDriveName(disk_number);
-    const UniqueFile drive = OpenDevice(name, GENERIC_READ);
-    if (!drive) {
-        const DWORD error = win::LastFailure();
+    constexpr win::Growth kExtended{.first_bytes = 768};
+    constexpr win::Growth kClassic{.first_bytes = 168};
+    const std::wstring name = win::PhysicalDriveName(disk_number);
+    UniqueFile drive;
+    DWORD error = win::OpenDevice(name, {.access = GENERIC_READ}, drive);
+    if (error != ERROR_SUCCESS) {
         GetLogger().Write(kLogError, L"GetDriveLayout: Opening the drive %s failed error=%d 0x%x",
                           name.c_str(), error, error);
         return error;
     }
-    DWORD error = ERROR_SUCCESS;
     try {
-        error = extended
-                    ? win::ReadGrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, kFirstExtendedBytes,
-                                              ERROR_INSUFFICIENT_BUFFER, layout, win::IsWholeLayoutEx)
-                    : win::ReadGrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT, kFirstClassicBytes,
-                                              ERROR_INSUFFICIENT_BUFFER, layout, win::IsWholeLegacyLayout);
+        error = extended ? win::ReadDriveLayoutEx(drive, kExtended, layout)
+                         : win::ReadDriveLayout(drive, kClassic, layout);
     } catch (const std::bad_alloc&) {
         return ERROR_OUTOFMEMORY;
     }
@@ -190,20 +164,16 @@ DWORD EnumDisk::ReadDriveLayout(std::uint32_t disk_number, bool extended, win::B
 
 bool EnumDisk::GetDriveGeometry(std::uint32_t disk_number, DISK_GEOMETRY& geometry) {
     Trace(L"Entering Get Drive Geometry");
-    const std::wstring name = PhysicalDriveName(disk_number);
+    const std::wstring name = win::PhysicalDriveName(disk_number);
     GetLogger().Write(kLogTrace, L"Opening the Drive %s", name.c_str());
-    const UniqueFile drive = OpenDevice(name, 0);
-    if (!drive) {
+    UniqueFile drive;
+    DWORD error = win::OpenDevice(name, {.access = 0}, drive);
+    if (error != ERROR_SUCCESS) {
         GetLogger().Write(kLogError, L"Opening the drive %d failed in GetDriveGeometry 0x%x", disk_number,
-                          win::LastFailure());
+                          error);
         return false;
     }
-    DWORD returned = 0;
-    DWORD error = win::SendControl(drive, IOCTL_DISK_GET_DRIVE_GEOMETRY, nullptr, 0, &geometry,
-                                   sizeof(geometry), returned);
-    if (error == ERROR_SUCCESS && returned != sizeof(geometry)) {
-        error = ERROR_INVALID_DATA;
-    }
+    error = win::ReadDriveGeometry(drive, geometry);
     if (error != ERROR_SUCCESS) {
         GetLogger().Write(kLogError, L"GetDriveGeometry on %d IOCTL_DISK_GET_DRIVE_GEOMETRY 0x%x",
                           disk_number, error);
@@ -221,10 +191,7 @@ bool EnumDisk::GetPartitionInfo(DiskRow& disk) {
         GetLogger().Write(kLogError, L"GetPartitionInfo: GetDriveLayout failed");
         return false;
     }
-    const auto& layout = *reinterpret_cast<const DRIVE_LAYOUT_INFORMATION*>(buffer.data());
-    const PARTITION_INFORMATION* const first = layout.PartitionEntry;
-    BuildPartitionRows({first, first + layout.PartitionCount}, static_cast<std::int64_t>(disk.size),
-                       disk.partitions);
+    BuildPartitionRows(win::PartitionsIn(buffer), static_cast<std::int64_t>(disk.size), disk.partitions);
     Trace(L"Leaving GetPartitionInfo");
     return true;
 }
@@ -258,7 +225,7 @@ EnumDisk::DiskResult EnumDisk::ReadDisk(std::uint32_t disk_number, DiskRow& disk
 bool EnumDisk::ReadDisks(std::vector<DiskRow>& disks) {
     std::vector<std::uint32_t> indexes;
     std::int32_t maximum = -1;
-    const bool listed = GetPhysicalDrivesIndexes(indexes, maximum) != 0;
+    const bool listed = GetPhysicalDrivesIndexes(indexes, maximum);
     GetLogger().Write(kLogTrace, L"GetDiskDetails: No Of Disks: %d", static_cast<int>(indexes.size()));
     if (!listed) {
         return false;
@@ -276,7 +243,7 @@ bool EnumDisk::ReadDisks(std::vector<DiskRow>& disks) {
     return true;
 }
 
-int EnumDisk::GetDiskDetails(const std::vector<DriveRow>* drives, std::vector<DiskRow>& disks) {
+bool EnumDisk::GetDiskDetails(const std::vector<DriveRow>* drives, std::vector<DiskRow>& disks) {
     return Traced(L"EnumDisk::GetDiskDetails", [&] {
         Trace(L"Entering GetDiskDetails");
         bool succeeded = ReadDisks(disks);
@@ -286,29 +253,29 @@ int EnumDisk::GetDiskDetails(const std::vector<DriveRow>* drives, std::vector<Di
             }
         }
         Trace(L"Leaving GetDiskDetails");
-        succeeded = succeeded && AddMissingPhysicalDisks(disks) != 0;
+        succeeded = succeeded && AddMissingPhysicalDisks(disks);
         if (!succeeded) {
             GetLogger().Write(kLogError, L"Error occurred in EnumDisk::GetDiskDetails");
         }
-        return succeeded ? 1 : 0;
+        return succeeded;
     });
 }
 
-int EnumDisk::AddMissingPhysicalDisks(std::vector<DiskRow>& disks) {
+bool EnumDisk::AddMissingPhysicalDisks(std::vector<DiskRow>& disks) {
     return Traced(L"EnumDisk::AddMissingPhysicalDisks", [&] {
         std::vector<std::uint32_t> indexes;
         std::int32_t maximum = -1;
         // Lists and tests the disks again: compatibility C136
-        if (GetPhysicalDrivesIndexes(indexes, maximum) == 0) {
-            return 0;
+        if (!GetPhysicalDrivesIndexes(indexes, maximum)) {
+            return false;
         }
         if (maximum > kHighestDiskNumber) {
             GetLogger().Write(kLogError, L"%s disk number %d is too large",
                               L"EnumDisk::AddMissingPhysicalDisks", maximum);
-            return 0;
+            return false;
         }
         InsertFakeDisks(maximum, disks);
-        return 1;
+        return true;
     });
 }
 
@@ -319,7 +286,7 @@ bool DriveIsGPT(std::uint32_t disk_number, bool& is_gpt) {
         if (!EnumDisk::GetDriveLayout(disk_number, true, layout, error)) {
             return false;
         }
-        is_gpt = LayoutEx(layout).PartitionStyle == PARTITION_STYLE_GPT;
+        is_gpt = win::LayoutExIn(layout).PartitionStyle == PARTITION_STYLE_GPT;
         return true;
     });
 }

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "common/enumdisk/rows.h"
 #include "common/logger/orvane_logger.h"
-#include "common/platform/unique_handle.h"
-#include "common/platform/win_api_wrapper.h"
+#include "common/platform/storage_queries.h"
+#include "common/record/rows.h"
 
 #include <array>
 #include <cstddef>
@@ -12,9 +11,8 @@
 #include <string>
 #include <vector>
 
-// The flat enumerator of physical disks, drives and drive letters. It holds no state between calls. The
-// integers that it returns are truth values; every failure is lines in the log. Only running out of memory
-// throws.
+// The flat enumerator of physical disks, drives and drive letters. It holds no state between calls. False is
+// a failure, which lines in the log tell. Throws std::bad_alloc alone.
 class EnumDisk {
 public:
     EnumDisk() = default;
@@ -26,12 +24,15 @@ public:
     // empty where there is none.
     virtual std::wstring GetDriveLetter(const wchar_t* volume_name, const wchar_t* mount_paths,
                                         std::size_t length);
+    // The same for paths that are a list already.
+    std::wstring DriveLetterAmong(const std::wstring& volume_name,
+                                  const std::vector<std::wstring>& mount_paths);
     // Whether a path of `length` characters is a drive root.
     virtual bool IsDriveLetter(const wchar_t* mount_path, std::size_t length) const;
 
     // The numbers of the usable disks in the order in which they are listed, and the highest number seen,
     // usable or not (-1: none).
-    static int GetPhysicalDrivesIndexes(std::vector<std::uint32_t>& indexes, std::int32_t& maximum);
+    static bool GetPhysicalDrivesIndexes(std::vector<std::uint32_t>& indexes, std::int32_t& maximum);
     // The length of a disk in bytes. Failures are logged at `level`.
     static bool GetDiskLength(std::uint32_t disk_number, int level, std::int64_t& length, DWORD& error);
     // The disk's layout, extended or classic, whole.
@@ -39,11 +40,11 @@ public:
                                DWORD& error);
     // Every disk with its partition rows, one row for each number from 0 to the highest. `drives` (may be
     // null) give the rows their letters.
-    int GetDiskDetails(const std::vector<DriveRow>* drives, std::vector<DiskRow>& disks);
+    bool GetDiskDetails(const std::vector<DriveRow>* drives, std::vector<DiskRow>& disks);
     // Appends a row for every fixed volume.
-    int GetDrives(std::vector<DriveRow>& drives);
+    bool GetDrives(std::vector<DriveRow>& drives);
     // Inserts placeholders for the numbers that are left out.
-    static int AddMissingPhysicalDisks(std::vector<DiskRow>& disks);
+    static bool AddMissingPhysicalDisks(std::vector<DiskRow>& disks);
 
 private:
     enum class Usability { kUsable, kUnavailable, kError };
@@ -53,7 +54,9 @@ private:
 
     enum class ExtentResult { kSingle, kSeveral, kFailed };
 
-    static int ListUsableDisks(std::vector<std::uint32_t>& indexes, std::int32_t& maximum);
+    static bool ListUsableDisks(std::vector<std::uint32_t>& indexes, std::int32_t& maximum);
+    // False where the disk ends the listing.
+    static bool AddIfUsable(std::uint32_t disk_number, std::vector<std::uint32_t>& indexes);
     static Usability DiskUsable(std::uint32_t disk_number);
     static DWORD ReadDriveLayout(std::uint32_t disk_number, bool extended, win::ByteBuffer& layout);
     static bool GetDriveGeometry(std::uint32_t disk_number, DISK_GEOMETRY& geometry);

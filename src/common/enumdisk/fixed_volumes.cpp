@@ -1,28 +1,17 @@
 #include "common/enumdisk/fixed_volumes.h"
 
-#include "common/enumdisk/device_files.h"
 #include "common/enumdisk/enum_disk.h"
 #include "common/logger/orvane_logger.h"
-#include "common/platform/byte_range.h"
-#include "common/platform/device_control.h"
-#include "common/platform/listing_bound.h"
-#include "common/platform/multi_string.h"
+#include "common/platform/storage_queries.h"
+#include "common/text/byte_range.h"
 
-#include <algorithm>
-#include <array>
-#include <cwchar>
 #include <new>
 #include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
 
 namespace {
-
-constexpr std::size_t kNameCharacters = 260;
-
-using NameBuffer = std::array<wchar_t, kNameCharacters>;
-
-std::wstring TextOf(const NameBuffer& buffer) {
-    return {buffer.data(), wcsnlen(buffer.data(), buffer.size())};
-}
 
 // One volume on its way into the table.
 struct Candidate {
@@ -38,9 +27,9 @@ bool Failed(int level, const wchar_t* format, const Candidate& candidate, DWORD 
 }
 
 std::wstring getDriveNameForVolumeName(const std::wstring& volume) {
-    const DWORD drives = CallBound(Kernel32DLL::Get().GetLogicalDrives, DWORD{0});
-    if (drives == 0) {
-        const DWORD error = win::LastFailure();
+    DWORD drives = 0;
+    DWORD error = win::ReadLogicalDrives(drives);
+    if (error != ERROR_SUCCESS) {
         GetLogger().Write(kLogError, L"getDriveNameForVolumeName GetLogicalDrives returned error 0x%x %d",
                           error, error);
         return {};
@@ -49,20 +38,17 @@ std::wstring getDriveNameForVolumeName(const std::wstring& volume) {
         if ((drives >> (letter - L'A') & 1U) == 0) {
             continue;
         }
-        std::array<wchar_t, 4> drive{};
-        std::array<wchar_t, 5> root{};
-        _snwprintf(drive.data(), drive.size() - 1, L"%c:", letter);
-        _snwprintf(root.data(), root.size() - 1, L"%c:\\", letter);
-        NameBuffer mounted{};
-        if (CallBound(Kernel32DLL::Get().GetVolumeNameForVolumeMountPointW, FALSE, root.data(),
-                      mounted.data(), static_cast<DWORD>(mounted.size())) == FALSE) {
-            const DWORD error = win::LastFailure();
+        const std::wstring drive{letter, L':'};
+        const std::wstring root = drive + L'\\';
+        std::wstring mounted;
+        error = win::ReadVolumeNameOf(root, mounted);
+        if (error != ERROR_SUCCESS) {
             GetLogger().Write(
                 kLogWarning,
                 L"getDriveNameForVolumeName GetVolumeNameForVolumeMountPoint for %s returned error 0x%x %d",
-                root.data(), error, error);
-        } else if (TextOf(mounted) == volume) {
-            return drive.data();
+                root.c_str(), error, error);
+        } else if (mounted == volume) {
+            return drive;
         }
     }
     return {};
@@ -75,20 +61,12 @@ bool getDeviceName(const std::wstring& volume, std::wstring& device_name) {
         return false;
     }
     const std::wstring dos_name = volume.substr(kPrefix.size(), volume.size() - kPrefix.size() - 1);
-    std::vector<wchar_t> buffer;
-    DWORD length = 0;
-    const auto ask = [&](std::vector<wchar_t>& answer, std::size_t& /*needed*/) {
-        length = CallBound(Kernel32DLL::Get().QueryDosDeviceW, DWORD{0}, dos_name.c_str(), answer.data(),
-                           static_cast<DWORD>(answer.size()));
-        return win::ErrorUnless(length != 0);
-    };
-    DWORD error =
-        win::GrowAndRetry(buffer, kNameCharacters, static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER), ask);
-    const std::vector<std::wstring> targets =
-        error == ERROR_SUCCESS ? SplitMultiString(buffer.data(), std::min<std::size_t>(length, buffer.size()))
-                               : std::vector<std::wstring>();
-    if (targets.empty()) {
-        error = error == ERROR_SUCCESS ? static_cast<DWORD>(ERROR_INVALID_DATA) : error;
+    std::vector<std::wstring> targets;
+    DWORD error = win::ListDosDeviceTargets(dos_name.c_str(), targets);
+    if (error == ERROR_SUCCESS && targets.empty()) {
+        error = ERROR_INVALID_DATA;
+    }
+    if (error != ERROR_SUCCESS) {
         GetLogger().Write(kLogError, L"getDeviceName of %s error=0x%x %d", volume.c_str(), error, error);
         return false;
     }
@@ -96,41 +74,31 @@ bool getDeviceName(const std::wstring& volume, std::wstring& device_name) {
     return true;
 }
 
-bool ReadVolumeInformation(const Candidate& candidate) {
-    NameBuffer label{};
-    NameBuffer file_system{};
-    DWORD serial = 0;
-    DWORD component_length = 0;
-    DWORD flags = 0;
-    if (CallBound(Kernel32DLL::Get().GetVolumeInformationW, FALSE, candidate.name.c_str(), label.data(),
-                  static_cast<DWORD>(label.size()), &serial, &component_length, &flags, file_system.data(),
-                  static_cast<DWORD>(file_system.size())) == FALSE) {
+bool ReadVolumeTexts(const Candidate& candidate) {
+    win::VolumeInformation information;
+    const DWORD error = win::ReadVolumeInformation(candidate.name, win::kNameCharacters, information);
+    if (error != ERROR_SUCCESS) {
         return Failed(kLogWarning, L"getVolumeInfo for %s %s GetVolumeInformation failed error=0x%x %d",
-                      candidate, win::LastFailure());
+                      candidate, error);
     }
-    candidate.volume.Label = TextOf(label);
-    candidate.volume.Serial = serial;
-    candidate.volume.Flags = flags;
-    candidate.volume.FileSystem = TextOf(file_system);
+    candidate.volume.Label = std::move(information.label);
+    candidate.volume.Serial = information.serial_number;
+    candidate.volume.Flags = information.file_system_flags;
+    candidate.volume.FileSystem = std::move(information.file_system);
     return true;
 }
 
-const VOLUME_DISK_EXTENTS& ExtentList(const win::ByteBuffer& buffer) {
-    return *reinterpret_cast<const VOLUME_DISK_EXTENTS*>(buffer.data());
-}
-
 bool ReadExtents(const Candidate& candidate, const UniqueFile& file) {
-    constexpr std::size_t kFirstBytes = 512;
+    constexpr win::Growth kGrowth{.first_bytes = 512, .too_small = ERROR_MORE_DATA};
     win::ByteBuffer buffer;
     DWORD error = ERROR_SUCCESS;
     try {
-        error = win::ReadGrowingControl(file, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, kFirstBytes,
-                                        ERROR_MORE_DATA, buffer, win::IsWholeExtentList);
+        error = win::ReadVolumeExtents(file, kGrowth, buffer);
     } catch (const std::bad_alloc&) {
         error = ERROR_OUTOFMEMORY;
     }
     // A fixed volume that lies nowhere could not be told from one at the start of the first disk.
-    if (error == ERROR_SUCCESS && ExtentList(buffer).NumberOfDiskExtents == 0) {
+    if (error == ERROR_SUCCESS && win::ExtentsIn(buffer).empty()) {
         error = ERROR_INVALID_DATA;
     }
     if (error != ERROR_SUCCESS) {
@@ -140,14 +108,12 @@ bool ReadExtents(const Candidate& candidate, const UniqueFile& file) {
                       candidate, error);
     }
     ::Volume& volume = candidate.volume;
-    const VOLUME_DISK_EXTENTS& list = ExtentList(buffer);
-    const DISK_EXTENT* const first = list.Extents;
-    for (const DISK_EXTENT* extent = first; extent != first + list.NumberOfDiskExtents; ++extent) {
+    for (const DISK_EXTENT& extent : win::ExtentsIn(buffer)) {
         DiskExtent row;
         row.m_GUID = volume.m_GUID;
-        row.m_DiskNumber = extent->DiskNumber;
-        row.m_offsetPartition = static_cast<std::uint64_t>(extent->StartingOffset.QuadPart);
-        row.m_Size = static_cast<std::uint64_t>(extent->ExtentLength.QuadPart);
+        row.m_DiskNumber = extent.DiskNumber;
+        row.m_offsetPartition = static_cast<std::uint64_t>(extent.StartingOffset.QuadPart);
+        row.m_Size = static_cast<std::uint64_t>(extent.ExtentLength.QuadPart);
         volume.extents.push_back(row);
     }
     volume.m_DiskNumber = volume.extents.front().m_DiskNumber;
@@ -158,12 +124,7 @@ bool ReadExtents(const Candidate& candidate, const UniqueFile& file) {
 // The partition's number, and its length where the volume itself does not tell one.
 bool ReadPartition(const Candidate& candidate, const UniqueFile& file, std::uint64_t& partition_length) {
     PARTITION_INFORMATION partition{};
-    DWORD returned = 0;
-    DWORD error = win::SendControl(file, IOCTL_DISK_GET_PARTITION_INFO, nullptr, 0, &partition,
-                                   sizeof(partition), returned);
-    if (error == ERROR_SUCCESS && returned != sizeof(partition)) {
-        error = ERROR_INVALID_DATA;
-    }
+    const DWORD error = win::ReadPartitionInformation(file, partition);
     if (error != ERROR_SUCCESS) {
         return Failed(
             kLogWarning,
@@ -179,38 +140,27 @@ bool ReadPartition(const Candidate& candidate, const UniqueFile& file, std::uint
 }
 
 bool ReadUsedSpace(const Candidate& candidate) {
-    ULARGE_INTEGER available{};
-    ULARGE_INTEGER total{};
-    ULARGE_INTEGER total_free{};
-    if (CallBound(Kernel32DLL::Get().GetDiskFreeSpaceExW, FALSE, candidate.name.c_str(), &available, &total,
-                  &total_free) == FALSE) {
+    win::DiskFreeSpaceEx space;
+    const DWORD error = win::ReadDiskFreeSpaceEx(candidate.name, space);
+    if (error != ERROR_SUCCESS) {
         return Failed(kLogWarning, L"getVolumeInfo for %s %s GetDiskFreeSpaceEx failed error=0x%x %d",
-                      candidate, win::LastFailure());
+                      candidate, error);
     }
-    candidate.volume.m_FileSystemUsedSpace = UsedOf(total.QuadPart, total_free.QuadPart);
+    candidate.volume.m_FileSystemUsedSpace = UsedOf(space.total, space.total_free);
     return true;
 }
 
 void ReadBlockSize(const Candidate& candidate) {
-    DWORD sectors_per_cluster = 0;
-    DWORD bytes_per_sector = 0;
-    DWORD free_clusters = 0;
-    DWORD total_clusters = 0;
-    if (CallBound(Kernel32DLL::Get().GetDiskFreeSpaceW, FALSE, candidate.name.c_str(), &sectors_per_cluster,
-                  &bytes_per_sector, &free_clusters, &total_clusters) != FALSE) {
-        candidate.volume.BlockSize = sectors_per_cluster * bytes_per_sector;
+    win::DiskFreeSpace space;
+    if (win::ReadDiskFreeSpace(candidate.name, space) == ERROR_SUCCESS) {
+        candidate.volume.BlockSize = space.sectors_per_cluster * space.bytes_per_sector;
     }
 }
 
-void ReadLength(const Candidate& candidate, const UniqueFile& file, std::uint64_t partition_length) {
-    GET_LENGTH_INFORMATION information{};
-    DWORD returned = 0;
-    DWORD error = win::SendControl(file, IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &information,
-                                   sizeof(information), returned);
-    if (error == ERROR_SUCCESS && (returned != sizeof(information) || information.Length.QuadPart < 0)) {
-        error = ERROR_INVALID_DATA;
-    }
-    candidate.volume.m_Size = static_cast<std::uint64_t>(information.Length.QuadPart);
+void ReadVolumeSize(const Candidate& candidate, const UniqueFile& file, std::uint64_t partition_length) {
+    std::int64_t length = 0;
+    const DWORD error = win::ReadLength(file, length);
+    candidate.volume.m_Size = static_cast<std::uint64_t>(length);
     if (error != ERROR_SUCCESS) {
         Failed(
             kLogWarning,
@@ -222,24 +172,15 @@ void ReadLength(const Candidate& candidate, const UniqueFile& file, std::uint64_
 }
 
 std::wstring VolumeLetterOf(const std::wstring& volume) {
-    std::vector<wchar_t> paths;
-    DWORD length = 0;
-    const auto ask = [&](std::vector<wchar_t>& answer, std::size_t& needed) {
-        const DWORD code = win::ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumePathNamesForVolumeNameW,
-                                                      FALSE, volume.c_str(), answer.data(),
-                                                      static_cast<DWORD>(answer.size()), &length));
-        needed = length;
-        return code;
-    };
-    const DWORD error = win::GrowAndRetry(paths, kNameCharacters, static_cast<DWORD>(ERROR_MORE_DATA), ask);
+    std::vector<std::wstring> paths;
+    const DWORD error = win::ListMountPaths(volume, win::kNameCharacters, win::Retry::kAsLargeAsTold, paths);
     if (error != ERROR_SUCCESS) {
         GetLogger().Write(kLogWarning,
                           L"getVolumeInfo for %s GetVolumePathNamesForVolumeName failed error=0x%x %d",
                           volume.c_str(), error, error);
         return {};
     }
-    return EnumDisk().GetDriveLetter(volume.c_str(), paths.data(),
-                                     std::min<std::size_t>(length, paths.size()));
+    return EnumDisk().DriveLetterAmong(volume, paths);
 }
 
 bool getVolumeInfo(const Candidate& candidate) {
@@ -247,7 +188,7 @@ bool getVolumeInfo(const Candidate& candidate) {
     volume.Name = candidate.name;
     volume.m_GUID = candidate.name;
     volume.VolumeLetter = VolumeLetterOf(candidate.name);
-    if (!getDeviceName(candidate.name, volume.DeviceName) || !ReadVolumeInformation(candidate)) {
+    if (!getDeviceName(candidate.name, volume.DeviceName) || !ReadVolumeTexts(candidate)) {
         return false;
     }
     // A volume without a letter is opened by its own name, which is the device without its trailing
@@ -255,10 +196,11 @@ bool getVolumeInfo(const Candidate& candidate) {
     const std::wstring device = candidate.drive_name.empty()
                                     ? candidate.name.substr(0, candidate.name.size() - 1)
                                     : L"\\\\.\\" + candidate.drive_name;
-    const UniqueFile file = OpenDevice(device, GENERIC_READ);
-    if (!file) {
+    UniqueFile file;
+    const DWORD error = win::OpenDevice(device, {.access = GENERIC_READ}, file);
+    if (error != ERROR_SUCCESS) {
         return Failed(kLogWarning, L"getVolumeInfo for %s %s CreateFile failed error=0x%x %d", candidate,
-                      win::LastFailure());
+                      error);
     }
     if (!ReadExtents(candidate, file)) {
         return false;
@@ -273,12 +215,13 @@ bool getVolumeInfo(const Candidate& candidate) {
         return false;
     }
     ReadBlockSize(candidate);
-    ReadLength(candidate, file, partition_length);
+    ReadVolumeSize(candidate, file, partition_length);
     return true;
 }
 
 std::optional<::Volume> DescribeFixedVolume(const std::wstring& name) {
-    const UINT type = CallBound(Kernel32DLL::Get().GetDriveTypeW, UINT{DRIVE_UNKNOWN}, name.c_str());
+    UINT type = DRIVE_UNKNOWN;
+    win::ReadDriveType(name, type);
     if (type == DRIVE_UNKNOWN) {
         GetLogger().Write(kLogError, L"getFixedVolumes failed to get drive type of %s", name.c_str());
     }
@@ -296,26 +239,19 @@ std::optional<::Volume> DescribeFixedVolume(const std::wstring& name) {
 }
 
 bool ListFixedVolumes(std::vector<::Volume>& volumes) {
-    NameBuffer name{};
-    const UniqueVolumeSearch search(CallBound(Kernel32DLL::Get().FindFirstVolumeW,
-                                              HANDLE{INVALID_HANDLE_VALUE}, name.data(),
-                                              static_cast<DWORD>(name.size())));
-    if (!search) {
-        const DWORD error = win::LastFailure();
+    std::wstring first;
+    UniqueVolumeSearch search;
+    DWORD error = win::ListFirstVolume(win::kNameCharacters, search, first);
+    if (error != ERROR_SUCCESS) {
         GetLogger().Write(kLogError, L"getFixedVolumes: FindFirstVolume failed error=0x%x %d", error, error);
         return false;
     }
-    DWORD error = ERROR_SUCCESS;
-    for (std::size_t i = 0; i < kMostListed && error == ERROR_SUCCESS; ++i) {
-        std::optional<::Volume> volume = DescribeFixedVolume(TextOf(name));
+    error = win::VisitVolumes(win::kNameCharacters, search, first, [&](const std::wstring& name) {
+        std::optional<::Volume> volume = DescribeFixedVolume(name);
         if (volume) {
             volumes.push_back(std::move(*volume));
         }
-        name.fill(L'\0');
-        error = win::ErrorUnless(CallBound(Kernel32DLL::Get().FindNextVolumeW, FALSE, search.get(),
-                                           name.data(), static_cast<DWORD>(name.size())));
-    }
-    error = error == ERROR_SUCCESS ? static_cast<DWORD>(ERROR_INVALID_DATA) : error;  // it never ended
+    });
     if (error != ERROR_NO_MORE_FILES) {
         // Logged, but no failure: compatibility C135
         GetLogger().Write(kLogError, L"getFixedVolumes: FindNextVolume failed error=0x%x %d", error, error);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/enumdisk/rows.h"
+#include "common/record/rows.h"
 
 #include <vector>
 

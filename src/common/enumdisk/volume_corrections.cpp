@@ -4,7 +4,7 @@
 #include "common/enumdisk/enum_disk.h"
 #include "common/enumdisk/fixed_volumes.h"
 #include "common/logger/trace.h"
-#include "common/platform/guid.h"
+#include "common/record/dynamic_types.h"
 
 #include <algorithm>
 #include <map>
@@ -22,7 +22,6 @@ struct DriveInfo {
 
 constexpr std::uint32_t kDynamicFlag = 1;
 constexpr std::uint32_t kEmptyGptFlag = 2;
-constexpr std::uint8_t kLdmType = 0x42;
 
 OffsetsOfDisks CollectOffsets(const std::vector<::Volume>& volumes) {
     OffsetsOfDisks offsets;
@@ -67,13 +66,12 @@ DriveInfo DescribeGpt(const DRIVE_LAYOUT_INFORMATION_EX& layout) {
     if (layout.PartitionCount == 0) {
         info.flags |= kEmptyGptFlag;
     }
-    const PARTITION_INFORMATION_EX* const first = layout.PartitionEntry;
+    const auto partitions = win::PartitionsIn(layout);
     const bool dynamic =
-        std::any_of(first, first + layout.PartitionCount, [](const PARTITION_INFORMATION_EX& partition) {
+        std::any_of(partitions.begin(), partitions.end(), [](const PARTITION_INFORMATION_EX& partition) {
             // The metadata alone too: compatibility C147
-            const std::wstring type = GuidText(partition.Gpt.PartitionType);
-            return type == L"{5808C8AA-7E8F-42E0-85D2-E1E90434CFB3}" ||
-                   type == L"{AF9B60A0-1431-4F62-BC68-3311714A69AD}";
+            return IsEqualGUID(partition.Gpt.PartitionType, kLdmMetadataPartition) ||
+                   IsEqualGUID(partition.Gpt.PartitionType, kLdmDataPartition);
         });
     info.flags |= dynamic ? kDynamicFlag : 0;
     return info;
@@ -82,10 +80,10 @@ DriveInfo DescribeGpt(const DRIVE_LAYOUT_INFORMATION_EX& layout) {
 DriveInfo DescribeMbr(const DRIVE_LAYOUT_INFORMATION_EX& layout) {
     DriveInfo info;
     info.signature = layout.Mbr.Signature;
-    const PARTITION_INFORMATION_EX* const first = layout.PartitionEntry;
+    const auto partitions = win::PartitionsIn(layout);
     const bool dynamic = std::any_of(
-        first, first + layout.PartitionCount,
-        [](const PARTITION_INFORMATION_EX& partition) { return partition.Mbr.PartitionType == kLdmType; });
+        partitions.begin(), partitions.end(),
+        [](const PARTITION_INFORMATION_EX& partition) { return partition.Mbr.PartitionType == kLdmMbrType; });
     info.flags |= dynamic ? kDynamicFlag : 0;
     return info;
 }
@@ -97,7 +95,7 @@ std::optional<DriveInfo> getDriveInfo(std::uint32_t disk_number) {
         if (!EnumDisk::GetDriveLayout(disk_number, true, buffer, error)) {
             return {};
         }
-        const auto& layout = *reinterpret_cast<const DRIVE_LAYOUT_INFORMATION_EX*>(buffer.data());
+        const DRIVE_LAYOUT_INFORMATION_EX& layout = win::LayoutExIn(buffer);
         switch (layout.PartitionStyle) {
             case PARTITION_STYLE_GPT:
                 return DescribeGpt(layout);
@@ -148,7 +146,7 @@ void assignDriveDetails(std::vector<::Volume>& volumes) {
     Traced(L"assignDriveDetails", [&] {
         std::vector<std::uint32_t> indexes;
         std::int32_t maximum = -1;
-        if (EnumDisk::GetPhysicalDrivesIndexes(indexes, maximum) == 0) {
+        if (!EnumDisk::GetPhysicalDrivesIndexes(indexes, maximum)) {
             return;
         }
         DriveInfos disks;

@@ -1,7 +1,7 @@
 #include "common/platform/nt_api_wrapper.h"
 
-#include "common/platform/safe.h"
 #include "common/platform/system_query.h"
+#include "common/text/safe.h"
 
 #include <cstring>
 #include <limits>

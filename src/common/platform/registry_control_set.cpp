@@ -1,8 +1,8 @@
 // The search for the current control set in a system's hive.
 
-#include "common/platform/listing_bound.h"
 #include "common/platform/registry.h"
-#include "common/platform/scope_exit.h"
+#include "common/text/listing_bound.h"
+#include "common/text/scope_exit.h"
 
 #include <array>
 #include <cstring>

@@ -1,44 +1,12 @@
 #pragma once
 
-#include "common/platform/unique_handle.h"
-#include "common/windows.h"
+#include "common/platform/storage_queries.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace win {
-
-using ByteBuffer = std::vector<unsigned char>;
-
-struct DiskFreeSpace {
-    DWORD sectors_per_cluster = 0;
-    DWORD bytes_per_sector = 0;
-    DWORD free_clusters = 0;
-    DWORD total_clusters = 0;
-};
-
-// All in bytes.
-struct DiskFreeSpaceEx {
-    std::uint64_t free_available_to_caller = 0;
-    std::uint64_t total = 0;
-    std::uint64_t total_free = 0;
-};
-
-struct VolumeInformation {
-    std::wstring label;
-    DWORD serial_number = 0;
-    DWORD maximum_component_length = 0;
-    DWORD file_system_flags = 0;
-    std::wstring file_system;
-};
-
-struct FileOpening {
-    DWORD access = 0;
-    DWORD share_mode = FILE_SHARE_READ | FILE_SHARE_WRITE;
-    DWORD disposition = OPEN_EXISTING;
-    DWORD flags = 0;
-};
 
 // The storage functions of the system, reached through the bound table only. Every operation traces itself,
 // sets `error` to 0 on entry, and on failure logs one line and returns false with a non-zero Win32 code in

@@ -1,9 +1,9 @@
 // The part of the wrapper that opens devices and sends them control codes.
 
-#include "common/platform/decimal_text.h"
-#include "common/platform/device_control.h"
+#include "common/platform/system_query.h"
 #include "common/platform/win_api_wrapper.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace win {
@@ -13,29 +13,17 @@ namespace {
 constexpr std::size_t kFirstControlBytes = 512;
 constexpr std::uint32_t kNoDisk = std::numeric_limits<std::uint32_t>::max();
 
-// The rule of all growing answers here. A caller's buffer that is larger than the first size is used as it
+// The rule of all growing answers here: a caller's buffer that is larger than the first size is used as it
 // is.
-template <class IsWhole>
-DWORD GrowingControl(const UniqueFile& device, DWORD code, ByteBuffer& buffer, IsWhole&& is_whole) {
-    try {
-        return ReadGrowingControl(device, code, std::max(buffer.size(), kFirstControlBytes),
-                                  ERROR_INSUFFICIENT_BUFFER, buffer, is_whole);
-    } catch (const std::bad_alloc&) {
-        buffer.clear();
-        throw;
-    }
+Growth GrowthOf(const ByteBuffer& buffer) {
+    return {.first_bytes = std::max(buffer.size(), kFirstControlBytes)};
 }
 
 }  // namespace
 
 bool WinAPIWrapper::CreateFileW(const std::wstring& path, const FileOpening& opening, UniqueFile& file,
                                 DWORD& error) {
-    const auto query = [&]() -> DWORD {
-        file.Reset(CallBound(Kernel32DLL::Get().CreateFileW, HANDLE{INVALID_HANDLE_VALUE}, path.c_str(),
-                             opening.access, opening.share_mode, nullptr, opening.disposition, opening.flags,
-                             HANDLE{nullptr}));
-        return file ? static_cast<DWORD>(ERROR_SUCCESS) : LastFailure();
-    };
+    const auto query = [&] { return OpenDevice(path, opening, file); };
     return Query(L"win::WinAPIWrapper::CreateFileW", error, query, [&] {
         GetLogger().Write(kLogTrace, L"WinAPIWrapper::CreateFile on %s error=%u", path.c_str(), error);
     });
@@ -46,7 +34,7 @@ bool WinAPIWrapper::OpenPhysicalDrive(std::uint32_t disk_index, DWORD access, Un
     error = ERROR_SUCCESS;
     const bool opened = Traced(L"win::WinAPIWrapper::OpenPhysicalDrive", [&] {
         try {
-            const std::wstring path = L"\\\\.\\PhysicalDrive" + DecimalText(disk_index);
+            const std::wstring path = PhysicalDriveName(disk_index);
             if (drive == nullptr) {
                 GetLogger().Write(kLogTrace,
                                   L"WinAPIWrapper::OpenPhysicalDrive on %s internal error, bad parameters",
@@ -77,9 +65,7 @@ bool WinAPIWrapper::FlushFileBuffers(const UniqueFile& file, DWORD& error) {
 
 bool WinAPIWrapper::GetDriveGeometryEx(const UniqueFile& drive, std::uint32_t disk_index, ByteBuffer& buffer,
                                        DWORD& error) {
-    const auto query = [&] {
-        return GrowingControl(drive, IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, buffer, IsWholeGeometry);
-    };
+    const auto query = [&] { return ReadDriveGeometryEx(drive, GrowthOf(buffer), buffer); };
     return Query(L"win::WinAPIWrapper::GetDriveGeometryEx", error, query, [&] {
         GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDriveGeometryEx on drive %d error=%u", disk_index,
                           error);
@@ -94,7 +80,7 @@ bool WinAPIWrapper::GetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk
             buffer.clear();
             return ERROR_INVALID_PARAMETER;
         }
-        return GrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, buffer, IsWholeLayoutEx);
+        return ReadDriveLayoutEx(drive, GrowthOf(buffer), buffer);
     };
     return Query(L"win::WinAPIWrapper::GetDriveLayoutEx", error, query, [&] {
         if (bad_parameter) {
@@ -111,9 +97,7 @@ bool WinAPIWrapper::GetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk
 
 bool WinAPIWrapper::GetVolumeDiskExtents(const UniqueFile& volume, const std::wstring& volume_name,
                                          ByteBuffer& buffer, DWORD& error) {
-    const auto query = [&] {
-        return GrowingControl(volume, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, buffer, IsWholeExtentList);
-    };
+    const auto query = [&] { return ReadVolumeExtents(volume, GrowthOf(buffer), buffer); };
     return Query(L"win::WinAPIWrapper::GetVolumeDiskExtents", error, query, [&] {
         GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetVolumeDiskExtents on volume %s error=%u",
                           volume_name.c_str(), error);
@@ -122,19 +106,7 @@ bool WinAPIWrapper::GetVolumeDiskExtents(const UniqueFile& volume, const std::ws
 
 bool WinAPIWrapper::GetDiskLengthInformation(const UniqueFile& device, const std::wstring& name,
                                              std::int64_t& length, DWORD& error) {
-    const auto query = [&]() -> DWORD {
-        GET_LENGTH_INFORMATION information{};
-        DWORD returned = 0;
-        const DWORD code = SendControl(device, IOCTL_DISK_GET_LENGTH_INFO, nullptr, 0, &information,
-                                       sizeof(information), returned);
-        if (code == ERROR_SUCCESS && (returned != sizeof(information) || information.Length.QuadPart < 0)) {
-            return ERROR_INVALID_DATA;
-        }
-        if (code == ERROR_SUCCESS) {
-            length = information.Length.QuadPart;
-        }
-        return code;
-    };
+    const auto query = [&] { return ReadLength(device, length); };
     return Query(L"win::WinAPIWrapper::GetDiskLengthInformation", error, query, [&] {
         GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDiskLengthInfo on %s error=%u", name.c_str(), error);
     });

@@ -221,14 +221,11 @@ void Volume::InitializeDiskExtents(const UniqueFile& volume) {
     // Grows on error 122 alone: compatibility C140
     const bool known = win::WinAPIWrapper::GetVolumeDiskExtents(volume, device_name_, buffer, error);
     if (known) {
-        const auto& list = *reinterpret_cast<const VOLUME_DISK_EXTENTS*>(buffer.data());
-        const DISK_EXTENT* const first = list.Extents;
         std::vector<VolumeExtent> extents;
-        std::transform(first, first + list.NumberOfDiskExtents, std::back_inserter(extents),
-                       [](const DISK_EXTENT& extent) {
-                           return VolumeExtent{extent.DiskNumber, extent.StartingOffset.QuadPart,
-                                               extent.ExtentLength.QuadPart};
-                       });
+        for (const DISK_EXTENT& extent : win::ExtentsIn(buffer)) {
+            extents.push_back(
+                {extent.DiskNumber, extent.StartingOffset.QuadPart, extent.ExtentLength.QuadPart});
+        }
         extents_ = std::move(extents);
     }
     Record(status_, kGettingDiskExtents, known, L"Failed to GetVolumeDiskExtents");

@@ -56,7 +56,7 @@ public:
     virtual bool Initialize(const std::wstring& system_volume_device, const std::wstring& boot_volume_device,
                             const DeviceManager& disks);
 
-    // Judges whether the volume can be backed up; the answer and the reasons are kept.
+    // Each works its answer out anew and keeps it; can_backup keeps its reasons too.
     virtual bool can_backup(const DeviceManager& disks);
     virtual bool is_dynamic(const DeviceManager& disks);
     virtual bool is_on_active_partition(const DeviceManager& disks);
@@ -82,9 +82,10 @@ public:
     const std::vector<VolumeExtent>& extents() const { return extents_; }
     bool is_system_volume() const { return is_system_volume_; }
     bool is_boot_volume() const { return is_boot_volume_; }
-    bool is_on_active_partition() const { return is_on_active_partition_; }
-    bool is_dynamic() const { return is_dynamic_; }
-    bool can_backup() const { return can_backup_; }
+    // What Initialize found, or was asked last.
+    bool found_on_active_partition() const { return is_on_active_partition_; }
+    bool found_dynamic() const { return is_dynamic_; }
+    bool found_fit_for_backup() const { return can_backup_; }
     const std::vector<std::wstring>& backup_failure_reasons() const { return reasons_; }
 
     // The space that the backup product's own data take here, where the owner knows it.

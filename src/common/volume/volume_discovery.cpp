@@ -3,8 +3,8 @@
 
 #include "common/logger/trace.h"
 #include "common/platform/case_folding.h"
-#include "common/platform/decimal_text.h"
-#include "common/platform/listing_bound.h"
+#include "common/text/decimal_text.h"
+#include "common/text/listing_bound.h"
 #include "common/volume/volume_manager.h"
 
 #include <algorithm>

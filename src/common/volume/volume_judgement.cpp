@@ -1,6 +1,6 @@
 // What a volume concludes from its queries and from the disks that it lies on.
 
-#include "common/platform/decimal_text.h"
+#include "common/text/decimal_text.h"
 #include "common/volume/volume.h"
 
 #include "common/logger/trace.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/platform/decimal_text.h"
+#include "common/text/decimal_text.h"
 #include "common/xml/ms_xml.h"
 
 #include <concepts>

@@ -130,7 +130,7 @@ TEST(GetBootOptions, NoMemoryForTheBuffers_IsReportedAndTheKeyClosed) {
     std::wstring options = kUntouched;
     {
         const support::AllocationFailure failing(16383);  // what the data's buffer takes
-        EXPECT_EQ(GetBootOptions(options), 0);
+        EXPECT_FALSE(GetBootOptions(options));
         EXPECT_GT(failing.hits(), 0U);
     }
     EXPECT_EQ(options, kUntouched);
@@ -176,7 +176,7 @@ TEST(GetBootOptions, AbsentValue_IsReportedOnceTheKeyIsClosed) {
     const machine::Session session(MachineWith({}));
     const support::LoggerCapture log;
     std::wstring options;
-    EXPECT_EQ(GetBootOptions(options), 0);
+    EXPECT_FALSE(GetBootOptions(options));
     const std::vector<LogLine>& all = log.all();
     ASSERT_GE(all.size(), 2U);
     EXPECT_EQ(all.back().level, support::kHostError);

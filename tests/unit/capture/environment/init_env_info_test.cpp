@@ -64,7 +64,7 @@ protected:
 // --- What it fills.
 
 TEST_F(InitEnvInfoTest, Machine_FillsTheRecord) {
-    EXPECT_NE(InitEnvInfo(record_), 0) << log_;
+    EXPECT_TRUE(InitEnvInfo(record_)) << log_;
     EXPECT_EQ(record_.Version, 3U);
     EXPECT_EQ(record_.DllVersion, L"9.50.6732.");
     EXPECT_FALSE(record_.Processor.Manufacturer.empty());
@@ -80,7 +80,7 @@ TEST_F(InitEnvInfoTest, Machine_FillsTheRecord) {
 }
 
 TEST_F(InitEnvInfoTest, Volumes_AreSortedByLetterAndSoAreTheDrives) {
-    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    ASSERT_TRUE(InitEnvInfo(record_)) << log_;
     std::vector<std::wstring> volumes;
     std::vector<std::wstring> drives;
     for (const ::Volume& volume : record_.VolumeTable) {
@@ -94,7 +94,7 @@ TEST_F(InitEnvInfoTest, Volumes_AreSortedByLetterAndSoAreTheDrives) {
 }
 
 TEST_F(InitEnvInfoTest, Machine_LeavesNothingOpen) {
-    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    ASSERT_TRUE(InitEnvInfo(record_)) << log_;
     EXPECT_EQ(simulation().open_handles(), 0U);
     EXPECT_EQ(simulation().live_objects(), 0U);
 }
@@ -107,7 +107,7 @@ HRESULT WINAPI RefuseCom(void*, DWORD) {
 
 TEST_F(InitEnvInfoTest, ComThatCannotBeInitialised_IsReportedBeforeTheFailure) {
     const support::ScopedImport import("CoInitializeEx", &RefuseCom);
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(log_.Lines(support::kHostError),
                 ElementsAre("CoInitializeEx failed error=0x8007000e calling function GetWMIInfo",
                             "GetWMIInfo: Cannot initialize COM", "InitEnvInfo Failed"));
@@ -127,7 +127,7 @@ class InitEnvInfoSection : public InitEnvInfoTest, public testing::WithParamInte
 
 TEST_P(InitEnvInfoSection, ThatCannotBeRead_FailsAfterAllFourWereTried) {
     description().wmi[machine::WmiClassKey(GetParam().class_name)].instances.clear();
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(log_.Lines(support::kHostError), ElementsAre(GetParam().line, kFailed.text));
     std::vector<std::wstring> queried;
     for (const machine::CallRecord& record : simulation().calls().records()) {
@@ -149,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(InitEnvInfoTest, VolumesThatCannotBeListed_Fail) {
     simulation().faults().Fail("FindFirstVolumeW", 5);
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError,
                                                      "getFixedVolumes: FindFirstVolume failed error=0x5 5"},
                                              kFailed));
@@ -157,7 +157,7 @@ TEST_F(InitEnvInfoTest, VolumesThatCannotBeListed_Fail) {
 
 TEST_F(InitEnvInfoTest, SystemVolumeThatIsMissing_FailsBeforeTheVersionIsSet) {
     description().volumes.erase(description().volumes.begin() + 1);
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(log_.Lines(support::kHostError),
                 ElementsAre("Failed to find System volume '\\Device\\HarddiskVolume2'. This happens if disk "
                             "has been converted to Dynamic or after BMR restore. Rebooting usually fixes "
@@ -173,7 +173,7 @@ TEST_F(InitEnvInfoTest, BootOptionsThatAreMissing_Fail) {
     machine::Description machine = machine::ParseDescription(kTwoPartitions, "legacy machine");
     machine.registry.clear();
     Describe(std::move(machine));
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(log_.Lines(support::kHostError),
                 ElementsAre("GetBootOptions Failed to open registry", kFailed.text));
 }
@@ -184,7 +184,7 @@ TEST_F(InitEnvInfoTest, BootOptionsValueThatIsAbsent_FailsWithTheVolumesFound) {
     machine.registry.at(0).values.at(0).name = L"SystemStartOptionsOld";
     Describe(std::move(machine));
 
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
 
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(LogLine{support::kHostError,
@@ -208,7 +208,7 @@ TEST_F(InitEnvInfoTest, DrivesThatCannotBeListed_FailWithTheirOwnLineAlone) {
     second.ordinal = 2;
     second.codes.win32 = 5;
     simulation().faults().Add(second);
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(log_.Lines(support::kHostError),
                 ElementsAre("EnumDisk::GetDrives on FindFirstVolumeW failed with error code 5\n"));
     EXPECT_EQ(record_.Version, 3U);
@@ -217,7 +217,7 @@ TEST_F(InitEnvInfoTest, DrivesThatCannotBeListed_FailWithTheirOwnLineAlone) {
 
 TEST_F(InitEnvInfoTest, DisksThatCannotBeRead_FailWithTheirOwnLinesAlone) {
     simulation().faults().Fail("DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT", 1117);
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(
         log_.Lines(support::kHostError),
         ElementsAre("Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=1117 0x45d",
@@ -228,7 +228,7 @@ TEST_F(InitEnvInfoTest, DisksThatCannotBeRead_FailWithTheirOwnLinesAlone) {
 // --- The repair of the partition numbers.
 
 TEST_F(InitEnvInfoTest, NumberThatAgrees_IsNotTouched) {
-    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    ASSERT_TRUE(InitEnvInfo(record_)) << log_;
     EXPECT_THAT(DtsLines(), IsEmpty());
 }
 
@@ -241,7 +241,7 @@ TEST_F(InitEnvInfoTest, NumberThatDiffers_IsCorrectedInTheVolumeAlone) {
     device.text = L"\\Device\\HarddiskVolume2";
     machine::SetProperty(description().wmi[machine::WmiClassKey(L"Win32_OperatingSystem")].instances.at(0),
                          {L"BootDevice", device});
-    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    ASSERT_TRUE(InitEnvInfo(record_)) << log_;
     ASSERT_EQ(record_.VolumeTable.size(), 2U);
     EXPECT_EQ(record_.VolumeTable[0].m_PartitionNumber, 2);
     EXPECT_EQ(record_.VolumeTable[0].extents.at(0).m_PartitionNumber, 1);
@@ -255,7 +255,7 @@ TEST_F(InitEnvInfoTest, NumberThatDiffers_IsCorrectedInTheVolumeAlone) {
 }
 
 TEST_F(InitEnvInfoTest, Lookup_IsTraced) {
-    ASSERT_NE(InitEnvInfo(record_), 0) << log_;
+    ASSERT_TRUE(InitEnvInfo(record_)) << log_;
     std::size_t entered = 0;
     for (const std::string& line : log_.Lines(support::kHostTrace)) {
         entered += line.starts_with("Entering function GetPartitionNumber line ") ? 1 : 0;
@@ -266,7 +266,7 @@ TEST_F(InitEnvInfoTest, Lookup_IsTraced) {
 TEST_F(InitEnvInfoTest, BasicVolumeWhereNoPartitionStarts_FailsWithoutAFurtherLine) {
     // The sorted table begins with the volume that has no letter; the letter C comes after it.
     (*description().volumes[1].extents)[0].offset += kMiB;
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(log_.Lines(support::kHostError),
                 ElementsAre("InitEnvInfo failed to fix volume C:\\ partition number"));
     EXPECT_FALSE(log_.ContainsPart(support::kHostTrace, "for volume D:\\")) << log_;
@@ -289,7 +289,7 @@ TEST_F(InitEnvInfoTest, VolumeOnADiskWithoutPartitions_FailsOnTheWholeDiskRow) {
     index.number = 1;
     machine::SetProperty(drive, {L"Index", index});
     description().wmi[machine::WmiClassKey(L"Win32_DiskDrive")].instances.push_back(drive);
-    EXPECT_EQ(InitEnvInfo(record_), 0);
+    EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_TRUE(log_.Contains(support::kHostError, "InitEnvInfo failed to fix volume D:\\ partition number"))
         << log_;
     ASSERT_EQ(record_.DiskDrives.size(), 2U);
@@ -301,7 +301,7 @@ TEST_F(InitEnvInfoTest, DynamicVolume_KeepsItsNumberAndFailsNothing) {
     (*description().volumes[0].extents)[0].offset += kMiB;
     (*description().volumes[1].extents)[0].offset += kMiB;
     description().volumes[1].partition->number = 9;
-    EXPECT_NE(InitEnvInfo(record_), 0) << log_;
+    EXPECT_TRUE(InitEnvInfo(record_)) << log_;
     for (const ::Volume& volume : record_.VolumeTable) {
         EXPECT_TRUE(volume.Dynamic);
     }

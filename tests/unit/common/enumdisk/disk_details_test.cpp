@@ -271,7 +271,7 @@ TEST_F(DiskDetails, NoDisks_FailLikeTheListing) {
 
 TEST_F(DiskDetails, MissingDisksOnly_AreInsertedAndTraced) {
     Use(enum_machine::kMbrAndGpt);
-    EXPECT_EQ(EnumDisk().AddMissingPhysicalDisks(disks_), 1);
+    EXPECT_TRUE(EnumDisk().AddMissingPhysicalDisks(disks_));
     EXPECT_THAT(Sizes(), ElementsAre(500U, 500U));
     EXPECT_TRUE(IsTracedAs("EnumDisk::AddMissingPhysicalDisks")) << log_;
     EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function EnumDisk::CreateFakeDisk line "))
@@ -283,7 +283,7 @@ TEST_F(DiskDetails, MissingDisksOnly_AreInsertedAndTraced) {
 TEST_F(DiskDetails, MissingDisksWhoseListingFails_ChangeNothing) {
     Use(enum_machine::kMbrAndGpt);
     faults().Fail("IWbemServices::ExecQuery", 0x80041003);
-    EXPECT_EQ(EnumDisk().AddMissingPhysicalDisks(disks_), 0);
+    EXPECT_FALSE(EnumDisk().AddMissingPhysicalDisks(disks_));
     EXPECT_THAT(disks_, IsEmpty());
 }
 

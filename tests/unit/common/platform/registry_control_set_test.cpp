@@ -7,8 +7,8 @@
 
 #include <gmock/gmock.h>
 
-#include "common/platform/listing_bound.h"
 #include "common/platform/registry.h"
+#include "common/text/listing_bound.h"
 #include "support/allocation_failure.h"
 #include "support/stub.h"
 

@@ -64,7 +64,7 @@ TEST_F(VolumeDiscoveryTest, TwoVolumes_AreFoundAndInitialised) {
     EXPECT_TRUE(manager_.volumes()[0]->is_system_volume());
     EXPECT_FALSE(manager_.volumes()[0]->is_boot_volume());
     EXPECT_TRUE(manager_.volumes()[1]->is_boot_volume());
-    EXPECT_TRUE(manager_.volumes()[1]->can_backup());
+    EXPECT_TRUE(manager_.volumes()[1]->found_fit_for_backup());
     EXPECT_THAT(log_.Messages(), IsEmpty());
 }
 

@@ -187,7 +187,7 @@ TEST_F(VolumeExtentsTest, ExceptionInEitherQuery_IsLoggedAndTheVolumeClosed) {
         EXPECT_EQ(0U, machine_.simulation().open_handles());
         EXPECT_FALSE(volume.IsSucceeded(L"Getting disk extents"));
         EXPECT_EQ(!size_throws, volume.IsSucceeded(L"Getting volume partition size"));
-        EXPECT_FALSE(volume.can_backup()) << "where it lies is not known";
+        EXPECT_FALSE(volume.found_fit_for_backup()) << "where it lies is not known";
         std::vector<std::wstring> reasons = {L"Failed to GetVolumeDiskExtents"};
         if (size_throws) {
             reasons.emplace_back(L"Failed to get volume partition size");

@@ -60,8 +60,8 @@ TEST_F(VolumeInitializeTest, New_EveryOperationIsInitial) {
     }
     EXPECT_EQ(0U, volume.ErrorCount());
     EXPECT_EQ(kDataId, volume.volume_id());
-    EXPECT_FALSE(volume.can_backup() || volume.is_dynamic() || volume.is_on_active_partition() ||
-                 volume.is_system_volume() || volume.is_boot_volume());
+    EXPECT_FALSE(volume.found_fit_for_backup() || volume.found_dynamic() ||
+                 volume.found_on_active_partition() || volume.is_system_volume() || volume.is_boot_volume());
 }
 
 TEST_F(VolumeInitializeTest, NineOperations_DumpInTheOrderOfTheirNames) {
@@ -112,7 +112,7 @@ TEST_F(VolumeInitializeTest, FixedVolume_EveryFieldIsTheSystemsAnswer) {
     EXPECT_EQ(0U, volume.extents()[0].disk_number);
     EXPECT_EQ(501LL << 20, volume.extents()[0].starting_offset);
     EXPECT_EQ(4LL << 30, volume.extents()[0].length);
-    EXPECT_TRUE(volume.can_backup());
+    EXPECT_TRUE(volume.found_fit_for_backup());
     EXPECT_THAT(volume.backup_failure_reasons(), IsEmpty());
     EXPECT_THAT(log_.Messages(), IsEmpty());
 }

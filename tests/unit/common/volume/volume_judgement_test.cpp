@@ -72,7 +72,7 @@ TEST_F(VolumeJudgementTest, CanBackup_DisksAgree_IsTrueWithoutReasons) {
 
     Initialize();
 
-    EXPECT_TRUE(volume_.can_backup());
+    EXPECT_TRUE(volume_.found_fit_for_backup());
     EXPECT_THAT(volume_.backup_failure_reasons(), IsEmpty());
     EXPECT_EQ(2, zero_->backup_questions);
     EXPECT_EQ(1, one_->backup_questions);
@@ -83,7 +83,7 @@ TEST_F(VolumeJudgementTest, CanBackup_NoExtents_IsTrue) {
 
     Initialize();
 
-    EXPECT_TRUE(volume_.can_backup());
+    EXPECT_TRUE(volume_.found_fit_for_backup());
 }
 
 TEST_F(VolumeJudgementTest, CanBackup_EachTypeButFixed_IsRefusedForIt) {
@@ -91,7 +91,7 @@ TEST_F(VolumeJudgementTest, CanBackup_EachTypeButFixed_IsRefusedForIt) {
         machine_.volume(1).drive_type = type;
         Volume volume(kDataId, kDataDevice);
         volume.Initialize(L"", L"", disks_);
-        EXPECT_FALSE(volume.can_backup());
+        EXPECT_FALSE(volume.found_fit_for_backup());
         EXPECT_THAT(volume.backup_failure_reasons(),
                     ElementsAre(L"This not a fixed disk, type is " + std::to_wstring(type)));
     }
@@ -113,7 +113,7 @@ TEST_F(VolumeJudgementTest, CanBackup_FreeSpaceNotKnown_DoesNotMatter) {
     Initialize();
 
     EXPECT_EQ(2U, volume_.ErrorCount());
-    EXPECT_TRUE(volume_.can_backup());
+    EXPECT_TRUE(volume_.found_fit_for_backup());
     EXPECT_THAT(volume_.backup_failure_reasons(), IsEmpty());
 }
 
@@ -126,7 +126,7 @@ TEST_F(VolumeJudgementTest, CanBackup_NeededQueryFailed_GivesEveryFailureInTheOr
 
     Initialize();
 
-    EXPECT_FALSE(volume_.can_backup());
+    EXPECT_FALSE(volume_.found_fit_for_backup());
     EXPECT_THAT(volume_.backup_failure_reasons(),
                 ElementsAre(L"Failed to get mount points", L"Failed to get disk free space",
                             L"Failed to get volume information", L"Failed to open volume"));
@@ -138,7 +138,7 @@ TEST_F(VolumeJudgementTest, CanBackup_NoSuchDisk_IsRefusedForIt) {
 
     Initialize();
 
-    EXPECT_FALSE(volume_.can_backup());
+    EXPECT_FALSE(volume_.found_fit_for_backup());
     EXPECT_THAT(volume_.backup_failure_reasons(),
                 ElementsAre(L"Extent is on disk 4 but we don't have such disk."));
     EXPECT_EQ(0, zero_->backup_questions);
@@ -160,7 +160,7 @@ TEST_F(VolumeJudgementTest, CanBackup_DiskRefuses_GivesItsReasonsAndStops) {
 
     Initialize();
 
-    EXPECT_FALSE(volume_.can_backup());
+    EXPECT_FALSE(volume_.found_fit_for_backup());
     EXPECT_THAT(volume_.backup_failure_reasons(), ElementsAre(L"the disk's own reason"));
     EXPECT_EQ(0, one_->backup_questions);
 }
@@ -175,17 +175,17 @@ TEST_F(VolumeJudgementTest, CanBackup_AskedAgain_JudgesAnew) {
 
     zero_->refusal.clear();
     EXPECT_TRUE(volume_.can_backup(disks_));
-    EXPECT_TRUE(volume_.can_backup());
+    EXPECT_TRUE(volume_.found_fit_for_backup());
     EXPECT_THAT(volume_.backup_failure_reasons(), IsEmpty());
 }
 
 TEST_F(VolumeJudgementTest, IsDynamic_OneExtent_IsTheDisksAnswer) {
     Initialize();
-    EXPECT_FALSE(volume_.is_dynamic());
+    EXPECT_FALSE(volume_.found_dynamic());
 
     zero_->dynamic = true;
     EXPECT_TRUE(volume_.is_dynamic(disks_));
-    EXPECT_TRUE(volume_.is_dynamic());
+    EXPECT_TRUE(volume_.found_dynamic());
     EXPECT_EQ(2, zero_->dynamic_questions);
 }
 
@@ -194,7 +194,7 @@ TEST_F(VolumeJudgementTest, IsDynamic_TwoExtents_NeedsNoDisk) {
 
     Initialize();
 
-    EXPECT_TRUE(volume_.is_dynamic());
+    EXPECT_TRUE(volume_.found_dynamic());
     EXPECT_EQ(0, zero_->dynamic_questions);
 }
 
@@ -203,7 +203,7 @@ TEST_F(VolumeJudgementTest, IsDynamic_NoSuchDisk_IsLoggedAndFalse) {
 
     Initialize();
 
-    EXPECT_FALSE(volume_.is_dynamic());
+    EXPECT_FALSE(volume_.found_dynamic());
     const std::string line = "bmr_common::Volume::is_dynamic " + support::Ansi(kDataId) + " no disk 4.";
     EXPECT_EQ(1U, log_.Count(support::kHostWarning, line)) << log_;
 }
@@ -213,8 +213,8 @@ TEST_F(VolumeJudgementTest, NoExtents_FixedVolume_IsTracedByBothQuestions) {
 
     Initialize();
 
-    EXPECT_FALSE(volume_.is_dynamic());
-    EXPECT_FALSE(volume_.is_on_active_partition());
+    EXPECT_FALSE(volume_.found_dynamic());
+    EXPECT_FALSE(volume_.found_on_active_partition());
     for (const std::string function :
          {"bmr_common::Volume::is_dynamic", "bmr_common::Volume::is_on_active_partition"}) {
         const std::string line = function + " " + support::Ansi(kDataId) + " has no extents.";
@@ -237,7 +237,7 @@ TEST_F(VolumeJudgementTest, IsOnActivePartition_FirstExtent_IsTheDisksAnswer) {
 
     Initialize();
 
-    EXPECT_TRUE(volume_.is_on_active_partition());
+    EXPECT_TRUE(volume_.found_on_active_partition());
     EXPECT_THAT(one_->extents, ElementsAre(std::pair<std::int64_t, std::int64_t>(4096, 8192)));
     EXPECT_THAT(zero_->extents, IsEmpty());
 }
@@ -245,20 +245,20 @@ TEST_F(VolumeJudgementTest, IsOnActivePartition_FirstExtent_IsTheDisksAnswer) {
 TEST_F(VolumeJudgementTest, IsOnActivePartition_DiskDenies_IsFalseAgain) {
     zero_->bootable = true;
     Initialize();
-    ASSERT_TRUE(volume_.is_on_active_partition());
+    ASSERT_TRUE(volume_.found_on_active_partition());
     zero_->bootable = false;
 
     EXPECT_FALSE(volume_.is_on_active_partition(disks_));
-    EXPECT_FALSE(volume_.is_on_active_partition());
+    EXPECT_FALSE(volume_.found_on_active_partition());
 }
 
 TEST_F(VolumeJudgementTest, IsOnActivePartition_DiskGone_IsFalseAgain) {
     zero_->bootable = true;
     Initialize();
-    ASSERT_TRUE(volume_.is_on_active_partition());
+    ASSERT_TRUE(volume_.found_on_active_partition());
 
     EXPECT_FALSE(volume_.is_on_active_partition(listed::Disks()));
-    EXPECT_FALSE(volume_.is_on_active_partition());
+    EXPECT_FALSE(volume_.found_on_active_partition());
 }
 
 TEST_F(VolumeJudgementTest, IsOnActivePartition_NoSuchDisk_IsLoggedAndFalse) {
@@ -267,7 +267,7 @@ TEST_F(VolumeJudgementTest, IsOnActivePartition_NoSuchDisk_IsLoggedAndFalse) {
 
     Initialize();
 
-    EXPECT_FALSE(volume_.is_on_active_partition());
+    EXPECT_FALSE(volume_.found_on_active_partition());
     const std::string line = "bmr_common::Volume::is_on_active_partition Volume " + support::Ansi(kDataId) +
                              " is on non existing disk 4";
     EXPECT_EQ(1U, log_.Count(support::kHostWarning, line)) << log_;
@@ -279,9 +279,9 @@ TEST_F(VolumeJudgementTest, RealDisk_ActivePartition_IsFound) {
     Volume data(kDataId, kDataDevice);
     data.Initialize(L"", L"", machine_.disks());
 
-    EXPECT_TRUE(system.is_on_active_partition());
-    EXPECT_TRUE(system.can_backup());
-    EXPECT_FALSE(data.is_on_active_partition());
+    EXPECT_TRUE(system.found_on_active_partition());
+    EXPECT_TRUE(system.found_fit_for_backup());
+    EXPECT_FALSE(data.found_on_active_partition());
 }
 
 }  // namespace

@@ -125,7 +125,7 @@ TEST_F(VolumeWithoutGuidTest, NeitherNameKnown_AsksNothingThatTheCurrentDriveWou
                              "GetDiskFreeSpaceExW", "CreateFileW"}) {
         EXPECT_EQ(0U, machine_.simulation().calls().Count(call)) << call;
     }
-    EXPECT_FALSE(volume.can_backup());
+    EXPECT_FALSE(volume.found_fit_for_backup());
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "common/platform/byte_range.h"
-#include "common/platform/scope_exit.h"
+#include "common/text/byte_range.h"
+#include "common/text/scope_exit.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "common/platform/multi_string.h"
+#include "common/text/multi_string.h"
 
 #include <string>
 #include <vector>

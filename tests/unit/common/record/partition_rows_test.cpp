@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "common/enumdisk/partition_rows.h"
+#include "common/record/partition_rows.h"
 #include "support/logger_capture.h"
 
 #include <ostream>
@@ -27,6 +27,11 @@ PARTITION_INFORMATION Entry(std::int64_t offset_mib, std::int64_t length_mib, st
 }
 
 const PARTITION_INFORMATION kEmptySlot{};
+
+void Build(const std::vector<PARTITION_INFORMATION>& entries, std::int64_t disk_length,
+           std::vector<PartitionRow>& rows) {
+    BuildPartitionRows(entries, disk_length, rows);
+}
 
 // A row as the tables below state it: MiB, kind, operation, number.
 struct Row {
@@ -78,7 +83,7 @@ TEST(BuildPartitionRows, PartitionBeforeTheFirstMegabyte_HasNoGapBeforeIt) {
     PARTITION_INFORMATION entry = Entry(0, 0, 1);
     entry.StartingOffset.QuadPart = 63 * 512;
     entry.PartitionLength.QuadPart = kDiskLength - 63 * 512;
-    BuildPartitionRows({entry}, kDiskLength, rows);
+    Build({entry}, kDiskLength, rows);
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_EQ(rows[0].offset, 63 * 512);
 }
@@ -111,7 +116,7 @@ TEST(BuildPartitionRows, EntryWithoutNumber_IsSkipped) {
 
 TEST(BuildPartitionRows, Partition_CarriesTypeAndBootFlag) {
     std::vector<PartitionRow> rows;
-    BuildPartitionRows({Entry(1, 10, 1, kNtfs, true), Entry(11, 989, 2, 0x27)}, kDiskLength, rows);
+    Build({Entry(1, 10, 1, kNtfs, true), Entry(11, 989, 2, 0x27)}, kDiskLength, rows);
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_TRUE(rows[0].active);
     EXPECT_EQ(rows[0].mbr_type, kNtfs);
@@ -123,7 +128,7 @@ TEST(BuildPartitionRows, BootIndicatorOtherThanOne_IsNotActive) {
     PARTITION_INFORMATION entry = Entry(1, 10, 1);
     entry.BootIndicator = 0x80;
     std::vector<PartitionRow> rows;
-    BuildPartitionRows({entry}, kDiskLength, rows);
+    Build({entry}, kDiskLength, rows);
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_FALSE(rows[0].active);
 }
@@ -172,7 +177,7 @@ TEST(BuildPartitionRows, GapOfOneByte_IsARow) {
     PARTITION_INFORMATION entry = Entry(1, 10, 1);
     entry.StartingOffset.QuadPart += 1;
     std::vector<PartitionRow> rows;
-    BuildPartitionRows({entry}, 11 * kMiB + 1, rows);
+    Build({entry}, 11 * kMiB + 1, rows);
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_EQ(rows[0].offset, kMiB);
     EXPECT_EQ(rows[0].length, 1);
@@ -183,7 +188,7 @@ TEST(BuildPartitionRows, LyingLengths_AreHarmless) {
     PARTITION_INFORMATION entry = Entry(1, 0, 1);
     entry.PartitionLength.QuadPart = INT64_MAX;
     std::vector<PartitionRow> rows;
-    BuildPartitionRows({entry, Entry(2, 2, 2)}, kDiskLength, rows);
+    Build({entry, Entry(2, 2, 2)}, kDiskLength, rows);
     EXPECT_FALSE(rows.empty());
 }
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "common/enumdisk/firmware.h"
+#include "capture/environment/firmware.h"
 #include "common/platform/system_library.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"

@@ -1,14 +1,16 @@
 #pragma once
 
-#include "common/enumdisk/rows.h"
+#include "common/record/rows.h"
 
+#include <cstdint>
+#include <span>
 #include <vector>
 
 // How partition rows are made, and numbered.
 
 // The rows of a classic layout: partitions, and the space between them from the first megabyte to the end of
 // the disk. `disk_length` is in bytes. Replaces `rows`.
-void BuildPartitionRows(const std::vector<PARTITION_INFORMATION>& entries, std::int64_t disk_length,
+void BuildPartitionRows(std::span<const PARTITION_INFORMATION> entries, std::int64_t disk_length,
                         std::vector<PartitionRow>& rows);
 
 // Replaces the disk's rows by one "Unallocated" row over the whole disk.

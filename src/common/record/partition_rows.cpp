@@ -1,7 +1,7 @@
-#include "common/enumdisk/partition_rows.h"
+#include "common/record/partition_rows.h"
 
 #include "common/logger/trace.h"
-#include "common/platform/byte_range.h"
+#include "common/text/byte_range.h"
 
 #include <algorithm>
 #include <iterator>
@@ -11,8 +11,8 @@ namespace {
 
 // Where the first gap may begin: compatibility C103
 constexpr std::int64_t kFirstMegabyte = 0x100000;
-constexpr std::size_t kPrimarySlots =
-    4;  // an extended partition's logical ones begin every fourth slot after them
+// Behind them, the logical partitions of an extended one take every fourth slot.
+constexpr std::size_t kPrimarySlots = 4;
 // Of a placeholder: compatibility C99
 constexpr std::uint64_t kFakeDiskBytes = 500;
 constexpr wchar_t kUnallocated[] = L"Unallocated";
@@ -30,7 +30,7 @@ std::int64_t EntryEnd(const PARTITION_INFORMATION& entry) {
 // compatibility C108
 class RowBuilder {
 public:
-    RowBuilder(const std::vector<PARTITION_INFORMATION>& entries, std::vector<PartitionRow>& rows)
+    RowBuilder(std::span<const PARTITION_INFORMATION> entries, std::vector<PartitionRow>& rows)
         : entries_(entries), rows_(rows) {}
 
     void AddPrimarySlots() {
@@ -89,14 +89,14 @@ private:
         cursor_ = EntryEnd(entry);
     }
 
-    const std::vector<PARTITION_INFORMATION>& entries_;
+    std::span<const PARTITION_INFORMATION> entries_;
     std::vector<PartitionRow>& rows_;
     std::int64_t cursor_ = kFirstMegabyte;
 };
 
 }  // namespace
 
-void BuildPartitionRows(const std::vector<PARTITION_INFORMATION>& entries, std::int64_t disk_length,
+void BuildPartitionRows(std::span<const PARTITION_INFORMATION> entries, std::int64_t disk_length,
                         std::vector<PartitionRow>& rows) {
     rows.clear();
     RowBuilder builder(entries, rows);

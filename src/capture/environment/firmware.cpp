@@ -1,8 +1,9 @@
-#include "common/enumdisk/firmware.h"
+#include "capture/environment/firmware.h"
 
 #include "common/logger/orvane_logger.h"
 #include "common/platform/system_library.h"
 
+#include <cstring>
 #include <iterator>
 #include <string>
 
@@ -42,4 +43,15 @@ bool DetectFirmwareType(std::uint32_t& type) {
             LogUndecided(error);
             return false;
     }
+}
+
+bool FindFirmwareType(std::uint32_t& type) {
+    const auto get_firmware_type = Kernel32DLL::Get().GetFirmwareType;
+    if (get_firmware_type == nullptr) {
+        return DetectFirmwareType(type);
+    }
+    FIRMWARE_TYPE answer{};
+    const bool known = get_firmware_type(&answer) == TRUE;
+    std::memcpy(&type, &answer, sizeof(type));  // may be none of the enumerators
+    return known;
 }

@@ -1,4 +1,4 @@
-#include "common/platform/decimal_text.h"
+#include "common/text/decimal_text.h"
 
 #include <gtest/gtest.h>
 

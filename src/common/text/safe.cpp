@@ -1,4 +1,4 @@
-#include "common/platform/safe.h"
+#include "common/text/safe.h"
 
 #include <cstring>
 #include <functional>

@@ -1,0 +1,221 @@
+#include "common/platform/storage_queries.h"
+
+#include "common/text/decimal_text.h"
+#include "common/text/multi_string.h"
+
+#include <cwchar>
+
+namespace win {
+
+namespace {
+
+using NameBuffer = std::vector<wchar_t>;
+
+DWORD SizeOf(const NameBuffer& buffer) {
+    return static_cast<DWORD>(buffer.size());
+}
+
+std::wstring TextOf(const NameBuffer& buffer) {
+    return {buffer.data(), wcsnlen(buffer.data(), buffer.size())};
+}
+
+// The entries of an answer of `returned` characters, which must lie in the buffer.
+DWORD TakeEntries(const NameBuffer& buffer, std::size_t returned, std::vector<std::wstring>& entries) {
+    if (returned > buffer.size()) {
+        return ERROR_INVALID_DATA;
+    }
+    entries = SplitMultiString(buffer.data(), returned);
+    return ERROR_SUCCESS;
+}
+
+}  // namespace
+
+std::wstring PhysicalDriveName(std::uint32_t disk_number) {
+    return L"\\\\.\\PhysicalDrive" + DecimalText(disk_number);
+}
+
+DWORD OpenDevice(const std::wstring& path, const FileOpening& opening, UniqueFile& file) {
+    file.Reset(CallBound(Kernel32DLL::Get().CreateFileW, HANDLE{INVALID_HANDLE_VALUE}, path.c_str(),
+                         opening.access, opening.share_mode, nullptr, opening.disposition, opening.flags,
+                         HANDLE{nullptr}));
+    return file ? static_cast<DWORD>(ERROR_SUCCESS) : LastFailure();
+}
+
+DWORD ReadDriveGeometry(const UniqueFile& drive, DISK_GEOMETRY& geometry) {
+    return ReadFixedControl(drive, IOCTL_DISK_GET_DRIVE_GEOMETRY, geometry);
+}
+
+DWORD ReadDriveGeometryEx(const UniqueFile& drive, const Growth& growth, ByteBuffer& buffer) {
+    return ReadGrowingControl(drive, IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, growth, buffer, IsWholeGeometry);
+}
+
+DWORD ReadDriveLayout(const UniqueFile& drive, const Growth& growth, ByteBuffer& buffer) {
+    return ReadGrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT, growth, buffer, IsWholeLegacyLayout);
+}
+
+DWORD ReadDriveLayoutEx(const UniqueFile& drive, const Growth& growth, ByteBuffer& buffer) {
+    return ReadGrowingControl(drive, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, growth, buffer, IsWholeLayoutEx);
+}
+
+DWORD ReadLength(const UniqueFile& device, std::int64_t& length) {
+    GET_LENGTH_INFORMATION information{};
+    const DWORD error = ReadFixedControl(device, IOCTL_DISK_GET_LENGTH_INFO, information);
+    if (error != ERROR_SUCCESS) {
+        return error;
+    }
+    if (information.Length.QuadPart < 0) {
+        return ERROR_INVALID_DATA;
+    }
+    length = information.Length.QuadPart;
+    return ERROR_SUCCESS;
+}
+
+DWORD ReadPartitionInformation(const UniqueFile& volume, PARTITION_INFORMATION& partition) {
+    return ReadFixedControl(volume, IOCTL_DISK_GET_PARTITION_INFO, partition);
+}
+
+DWORD ReadVolumeExtents(const UniqueFile& volume, const Growth& growth, ByteBuffer& buffer) {
+    return ReadGrowingControl(volume, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, growth, buffer,
+                              IsWholeExtentList);
+}
+
+const DRIVE_LAYOUT_INFORMATION_EX& LayoutExIn(const ByteBuffer& buffer) {
+    return *reinterpret_cast<const DRIVE_LAYOUT_INFORMATION_EX*>(buffer.data());
+}
+
+std::span<const PARTITION_INFORMATION> PartitionsIn(const ByteBuffer& layout) {
+    const auto& list = *reinterpret_cast<const DRIVE_LAYOUT_INFORMATION*>(layout.data());
+    return {list.PartitionEntry, list.PartitionCount};
+}
+
+std::span<const PARTITION_INFORMATION_EX> PartitionsIn(const DRIVE_LAYOUT_INFORMATION_EX& layout) {
+    return {layout.PartitionEntry, layout.PartitionCount};
+}
+
+std::span<const DISK_EXTENT> ExtentsIn(const ByteBuffer& buffer) {
+    const auto& list = *reinterpret_cast<const VOLUME_DISK_EXTENTS*>(buffer.data());
+    return {list.Extents, list.NumberOfDiskExtents};
+}
+
+DWORD ReadDriveType(const std::wstring& root, UINT& type) {
+    SetLastError(ERROR_SUCCESS);  // the function itself says nothing of why a type is unknown
+    type = CallBound(Kernel32DLL::Get().GetDriveTypeW, UINT{DRIVE_UNKNOWN}, root.c_str());
+    return ErrorUnless(type != DRIVE_UNKNOWN);
+}
+
+DWORD ReadDiskFreeSpace(const std::wstring& root, DiskFreeSpace& space) {
+    DiskFreeSpace read;
+    const DWORD error = ErrorUnless(CallBound(Kernel32DLL::Get().GetDiskFreeSpaceW, FALSE, root.c_str(),
+                                              &read.sectors_per_cluster, &read.bytes_per_sector,
+                                              &read.free_clusters, &read.total_clusters));
+    if (error == ERROR_SUCCESS) {
+        space = read;
+    }
+    return error;
+}
+
+DWORD ReadDiskFreeSpaceEx(const std::wstring& root, DiskFreeSpaceEx& space) {
+    ULARGE_INTEGER available{};
+    ULARGE_INTEGER total{};
+    ULARGE_INTEGER total_free{};
+    const DWORD error = ErrorUnless(CallBound(Kernel32DLL::Get().GetDiskFreeSpaceExW, FALSE, root.c_str(),
+                                              &available, &total, &total_free));
+    if (error == ERROR_SUCCESS) {
+        space = {available.QuadPart, total.QuadPart, total_free.QuadPart};
+    }
+    return error;
+}
+
+DWORD ReadVolumeInformation(const std::wstring& root, std::size_t name_characters,
+                            VolumeInformation& information) {
+    NameBuffer label(name_characters);
+    NameBuffer file_system(name_characters);
+    VolumeInformation read;
+    const DWORD error =
+        ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumeInformationW, FALSE, root.c_str(), label.data(),
+                              SizeOf(label), &read.serial_number, &read.maximum_component_length,
+                              &read.file_system_flags, file_system.data(), SizeOf(file_system)));
+    if (error == ERROR_SUCCESS) {
+        read.label = TextOf(label);
+        read.file_system = TextOf(file_system);
+        information = std::move(read);
+    }
+    return error;
+}
+
+DWORD ListMountPaths(const std::wstring& volume, std::size_t first_characters, Retry retry,
+                     std::vector<std::wstring>& paths) {
+    NameBuffer buffer;
+    DWORD length = 0;
+    const auto ask = [&](NameBuffer& answer, std::size_t& needed) {
+        length = 0;
+        const DWORD error = ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumePathNamesForVolumeNameW, FALSE,
+                                                  volume.c_str(), answer.data(), SizeOf(answer), &length));
+        needed = length;
+        return error;
+    };
+    DWORD error = ERROR_SUCCESS;
+    if (retry == Retry::kNever) {
+        std::size_t needed = 0;
+        buffer.assign(first_characters, L'\0');
+        error = ask(buffer, needed);
+    } else {
+        error = GrowAndRetry(buffer, first_characters, static_cast<DWORD>(ERROR_MORE_DATA), ask);
+    }
+    return error == ERROR_SUCCESS ? TakeEntries(buffer, length, paths) : error;
+}
+
+DWORD ListDosDeviceTargets(const wchar_t* device, std::vector<std::wstring>& targets) {
+    NameBuffer buffer;
+    DWORD length = 0;
+    const auto ask = [&](NameBuffer& answer, std::size_t& /*needed*/) {
+        length =
+            CallBound(Kernel32DLL::Get().QueryDosDeviceW, DWORD{0}, device, answer.data(), SizeOf(answer));
+        return ErrorUnless(length != 0);
+    };
+    const DWORD error =
+        GrowAndRetry(buffer, kNameCharacters, static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER), ask);
+    return error == ERROR_SUCCESS ? TakeEntries(buffer, length, targets) : error;
+}
+
+DWORD ReadVolumeNameOf(const std::wstring& mount_point, std::wstring& volume) {
+    NameBuffer name(kNameCharacters);
+    const DWORD error = ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumeNameForVolumeMountPointW, FALSE,
+                                              mount_point.c_str(), name.data(), SizeOf(name)));
+    if (error == ERROR_SUCCESS) {
+        volume = TextOf(name);
+    }
+    return error;
+}
+
+DWORD ReadLogicalDrives(DWORD& drives) {
+    const DWORD mask = CallBound(Kernel32DLL::Get().GetLogicalDrives, DWORD{0});
+    if (mask == 0) {
+        return LastFailure();
+    }
+    drives = mask;
+    return ERROR_SUCCESS;
+}
+
+DWORD ListFirstVolume(std::size_t name_characters, UniqueVolumeSearch& search, std::wstring& volume) {
+    NameBuffer name(name_characters);
+    search.Reset(CallBound(Kernel32DLL::Get().FindFirstVolumeW, HANDLE{INVALID_HANDLE_VALUE}, name.data(),
+                           SizeOf(name)));
+    if (!search) {
+        return LastFailure();
+    }
+    volume = TextOf(name);
+    return ERROR_SUCCESS;
+}
+
+DWORD ListNextVolume(std::size_t name_characters, const UniqueVolumeSearch& search, std::wstring& volume) {
+    NameBuffer name(name_characters);
+    const DWORD error = ErrorUnless(
+        CallBound(Kernel32DLL::Get().FindNextVolumeW, FALSE, search.get(), name.data(), SizeOf(name)));
+    if (error == ERROR_SUCCESS) {
+        volume = TextOf(name);
+    }
+    return error;
+}
+
+}  // namespace win
