@@ -8,7 +8,7 @@
 
 namespace bench {
 
-/// A capture in the format, into a buffer that is large enough; throws when it fails.
+// A capture in the format, into a buffer that is large enough; throws when it fails.
 class Captures {
 public:
     Captures(const host::OrvaneLibrary& library, std::uint32_t format);
@@ -23,10 +23,10 @@ private:
     std::uint32_t length_ = 0;
 };
 
-/// Puts the library on the described machine of each session; throws when it cannot be put there.
+// Puts the library on the described machine of each session; throws when it cannot be put there.
 void PutOnSimulation(const host::OrvaneLibrary& library);
 
-/// Receives the log and does nothing with it.
+// Receives the log and does nothing with it.
 void IgnoreLog(std::int32_t level, const char* text);
 
 }  // namespace bench

@@ -10,13 +10,13 @@
 
 namespace bench {
 
-/// A document, to be built again.
+// A document, to be built again.
 class DocumentFloor {
 public:
     explicit DocumentFloor(const XmlTree& root);
 
-    /// Builds the document's nodes with the XML component, the shortest way, and turns it into bytes of the
-    /// code page. Returns how many. COM must be initialised.
+    // Builds the document's nodes with the XML component, the shortest way, and turns it into bytes of the
+    // code page. Returns how many. COM must be initialised.
     std::size_t Build() const;
 
 private:

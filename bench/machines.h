@@ -6,9 +6,9 @@
 
 namespace bench {
 
-/// GPT disks of four partitions each, of more where the volumes need them, and volumes that lie on them,
-/// evenly. A volume has `mount_points` mount points and `aliases` further GUIDs. The first volume is C:, the
-/// system's.
+// GPT disks of four partitions each, of more where the volumes need them, and volumes that lie on them,
+// evenly. A volume has `mount_points` mount points and `aliases` further GUIDs. The first volume is C:, the
+// system's.
 struct Size {
     std::size_t disks = 1;
     std::size_t volumes = 4;

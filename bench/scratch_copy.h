@@ -4,8 +4,8 @@
 
 namespace bench {
 
-/// A copy of the library beside the one that is measured, for the lifetime of the object. It must not be
-/// loaded any more when it goes.
+// A copy of the library beside the one that is measured, for the lifetime of the object. It must not be
+// loaded any more when it goes.
 class ScratchCopy {
 public:
     ScratchCopy() : file_(std::filesystem::temp_directory_path() / L"Orvane-copy.dll") {

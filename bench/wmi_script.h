@@ -7,10 +7,10 @@
 
 namespace bench {
 
-/// The management calls of one capture, made again without the library. COM must be initialised.
+// The management calls of one capture, made again without the library. COM must be initialised.
 class WmiScript {
 public:
-    /// Takes the management calls out of a recorded run.
+    // Takes the management calls out of a recorded run.
     explicit WmiScript(const std::vector<machine::CallRecord>& records);
 
     void Play() const;

@@ -8,10 +8,11 @@
 #include <io.h>
 #include <locale.h>
 #include <objbase.h>
-#include <orvane/orvane.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+
+#include <orvane/orvane.h>
 
 static void PrintError(int32_t level, const char* text) {
     if (level >= ORVANE_LEVEL_ERROR) {

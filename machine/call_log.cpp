@@ -1,9 +1,9 @@
 #include "machine/call_log.h"
 
+#include "machine/text.h"
+
 #include <algorithm>
 #include <utility>
-
-#include "machine/text.h"
 
 namespace machine {
 

@@ -7,7 +7,7 @@
 
 namespace machine {
 
-/// Which kind of code a call reports.
+// Which kind of code a call reports.
 enum class CallFamily { kWin32, kNative, kCom };
 
 struct CallRecord {
@@ -20,20 +20,20 @@ struct CallRecord {
     std::uint64_t value = 0;  // plain result or number of bytes returned
 };
 
-/// Every call that the simulation answered, in order.
+// Every call that the simulation answered, in order.
 class CallLog {
 public:
     const std::vector<CallRecord>& records() const noexcept { return records_; }
     std::size_t size() const noexcept { return records_.size(); }
 
-    /// Calls with this name; a name without a colon also counts "NAME:anything".
+    // Calls with this name; a name without a colon also counts "NAME:anything".
     std::size_t Count(const std::string& name) const;
     std::size_t Count(const std::string& name, const std::wstring& object) const;
 
-    /// Forgets the records. The ordinals go on.
+    // Forgets the records. The ordinals go on.
     void Clear() noexcept { records_.clear(); }
 
-    /// Long runs need no record of each call.
+    // Long runs need no record of each call.
     void SetKept(bool kept) noexcept { kept_ = kept; }
 
     std::size_t NextOrdinal() noexcept { return ++last_ordinal_; }
@@ -46,7 +46,7 @@ private:
     bool kept_ = true;
 };
 
-/// True when `name` is the call `wanted`, or one of its kinds after a colon.
+// True when `name` is the call `wanted`, or one of its kinds after a colon.
 bool IsCallNamed(const std::string& name, const std::string& wanted);
 
 }  // namespace machine

@@ -1,5 +1,10 @@
 #pragma once
 
+#include "common/windows.h"
+#include "machine/simulation.h"
+
+#include <ole2.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -8,19 +13,14 @@
 #include <string_view>
 #include <utility>
 
-#include "common/windows.h"
-#include <ole2.h>
-
-#include "machine/simulation.h"
-
 namespace machine {
 
 constexpr HRESULT AsHresult(std::uint32_t code) {
     return static_cast<HRESULT>(code);
 }
 
-/// Reference counting and identity for an object with one main interface, which is also its IUnknown. The
-/// object counts as alive in the simulation that was current when it was made.
+// Reference counting and identity for an object with one main interface, which is also its IUnknown. The
+// object counts as alive in the simulation that was current when it was made.
 template <class Interface>
 class ComObject : public Interface {
 public:
@@ -58,7 +58,7 @@ protected:
     }
     virtual ~ComObject() { --*live_; }
 
-    /// The interface of this IID, without a reference; null when there is none.
+    // The interface of this IID, without a reference; null when there is none.
     virtual void* Offer(REFIID iid) {
         return IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, iid_) ? static_cast<Interface*>(this)
                                                                       : nullptr;
@@ -70,7 +70,7 @@ private:
     std::shared_ptr<std::size_t> live_;
 };
 
-/// Runs a method's body; memory that runs out is the method's failure.
+// Runs a method's body; memory that runs out is the method's failure.
 template <class Body>
 HRESULT GuardedCom(const Body& body) noexcept {
     try {
@@ -80,8 +80,8 @@ HRESULT GuardedCom(const Body& body) noexcept {
     }
 }
 
-/// One call of a WMI object through the current simulation; without one the connection counts as lost. What
-/// the body puts into Answer::error besides failing is the call's (successful) result.
+// One call of a WMI object through the current simulation; without one the connection counts as lost. What
+// the body puts into Answer::error besides failing is the call's (successful) result.
 inline HRESULT PerformCom(const char* name, std::wstring_view object, const CallErrors* errors,
                           const AnswerBody& body) noexcept {
     return GuardedCom([&] {

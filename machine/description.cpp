@@ -1,18 +1,18 @@
 #include "machine/description.h"
 
-#include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <utility>
-#include <vector>
-
-#include <nlohmann/json.hpp>
-
 #include "machine/json_cursor.h"
 #include "machine/name_index.h"
 #include "machine/parsing.h"
 #include "machine/text.h"
 #include "machine/wmi_defaults.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <utility>
+#include <vector>
 
 namespace machine {
 namespace {

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "common/windows.h"
+
+#include <wtypes.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -11,23 +15,20 @@
 #include <unordered_map>
 #include <vector>
 
-#include "common/windows.h"
-#include <wtypes.h>
-
 namespace machine {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The code with which a call fails on one object (or, at machine level, on every object): a Win32 error, an
-/// NTSTATUS or an HRESULT, as the call reports. The key is the call's name as it stands in the call log; the
-/// name of a call with a part after a colon ("DeviceIoControl:...") is also found under the part before it.
+// The code with which a call fails on one object (or, at machine level, on every object): a Win32 error, an
+// NTSTATUS or an HRESULT, as the call reports. The key is the call's name as it stands in the call log; the
+// name of a call with a part after a colon ("DeviceIoControl:...") is also found under the part before it.
 struct CallErrors {
     std::unordered_map<std::string, std::uint32_t> codes;
 
     std::optional<std::uint32_t> Find(const std::string& call) const;
 };
 
-/// One entry of a partition table, as the layout controls return it.
+// One entry of a partition table, as the layout controls return it.
 struct Partition {
     std::uint32_t style = PARTITION_STYLE_MBR;  // of the entry; normally the disk's
     std::uint64_t offset = 0;                   // bytes from the start of the disk
@@ -46,14 +47,14 @@ struct Partition {
     std::wstring gpt_name;  // at most 36 characters
 };
 
-/// A raw disk image behind a disk.
+// A raw disk image behind a disk.
 struct Image {
     std::filesystem::path file;
     bool writable = false;                          // writes of the table go into `file` itself
     std::optional<std::filesystem::path> write_to;  // or into this copy, made at the first write
 };
 
-/// A property of a WMI instance: a typed value, or the HRESULT with which reading it fails.
+// A property of a WMI instance: a typed value, or the HRESULT with which reading it fails.
 struct WmiValue {
     VARTYPE type = VT_NULL;  // scalar type, or VT_ARRAY | VT_BSTR
     std::int64_t number = 0;
@@ -110,7 +111,7 @@ struct Extent {
     std::uint64_t length = 0;  // bytes
 };
 
-/// A further GUID name of a volume.
+// A further GUID name of a volume.
 struct VolumeAlias {
     std::wstring guid;
     bool enumerated = true;
@@ -180,8 +181,8 @@ struct Firmware {
     std::optional<std::uint32_t> variable_error;  // none: what such firmware gives
 };
 
-/// A Windows machine as a program can see it. Plain data: everything that the description file left out has
-/// been filled in, so that each field is what the system would answer.
+// A Windows machine as a program can see it. Plain data: everything that the description file left out has
+// been filled in, so that each field is what the system would answer.
 struct Description {
     std::string name;
     std::vector<Disk> disks;
@@ -196,7 +197,7 @@ struct Description {
     CallErrors errors;
 };
 
-/// A description that cannot be used. what() is "FILE: PATH: REASON".
+// A description that cannot be used. what() is "FILE: PATH: REASON".
 class DescriptionError : public std::runtime_error {
 public:
     DescriptionError(std::string file, std::string path, std::string reason);
@@ -211,12 +212,12 @@ private:
     std::string reason_;
 };
 
-/// Reads a description file (UTF-8 JSON); image files in it are relative to the file. Throws
-/// DescriptionError.
+// Reads a description file (UTF-8 JSON); image files in it are relative to the file. Throws
+// DescriptionError.
 Description LoadDescription(const std::filesystem::path& file);
 
-/// The same from memory: `name` stands for the file in errors, `directory` is where image files are looked
-/// for.
+// The same from memory: `name` stands for the file in errors, `directory` is where image files are looked
+// for.
 Description ParseDescription(const std::string& json, const std::string& name,
                              const std::filesystem::path& directory = {});
 

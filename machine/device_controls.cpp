@@ -1,12 +1,12 @@
 #include "machine/device_controls.h"
 
+#include "machine/disk_structures.h"
+#include "machine/simulation.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <utility>
-
-#include "machine/disk_structures.h"
-#include "machine/simulation.h"
 
 namespace machine {
 namespace {

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "machine/description.h"
+
 #include <cstring>
 #include <vector>
 
-#include "machine/description.h"
-
 namespace machine {
 
-/// The structures that the disk controls hand out, byte for byte.
+// The structures that the disk controls hand out, byte for byte.
 Bytes DriveGeometryBytes(const Disk& disk);
 Bytes DriveGeometryExBytes(const Disk& disk);
 Bytes DriveLayoutBytes(const Disk& disk);
@@ -15,13 +15,13 @@ Bytes DriveLayoutExBytes(const Disk& disk);
 Bytes PartitionBytes(const Partition& partition);
 Bytes PartitionExBytes(const Partition& partition);
 
-/// The whole disk, as the partition controls describe an open physical drive.
+// The whole disk, as the partition controls describe an open physical drive.
 Partition WholeDisk(const Disk& disk);
 
-/// The entry of a layout that a caller hands in.
+// The entry of a layout that a caller hands in.
 Partition PartitionFrom(const PARTITION_INFORMATION_EX& information);
 
-/// The system's enumerations travel as plain numbers, which need not be ones that the enumeration knows.
+// The system's enumerations travel as plain numbers, which need not be ones that the enumeration knows.
 template <class Enum>
 void StoreNumber(Enum& place, std::uint32_t number) {
     static_assert(sizeof(Enum) == sizeof(number));

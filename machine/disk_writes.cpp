@@ -1,14 +1,14 @@
+#include "machine/device_controls.h"
+#include "machine/disk_image.h"
+#include "machine/disk_structures.h"
+#include "machine/partition_table.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <utility>
-
-#include "machine/device_controls.h"
-#include "machine/disk_image.h"
-#include "machine/disk_structures.h"
-#include "machine/partition_table.h"
 
 namespace machine {
 namespace {

@@ -1,8 +1,8 @@
 #include "machine/fault_plan.h"
 
-#include <utility>
-
 #include "machine/text.h"
+
+#include <utility>
 
 namespace machine {
 

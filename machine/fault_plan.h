@@ -1,5 +1,8 @@
 #pragma once
 
+#include "machine/call_log.h"
+#include "machine/description.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -7,15 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "machine/call_log.h"
-#include "machine/description.h"
-
 struct tagVARIANT;
 
 namespace machine {
 
-/// What a call is about to answer. A rule's action may change any of it: lie about the length, hand out
-/// garbage, leave a last error behind on success.
+// What a call is about to answer. A rule's action may change any of it: lie about the length, hand out
+// garbage, leave a last error behind on success.
 struct Answer {
     bool failed = false;
     std::uint32_t error = 0;  // when not failed: 0, or a last error that is set although the call succeeded
@@ -27,7 +27,7 @@ struct Answer {
     static Answer Failure(std::uint32_t code);
 };
 
-/// The codes that a failing call reports, by the family of the call.
+// The codes that a failing call reports, by the family of the call.
 struct FaultCodes {
     std::uint32_t win32 = 31;           // ERROR_GEN_FAILURE
     std::uint32_t native = 0xC0000001;  // STATUS_UNSUCCESSFUL
@@ -45,26 +45,26 @@ struct FaultRule {
     std::function<void(Answer&)> action;  // instead of failing: changes the answer that was computed
 };
 
-/// Which calls go wrong. Rules are tried in the order they were added; each counts the calls it selects.
+// Which calls go wrong. Rules are tried in the order they were added; each counts the calls it selects.
 class FaultPlan {
 public:
     void Add(FaultRule rule);
 
-    /// Every call of the name (on the object) fails with the code.
+    // Every call of the name (on the object) fails with the code.
     void Fail(const std::string& name, std::uint32_t code, const std::wstring& object = {});
 
-    /// The k-th call of all fails, once or with everything after it. For sweeps.
+    // The k-th call of all fails, once or with everything after it. For sweeps.
     void FailOrdinal(std::size_t ordinal, bool from_there_on, const FaultCodes& codes = {});
 
-    /// Every call of the name (on the object) has its answer changed.
+    // Every call of the name (on the object) has its answer changed.
     void Alter(const std::string& name, std::function<void(Answer&)> action, const std::wstring& object = {});
 
     void Clear() noexcept { rules_.clear(); }
 
-    /// Calls that a rule hit.
+    // Calls that a rule hit.
     std::size_t hits() const noexcept { return hits_; }
 
-    /// What to do with a call about to be answered: the code to fail with, and the actions for its answer.
+    // What to do with a call about to be answered: the code to fail with, and the actions for its answer.
     struct Verdict {
         std::optional<std::uint32_t> error;
         std::vector<std::function<void(Answer&)>> actions;

@@ -1,10 +1,10 @@
+#include "machine/disk_image.h"
+#include "machine/partition_table.h"
+
 #include <algorithm>
 #include <cstring>
 #include <optional>
 #include <utility>
-
-#include "machine/disk_image.h"
-#include "machine/partition_table.h"
 
 namespace machine {
 namespace {

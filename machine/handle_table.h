@@ -1,15 +1,15 @@
 #pragma once
 
+#include "common/windows.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
 
-#include "common/windows.h"
-
 namespace machine {
 
-/// What a simulated handle stands for.
+// What a simulated handle stands for.
 struct OpenObject {
     enum class Kind { kDisk, kVolume, kRootDirectory, kVolumeSearch, kObjectDirectory };
 
@@ -22,22 +22,22 @@ struct OpenObject {
     std::uint64_t position = 0;  // next entry of a search, or file position
 };
 
-/// The open handles of a simulation. Their values are never values of real handles, and none is used twice,
-/// so that every use of a closed one is noticed.
+// The open handles of a simulation. Their values are never values of real handles, and none is used twice,
+// so that every use of a closed one is noticed.
 class HandleTable {
 public:
     HANDLE Open(OpenObject object);
 
-    /// Null when the handle is not open; a simulated one is then counted as a stale use.
+    // Null when the handle is not open; a simulated one is then counted as a stale use.
     OpenObject* Find(HANDLE handle);
 
-    /// The same, also null when the object is of another kind.
+    // The same, also null when the object is of another kind.
     OpenObject* Find(HANDLE handle, OpenObject::Kind kind);
 
-    /// False when it is not open.
+    // False when it is not open.
     bool Close(HANDLE handle);
 
-    /// Whether the value is in the range of simulated handles, open or not.
+    // Whether the value is in the range of simulated handles, open or not.
     static bool IsSimulated(HANDLE handle) noexcept;
 
     std::size_t open() const noexcept { return open_.size(); }

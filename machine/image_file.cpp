@@ -1,11 +1,11 @@
 #include "machine/image_file.h"
 
+#include "machine/text.h"
+
 #include <array>
 #include <cstring>
 #include <stdexcept>
 #include <string>
-
-#include "machine/text.h"
 
 namespace machine {
 namespace {

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "machine/description.h"
+
 #include <cstdint>
 #include <filesystem>
 
-#include "machine/description.h"
-
 namespace machine {
 
-/// A raw disk image opened for reading, or for reading and writing. Failures throw std::runtime_error with
-/// the file's name and the reason.
+// A raw disk image opened for reading, or for reading and writing. Failures throw std::runtime_error with
+// the file's name and the reason.
 class ImageFile {
 public:
     explicit ImageFile(const std::filesystem::path& file, bool writable = false);
@@ -19,7 +19,7 @@ public:
 
     std::uint64_t size() const noexcept { return size_; }
 
-    /// Exactly `length` bytes at `offset`.
+    // Exactly `length` bytes at `offset`.
     Bytes Read(std::uint64_t offset, std::size_t length);
     void Write(std::uint64_t offset, const Bytes& bytes);
 
@@ -43,7 +43,7 @@ void Put32(Bytes& bytes, std::size_t offset, std::uint32_t value);
 void Put64(Bytes& bytes, std::size_t offset, std::uint64_t value);
 void PutGuid(Bytes& bytes, std::size_t offset, const GUID& guid);
 
-/// CRC-32 as the GPT uses it (polynomial 0xEDB88320, reflected).
+// CRC-32 as the GPT uses it (polynomial 0xEDB88320, reflected).
 std::uint32_t Crc32(const std::uint8_t* bytes, std::size_t length);
 
 }  // namespace machine

@@ -1,13 +1,13 @@
 #include "machine/json_cursor.h"
 
+#include "machine/text.h"
+
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <charconv>
 #include <iterator>
 #include <utility>
-
-#include <nlohmann/json.hpp>
-
-#include "machine/text.h"
 
 namespace machine {
 namespace {

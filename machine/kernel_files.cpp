@@ -1,11 +1,11 @@
-#include <algorithm>
-#include <cstring>
-#include <utility>
-
 #include "machine/control_codes.h"
 #include "machine/device_controls.h"
 #include "machine/disk_image.h"
 #include "machine/simulated_functions.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
 
 namespace machine::simulated {
 namespace {

@@ -1,7 +1,7 @@
-#include <algorithm>
-
 #include "machine/simulated_functions.h"
 #include "machine/text.h"
+
+#include <algorithm>
 
 namespace machine::simulated {
 namespace {

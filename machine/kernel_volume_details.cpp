@@ -1,8 +1,8 @@
+#include "machine/simulated_functions.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
-
-#include "machine/simulated_functions.h"
 
 namespace machine::simulated {
 namespace {

@@ -1,8 +1,8 @@
-#include <algorithm>
-#include <set>
-
 #include "machine/disk_image.h"
 #include "machine/partition_table.h"
+
+#include <algorithm>
+#include <set>
 
 namespace machine {
 namespace {

@@ -1,10 +1,10 @@
-#include <algorithm>
-#include <cstring>
-#include <utility>
-
 #include "machine/redirect.h"
 #include "machine/simulated_functions.h"
 #include "machine/text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
 
 namespace machine::simulated {
 namespace {

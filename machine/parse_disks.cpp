@@ -1,12 +1,12 @@
-#include <set>
-#include <stdexcept>
-#include <string>
-#include <utility>
-
 #include "machine/disk_image.h"
 #include "machine/parsing.h"
 #include "machine/partition_table.h"
 #include "machine/text.h"
+
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace machine::parsing {
 namespace {

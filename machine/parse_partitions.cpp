@@ -1,11 +1,11 @@
+#include "machine/parsing.h"
+#include "machine/partition_table.h"
+#include "machine/text.h"
+
 #include <algorithm>
 #include <array>
 #include <string>
 #include <utility>
-
-#include "machine/parsing.h"
-#include "machine/partition_table.h"
-#include "machine/text.h"
 
 namespace machine::parsing {
 namespace {

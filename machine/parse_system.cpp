@@ -1,9 +1,9 @@
+#include "machine/parsing.h"
+#include "machine/text.h"
+
 #include <limits>
 #include <string>
 #include <utility>
-
-#include "machine/parsing.h"
-#include "machine/text.h"
 
 namespace machine::parsing {
 namespace {

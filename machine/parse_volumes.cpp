@@ -1,11 +1,11 @@
+#include "machine/name_index.h"
+#include "machine/parsing.h"
+#include "machine/text.h"
+
 #include <algorithm>
 #include <set>
 #include <string>
 #include <utility>
-
-#include "machine/name_index.h"
-#include "machine/parsing.h"
-#include "machine/text.h"
 
 namespace machine::parsing {
 namespace {

@@ -1,12 +1,12 @@
-#include <limits>
-#include <string>
-#include <utility>
-
-#include <oaidl.h>
-
 #include "machine/parsing.h"
 #include "machine/text.h"
 #include "machine/wmi_defaults.h"
+
+#include <oaidl.h>
+
+#include <limits>
+#include <string>
+#include <utility>
 
 namespace machine::parsing {
 namespace {

@@ -1,13 +1,13 @@
 #include "machine/redirect.h"
 
+#include "machine/simulated_functions.h"
+#include "machine/simulation.h"
+#include "machine/text.h"
+
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <unordered_map>
-
-#include "machine/simulated_functions.h"
-#include "machine/simulation.h"
-#include "machine/text.h"
 
 namespace machine {
 namespace {

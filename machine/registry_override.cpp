@@ -1,8 +1,8 @@
 #include "machine/registry_override.h"
 
-#include <stdexcept>
-
 #include "machine/text.h"
+
+#include <stdexcept>
 
 namespace machine {
 namespace {

@@ -1,17 +1,17 @@
 #pragma once
 
+#include "machine/description.h"
+
 #include <string>
 #include <vector>
 
-#include "machine/description.h"
-
 namespace machine {
 
-/// HKEY_LOCAL_MACHINE of this process is a scratch key with the described values while this lives. One at a
-/// time.
+// HKEY_LOCAL_MACHINE of this process is a scratch key with the described values while this lives. One at a
+// time.
 class RegistryOverride {
 public:
-    /// Throws std::runtime_error, with nothing left behind.
+    // Throws std::runtime_error, with nothing left behind.
     explicit RegistryOverride(const std::vector<RegistryKey>& keys);
     ~RegistryOverride();
 

@@ -1,13 +1,13 @@
 #include "machine/session.h"
 
-#include <stdexcept>
-#include <string>
-#include <utility>
+#include "machine/registry_override.h"
+#include "machine/wmi_locator.h"
 
 #include <ole2.h>
 
-#include "machine/registry_override.h"
-#include "machine/wmi_locator.h"
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace machine {
 

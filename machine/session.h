@@ -1,25 +1,25 @@
 #pragma once
 
-#include <memory>
-
 #include "machine/description.h"
 #include "machine/simulation.h"
+
+#include <memory>
 
 namespace machine {
 
 class RegistryOverride;
 class WmiRegistration;
 
-/// Which COM apartment a session puts its thread in for its lifetime.
+// Which COM apartment a session puts its thread in for its lifetime.
 enum class SessionCom { kApartment, kMultithreaded, kCallers };
 
-/// A described machine under the calling thread: the simulation, WMI in this apartment, and
-/// HKEY_LOCAL_MACHINE of this process. For one thread; the session ends on the thread that began it. With
-/// kCallers the thread must have COM already. Modules are put on the simulation separately
-/// (PutModuleOnSimulation).
+// A described machine under the calling thread: the simulation, WMI in this apartment, and
+// HKEY_LOCAL_MACHINE of this process. For one thread; the session ends on the thread that began it. With
+// kCallers the thread must have COM already. Modules are put on the simulation separately
+// (PutModuleOnSimulation).
 class Session {
 public:
-    /// Throws std::runtime_error when COM or the registry refuse.
+    // Throws std::runtime_error when COM or the registry refuse.
     explicit Session(Description description, SessionCom com = SessionCom::kApartment);
     ~Session();
 

@@ -1,18 +1,18 @@
 #pragma once
 
-#include <new>
-#include <string>
-
 #include "common/windows.h"
-#include <winternl.h>
-
 #include "machine/fault_plan.h"
 #include "machine/name_index.h"
 #include "machine/simulation.h"
 
-/// The functions that a module on the simulation calls instead of the system's. Each has the signature and
-/// the manners of the system function of its name, and passes what is none of the simulation's business to
-/// it.
+#include <winternl.h>
+
+#include <new>
+#include <string>
+
+// The functions that a module on the simulation calls instead of the system's. Each has the signature and
+// the manners of the system function of its name, and passes what is none of the simulation's business to
+// it.
 namespace machine::simulated {
 
 HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
@@ -50,7 +50,7 @@ NTSTATUS NTAPI ZwQueryDirectoryObject(HANDLE directory, PVOID buffer, ULONG size
                                       BOOLEAN restart, PULONG context, PULONG returned);
 NTSTATUS NTAPI ZwClose(HANDLE handle);
 
-/// Runs a function's body; memory that runs out inside the simulation is the function's failure with error 8.
+// Runs a function's body; memory that runs out inside the simulation is the function's failure with error 8.
 template <class Result, class Body>
 Result Guarded(Result failure, const Body& body) noexcept {
     try {
@@ -61,19 +61,19 @@ Result Guarded(Result failure, const Body& body) noexcept {
     }
 }
 
-/// Sets the last error of a Win32 answer; true when the call succeeded.
+// Sets the last error of a Win32 answer; true when the call succeeded.
 bool Deliver(const Answer& answer);
 
-/// The described errors of what a path names; null when it names nothing.
+// The described errors of what a path names; null when it names nothing.
 const CallErrors* ErrorsOf(const Simulation& simulation, const NameIndex::Target& target);
 
-/// Puts a text and its terminator at the end of an answer's bytes.
+// Puts a text and its terminator at the end of an answer's bytes.
 void AppendText(Bytes& bytes, const std::wstring& text);
 
-/// Copies the answer's bytes, as many as the buffer of `size` characters holds.
+// Copies the answer's bytes, as many as the buffer of `size` characters holds.
 void CopyBytes(const Answer& answer, LPWSTR buffer, DWORD size);
 
-/// A null path is empty text.
+// A null path is empty text.
 std::wstring TextOrEmpty(LPCWSTR text);
 
 }  // namespace machine::simulated

@@ -1,9 +1,9 @@
+#include "machine/parsing.h"
+#include "machine/text.h"
+
 #include <algorithm>
 #include <iterator>
 #include <string>
-
-#include "machine/parsing.h"
-#include "machine/text.h"
 
 namespace machine::parsing {
 namespace {

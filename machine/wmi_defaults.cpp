@@ -1,12 +1,12 @@
 #include "machine/wmi_defaults.h"
 
-#include <algorithm>
-#include <string>
-#include <utility>
+#include "machine/text.h"
 
 #include <oaidl.h>
 
-#include "machine/text.h"
+#include <algorithm>
+#include <string>
+#include <utility>
 
 namespace machine {
 namespace {

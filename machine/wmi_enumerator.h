@@ -1,14 +1,14 @@
 #pragma once
 
+#include "machine/wmi_instance.h"
+
 #include <cstdint>
 #include <memory>
 
-#include "machine/wmi_instance.h"
-
 namespace machine {
 
-/// The result of a query. `error`, when not 0, is what the first fetch gives: a query that returns at once
-/// reports its failures only there.
+// The result of a query. `error`, when not 0, is what the first fetch gives: a query that returns at once
+// reports its failures only there.
 class WmiEnumerator final : public ComObject<IEnumWbemClassObject> {
 public:
     WmiEnumerator(std::shared_ptr<const WmiResult> result, std::uint32_t error, bool forward_only,

@@ -1,11 +1,11 @@
 #include "machine/wmi_instance.h"
 
+#include "machine/text.h"
+#include "machine/wmi_defaults.h"
+
 #include <new>
 #include <optional>
 #include <utility>
-
-#include "machine/text.h"
-#include "machine/wmi_defaults.h"
 
 namespace machine {
 namespace {

@@ -1,21 +1,21 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "machine/com_object.h"
 #include "machine/description.h"
 #include "machine/wmi_unsupported.h"
 
+#include <memory>
+#include <string>
+
 namespace machine {
 
-/// What a query found: kept by the enumerator and its objects, whatever becomes of the description meanwhile.
+// What a query found: kept by the enumerator and its objects, whatever becomes of the description meanwhile.
 struct WmiResult {
     std::wstring class_name;
     WmiClass found;
 };
 
-/// One instance of a class, for reading.
+// One instance of a class, for reading.
 class WmiInstanceObject final : public ComObject<UnsupportedClassObject> {
 public:
     WmiInstanceObject(std::shared_ptr<const WmiResult> result, std::size_t position);
@@ -38,7 +38,7 @@ private:
     std::size_t next_property_ = 0;
 };
 
-/// The variant of a described value; the caller clears it. Throws std::bad_alloc.
+// The variant of a described value; the caller clears it. Throws std::bad_alloc.
 VARIANT VariantOf(const WmiValue& value);
 
 }  // namespace machine

@@ -1,12 +1,12 @@
 #include "machine/wmi_locator.h"
 
+#include "machine/text.h"
+#include "machine/wmi_services.h"
+
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
 #include <string>
-
-#include "machine/text.h"
-#include "machine/wmi_services.h"
 
 namespace machine {
 namespace {

@@ -5,7 +5,7 @@
 
 namespace machine {
 
-/// The WMI locator of the described machine; its IUnknown is the locator interface itself.
+// The WMI locator of the described machine; its IUnknown is the locator interface itself.
 class WmiLocator final : public ComObject<IWbemLocator> {
 public:
     WmiLocator();
@@ -15,11 +15,11 @@ public:
                                             IWbemContext* context, IWbemServices** services) override;
 };
 
-/// Puts the locator classes of this apartment on the simulation for its lifetime. The thread must have COM,
-/// and must be the same at both ends.
+// Puts the locator classes of this apartment on the simulation for its lifetime. The thread must have COM,
+// and must be the same at both ends.
 class WmiRegistration {
 public:
-    /// Throws std::runtime_error.
+    // Throws std::runtime_error.
     WmiRegistration();
     ~WmiRegistration();
 

@@ -1,13 +1,13 @@
 #include "machine/wmi_services.h"
 
+#include "machine/text.h"
+#include "machine/wmi_defaults.h"
+#include "machine/wmi_enumerator.h"
+
 #include <algorithm>
 #include <cwctype>
 #include <memory>
 #include <vector>
-
-#include "machine/text.h"
-#include "machine/wmi_defaults.h"
-#include "machine/wmi_enumerator.h"
 
 namespace machine {
 namespace {

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <string>
-
 #include "machine/com_object.h"
 #include "machine/wmi_unsupported.h"
 
+#include <string>
+
 namespace machine {
 
-/// A connection to the described machine's "root\cimv2". Security settings are accepted and without effect.
+// A connection to the described machine's "root\cimv2". Security settings are accepted and without effect.
 class WmiServices final : public ComObject<UnsupportedServices> {
 public:
     WmiServices();
@@ -41,7 +41,7 @@ private:
     Security security_{*this};
 };
 
-/// The class that a query "select ... from CLASS" asks for; empty when the text is no such query.
+// The class that a query "select ... from CLASS" asks for; empty when the text is no such query.
 std::wstring QueriedClass(const std::wstring& query);
 
 }  // namespace machine

@@ -1,15 +1,16 @@
 #pragma once
 
 #include "common/windows.h"
+
 #include <ole2.h>
 #include <wbemidl.h>
 
 namespace machine {
 
-/// The methods that nothing on a described machine needs.
+// The methods that nothing on a described machine needs.
 constexpr HRESULT kWmiNotSupported = static_cast<HRESULT>(0x8004100CU);  // WBEM_E_NOT_SUPPORTED
 
-/// All of the services but the query.
+// All of the services but the query.
 class UnsupportedServices : public IWbemServices {
 public:
     HRESULT STDMETHODCALLTYPE OpenNamespace(const BSTR, LONG, IWbemContext*, IWbemServices**,
@@ -91,7 +92,7 @@ public:
     }
 };
 
-/// All of an instance but the reading of its properties.
+// All of an instance but the reading of its properties.
 class UnsupportedClassObject : public IWbemClassObject {
 public:
     HRESULT STDMETHODCALLTYPE GetQualifierSet(IWbemQualifierSet**) override { return kWmiNotSupported; }

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-/// The shipped library with its settings restored after each test.
+// The shipped library with its settings restored after each test.
 class ExportTest : public testing::Test {
 protected:
     ~ExportTest() override { library_.ResetSettings(); }
@@ -17,7 +17,7 @@ protected:
     const ShippedLibrary& library_ = ShippedLibrary::Get();
 };
 
-/// What a capture left behind.
+// What a capture left behind.
 struct Captured {
     static constexpr std::uint32_t kUntouched = 0xAAAAAAAA;
 
@@ -26,7 +26,7 @@ struct Captured {
     std::string buffer;  // '#' where nothing was written
 };
 
-/// A described machine under the shipped library, format 3, and the library's log.
+// A described machine under the shipped library, format 3, and the library's log.
 class CaptureTest : public ExportTest {
 protected:
     static machine::Description Machine(const std::string& name) {
@@ -39,7 +39,7 @@ protected:
         log_.Clear();
     }
 
-    /// Every capture, however it ends, leaves nothing open and nothing alive.
+    // Every capture, however it ends, leaves nothing open and nothing alive.
     void TearDown() override {
         EXPECT_EQ(simulation().open_handles(), 0U);
         EXPECT_EQ(simulation().live_objects(), 0U);
@@ -56,21 +56,21 @@ protected:
         return captured;
     }
 
-    /// The document's length in bytes.
+    // The document's length in bytes.
     std::uint32_t Length() {
         const Captured captured = Capture(0);
         EXPECT_EQ(captured.status, ORVANE_BUFFER_TOO_SMALL) << log_;
         return captured.status == ORVANE_BUFFER_TOO_SMALL ? captured.required_size : 0;
     }
 
-    /// The whole document.
+    // The whole document.
     std::string Document() {
         const Captured captured = Capture(Length());
         EXPECT_EQ(captured.status, ORVANE_SUCCESS) << log_;
         return captured.buffer;
     }
 
-    /// A capture that is expected to fail: status 1, nothing written.
+    // A capture that is expected to fail: status 1, nothing written.
     void ExpectFailure() {
         log_.Clear();
         const Captured captured = Capture(100000);
@@ -80,7 +80,7 @@ protected:
         EXPECT_EQ(log_.Lines(support::kHostTrace).back(), "Exiting CaptureSystemRestorePointInfo");
     }
 
-    /// The last error line of the log.
+    // The last error line of the log.
     std::string LastError() const {
         const std::vector<std::string> errors = log_.Lines(support::kHostError);
         return errors.empty() ? "" : errors.back();

@@ -1,5 +1,4 @@
 #include "export/expected_sections.h"
-
 #include "machine/wmi_defaults.h"
 #include "support/text.h"
 

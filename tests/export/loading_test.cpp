@@ -1,11 +1,10 @@
 // What loading the library takes, and what it looks up. Each test has a process of its own: the library that
 // the others share is loaded and bound already.
 
-#include "support/own_process.h"
-
 #include "common/windows.h"
 #include "machine/redirect.h"
 #include "machine/session.h"
+#include "support/own_process.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// The library as it is shipped, loaded once for the test program and put on the simulation, and its exports.
+// The library as it is shipped, loaded once for the test program and put on the simulation, and its exports.
 class ShippedLibrary {
 public:
     static const ShippedLibrary& Get();
@@ -23,10 +23,10 @@ public:
     decltype(&::VolumeDumpInfo) VolumeDumpInfo;
     decltype(&::FirmwareDumpInfo) FirmwareDumpInfo;
 
-    /// Hands over the volumes as a multi-string.
+    // Hands over the volumes as a multi-string.
     std::int64_t Select(const std::vector<std::wstring>& volumes) const;
 
-    /// The settings as they are after loading.
+    // The settings as they are after loading.
     void ResetSettings() const;
 
 private:

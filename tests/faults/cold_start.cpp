@@ -1,8 +1,8 @@
 // The first call after loading, which binds and initialises what later ones find ready; and loading itself.
 
+#include "common/windows.h"
 #include "faults/case_runner.h"
 
-#include "common/windows.h"
 #include <algorithm>
 #include <array>
 

@@ -8,7 +8,7 @@
 
 namespace faults {
 
-/// What the library holds of what it imports itself, beside the two bound tables.
+// What the library holds of what it imports itself, beside the two bound tables.
 struct Balance {
     std::int64_t heap_blocks = 0;
     std::int64_t com_initialisations = 0;
@@ -18,8 +18,8 @@ struct Balance {
     bool operator==(const Balance&) const = default;
 };
 
-/// The library's own imports under watch: memory (its heap, BSTRs), COM, registry,
-/// privileges and text conversion. One thread.
+// The library's own imports under watch: memory (its heap, BSTRs), COM, registry,
+// privileges and text conversion. One thread.
 struct ImportWatch {
     Meter allocations;
     Meter imports;              // everything else
@@ -29,15 +29,15 @@ struct ImportWatch {
 
 ImportWatch& Watch();
 
-/// Puts the hooks under the module, for as long as it is loaded. Throws std::runtime_error when it does not
-/// import what is to be watched.
+// Puts the hooks under the module, for as long as it is loaded. Throws std::runtime_error when it does not
+// import what is to be watched.
 void InstallImportHooks(HMODULE module);
 
-/// Lets the GUIDs that the library makes begin anew: they are the same sequence each time.
+// Lets the GUIDs that the library makes begin anew: they are the same sequence each time.
 void ResetGuids();
 
-/// While one lives, every larger block that the library allocates ends at a page that cannot be touched: one
-/// byte past the end is a crash.
+// While one lives, every larger block that the library allocates ends at a page that cannot be touched: one
+// byte past the end is a crash.
 class GuardedHeap {
 public:
     GuardedHeap();

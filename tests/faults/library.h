@@ -9,14 +9,14 @@
 
 namespace faults {
 
-/// The shipped library, put on the simulation and watched (import_hooks.h).
+// The shipped library, put on the simulation and watched (import_hooks.h).
 class Library : public host::OrvaneLibrary {
 public:
-    /// Throws std::exception.
+    // Throws std::exception.
     explicit Library(const std::filesystem::path& file);
 };
 
-/// What is called: a capture in a format, or a dump.
+// What is called: a capture in a format, or a dump.
 struct EntryPoint {
     std::string_view name;
     std::uint32_t format = 0;  // 0: a dump
@@ -25,7 +25,7 @@ struct EntryPoint {
 
 std::span<const EntryPoint> EntryPoints();
 
-/// Throws std::invalid_argument.
+// Throws std::invalid_argument.
 const EntryPoint& FindEntryPoint(std::string_view name);
 
 }  // namespace faults

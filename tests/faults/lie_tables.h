@@ -10,7 +10,7 @@
 
 namespace faults {
 
-/// Changes an answer into one that cannot be true.
+// Changes an answer into one that cannot be true.
 using Lie = std::function<void(machine::Answer&)>;
 
 struct NamedLie {
@@ -18,13 +18,13 @@ struct NamedLie {
     Lie lie;
 };
 
-/// What a call of that kind can lie about.
+// What a call of that kind can lie about.
 std::vector<NamedLie> LiesFor(const machine::CallRecord& record);
 
-/// Anything: bytes, lengths, results, types.
+// Anything: bytes, lengths, results, types.
 Lie RandomLie(std::uint64_t seed);
 
-/// Bytes behind the answer that are no part of it.
+// Bytes behind the answer that are no part of it.
 void AppendGarbage(machine::Answer& answer);
 
 }  // namespace faults

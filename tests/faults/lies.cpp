@@ -51,7 +51,7 @@ public:
         }
     }
 
-    /// The next call of that name takes the lie.
+    // The next call of that name takes the lie.
     bool Deals(const std::string& name, std::size_t lie) {
         constexpr std::size_t kTakers = 1;
         const std::size_t rounds = std::max<std::size_t>(1, calls_[name] / kTakers);

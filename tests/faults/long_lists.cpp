@@ -1,10 +1,10 @@
 // A machine far beyond any that is sold: 256 disks of 128 partitions, 10,000 volumes with 4 mount points
 // each.
 
+#include "common/windows.h"
 #include "faults/case_runner.h"
 #include "support/xml_tree.h"
 
-#include "common/windows.h"
 #include <psapi.h>
 
 #include <array>

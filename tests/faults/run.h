@@ -10,7 +10,7 @@
 
 namespace faults {
 
-/// What one call of an entry point left behind.
+// What one call of an entry point left behind.
 struct Outcome {
     std::uint32_t status = 0;  // 0 for a dump
     std::string output;        // the document, or the lines of the dump
@@ -19,7 +19,7 @@ struct Outcome {
     bool operator==(const Outcome&) const = default;
 };
 
-/// A described machine under the library, one entry point, and what must hold after each call of it.
+// A described machine under the library, one entry point, and what must hold after each call of it.
 class Bench {
 public:
     Bench(const Library& library, const EntryPoint& entry, machine::Description description);
@@ -29,20 +29,20 @@ public:
 
     machine::Simulation& simulation() { return session_.simulation(); }
 
-    /// Calls the entry point: a capture with the buffer of the clean run's length (and some more).
+    // Calls the entry point: a capture with the buffer of the clean run's length (and some more).
     Outcome Call();
 
-    /// The first clean run's, to which every later one is compared.
+    // The first clean run's, to which every later one is compared.
     const Outcome& clean() const { return clean_; }
 
-    /// The clean run's calls to the simulation, in order, with what each answered.
+    // The clean run's calls to the simulation, in order, with what each answered.
     std::vector<machine::CallRecord> CleanCalls();
 
-    /// Names what does not hold after a call: "handle", "object", "com", "memory", "status", "document" ...
+    // Names what does not hold after a call: "handle", "object", "com", "memory", "status", "document" ...
     std::vector<std::string> Breaches(const Outcome& outcome);
 
-    /// Calls once more, with nothing failing; "next-run" among the breaches when it is not the clean run
-    /// again.
+    // Calls once more, with nothing failing; "next-run" among the breaches when it is not the clean run
+    // again.
     std::vector<std::string> BreachesOfNextRun();
 
 private:

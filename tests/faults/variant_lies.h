@@ -4,7 +4,7 @@
 
 namespace faults {
 
-/// A property with a value of every type that a variant knows, and with values that a type forbids.
+// A property with a value of every type that a variant knows, and with values that a type forbids.
 void AddVariantLies(std::vector<NamedLie>& lies);
 
 }  // namespace faults

@@ -1,13 +1,13 @@
 // Images that the library gives a fresh table, and master boot records that it rewrites, read back on a new
 // machine. What is written here is read once more by the partitioning tools.
 
-#include <gtest/gtest.h>
-
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "images/written_table.h"
 #include "support/scoped_import.h"
 #include "unit/common/disk/listed_disks.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

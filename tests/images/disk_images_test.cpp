@@ -1,12 +1,11 @@
 // Disks that standard tools partitioned, read through the library, against what sfdisk says of the same
 // image.
 
-#include <gtest/gtest.h>
-
 #include "common/disk/disk_drive_manager_factory.h"
 #include "common/platform/guid.h"
 #include "machine/simulation.h"
 
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <array>

@@ -1,15 +1,15 @@
 // Writes to a disk on an image that fail at one of their steps: what the image then holds, byte for byte.
 
+#include "common/disk/disk_drive_manager.h"
+#include "common/disk/partition_manager_gpt.h"
+#include "images/written_table.h"
+#include "support/logger_capture.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-
-#include "common/disk/disk_drive_manager.h"
-#include "common/disk/partition_manager_gpt.h"
-#include "images/written_table.h"
-#include "support/logger_capture.h"
 
 namespace {
 

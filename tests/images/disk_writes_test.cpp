@@ -1,14 +1,14 @@
 // GPT disks on images, edited and written by the library, read back on a new machine. What is written here is
 // read once more by the partitioning tools.
 
+#include "common/disk/partition_manager_gpt.h"
+#include "images/written_table.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <iterator>
 #include <utility>
-
-#include "common/disk/partition_manager_gpt.h"
-#include "images/written_table.h"
 
 namespace {
 

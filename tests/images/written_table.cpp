@@ -1,6 +1,11 @@
 #include "images/written_table.h"
 
+#include "common/disk/disk_drive_manager_factory.h"
+#include "common/platform/guid.h"
+#include "support/text.h"
+
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <objbase.h>
 
 #include <algorithm>
@@ -10,12 +15,6 @@
 #include <iterator>
 #include <map>
 #include <stdexcept>
-
-#include <nlohmann/json.hpp>
-
-#include "common/disk/disk_drive_manager_factory.h"
-#include "common/platform/guid.h"
-#include "support/text.h"
 
 namespace written {
 namespace {

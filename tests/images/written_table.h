@@ -1,15 +1,15 @@
 #pragma once
 
+#include "common/disk/partition_manager.h"
+#include "machine/simulation.h"
+#include "support/scoped_import.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "common/disk/partition_manager.h"
-#include "machine/simulation.h"
-#include "support/scoped_import.h"
 
 // Tables written into copies of disk images: what a test means to be there, beside what is there.
 namespace written {

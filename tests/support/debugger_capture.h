@@ -1,15 +1,15 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "common/windows.h"
 #include "support/scoped_import.h"
 
+#include <string>
+#include <vector>
+
 namespace support {
 
-/// Collects what a module (the test program, unless told otherwise) writes with OutputDebugStringW, instead
-/// of the debugger. One at a time.
+// Collects what a module (the test program, unless told otherwise) writes with OutputDebugStringW, instead
+// of the debugger. One at a time.
 class DebuggerCapture {
 public:
     explicit DebuggerCapture(HMODULE module = GetModuleHandleW(nullptr));

@@ -5,7 +5,7 @@
 
 namespace support {
 
-/// A LogCapture of the library's own logger, for tests that link the library.
+// A LogCapture of the library's own logger, for tests that link the library.
 class LoggerCapture : public LogCapture {
 public:
     LoggerCapture() : LogCapture([](Callback callback) { GetLogger().SetCallback(callback); }) {}

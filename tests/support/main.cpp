@@ -1,14 +1,14 @@
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
-#include <string_view>
-
-#include <gmock/gmock.h>
-
 #include "common/windows.h"
 #include "machine/redirect.h"
 #include "support/watchdog.h"
 #include "support/wine.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
 
 namespace {
 

@@ -1,11 +1,11 @@
 #include "support/own_process.h"
 
-#include <string>
+#include "common/windows.h"
+#include "support/text.h"
 
 #include <gtest/gtest.h>
 
-#include "common/windows.h"
-#include "support/text.h"
+#include <string>
 
 namespace support {
 namespace {

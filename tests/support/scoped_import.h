@@ -1,17 +1,17 @@
 #pragma once
 
-#include <stdexcept>
-#include <string>
-
 #include "common/windows.h"
 #include "machine/redirect.h"
 
+#include <stdexcept>
+#include <string>
+
 namespace support {
 
-/// Lets a module (the test program, unless told otherwise) call `replacement` where it imports `function`,
-/// for the life of the object. A replacement that carries state keeps it in a static: it is a plain function
-/// pointer. Throws std::runtime_error when the module does not import the function: a test that redirects
-/// nothing tests nothing.
+// Lets a module (the test program, unless told otherwise) call `replacement` where it imports `function`,
+// for the life of the object. A replacement that carries state keeps it in a static: it is a plain function
+// pointer. Throws std::runtime_error when the module does not import the function: a test that redirects
+// nothing tests nothing.
 template <class Function>
 class ScopedImport {
 public:
@@ -27,7 +27,7 @@ public:
     ScopedImport(const ScopedImport&) = delete;
     ScopedImport& operator=(const ScopedImport&) = delete;
 
-    /// What the module called before.
+    // What the module called before.
     Function previous() const noexcept {
         return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(previous_));
     }

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <utility>
-
 #include "support/scoped_import.h"
+
+#include <utility>
 
 namespace support {
 
-/// Puts a lambda, captures and all, in the place of a function pointer for the life of the object:
-///     const Stub stub(Kernel32DLL::Get().DeviceIoControl, [&](HANDLE, DWORD code, ...) -> BOOL { ... });
-/// Each lambda expression can be in place once at a time.
+// Puts a lambda, captures and all, in the place of a function pointer for the life of the object:
+//     const Stub stub(Kernel32DLL::Get().DeviceIoControl, [&](HANDLE, DWORD code, ...) -> BOOL { ... });
+// Each lambda expression can be in place once at a time.
 template <class Result, class Body, class... Arguments>
 class StubFunction {
 public:
@@ -45,8 +45,8 @@ private:
 template <class Result, class Body, class... Arguments>
 Stub(Result(WINAPI*& function)(Arguments...), Body body) -> Stub<Result(WINAPI*)(Arguments...), Body>;
 
-/// The same for a function that the test program imports:
-///     const StubImport stub("CoCreateGuid", &::CoCreateGuid, [&](GUID*) { return E_FAIL; });
+// The same for a function that the test program imports:
+//     const StubImport stub("CoCreateGuid", &::CoCreateGuid, [&](GUID*) { return E_FAIL; });
 template <class Function, class Body>
 class StubImport;
 
@@ -70,7 +70,7 @@ template <class Result, class Body, class... Arguments>
 StubImport(const char* name, Result(WINAPI* prototype)(Arguments...), Body body)
     -> StubImport<Result(WINAPI*)(Arguments...), Body>;
 
-/// Gives a variable, such as a function pointer of a table, another value for the life of the object.
+// Gives a variable, such as a function pointer of a table, another value for the life of the object.
 template <class Value>
 class ScopedValue {
 public:

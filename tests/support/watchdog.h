@@ -1,19 +1,19 @@
 #pragma once
 
-#include <string>
+#include "common/windows.h"
 
 #include <gtest/gtest.h>
 
-#include "common/windows.h"
+#include <string>
 
 namespace support {
 
-/// Exit codes of a test program that did not come to its end.
+// Exit codes of a test program that did not come to its end.
 inline constexpr unsigned kHungExitCode = 86;
 inline constexpr unsigned kCrashedExitCode = 87;
 
-/// Names the test that runs, and ends the process with kHungExitCode when it takes longer than `limit`
-/// seconds. Hand it to gtest's listeners, which own it from then on.
+// Names the test that runs, and ends the process with kHungExitCode when it takes longer than `limit`
+// seconds. Hand it to gtest's listeners, which own it from then on.
 class Watchdog : public testing::EmptyTestEventListener {
 public:
     explicit Watchdog(unsigned limit);
@@ -35,8 +35,8 @@ private:
     HANDLE thread_;
 };
 
-/// From now on a crash ends the process at once, without a debugger or a dialog, with kCrashedExitCode and
-/// the name of the test that ran.
+// From now on a crash ends the process at once, without a debugger or a dialog, with kCrashedExitCode and
+// the name of the test that ran.
 void ReportCrashes();
 
 }  // namespace support

@@ -1,7 +1,6 @@
 // The volume side of the enumerator: drive letters, and the walk over the drives.
 
 #include "common/enumdisk/enum_disk.h"
-
 #include "common/logger/trace.h"
 #include "common/text/multi_string.h"
 

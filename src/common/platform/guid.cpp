@@ -2,9 +2,9 @@
 
 #include "common/logger/orvane_logger.h"
 
-#include <array>
-
 #include <objbase.h>
+
+#include <array>
 
 std::wstring GuidText(const GUID& guid) {
     std::array<wchar_t, 39> text{};

@@ -1,9 +1,8 @@
 // What a volume concludes from its queries and from the disks that it lies on.
 
+#include "common/logger/trace.h"
 #include "common/text/decimal_text.h"
 #include "common/volume/volume.h"
-
-#include "common/logger/trace.h"
 
 #include <algorithm>
 #include <array>

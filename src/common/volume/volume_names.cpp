@@ -1,9 +1,8 @@
 // The forms of a volume's names, and the ways between them.
 
-#include "common/volume/volume.h"
-
 #include "common/logger/orvane_logger.h"
 #include "common/platform/case_folding.h"
+#include "common/volume/volume.h"
 
 #include <source_location>
 

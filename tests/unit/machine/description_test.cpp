@@ -1,12 +1,12 @@
+#include "machine/text.h"
+#include "test_machine.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <ostream>
 #include <string>
-
-#include "machine/text.h"
-#include "test_machine.h"
 
 namespace machine_test {
 namespace {

@@ -1,10 +1,10 @@
+#include "image_support.h"
+#include "machine/text.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstring>
-
-#include "image_support.h"
-#include "machine/text.h"
 
 namespace machine_test {
 namespace {

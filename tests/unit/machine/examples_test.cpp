@@ -1,3 +1,8 @@
+#include "machine/partition_table.h"
+#include "machine/text.h"
+#include "machine/wmi_defaults.h"
+#include "test_machine.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,11 +12,6 @@
 #include <set>
 #include <string>
 #include <vector>
-
-#include "machine/partition_table.h"
-#include "machine/text.h"
-#include "machine/wmi_defaults.h"
-#include "test_machine.h"
 
 namespace machine_test {
 namespace {

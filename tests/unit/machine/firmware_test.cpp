@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "machine/disk_structures.h"
 #include "machine/simulated_functions.h"
 #include "test_machine.h"
+
+#include <gtest/gtest.h>
 
 namespace machine_test {
 namespace {

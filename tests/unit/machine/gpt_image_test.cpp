@@ -1,9 +1,9 @@
+#include "image_support.h"
+#include "machine/text.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
-
-#include "image_support.h"
-#include "machine/text.h"
 
 namespace machine_test {
 namespace {

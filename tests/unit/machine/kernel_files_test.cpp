@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "test_machine.h"
+
+#include <gtest/gtest.h>
 
 namespace machine_test {
 namespace {

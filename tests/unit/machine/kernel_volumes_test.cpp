@@ -1,9 +1,9 @@
+#include "test_machine.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "test_machine.h"
 
 namespace machine_test {
 namespace {

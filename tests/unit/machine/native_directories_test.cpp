@@ -1,11 +1,11 @@
+#include "machine/simulated_functions.h"
+#include "test_machine.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "machine/simulated_functions.h"
-#include "test_machine.h"
 
 namespace machine_test {
 namespace {

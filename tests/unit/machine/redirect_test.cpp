@@ -1,9 +1,10 @@
+#include "machine/redirect.h"
+
+#include "test_machine.h"
+
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-
-#include "machine/redirect.h"
-#include "test_machine.h"
 
 namespace machine_test {
 namespace {

@@ -1,12 +1,12 @@
+#include "machine/session.h"
+
+#include "test_machine.h"
+
 #include <gtest/gtest.h>
+#include <ole2.h>
 
 #include <stdexcept>
 #include <string>
-
-#include <ole2.h>
-
-#include "machine/session.h"
-#include "test_machine.h"
 
 namespace machine_test {
 namespace {

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "common/windows.h"
-#include <winternl.h>
-
 #include "machine/description.h"
 #include "machine/redirect.h"
 #include "machine/simulation.h"
+
+#include <winternl.h>
+
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace machine_test {
 
@@ -17,7 +17,7 @@ inline machine::Description Parse(const std::string& json) {
     return machine::ParseDescription(json, "test.json");
 }
 
-/// A function as a module on the simulation finds it.
+// A function as a module on the simulation finds it.
 template <class Function>
 Function Bound(const wchar_t* library, const char* name) {
     return reinterpret_cast<Function>(
@@ -26,7 +26,7 @@ Function Bound(const wchar_t* library, const char* name) {
 
 #define MACHINE_TEST_KERNEL(name) decltype(&::name) name = Bound<decltype(&::name)>(L"kernel32.dll", #name)
 
-/// The kernel functions of the simulation, bound the way the library binds them.
+// The kernel functions of the simulation, bound the way the library binds them.
 struct Kernel {
     MACHINE_TEST_KERNEL(CreateFileW);
     MACHINE_TEST_KERNEL(CloseHandle);
@@ -51,8 +51,8 @@ struct Kernel {
                            nullptr);
     }
 
-    /// The result, the bytes returned and the last error of one device control with an output buffer of
-    /// `size`.
+    // The result, the bytes returned and the last error of one device control with an output buffer of
+    // `size`.
     struct Control {
         bool done = false;
         DWORD error = 0;
@@ -81,7 +81,7 @@ struct Kernel {
 
 #undef MACHINE_TEST_KERNEL
 
-/// One simulation with its functions.
+// One simulation with its functions.
 struct Machine {
     explicit Machine(const std::string& json) : simulation(Parse(json)) {}
     explicit Machine(machine::Description description) : simulation(std::move(description)) {}
@@ -90,7 +90,7 @@ struct Machine {
     Kernel kernel;
 };
 
-/// A machine with one disk and volume of each kind that most tests need.
+// A machine with one disk and volume of each kind that most tests need.
 inline std::string SmallMachine() {
     return R"({
         "disks": [

@@ -1,8 +1,8 @@
+#include "test_machine.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "test_machine.h"
 
 namespace machine_test {
 namespace {

@@ -1,15 +1,14 @@
 #pragma once
 
+#include "machine/session.h"
+#include "test_machine.h"
+
+#include <comdef.h>
 #include <gtest/gtest.h>
+#include <wbemidl.h>
 
 #include <memory>
 #include <string>
-
-#include <comdef.h>
-#include <wbemidl.h>
-
-#include "machine/session.h"
-#include "test_machine.h"
 
 namespace machine_test {
 

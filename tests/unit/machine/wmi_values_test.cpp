@@ -1,8 +1,8 @@
+#include "wmi_support.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "wmi_support.h"
 
 namespace machine_test {
 namespace {

@@ -1,7 +1,6 @@
 // The whole document of a record filled by hand, element by element.
 
 #include "capture/document/environment_document.h"
-
 #include "unit/capture/document/written_document.h"
 
 #include <gtest/gtest.h>

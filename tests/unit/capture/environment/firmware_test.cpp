@@ -1,9 +1,10 @@
-#include <gtest/gtest.h>
-
 #include "capture/environment/firmware.h"
+
 #include "common/platform/system_library.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

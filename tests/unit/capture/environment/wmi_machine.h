@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-/// A machine of which only the management classes matter.
+// A machine of which only the management classes matter.
 class WmiMachine {
 public:
     WmiMachine() : session_(machine::ParseDescription("{}", "wmi machine")) {}
@@ -20,12 +20,12 @@ public:
         return simulation().description().wmi[machine::WmiClassKey(name)];
     }
 
-    /// Sets a property of the first instance.
+    // Sets a property of the first instance.
     void Set(const std::wstring& class_name, const std::wstring& property, const machine::WmiValue& value) {
         machine::SetProperty(Class(class_name).instances.at(0), {property, value});
     }
 
-    /// The properties that were read of that class, in order.
+    // The properties that were read of that class, in order.
     std::vector<std::wstring> ReadProperties(const std::wstring& class_name) {
         std::vector<std::wstring> properties;
         for (const machine::CallRecord& record : simulation().calls().records()) {
@@ -36,7 +36,7 @@ public:
         return properties;
     }
 
-    /// The classes that were queried, in order.
+    // The classes that were queried, in order.
     std::vector<std::wstring> QueriedClasses() {
         std::vector<std::wstring> classes;
         for (const machine::CallRecord& record : simulation().calls().records()) {
@@ -76,7 +76,7 @@ inline machine::WmiValue WmiNull() {
     return {};
 }
 
-/// A property whose reading fails.
+// A property whose reading fails.
 inline machine::WmiValue WmiFailure() {
     machine::WmiValue value;
     value.error = 0x80041001;  // WBEM_E_FAILED

@@ -75,7 +75,7 @@ TEST(AddUnknownDiskInformation, Number_GetsA500BytePlaceholder) {
 
 class AddExistingDiskInformationTest : public testing::Test {
 protected:
-    /// The row of the only disk of a machine, size 10 GiB.
+    // The row of the only disk of a machine, size 10 GiB.
     DiskRow RowOf(const std::string& style_and_partitions) {
         const machine::Session session(machine::ParseDescription(
             R"({"disks": [{"index": 3, "size": "10 GiB", )" + style_and_partitions + "}]}", "one disk"));
@@ -89,7 +89,7 @@ protected:
         return row;
     }
 
-    /// The same, finished.
+    // The same, finished.
     DiskRow FinishedRowOf(const std::string& style_and_partitions) {
         std::vector<DiskRow> rows = {RowOf(style_and_partitions)};
         orvane::FinishDiskRows(rows);
@@ -139,7 +139,7 @@ constexpr char kReversedSlots[] = R"("style": "mbr", "partitions": [
         {"offset": "5000 MiB", "size": "100 MiB", "type": "ntfs"},
         {"offset": "1 MiB", "size": "100 MiB", "type": "ntfs"}])";
 
-/// Offset and number of every partition.
+// Offset and number of every partition.
 std::vector<std::pair<std::uint64_t, std::int32_t>> NumbersOf(const DiskRow& row) {
     std::vector<std::pair<std::uint64_t, std::int32_t>> numbers;
     for (const RowFacts& facts : FactsOf(row)) {

@@ -1,7 +1,6 @@
 // The records of the shipped machines, held against what their descriptions say.
 
 #include "capture/grabber/info_grabber_v2.h"
-
 #include "machine/text.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
@@ -31,7 +30,7 @@ bool IsDynamic(const machine::Disk& disk) {
                        [](const machine::Partition& partition) { return partition.mbr_type == kLdm; });
 }
 
-/// The described partitions in disk order.
+// The described partitions in disk order.
 std::vector<machine::Partition> PartitionsOf(const machine::Disk& disk) {
     std::vector<machine::Partition> partitions;
     for (const machine::Partition& partition : disk.partitions) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "common/xml/ms_xml.h"
+#include "support/text.h"
+
 #include <objbase.h>
 
 #include <cstddef>
@@ -8,9 +11,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "common/xml/ms_xml.h"
-#include "support/text.h"
 
 // What an object writes into a document, as a list that a test can compare.
 namespace captured {

@@ -1,10 +1,3 @@
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-#include <boost/make_shared.hpp>
-#include <gmock/gmock.h>
-
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "common/disk/disk_drive_manager_unknown.h"
@@ -13,6 +6,13 @@
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/listed_disks.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

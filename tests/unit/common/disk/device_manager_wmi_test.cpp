@@ -1,18 +1,17 @@
-#include <objbase.h>
-
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-#include <boost/make_shared.hpp>
-#include <gmock/gmock.h>
-
 #include "common/disk/device_manager.h"
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "machine/session.h"
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
 #include "unit/common/disk/expected_lines.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+#include <objbase.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

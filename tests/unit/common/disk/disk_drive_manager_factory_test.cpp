@@ -1,17 +1,18 @@
-#include <cstddef>
-#include <cstring>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/disk/disk_drive_manager_factory.h"
+
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "common/platform/system_library.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <gmock/gmock.h>
+
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

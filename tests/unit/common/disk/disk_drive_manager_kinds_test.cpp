@@ -1,10 +1,3 @@
-#include <functional>
-#include <string>
-#include <vector>
-
-#include <boost/make_shared.hpp>
-#include <gmock/gmock.h>
-
 #include "common/disk/device_manager.h"
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/disk_drive_manager_mbr.h"
@@ -12,6 +5,13 @@
 #include "support/logger_capture.h"
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

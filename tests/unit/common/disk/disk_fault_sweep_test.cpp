@@ -1,13 +1,13 @@
-#include <cstddef>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "common/disk/disk_drive_manager_factory.h"
 #include "common/disk/partition_manager_gpt.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
 
 // Every single call of reading a disk and of writing its table fails once, and once with all that follow it.
 namespace bmr_common {

@@ -1,17 +1,17 @@
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <vector>
-
-#include <boost/make_shared.hpp>
-#include <gmock/gmock.h>
-
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/listed_disks.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

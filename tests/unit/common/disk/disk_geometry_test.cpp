@@ -1,10 +1,10 @@
 #include "common/disk/disk_geometry.h"
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-
-#include <gtest/gtest.h>
 
 namespace bmr_common {
 namespace {

@@ -1,14 +1,14 @@
-#include <algorithm>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/disk/disk_drive_manager_factory.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

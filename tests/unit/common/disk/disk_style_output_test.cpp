@@ -1,17 +1,17 @@
 // What a disk writes of a partition style that no kind of disk which can be backed up has: a kind of its own,
 // judged as good as any, stands in.
 
-#include <cstring>
-#include <ostream>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
 #include "unit/common/disk/expected_lines.h"
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <ostream>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

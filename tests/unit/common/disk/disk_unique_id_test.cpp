@@ -1,13 +1,3 @@
-#include <objbase.h>
-
-#include <cstdlib>
-#include <ctime>
-#include <string>
-#include <vector>
-
-#include <boost/make_shared.hpp>
-#include <gmock/gmock.h>
-
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "common/disk/disk_drive_manager_unknown.h"
@@ -15,6 +5,15 @@
 #include "support/scoped_import.h"
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/listed_disks.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+#include <objbase.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "support/log_capture.h"
+
 #include <string>
 #include <utility>
-
-#include "support/log_capture.h"
 
 // Lines of the log as a test expects them.
 namespace expected {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "common/disk/device_manager.h"
+
 #include <initializer_list>
 #include <string>
 #include <vector>
-
-#include "common/disk/device_manager.h"
 
 // Device managers that learn from the test which disks there are.
 namespace listed {

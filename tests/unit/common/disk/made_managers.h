@@ -1,10 +1,10 @@
 #pragma once
 
-#include <initializer_list>
-
 #include "common/disk/partition_manager_gpt.h"
 #include "common/disk/partition_manager_mbr.h"
 #include "unit/common/disk/partition_entries.h"
+
+#include <initializer_list>
 
 // Partition managers that hold what a test gives them, without a disk.
 namespace made {

@@ -1,14 +1,14 @@
 #include "common/disk/operation_status.h"
 
+#include "support/logger_capture.h"
+#include "unit/common/disk/expected_lines.h"
+
+#include <gmock/gmock.h>
+
 #include <exception>
 #include <functional>
 #include <string>
 #include <vector>
-
-#include <gmock/gmock.h>
-
-#include "support/logger_capture.h"
-#include "unit/common/disk/expected_lines.h"
 
 namespace bmr_common {
 namespace {

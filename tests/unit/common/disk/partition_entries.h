@@ -1,12 +1,12 @@
 #pragma once
 
+#include "common/windows.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
 #include <string_view>
-
-#include "common/windows.h"
 
 // Entries of partition tables as a driver reports them, and the type GUIDs that stand in them.
 namespace entries {

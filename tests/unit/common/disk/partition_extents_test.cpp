@@ -1,14 +1,14 @@
-#include <cstdint>
-#include <limits>
-#include <string>
-
-#include <gmock/gmock.h>
-
 #include "common/disk/partition_gpt.h"
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/partition_entries.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
 
 namespace bmr_common {
 namespace {

@@ -1,17 +1,16 @@
+#include "support/logger_capture.h"
+#include "support/scoped_import.h"
+#include "unit/common/disk/expected_lines.h"
+#include "unit/common/disk/made_managers.h"
+#include "unit/common/disk/partition_entries.h"
+
+#include <gmock/gmock.h>
 #include <objbase.h>
 
 #include <cstdint>
 #include <limits>
 #include <string>
 #include <vector>
-
-#include <gmock/gmock.h>
-
-#include "support/logger_capture.h"
-#include "support/scoped_import.h"
-#include "unit/common/disk/expected_lines.h"
-#include "unit/common/disk/made_managers.h"
-#include "unit/common/disk/partition_entries.h"
 
 namespace bmr_common {
 namespace {

@@ -1,10 +1,3 @@
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/disk/partition_gpt.h"
 #include "common/disk/partition_manager_gpt.h"
 #include "common/disk/partition_manager_mbr.h"
@@ -13,6 +6,13 @@
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

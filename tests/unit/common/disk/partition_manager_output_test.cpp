@@ -1,8 +1,3 @@
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/disk/partition_manager_gpt.h"
 #include "common/disk/partition_manager_mbr.h"
 #include "support/logger_capture.h"
@@ -10,6 +5,11 @@
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

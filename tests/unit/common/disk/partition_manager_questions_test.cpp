@@ -1,16 +1,16 @@
-#include <cstdint>
-#include <string>
-#include <vector>
-
-#include <boost/make_shared.hpp>
-#include <gmock/gmock.h>
-
 #include "common/disk/partition_gpt.h"
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

@@ -1,12 +1,3 @@
-#include <cstdint>
-#include <limits>
-#include <ostream>
-#include <string>
-#include <vector>
-
-#include <boost/make_shared.hpp>
-#include <gmock/gmock.h>
-
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
@@ -15,6 +6,15 @@
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

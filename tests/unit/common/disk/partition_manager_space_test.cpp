@@ -1,12 +1,12 @@
-#include <cstdint>
-#include <string>
-
-#include <gmock/gmock.h>
-
 #include "support/logger_capture.h"
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <string>
 
 namespace bmr_common {
 namespace {

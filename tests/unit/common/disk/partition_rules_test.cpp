@@ -1,16 +1,16 @@
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/disk/partition_gpt.h"
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/partition_entries.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
+#include "common/platform/win_api_wrapper.h"
+#include "machine/simulation.h"
 
 #include <gtest/gtest.h>
 
-#include "common/platform/win_api_wrapper.h"
-#include "machine/simulation.h"
+#include <cstdint>
+#include <string>
 
 // Machines of one or two disks, and the way to open those.
 namespace simulated_disks {

@@ -1,4 +1,5 @@
 #include "common/enumdisk/disk_interfaces.h"
+
 #include "support/stub.h"
 #include "unit/common/enumdisk/enum_machine.h"
 

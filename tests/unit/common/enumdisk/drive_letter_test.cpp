@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "common/enumdisk/enum_disk.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <string>
-#include <utility>
-#include <vector>
+#include "machine/session.h"
+#include "support/logger_capture.h"
 
 #include <gmock/gmock.h>
 
-#include "machine/session.h"
-#include "support/logger_capture.h"
+#include <string>
+#include <utility>
+#include <vector>
 
 // Described machines under the enumerator: the disks and volumes of the tests, and what the log says of them.
 namespace enum_machine {

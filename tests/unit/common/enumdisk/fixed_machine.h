@@ -1,11 +1,11 @@
 #pragma once
 
+#include "common/enumdisk/fixed_volumes.h"
+#include "unit/common/enumdisk/enum_machine.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
-
-#include "common/enumdisk/fixed_volumes.h"
-#include "unit/common/enumdisk/enum_machine.h"
 
 // A machine of two fixed volumes on one MBR disk: C: and one without a letter.
 namespace fixed_machine {

@@ -1,6 +1,7 @@
 // The listing of the fixed volumes, and what each is asked.
 
 #include "common/enumdisk/fixed_volumes.h"
+
 #include "unit/common/enumdisk/enum_machine.h"
 #include "unit/common/enumdisk/fixed_machine.h"
 

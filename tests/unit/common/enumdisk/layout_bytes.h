@@ -1,22 +1,22 @@
 #pragma once
 
+#include "common/windows.h"
+
 #include <cstddef>
 #include <cstring>
 #include <vector>
 
-#include "common/windows.h"
-
 // The bytes of drive layouts, as a driver returns them.
 namespace layout_bytes {
 
-/// Gives a layout another count of entries, whatever it holds.
+// Gives a layout another count of entries, whatever it holds.
 inline void SetCount(std::vector<unsigned char>& layout, bool extended, DWORD count) {
     const std::size_t offset = extended ? offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionCount)
                                         : offsetof(DRIVE_LAYOUT_INFORMATION, PartitionCount);
     std::memcpy(layout.data() + offset, &count, sizeof(count));
 }
 
-/// A GPT layout of partitions of the given types.
+// A GPT layout of partitions of the given types.
 inline std::vector<unsigned char> Gpt(const GUID& disk_id, const std::vector<GUID>& types) {
     constexpr std::size_t kHeader = offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry);
     DRIVE_LAYOUT_INFORMATION_EX header{};

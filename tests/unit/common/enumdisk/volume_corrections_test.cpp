@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include "common/enumdisk/fixed_volumes.h"
 #include "support/logger_capture.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

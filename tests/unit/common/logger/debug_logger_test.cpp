@@ -1,13 +1,13 @@
 #include "common/logger/debug_logger.h"
 
+#include "support/debugger_capture.h"
+
+#include <gmock/gmock.h>
+
 #include <ctime>
 #include <cwchar>
 #include <regex>
 #include <string>
-
-#include <gmock/gmock.h>
-
-#include "support/debugger_capture.h"
 
 namespace {
 

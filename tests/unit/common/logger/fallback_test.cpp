@@ -1,11 +1,11 @@
 // The process's logger without a callback: stamped lines in the debugger output, formatted a second time.
 
-#include <string>
+#include "common/logger/orvane_logger.h"
+#include "support/debugger_capture.h"
 
 #include <gmock/gmock.h>
 
-#include "common/logger/orvane_logger.h"
-#include "support/debugger_capture.h"
+#include <string>
 
 namespace {
 

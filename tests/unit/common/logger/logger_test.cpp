@@ -1,14 +1,14 @@
 #include "common/logger/logger.h"
 
+#include "support/debugger_capture.h"
+
+#include <gmock/gmock.h>
+
 #include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <gmock/gmock.h>
-
-#include "support/debugger_capture.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
 #include "common/logger/orvane_logger.h"
 
-#include <clocale>
-#include <stdexcept>
-#include <string>
+#include "support/debugger_capture.h"
+#include "support/logger_capture.h"
 
 #include <gmock/gmock.h>
 
-#include "support/debugger_capture.h"
-#include "support/logger_capture.h"
+#include <clocale>
+#include <stdexcept>
+#include <string>
 
 namespace {
 

@@ -1,14 +1,14 @@
 #include "common/logger/trace.h"
 
+#include "support/logger_capture.h"
+
+#include <gmock/gmock.h>
+
 #include <memory>
 #include <regex>
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include <gmock/gmock.h>
-
-#include "support/logger_capture.h"
 
 namespace {
 

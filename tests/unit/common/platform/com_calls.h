@@ -1,16 +1,15 @@
 #pragma once
 
+#include "common/windows.h"
+#include "support/stub.h"
+
+#include <objbase.h>
+
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "common/windows.h"
-
-#include <objbase.h>
-
-#include "support/stub.h"
-
-/// COM's initialisation as the program imports it: every call is kept, and answered with the given results.
+// COM's initialisation as the program imports it: every call is kept, and answered with the given results.
 class ComCalls {
 public:
     ComCalls();

@@ -1,10 +1,10 @@
 #include "common/platform/com_enabler.h"
 
-#include <gmock/gmock.h>
-
 #include "com_calls.h"
 #include "support/logger_capture.h"
 #include "support/own_process.h"
+
+#include <gmock/gmock.h>
 
 namespace {
 

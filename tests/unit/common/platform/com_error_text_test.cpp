@@ -1,11 +1,11 @@
 #include "common/platform/com_error_text.h"
 
-#include <cstring>
-#include <string>
+#include "support/stub.h"
 
 #include <gmock/gmock.h>
 
-#include "support/stub.h"
+#include <cstring>
+#include <string>
 
 namespace {
 

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "common/platform/win_api_wrapper.h"
+#include "support/stub.h"
+
 #include <cstring>
 #include <functional>
 #include <vector>
 
-#include "common/platform/win_api_wrapper.h"
-#include "support/stub.h"
-
-/// A device behind DeviceIoControl: answers every control code with the same bytes, or the error 122 while
-/// the buffer is smaller than they are, and keeps what it is asked. The public fields change its manners.
+// A device behind DeviceIoControl: answers every control code with the same bytes, or the error 122 while
+// the buffer is smaller than they are, and keeps what it is asked. The public fields change its manners.
 class ControlSystem {
 public:
     struct Request {
@@ -69,7 +69,7 @@ private:
     support::Stub<Function, std::function<std::remove_pointer_t<Function>>> stub_;
 };
 
-/// Bytes of a plain structure.
+// Bytes of a plain structure.
 template <class Structure>
 win::ByteBuffer BytesOf(const Structure& structure) {
     win::ByteBuffer bytes(sizeof(structure));
@@ -77,9 +77,9 @@ win::ByteBuffer BytesOf(const Structure& structure) {
     return bytes;
 }
 
-/// A layout record that counts `claimed` partitions and holds `held`.
+// A layout record that counts `claimed` partitions and holds `held`.
 win::ByteBuffer LayoutBytes(DWORD claimed, std::size_t held);
-/// An extent list that counts `claimed` extents and holds `held`.
+// An extent list that counts `claimed` extents and holds `held`.
 win::ByteBuffer ExtentBytes(DWORD claimed, std::size_t held);
-/// A geometry with its partition record and `more` bytes of whatever follows.
+// A geometry with its partition record and `more` bytes of whatever follows.
 win::ByteBuffer GeometryBytes(std::size_t more);

@@ -1,15 +1,15 @@
 // The wrappers on a described machine: the bound tables, the manners of the system, and no handle left
 // behind.
 
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/nt_api_wrapper.h"
 #include "common/platform/win_api_wrapper.h"
 #include "machine/simulation.h"
 #include "support/logger_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,13 +1,13 @@
 // Answers of devices that contradict themselves, and the control codes with input or a fixed answer.
 
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/win_api_wrapper.h"
 #include "control_system.h"
 #include "support/logger_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,15 +1,15 @@
 // The three wrappers whose answer has no known length: one rule of growing, one way of trimming.
 
-#include <algorithm>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/win_api_wrapper.h"
 #include "control_system.h"
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
 
 namespace {
 

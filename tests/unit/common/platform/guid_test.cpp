@@ -1,11 +1,10 @@
 #include "common/platform/guid.h"
 
-#include <objbase.h>
-
-#include <gmock/gmock.h>
-
 #include "support/logger_capture.h"
 #include "support/stub.h"
+
+#include <gmock/gmock.h>
+#include <objbase.h>
 
 namespace {
 

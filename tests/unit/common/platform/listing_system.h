@@ -1,5 +1,8 @@
 #pragma once
 
+#include "common/platform/system_library.h"
+#include "support/stub.h"
+
 #include <algorithm>
 #include <functional>
 #include <string>
@@ -7,14 +10,11 @@
 #include <utility>
 #include <vector>
 
-#include "common/platform/system_library.h"
-#include "support/stub.h"
-
 inline std::wstring NullOr(const wchar_t* text) {
     return text == nullptr ? L"(null)" : text;
 }
 
-/// A system that answers both calls with the same list, in the manner of each, and keeps what it is asked.
+// A system that answers both calls with the same list, in the manner of each, and keeps what it is asked.
 class ListingSystem {
 public:
     explicit ListingSystem(std::wstring list)
@@ -58,7 +58,7 @@ private:
     Answer<decltype(Kernel32DLL::QueryDosDeviceW)> dos_device_;
 };
 
-/// A list of just so many characters, its two ends included.
+// A list of just so many characters, its two ends included.
 inline std::wstring ListOf(std::size_t characters) {
     return std::wstring(characters - 2, L'x') + std::wstring(2, L'\0');
 }

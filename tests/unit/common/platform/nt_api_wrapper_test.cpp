@@ -1,12 +1,12 @@
 #include "common/platform/nt_api_wrapper.h"
 
-#include <string>
-#include <vector>
+#include "support/logger_capture.h"
+#include "support/stub.h"
 
 #include <gmock/gmock.h>
 
-#include "support/logger_capture.h"
-#include "support/stub.h"
+#include <string>
+#include <vector>
 
 namespace {
 

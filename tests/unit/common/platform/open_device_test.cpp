@@ -1,10 +1,10 @@
-#include <string>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/win_api_wrapper.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
 
 namespace {
 

@@ -1,15 +1,15 @@
-#include <algorithm>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/win_api_wrapper.h"
 #include "listing_system.h"
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
 #include "support/text.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,12 +1,13 @@
-#include <cwchar>
-#include <string>
-#include <vector>
+#include "common/platform/privileges.h"
+
+#include "support/stub.h"
+#include "unit/common/platform/token_privileges.h"
 
 #include <gmock/gmock.h>
 
-#include "common/platform/privileges.h"
-#include "support/stub.h"
-#include "unit/common/platform/token_privileges.h"
+#include <cwchar>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,17 +1,17 @@
 // NtAPIWrapper::QueryDirectoryObject: one entry a call, out of a buffer that grows.
 
+#include "common/platform/nt_api_wrapper.h"
+#include "support/allocation_failure.h"
+#include "support/logger_capture.h"
+#include "support/stub.h"
+
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
-
-#include <gmock/gmock.h>
-
-#include "common/platform/nt_api_wrapper.h"
-#include "support/allocation_failure.h"
-#include "support/logger_capture.h"
-#include "support/stub.h"
 
 namespace {
 

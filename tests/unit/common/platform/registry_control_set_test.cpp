@@ -1,16 +1,16 @@
 // The search for the current control set where the registry or the memory misbehaves. No hive is loaded: the
 // doors to it are played, and what was opened is counted.
 
-#include <algorithm>
-#include <cstring>
-#include <string>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/registry.h"
 #include "common/text/listing_bound.h"
 #include "support/allocation_failure.h"
 #include "support/stub.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
 
 namespace {
 

@@ -1,18 +1,18 @@
 // Hives, really loaded and unloaded: a scratch hive file below a directory that plays Windows.
 
-#include <filesystem>
-#include <functional>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/privileges.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
 #include "support/text.h"
 #include "unit/common/platform/scratch_key.h"
 #include "unit/common/platform/token_privileges.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,14 +1,14 @@
 // Keys: creating, opening, closing, proving their existence, writing their values.
 
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
 #include "unit/common/platform/scratch_key.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
 
 namespace {
 

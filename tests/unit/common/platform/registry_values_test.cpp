@@ -1,16 +1,16 @@
 // Values: the three ways to read one, and the cursor over all of a key's.
 
-#include <algorithm>
-#include <cstring>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
 #include "unit/common/platform/scratch_key.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <string>
-#include <utility>
+#include "common/platform/registry.h"
 
 #include <gtest/gtest.h>
 
-#include "common/platform/registry.h"
+#include <string>
+#include <utility>
 
-/// A key of the test's own below HKEY_CURRENT_USER, which goes with the object. Not volatile: a volatile
-/// key would take no plain keys below it and would not be saved.
+// A key of the test's own below HKEY_CURRENT_USER, which goes with the object. Not volatile: a volatile
+// key would take no plain keys below it and would not be saved.
 class ScratchKey {
 public:
     ScratchKey() : ScratchKey(L"Software\\OrvaneTest-" + std::to_wstring(GetCurrentProcessId())) {}

@@ -1,13 +1,13 @@
 #include "common/platform/string_conversion.h"
 
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/windows.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
 
 namespace {
 

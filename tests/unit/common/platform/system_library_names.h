@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-/// The functions of the bound tables by name.
+// The functions of the bound tables by name.
 using Names = std::vector<std::string>;
 
 inline const Names kKernelMembers = {"CreateWaitableTimerA",

@@ -1,17 +1,17 @@
 #include "common/platform/system_library.h"
 
-#include <array>
-#include <cstring>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "machine/redirect.h"
 #include "machine/simulation.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
 #include "system_library_names.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstring>
+#include <string>
+#include <vector>
 
 namespace {
 

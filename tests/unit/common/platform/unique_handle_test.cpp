@@ -1,11 +1,11 @@
 #include "common/platform/unique_handle.h"
 
-#include <utility>
-#include <vector>
+#include "support/stub.h"
 
 #include <gmock/gmock.h>
 
-#include "support/stub.h"
+#include <utility>
+#include <vector>
 
 namespace {
 

@@ -1,14 +1,14 @@
 // The wrappers that ask for facts of one volume: drive type, space, label and file system, the search.
 
-#include <algorithm>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/win_api_wrapper.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include <string>
-#include <vector>
-
 #include "support/stub.h"
 #include "wmi_machine.h"
+
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <string>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/wmi.h"
 #include "machine/session.h"
 #include "support/logger_capture.h"
 
-/// A session of a machine whose class Test_Class has the given instances (JSON); ends by looking for objects
-/// that were not released.
+#include <gmock/gmock.h>
+
+#include <string>
+
+// A session of a machine whose class Test_Class has the given instances (JSON); ends by looking for objects
+// that were not released.
 class WmiMachine : public testing::Test {
 protected:
     explicit WmiMachine(const std::string& instances)

@@ -1,7 +1,7 @@
+#include "wmi_machine.h"
+
 #include <string>
 #include <vector>
-
-#include "wmi_machine.h"
 
 namespace {
 

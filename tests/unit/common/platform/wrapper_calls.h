@@ -1,14 +1,14 @@
 #pragma once
 
+#include "common/platform/nt_api_wrapper.h"
+#include "common/platform/win_api_wrapper.h"
+
 #include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "common/platform/nt_api_wrapper.h"
-#include "common/platform/win_api_wrapper.h"
-
-/// What every wrapper has in common is tested with this one call of each.
+// What every wrapper has in common is tested with this one call of each.
 struct WrapperCall {
     std::string name;                        // its qualified name, as it traces itself
     std::function<bool(DWORD& error)> call;  // with handles 0x10 and outputs that are thrown away
@@ -23,5 +23,5 @@ inline void PrintTo(const WrapperCall& call, std::ostream* out) {
 
 inline constexpr DWORD kExampleError = 1167;  // ERROR_DEVICE_NOT_CONNECTED
 
-/// All operations over kernel32.
+// All operations over kernel32.
 const std::vector<WrapperCall>& KernelWrapperCalls();

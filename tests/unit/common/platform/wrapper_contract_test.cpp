@@ -1,15 +1,15 @@
 // What all the wrappers over kernel32 promise alike: trace lines, the error code, one failure line, no
 // exception.
 
-#include <cstring>
-#include <memory>
-#include <string>
-
-#include <gmock/gmock.h>
-
 #include "support/logger_capture.h"
 #include "support/stub.h"
 #include "wrapper_calls.h"
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
 
 namespace {
 

@@ -1,7 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "common/record/partition_rows.h"
+
 #include "support/logger_capture.h"
+
+#include <gtest/gtest.h>
 
 #include <ostream>
 #include <string>

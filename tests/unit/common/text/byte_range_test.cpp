@@ -1,9 +1,10 @@
-#include <cstdint>
+#include "common/text/byte_range.h"
+
+#include "common/text/scope_exit.h"
 
 #include <gtest/gtest.h>
 
-#include "common/text/byte_range.h"
-#include "common/text/scope_exit.h"
+#include <cstdint>
 
 namespace {
 

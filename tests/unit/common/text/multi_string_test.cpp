@@ -1,12 +1,12 @@
 #include "common/text/multi_string.h"
 
-#include <string>
-#include <vector>
+#include "common/windows.h"
+#include "support/text.h"
 
 #include <gmock/gmock.h>
 
-#include "common/windows.h"
-#include "support/text.h"
+#include <string>
+#include <vector>
 
 namespace {
 

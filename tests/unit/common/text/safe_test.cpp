@@ -1,11 +1,11 @@
 #include "common/text/safe.h"
 
+#include <gmock/gmock.h>
+
 #include <array>
 #include <functional>
 #include <stdexcept>
 #include <string>
-
-#include <gmock/gmock.h>
 
 namespace {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "unit/common/disk/listed_disks.h"
 #include "unit/common/disk/simulated_disks.h"
+
+#include <string>
 
 // Volumes on one described disk, and the parts of the library that a volume asks.
 namespace described {

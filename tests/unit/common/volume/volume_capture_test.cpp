@@ -1,13 +1,13 @@
-#include <algorithm>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/volume/volume.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
 #include "unit/common/volume/described_volumes.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

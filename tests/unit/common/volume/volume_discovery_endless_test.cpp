@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include "common/volume/volume_manager.h"
 #include "unit/common/volume/described_volumes.h"
+
+#include <gtest/gtest.h>
 
 // A system that never comes to an end is given up. Without a capture of the log, which would keep every line.
 namespace bmr_common {

@@ -1,15 +1,15 @@
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-#include <boost/make_shared.hpp>
-#include <gmock/gmock.h>
-
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "common/volume/volume_manager.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
 #include "unit/common/volume/described_volumes.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

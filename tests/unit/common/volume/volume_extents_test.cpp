@@ -1,14 +1,14 @@
+#include "common/volume/volume.h"
+#include "support/logger_capture.h"
+#include "unit/common/volume/described_volumes.h"
+
+#include <gmock/gmock.h>
+
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include <gmock/gmock.h>
-
-#include "common/volume/volume.h"
-#include "support/logger_capture.h"
-#include "unit/common/volume/described_volumes.h"
 
 namespace bmr_common {
 namespace {

@@ -1,10 +1,10 @@
-#include <cstddef>
-
-#include <gtest/gtest.h>
-
 #include "common/volume/volume_manager.h"
 #include "support/logger_capture.h"
 #include "unit/common/volume/described_volumes.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
 
 // Every single call of a discovery fails once, and once with all that follow it.
 namespace bmr_common {

@@ -1,13 +1,13 @@
-#include <cstdint>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/platform/system_library.h"
 #include "common/volume/volume.h"
 #include "support/logger_capture.h"
 #include "unit/common/volume/described_volumes.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace bmr_common {
 namespace {

@@ -1,16 +1,16 @@
-#include <cstdint>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <boost/make_shared.hpp>
-#include <gmock/gmock.h>
-
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "common/volume/volume.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
 #include "unit/common/volume/described_volumes.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace bmr_common {
 namespace {

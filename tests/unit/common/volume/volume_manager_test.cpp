@@ -1,15 +1,16 @@
-#include <algorithm>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "common/volume/volume_manager.h"
+
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
 #include "unit/common/disk/expected_lines.h"
 #include "unit/common/volume/described_volumes.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace bmr_common {
 namespace {

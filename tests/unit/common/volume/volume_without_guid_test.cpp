@@ -1,10 +1,10 @@
-#include <string>
-
-#include <gmock/gmock.h>
-
 #include "common/volume/volume.h"
 #include "support/logger_capture.h"
 #include "unit/common/volume/described_volumes.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
 
 namespace bmr_common {
 namespace {

@@ -2,14 +2,13 @@
 
 #include "common/xml/bstr_argument.h"
 
+#include "support/stub.h"
+
 #include <comdef.h>
+#include <gmock/gmock.h>
 
 #include <cstdint>
 #include <string>
-
-#include <gmock/gmock.h>
-
-#include "support/stub.h"
 
 namespace {
 

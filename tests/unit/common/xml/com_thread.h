@@ -1,16 +1,15 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include "common/platform/unique_bstr.h"
 #include "common/windows.h"
 
+#include <gtest/gtest.h>
 #include <objbase.h>
 
 #include <algorithm>
 #include <string>
 
-/// Tests whose thread has COM.
+// Tests whose thread has COM.
 class ComThread : public testing::Test {
 protected:
     ComThread() : initialized_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
@@ -26,7 +25,7 @@ private:
     bool initialized_;
 };
 
-/// XML without the line ends and tabs that a DOM may put between elements.
+// XML without the line ends and tabs that a DOM may put between elements.
 inline std::wstring Flat(std::wstring_view xml) {
     std::wstring flat;
     for (std::size_t at = 0; at < xml.size();) {

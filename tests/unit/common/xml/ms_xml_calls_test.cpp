@@ -1,13 +1,13 @@
 // Each call of a node's interface, made to fail one at a time.
 
+#include "com_thread.h"
+#include "common/xml/ms_xml.h"
+
 #include <gmock/gmock.h>
 
 #include <array>
 #include <optional>
 #include <string>
-
-#include "com_thread.h"
-#include "common/xml/ms_xml.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 // What the wrapper does when there is no document, no node, or an interface call fails.
 
-#include <optional>
-#include <string>
-
-#include <gmock/gmock.h>
-
 #include "com_thread.h"
 #include "common/xml/ms_xml.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"
+
+#include <gmock/gmock.h>
+
+#include <optional>
+#include <string>
 
 namespace {
 

@@ -1,11 +1,11 @@
 #include "common/xml/ms_xml.h"
 
-#include <string>
+#include "com_thread.h"
+#include "support/stub.h"
 
 #include <gmock/gmock.h>
 
-#include "com_thread.h"
-#include "support/stub.h"
+#include <string>
 
 namespace {
 

@@ -1,12 +1,12 @@
 #include "common/xml/xml_values.h"
 
-#include <cstdint>
-#include <limits>
-#include <string>
+#include "com_thread.h"
 
 #include <gmock/gmock.h>
 
-#include "com_thread.h"
+#include <cstdint>
+#include <limits>
+#include <string>
 
 namespace {
 
