@@ -118,7 +118,7 @@ BSTR WINAPI AllocateNoText(const OLECHAR* /*text*/, UINT /*length*/) {
 
 TEST_F(CaptureFailures, ComError_IsToldByItsMessage) {
     simulation().description().volumes.front().label.assign(200, L'x');
-    const support::ScopedImport import("SysAllocStringLen", &AllocateNoText, library_.module);
+    const support::ScopedImport import("SysAllocStringLen", &AllocateNoText, library_.module());
     ExpectFailure();
     EXPECT_THAT(LastError(), testing::StartsWith("CaptureSystemRestorePointInfo COM Exception: "));
     EXPECT_GT(LastError().size(), std::string("CaptureSystemRestorePointInfo COM Exception: ").size());
@@ -137,7 +137,7 @@ HRESULT WINAPI CreateAllButTheDocument(REFCLSID clsid, IUnknown* outer, DWORD co
 }
 
 TEST_F(CaptureFailures, DocumentThatCannotBeMade_IsAnUnnamedException) {
-    const support::ScopedImport import("CoCreateInstance", &CreateAllButTheDocument, library_.module);
+    const support::ScopedImport import("CoCreateInstance", &CreateAllButTheDocument, library_.module());
     ExpectFailure();
     EXPECT_EQ(LastError(), kOtherException);
 }
@@ -147,7 +147,7 @@ HRESULT WINAPI RefuseGuid(GUID*) {
 }
 
 TEST_F(CaptureFailures, IdentifiersThatCannotBeMade_FailTheCollection) {
-    const support::ScopedImport import("CoCreateGuid", &RefuseGuid, library_.module);
+    const support::ScopedImport import("CoCreateGuid", &RefuseGuid, library_.module());
     ExpectFailure();
     EXPECT_TRUE(log_.Contains(support::kHostError, "CoCreateGuid call failed error: 2147500037")) << log_;
     EXPECT_EQ(LastError(), kNoEnvironment);
