@@ -11,6 +11,7 @@
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 constexpr char kNoEnvironment[] = "CaptureSystemRestorePointInfo Env Exception: Failed to obtain EnvInfo";
 constexpr char kOtherException[] = "CaptureSystemRestorePointInfo Exception";
@@ -118,7 +119,7 @@ BSTR WINAPI AllocateNoText(const OLECHAR* /*text*/, UINT /*length*/) {
 
 TEST_F(CaptureFailures, ComError_IsToldByItsMessage) {
     simulation().description().volumes.front().label.assign(200, L'x');
-    const support::ScopedImport import("SysAllocStringLen", &AllocateNoText, library_.module);
+    const support::ScopedImport import("SysAllocStringLen", &AllocateNoText, library_.module());
     ExpectFailure();
     EXPECT_THAT(LastError(), testing::StartsWith("CaptureSystemRestorePointInfo COM Exception: "));
     EXPECT_GT(LastError().size(), std::string("CaptureSystemRestorePointInfo COM Exception: ").size());
@@ -137,7 +138,7 @@ HRESULT WINAPI CreateAllButTheDocument(REFCLSID clsid, IUnknown* outer, DWORD co
 }
 
 TEST_F(CaptureFailures, DocumentThatCannotBeMade_IsAnUnnamedException) {
-    const support::ScopedImport import("CoCreateInstance", &CreateAllButTheDocument, library_.module);
+    const support::ScopedImport import("CoCreateInstance", &CreateAllButTheDocument, library_.module());
     ExpectFailure();
     EXPECT_EQ(LastError(), kOtherException);
 }
@@ -147,7 +148,7 @@ HRESULT WINAPI RefuseGuid(GUID*) {
 }
 
 TEST_F(CaptureFailures, IdentifiersThatCannotBeMade_FailTheCollection) {
-    const support::ScopedImport import("CoCreateGuid", &RefuseGuid, library_.module);
+    const support::ScopedImport import("CoCreateGuid", &RefuseGuid, library_.module());
     ExpectFailure();
     EXPECT_TRUE(log_.Contains(support::kHostError, "CoCreateGuid call failed error: 2147500037")) << log_;
     EXPECT_EQ(LastError(), kNoEnvironment);
@@ -186,10 +187,11 @@ TEST_F(CaptureFailures, DriveWithoutIndex_IsLeftOut) {
 TEST_F(CaptureFailures, VolumeQueriesThatFail_LeaveTheirElementsOut) {
     simulation().faults().Fail("GetVolumeInformationW", 21);
     simulation().faults().Fail("DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS", 1);
-    const std::string document = Document();
-    EXPECT_EQ(document.find("<SerialNumber>", document.find("<VolumeInfo>")), std::string::npos);
-    EXPECT_EQ(document.find("<NumberOfDiskExtents>"), std::string::npos);
-    EXPECT_THAT(document, HasSubstr("<NumberOfVolumes>7</NumberOfVolumes>"));
+    const XmlTree root = XmlTree::Of(Document());
+    const XmlTree& volumes = root.Child("BMREnvInfo").Child("VolumeInfo");
+    EXPECT_THAT(Lines(volumes), Not(HasSubstr("SerialNumber: ")));
+    EXPECT_THAT(Lines(root), Not(HasSubstr("NumberOfDiskExtents: ")));
+    EXPECT_EQ(volumes.Child("NumberOfVolumes").text, "7");
 }
 
 }  // namespace

@@ -1,23 +1,17 @@
 // The caller's side of a capture: buffer, size, status.
 
 #include "export/capture_fixture.h"
+#include "support/disk_addresses.h"
 #include "support/own_process.h"
 #include "support/xml_tree.h"
 
 #include <gmock/gmock.h>
-
-#include <regex>
 
 namespace {
 
 using support::LogLine;
 using testing::EndsWith;
 using testing::StartsWith;
-
-// A disk's element "GUID" is the address of a text on the stack.
-std::string WithoutAddresses(const std::string& document) {
-    return std::regex_replace(document, std::regex("<GUID>[0-9A-Fa-fx]+</GUID>"), "<GUID/>");
-}
 
 using CaptureProtocol = CaptureTest;
 
@@ -92,7 +86,7 @@ TEST_F(CaptureProtocol, LinesOfTheExport_FrameTheCall) {
 
 TEST_F(CaptureProtocol, EveryCapture_CollectsAnew) {
     const std::string before = Document();
-    EXPECT_EQ(WithoutAddresses(Document()), WithoutAddresses(before));
+    EXPECT_EQ(support::WithoutAddresses(Document()), support::WithoutAddresses(before));
     simulation().description().volumes.at(2).label = L"Renamed";
     EXPECT_THAT(Document(), testing::HasSubstr("<VolumeLabel>Renamed</VolumeLabel>"));
 }

@@ -75,7 +75,7 @@ TEST_F(Dumps, EachOne_LeavesFormatAndSelectionAlone) {
 TEST_F(Dumps, WithoutCallback_NothingButFailuresIsSeen) {
     simulation().faults().Fail("IEnumWbemClassObject::Next", 0x80041001, L"Win32_Processor");
     library_.SetEventFunc(nullptr);
-    const support::DebuggerCapture debugger(library_.module);
+    const support::DebuggerCapture debugger(library_.module());
     library_.WMIDumpInfo();
     library_.FirmwareDumpInfo();
     ASSERT_EQ(debugger.lines().size(), 2U);
@@ -126,7 +126,7 @@ HRESULT WINAPI RefuseCom(void*, DWORD) {
 }
 
 TEST_F(Dumps, WithoutCom_WmiDumpSaysSoAndEnds) {
-    const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module);
+    const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module());
     Run(library_.WMIDumpInfo);
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(LogLine{kHostError,
@@ -143,7 +143,7 @@ HRESULT WINAPI RefuseSecondCom(void* reserved, DWORD model) {
 
 TEST_F(Dumps, WithoutComForTheSections_WmiDumpSaysSoAndEnds) {
     com_calls = 0;
-    const support::ScopedImport import("CoInitializeEx", &RefuseSecondCom, library_.module);
+    const support::ScopedImport import("CoInitializeEx", &RefuseSecondCom, library_.module());
     Run(library_.WMIDumpInfo);
     EXPECT_THAT(
         log_.Messages(),
@@ -171,7 +171,7 @@ TEST_F(Dumps, DiskThatCannotBeOpened_HasItsReason) {
 // --- VolumeDumpInfo
 
 TEST_F(Dumps, WithoutCom_VolumeDumpSaysSoAndEnds) {
-    const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module);
+    const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module());
     Run(library_.VolumeDumpInfo);
     EXPECT_THAT(Errors(), ElementsAre("CoInitializeEx failed error=0x8007000e calling function "
                                       "VolumeDumpInfo",

@@ -27,7 +27,7 @@ protected:
     std::vector<std::string> Seen(void (*dump)()) {
         static const std::regex stamped(R"(\d\d/\d\d/\d{4} \d\d:\d\d:\d\d [AP]M ([^]*))");
         library_.SetEventFunc(nullptr);
-        const support::DebuggerCapture debugger(library_.module);
+        const support::DebuggerCapture debugger(library_.module());
         dump();
         std::vector<std::string> seen;
         for (const std::wstring& line : debugger.lines()) {
@@ -88,7 +88,7 @@ HRESULT WINAPI RefuseCom(void*, DWORD) {
 }
 
 TEST_F(DumpsWithoutCallback, VolumeDump_NoCom_SaysSo) {
-    const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module);
+    const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module());
 
     EXPECT_THAT(Seen(library_.VolumeDumpInfo),
                 ElementsAre("CoInitializeEx failed error=0x8007000e calling function VolumeDumpInfo\n",

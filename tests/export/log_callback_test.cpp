@@ -28,7 +28,7 @@ TEST_F(LogCallback, NewCallback_ReplacesTheOldOne) {
 
 TEST_F(LogCallback, NoCallback_SendsErrorsToTheDebugger) {
     library_.SetEventFunc(nullptr);
-    const support::DebuggerCapture debugger(library_.module);
+    const support::DebuggerCapture debugger(library_.module());
     library_.SetupSelectedVolumesList(nullptr, 0);
     ASSERT_EQ(debugger.lines().size(), 1U);
     EXPECT_TRUE(std::regex_match(debugger.lines().front(),
@@ -38,14 +38,14 @@ TEST_F(LogCallback, NoCallback_SendsErrorsToTheDebugger) {
 
 TEST_F(LogCallback, NoCallback_DropsTheTrace) {
     library_.SetEventFunc(nullptr);
-    const support::DebuggerCapture debugger(library_.module);
+    const support::DebuggerCapture debugger(library_.module());
     library_.SetXmlFormat(3);
     EXPECT_THAT(debugger.lines(), IsEmpty());
 }
 
 TEST_F(LogCallback, Callback_KeepsTheDebuggerSilent) {
     const support::LogCapture log(library_.SetEventFunc);
-    const support::DebuggerCapture debugger(library_.module);
+    const support::DebuggerCapture debugger(library_.module());
     library_.SetupSelectedVolumesList(nullptr, 0);
     EXPECT_THAT(debugger.lines(), IsEmpty());
     EXPECT_EQ(log.Count(support::kHostError), 1U) << log;
@@ -55,7 +55,7 @@ class CaptureWithoutCallback : public CaptureTest {};
 
 TEST_F(CaptureWithoutCallback, Capture_Works) {
     library_.SetEventFunc(nullptr);
-    const support::DebuggerCapture debugger(library_.module);
+    const support::DebuggerCapture debugger(library_.module());
     EXPECT_EQ(Capture(0).status, ORVANE_BUFFER_TOO_SMALL);
     library_.Select({L"unknown"});
     EXPECT_EQ(Capture(0).status, ORVANE_FAILED);

@@ -2,10 +2,10 @@
 
 #include "faults/com_memory.h"
 #include "faults/dom_hooks.h"
+#include "support/disk_addresses.h"
 #include "support/xml_tree.h"
 
 #include <exception>
-#include <regex>
 #include <stdexcept>
 
 namespace faults {
@@ -31,13 +31,6 @@ void Receive(std::int32_t level, const char* text) {
         log_of_call.lines += text;
         log_of_call.lines += '\n';
     }
-}
-
-// The element GUID of a GPT disk is an address.
-std::string WithoutAddresses(const std::string& document) {
-    static const std::regex address("<GUID>[0-9A-Fa-fx]+</GUID>");
-    return document.find("<GUID>") == std::string::npos ? document
-                                                        : std::regex_replace(document, address, "<GUID/>");
 }
 
 // Every mounted fixed volume, as a multi-string.
@@ -117,7 +110,8 @@ Outcome Bench::CallCapture() {
     outcome.status = library_.CaptureSystemRestorePointInfo(
         buffer_.data(), static_cast<std::uint32_t>(buffer_.size()), &needed);
     if (outcome.status == ORVANE_SUCCESS) {
-        outcome.output = needed <= buffer_.size() ? WithoutAddresses(buffer_.substr(0, needed)) : "size";
+        outcome.output =
+            needed <= buffer_.size() ? support::WithoutAddresses(buffer_.substr(0, needed)) : "size";
     } else if (buffer_.find_first_not_of('#') != std::string::npos) {
         outcome.output = "buffer";
     } else if (outcome.status == ORVANE_FAILED && needed != kUntouched) {

@@ -1,6 +1,6 @@
 #include "capture/document/environment_document.h"
 
-#include "unit/capture/document/written_document.h"
+#include "support/written_document.h"
 
 #include <comdef.h>
 #include <gtest/gtest.h>

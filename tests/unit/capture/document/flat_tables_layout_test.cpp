@@ -1,7 +1,7 @@
 // The whole document of a record filled by hand, element by element.
 
 #include "capture/document/environment_document.h"
-#include "unit/capture/document/written_document.h"
+#include "support/written_document.h"
 
 #include <gtest/gtest.h>
 
@@ -187,15 +187,10 @@ TEST(FlatLayout, EmptyRecord_WritesEveryElementEmptyOrZero) {
 TEST(FlatLayout, TerminatorInTheBootOptions_StaysOutOfTheDocument) {
     EnvInfo record;
     record.BootConfig.m_strBootOptions.assign(L" NOEXECUTE=OPTIN\0", 17);
-    bmr_common::COMEnabler com;
-    ASSERT_TRUE(com.InitializeCOM(L"test"));
-    CMSXmlDoc xml;
-    ASSERT_TRUE(xml.LoadXML("<root></root>"));
-    CMSXmlNode root = xml.GetRoot();
-    WriteEnvironment(root, record);
-    const std::wstring text(TextOf(root.GetXML()));
-    EXPECT_EQ(text.find(L'\0'), std::wstring::npos);
-    EXPECT_NE(text.find(L"<m_strBootOptions> NOEXECUTE=OPTIN</m_strBootOptions>"), std::wstring::npos);
+    const XmlTree root = Document(record);
+    EXPECT_EQ(root.Child("BMREnvInfo").Child("BootConfig").Child("m_strBootOptions").text,
+              " NOEXECUTE=OPTIN");
+    EXPECT_EQ(Lines(root).find('\0'), std::string::npos);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include "capture/document/system_sections.h"
 
-#include "unit/capture/document/written_document.h"
+#include "support/written_document.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 
 #include "common/platform/system_library.h"
 #include "support/allocation_failure.h"
+#include "support/dos_device_answers.h"
 #include "support/stub.h"
 #include "unit/common/enumdisk/fixed_machine.h"
 
@@ -169,15 +170,8 @@ TEST_F(FixedVolumeFailures, MountPaths_LeaveTheLetterEmpty) {
                                         " GetVolumePathNamesForVolumeName failed error=0x57 87"}));
 }
 
-// The system answers, and names no target.
 TEST_F(FixedVolumeFailures, DeviceNameWithoutATarget_LeavesTheVolumeOut) {
-    faults().Alter(
-        "QueryDosDeviceW",
-        [](machine::Answer& answer) {
-            answer.bytes.assign(2 * sizeof(wchar_t), 0);
-            answer.returned = 2;
-        },
-        L"Volume{00000000-0000-0000-0000-000000000001}");
+    support::AnswerNoTarget(faults(), L"Volume{00000000-0000-0000-0000-000000000001}");
     ExpectLeftOut("getDeviceName of " + FirstName() + " error=0xd 13", support::kHostError);
     EXPECT_EQ(faults().hits(), 1U);
 }

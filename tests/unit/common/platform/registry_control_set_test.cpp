@@ -42,17 +42,6 @@ public:
     int open_keys = 0;
 };
 
-// Answers one value: the number `number` under `name`.
-LSTATUS AnswerNumber(const wchar_t* name, DWORD number, LPWSTR name_buffer, LPDWORD name_length, LPDWORD type,
-                     LPBYTE data, LPDWORD data_length) {
-    *name_length = static_cast<DWORD>(std::wcslen(name));
-    std::copy_n(name, *name_length + 1, name_buffer);
-    *type = REG_DWORD;
-    std::memcpy(data, &number, sizeof(number));
-    *data_length = sizeof(number);
-    return ERROR_SUCCESS;
-}
-
 // What a search with so much memory ends in.
 struct Outcome {
     std::wstring name;
@@ -96,46 +85,48 @@ Outcome SweepAllocations(PlayedRegistry& registry) {
 
 class RegistryControlSet : public testing::Test {
 protected:
+    // For its life every value of every key is the number `number` under `name`. The list has an end far
+    // behind where a search must give up: one that goes on fails its test instead of hanging it.
+    auto Listing(const wchar_t* name, DWORD number) {
+        return support::StubImport(
+            "RegEnumValueW", &::RegEnumValueW,
+            [this, name, number](HKEY, DWORD, LPWSTR name_buffer, LPDWORD name_length, LPDWORD, LPDWORD type,
+                                 LPBYTE data, LPDWORD data_length) -> LSTATUS {
+                if (++asked_ > 2 * kMostListed) {
+                    return ERROR_NO_MORE_ITEMS;
+                }
+                *name_length = static_cast<DWORD>(std::wcslen(name));
+                std::copy_n(name, *name_length + 1, name_buffer);
+                *type = REG_DWORD;
+                std::memcpy(data, &number, sizeof(number));
+                *data_length = sizeof(number);
+                return ERROR_SUCCESS;
+            });
+    }
+
     PlayedRegistry registry_;
+    std::size_t asked_ = 0;
 };
 
 TEST_F(RegistryControlSet, ListThatNeverEnds_IsGivenUpAndEverythingClosed) {
-    std::size_t asked = 0;
-    const support::StubImport stub("RegEnumValueW", &::RegEnumValueW,
-                                   [&](HKEY, DWORD, LPWSTR name, LPDWORD name_length, LPDWORD, LPDWORD type,
-                                       LPBYTE data, LPDWORD data_length) -> LSTATUS {
-                                       return ++asked > 2 * kMostListed
-                                                  ? LSTATUS{ERROR_NO_MORE_ITEMS}
-                                                  : AnswerNumber(L"Other", 1, name, name_length, type, data,
-                                                                 data_length);
-                                   });
+    const auto stub = Listing(L"Other", 1);
     const Outcome outcome = SearchWith(registry_, 1000 * kMostListed);
     EXPECT_EQ(outcome.error, kErrorIn + std::wstring(L"Failed to find current ControlSet"));
-    EXPECT_GE(asked, kMostListed);
-    EXPECT_LE(asked, kMostListed + 1);
+    EXPECT_GE(asked_, kMostListed);
+    EXPECT_LE(asked_, kMostListed + 1);
     EXPECT_EQ(registry_.open_keys, 0);
     EXPECT_EQ(registry_.loaded_hives, 0);
 }
 
 TEST_F(RegistryControlSet, EachAllocationFails_ThrowsATextAndClosesEverything) {
-    const support::StubImport stub("RegEnumValueW", &::RegEnumValueW,
-                                   [](HKEY, DWORD, LPWSTR name, LPDWORD name_length, LPDWORD, LPDWORD type,
-                                      LPBYTE data, LPDWORD data_length) -> LSTATUS {
-                                       return AnswerNumber(L"Current", 7, name, name_length, type, data,
-                                                           data_length);
-                                   });
+    const auto stub = Listing(L"Current", 7);
     const Outcome outcome = SweepAllocations(registry_);
     EXPECT_FALSE(outcome.failed);
     EXPECT_EQ(outcome.name, L"ControlSet007");
 }
 
 TEST_F(RegistryControlSet, EachAllocationFailsBesideANumberTooBig_ThrowsATextAndClosesEverything) {
-    const support::StubImport stub("RegEnumValueW", &::RegEnumValueW,
-                                   [](HKEY, DWORD, LPWSTR name, LPDWORD name_length, LPDWORD, LPDWORD type,
-                                      LPBYTE data, LPDWORD data_length) -> LSTATUS {
-                                       return AnswerNumber(L"Current", 1000, name, name_length, type, data,
-                                                           data_length);
-                                   });
+    const auto stub = Listing(L"Current", 1000);
     EXPECT_EQ(SweepAllocations(registry_).error,
               kErrorIn + std::wstring(L"Current ControlSet number too big"));
 }

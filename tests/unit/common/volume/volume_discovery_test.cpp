@@ -1,5 +1,6 @@
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "common/volume/volume_manager.h"
+#include "support/dos_device_answers.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
 #include "unit/common/volume/described_volumes.h"
@@ -188,15 +189,8 @@ TEST_F(VolumeDiscoveryTest, LinkWhoseTargetCannotBeAsked_IsDroppedAlone) {
     EXPECT_THAT(log_.Messages(), IsEmpty());
 }
 
-// The system answers, and names no target: its list holds the empty entry alone that ends it.
 TEST_F(VolumeDiscoveryTest, LinkThatHasNoTarget_IsDroppedAlone) {
-    faults().Alter(
-        "QueryDosDeviceW",
-        [](machine::Answer& answer) {
-            answer.bytes.assign(2 * sizeof(wchar_t), 0);
-            answer.returned = 2;
-        },
-        L"Volume{00000000-0000-0000-0000-000000000001}");
+    support::AnswerNoTarget(faults(), L"Volume{00000000-0000-0000-0000-000000000001}");
 
     EXPECT_TRUE(Discover());
 

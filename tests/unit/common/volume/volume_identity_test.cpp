@@ -1,4 +1,5 @@
 #include "common/volume/volume.h"
+#include "support/dos_device_answers.h"
 #include "support/logger_capture.h"
 #include "unit/common/volume/described_volumes.h"
 
@@ -44,12 +45,8 @@ TEST_F(VolumeIdentityTest, DeviceNameNotGiven_IsAskedByTheGuidName) {
                                                       L"Volume{00000000-0000-0000-0000-000000000002}"));
 }
 
-// The system answers, and names no target.
 TEST_F(VolumeIdentityTest, GuidNameWithoutATarget_IsRecordedAsNoName) {
-    machine_.simulation().faults().Alter("QueryDosDeviceW", [](machine::Answer& answer) {
-        answer.bytes.assign(2 * sizeof(wchar_t), 0);
-        answer.returned = 2;
-    });
+    support::AnswerNoTarget(machine_.simulation().faults());
     Volume volume(kDataId);
 
     EXPECT_FALSE(Initialize(volume));

@@ -1,4 +1,5 @@
 #include "common/volume/volume.h"
+#include "support/dos_device_answers.h"
 #include "support/logger_capture.h"
 #include "unit/common/volume/described_volumes.h"
 
@@ -87,13 +88,7 @@ TEST_F(VolumeWithoutGuidTest, MountPoints_OneLetterRefused_IsRecorded) {
 
 TEST_F(VolumeWithoutGuidTest, MountPoints_LetterWithoutATarget_IsPassedOver) {
     AddDosDevice(L"B:", kDevice);
-    machine_.simulation().faults().Alter(
-        "QueryDosDeviceW",
-        [](machine::Answer& answer) {
-            answer.bytes.assign(2 * sizeof(wchar_t), 0);
-            answer.returned = 2;
-        },
-        L"B:");
+    support::AnswerNoTarget(machine_.simulation().faults(), L"B:");
     Volume volume(L"", kDevice);
 
     EXPECT_TRUE(Initialize(volume));
