@@ -6,7 +6,7 @@
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
 #   make faults ARGS="..."    everything that can go wrong goes wrong (ARGS=--help lists how to choose)
 #   make bench                ratios of time and memory against goals; ARGS=--help lists how to choose
-#   make lint                 format, clang-tidy, every source alone, the arrows between the rooms; make format mends
+#   make lint                 format, clang-tidy, every source alone, the rooms, the oddities; make format mends
 #                             the first
 #   make coverage             line coverage per room
 #   make build, make clean, make setup

@@ -125,6 +125,16 @@ TEST_F(PropertyValues, StartupOptionsThatAreNoList_GiveNone) {
     }
 }
 
+TEST_F(PropertyValues, StartupOptionsOfTwoInstances_AreAllCollected) {
+    machine::WmiClass& systems = machine_.Class(L"Win32_ComputerSystem");
+    systems.instances.push_back(systems.instances.at(0));
+    machine::SetProperty(systems.instances[0], {L"SystemStartupOptions", WmiTexts({L"first", L"both"})});
+    machine::SetProperty(systems.instances[1], {L"SystemStartupOptions", WmiTexts({L"both", L"second"})});
+    ComputerSystemInfo computer_system;
+    EXPECT_EQ(GetComputerSystem(computer_system), 1);
+    EXPECT_THAT(computer_system.SystemStartupOptions, ElementsAre(L"first", L"both", L"both", L"second"));
+}
+
 TEST_F(PropertyValues, SecondProcessor_OverwritesTheFirst) {
     machine::WmiClass& processors = machine_.Class(L"Win32_Processor");
     processors.instances.push_back(processors.instances.at(0));

@@ -122,6 +122,27 @@ TEST_F(InfoGrabberV2Volumes, SpannedVolume_IsDynamicAndTouchesNoPartition) {
     }
 }
 
+TEST_F(InfoGrabberV2Volumes, NumberOfABasicVolume_IsTheRowsAndItsExtentKeepsTheSystems) {
+    description().disks.at(1).partitions.at(1).number = 7;  // the second in the order of the disk
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    const ::Volume& volume = VolumeOn(record(), L"\\Device\\HarddiskVolume6");
+    EXPECT_FALSE(volume.Dynamic);
+    EXPECT_EQ(volume.m_PartitionNumber, 2);
+    EXPECT_EQ(volume.extents.at(0).m_PartitionNumber, 7);
+}
+
+TEST_F(InfoGrabberV2Volumes, NumbersOfADynamicVolume_AreTheSystems) {
+    description().disks.at(0).partitions.at(2).number = 9;
+    description().disks.at(1).partitions.at(1).number = 7;
+    DataVolume().extents = {{1, MiB(16), MiB(100)}, {0, MiB(117), MiB(50)}};
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    const ::Volume& volume = VolumeOn(record(), L"\\Device\\HarddiskVolume6");
+    EXPECT_TRUE(volume.Dynamic);
+    EXPECT_EQ(volume.m_PartitionNumber, 7);
+    EXPECT_EQ(volume.extents.at(0).m_PartitionNumber, 7);
+    EXPECT_EQ(volume.extents.at(1).m_PartitionNumber, 9);
+}
+
 TEST_F(InfoGrabberV2Volumes, LengthThatCannotBeRead_IsTheFirstExtents) {
     DataVolume().length = MiB(1);
     DataVolume().errors.codes["DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO"] = 1;

@@ -233,6 +233,14 @@ TEST_F(InfoGrabberV3Test, NoRecord_Throws) {
     EXPECT_EQ(FailureOf(grabber), L"InfoGrabberV3::CaptureInfo: Cannot get BMREnvInfoV3");
 }
 
+TEST_F(InfoGrabberV3Test, CaptureInfo_LeftByAnException_LogsItsLeavingLine) {
+    orvane::InfoGrabberV3 grabber{boost::shared_ptr<EnvInfoV3>()};
+    EXPECT_NE(FailureOf(grabber), L"no exception");
+    EXPECT_THAT(log_.Lines(support::kHostTrace),
+                ElementsAre(StartsWith("Entering function orvane::InfoGrabberV3::CaptureInfo line "),
+                            StartsWith("Leaving function orvane::InfoGrabberV3::CaptureInfo line ")));
+}
+
 struct ThreadCapture {
     orvane::InfoGrabberV3& grabber;
     std::wstring failure;

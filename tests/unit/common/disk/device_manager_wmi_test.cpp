@@ -17,6 +17,7 @@ namespace bmr_common {
 namespace {
 
 using expected::Error;
+using expected::Info;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -154,6 +155,20 @@ TEST_F(DeviceManagerWmiTest, Obtain_OneIndexUnreadable_StopsWithFailure) {
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(Error("DeviceManager::ObtainPhysicalDrivesIndexes wmi.Get failed")));
     EXPECT_FALSE(disks_.disks().contains(L"5"));
+}
+
+TEST_F(DeviceManagerWmiTest, Dump_OneIndexUnreadable_ReportsTheNumbersReadBeforeIt) {
+    machine::Session session(
+        machine::ParseDescription(ListingOf({"3", "12", R"({"error": "0x80041002"})", "5"}), "machine"));
+    EXPECT_FALSE(disks_.InitializeWithCurrentDisks());
+    log_.Clear();
+
+    disks_.DumpInfo();
+
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Info(""), Info("[Device Information]"), Info("Number of Disks: 2"),
+                            Error("DeviceManager::DumpInfo - NULL device found with id 12"),
+                            Error("DeviceManager::DumpInfo - NULL device found with id 3")));
 }
 
 HRESULT WINAPI RefuseCom(void* /*reserved*/, DWORD /*model*/) {

@@ -118,6 +118,23 @@ TEST_F(DiskFreshTableTest, EitherKind_CannotBeBackedUpYet) {
                                      L" All partitions are marked as unused entry - cannot backup disk 6"));
 }
 
+TEST_F(DiskFreshTableTest, Dump_GptAlone_SaysThatTheTypeWasNotVerified) {
+    DiskDriveManagerMBR mbr(5);
+    DiskDriveManagerGPT gpt(6);
+    ASSERT_TRUE(mbr.InitializeUsingGeometryOf(source_, disks_));
+    ASSERT_TRUE(gpt.InitializeUsingGeometryOf(source_, disks_));
+    const std::string not_verified = "operation Verifying partition type has not attempted";
+
+    log_.Clear();
+    gpt.DumpInfo();
+    EXPECT_EQ(1U, log_.Count(support::kHostInformation, not_verified)) << log_;
+
+    log_.Clear();
+    mbr.DumpInfo();
+    EXPECT_TRUE(log_.Contains(support::kHostInformation, "  Number of partitions: 4")) << log_;
+    EXPECT_EQ(0U, log_.Count(support::kHostInformation, not_verified)) << log_;
+}
+
 TEST_F(DiskFreshTableTest, NoUniqueIdToBeHad_IsAFailureWithoutATable) {
     disks_.Put(boost::make_shared<DiskDriveManagerMBR>(1));
     disks_.Put(boost::make_shared<DiskDriveManagerGPT>(2));

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -162,6 +163,19 @@ TEST_F(DiskRawWritingTest, CreateRawDisk_DiskThatCannotBeDescribed_LogsAndWrites
         lines[0]);
     EXPECT_EQ(support::kHostError, lines[1].level);
     EXPECT_THAT(lines[1].text, StartsWith("bmr_common::DiskDriveManager::CreateRawDisk failed for disk "));
+}
+
+TEST_F(DiskRawWritingTest, CreateRawDisk_DiskThatCannotBeDescribed_ShowsAnotherNumber) {
+    const DiskDriveManagerUnknown disk(3);
+
+    EXPECT_FALSE(disk.CreateRawDisk(12));
+
+    const std::vector<std::string> lines = log_.Lines(support::kHostError);
+    ASSERT_EQ(2U, lines.size());
+    EXPECT_TRUE(std::regex_match(
+        lines[1], std::regex("bmr_common::DiskDriveManager::CreateRawDisk failed for disk [0-9]+")))
+        << log_;
+    EXPECT_NE("bmr_common::DiskDriveManager::CreateRawDisk failed for disk 12", lines[1]);
 }
 
 TEST_F(DiskRawWritingTest, CreateRawDisk_NoSuchDisk_IsAFailure) {

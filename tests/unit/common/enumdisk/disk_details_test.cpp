@@ -178,6 +178,17 @@ TEST_F(DiskDetails, GeometryOpenFails_SkipsTheDisk) {
                     LogLine{support::kHostError, "EnumDisk::GetDiskDetails GetDriveGeometry failed"}));
 }
 
+TEST_F(DiskDetails, GeometryOpenFails_LogsNoLeavingLine) {
+    Use(enum_machine::kTwoMbr);
+    faults().Add({"CreateFileW", enum_machine::kDrive0, 3, false, {5, 0, 0}, {}});
+    EXPECT_EQ(Get(), 1);
+    const LogLine last = Error("EnumDisk::GetDiskDetails GetDriveGeometry failed");
+    EXPECT_THAT(
+        StepsBetween(Trace("Entering Get Drive Geometry"), last),
+        ElementsAre(Trace("Entering Get Drive Geometry"), Trace("Opening the Drive \\\\.\\PhysicalDrive0"),
+                    Error("Opening the drive 0 failed in GetDriveGeometry 0x5"), last));
+}
+
 TEST_F(DiskDetails, GeometryFails_SkipsTheDisk) {
     Use(enum_machine::kTwoMbr);
     faults().Fail(enum_machine::kGeometry, 87, enum_machine::kDrive0);
@@ -234,6 +245,17 @@ TEST_F(DiskDetails, ClassicLayoutFails_EndsTheEnumeration) {
                                     "Get drive layout of drive \\\\.\\PhysicalDrive1 failed error=1 0x1"},
                             LogLine{support::kHostError, "GetPartitionInfo: GetDriveLayout failed"},
                             LogLine{support::kHostError, kFailure}));
+}
+
+TEST_F(DiskDetails, ClassicLayoutFails_LogsNoLeavingLine) {
+    Use(enum_machine::kTwoMbr);
+    faults().Fail(enum_machine::kLayout, 1);
+    EXPECT_EQ(Get(), 0);
+    EXPECT_THAT(StepsBetween(Trace("Entering GetPartitionInfo"), Error(kFailure)),
+                ElementsAre(Trace("Entering GetPartitionInfo"), Trace("Entering GetDriveLayout"),
+                            Error("Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=1 0x1"),
+                            Trace("Leaving GetDriveLayout"), Error("GetPartitionInfo: GetDriveLayout failed"),
+                            Trace("Leaving GetDiskDetails"), Error(kFailure)));
 }
 
 TEST_F(DiskDetails, ClassicLayoutThatLies_EndsTheEnumeration) {

@@ -3,6 +3,7 @@
 #include "machine/redirect.h"
 #include "machine/simulation.h"
 #include "support/logger_capture.h"
+#include "support/own_process.h"
 #include "support/stub.h"
 #include "system_library_names.h"
 
@@ -259,6 +260,39 @@ TEST(Kernel32DLLBinding, Get_Twice_IsTheSameTableAndSilent) {
     EXPECT_THAT(LookedUp(simulation), IsEmpty());
     EXPECT_NE(first.CreateFileW, nullptr);
     EXPECT_NE(first_native.ZwClose, nullptr);
+}
+
+// Binds the process-wide table without a function, and then asks for it on a machine that has all of them.
+template <class Table>
+void ExpectNoSecondBinding(const std::string& missing, const Names& order, const std::string& prefix) {
+    std::vector<const void*> expected = Expected<Table>(UpTo(order, missing));
+    expected.push_back(nullptr);
+    {
+        const Simulation simulation(Lacking(missing));
+        const LoggerCapture log;
+        EXPECT_THAT(PointersOf(Table::Get()), ElementsAreArray(expected));
+        EXPECT_THAT(log.all(), ElementsAre(LogLine{3, prefix + missing + " failed error=0x7f"}));
+    }
+    Simulation simulation{Description{}};
+    const LoggerCapture log;
+    EXPECT_THAT(PointersOf(Table::Get()), ElementsAreArray(expected));
+    EXPECT_THAT(LookedUp(simulation), IsEmpty());
+    EXPECT_THAT(log.all(), IsEmpty());
+}
+
+TEST(Kernel32DLLBinding, Get_AfterAFailedBinding_DoesNotBindAgain) {
+    if (!support::InOwnProcess()) {
+        return;
+    }
+    ExpectNoSecondBinding<Kernel32DLL>("DeviceIoControl", kKernelBindingOrder,
+                                       "Kernel32DLL GetProcAddress of ");
+}
+
+TEST(NtDLLBinding, Get_AfterAFailedBinding_DoesNotBindAgain) {
+    if (!support::InOwnProcess()) {
+        return;
+    }
+    ExpectNoSecondBinding<NtDLL>("ZwQueryDirectoryObject", kNtBindingOrder, "NtDLL GetProcAddress of ");
 }
 
 TEST(CallBound, FunctionThatIsThere_IsCalled) {

@@ -55,6 +55,21 @@ TEST_F(VolumeManagerTest, GetVolume_EachFormOfItsNames_IsTheVolume) {
     }
 }
 
+TEST_F(VolumeManagerTest, GetVolume_Guid_IsTracedAsADeviceNameInUnexpectedFormat) {
+    const std::pair<const wchar_t*, const char*> names[] = {
+        {L"00000000-0000-0000-0000-000000000002", "00000000-0000-0000-0000-000000000002"},
+        {described::kDataId, "\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\"},
+    };
+    for (const auto& [name, text] : names) {
+        log_.Clear();
+        EXPECT_TRUE(manager_.GetVolume(name)) << text;
+        EXPECT_THAT(log_.all(),
+                    ElementsAre(support::LogLine{
+                        support::kHostTrace, "bmr_common::Volume::ConvertToNormalizedDeviceId device name '" +
+                                                 std::string(text) + "' in unexpected format"}));
+    }
+}
+
 TEST_F(VolumeManagerTest, GetVolume_GuidInAnotherCase_IsTheVolume) {
     machine_.volume(1).guid = L"{abcdef00-0000-0000-0000-000000000002}";
     VolumeManager manager;
