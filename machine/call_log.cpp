@@ -11,7 +11,7 @@ bool IsCallNamed(const std::string& name, const std::string& wanted) {
     if (name.compare(0, wanted.size(), wanted) != 0) {
         return false;
     }
-    // "X::Y" is one name; only a single colon parts a call from its kind.
+    // "::" belongs to the name ("X::Y"); only a single colon starts a suffix.
     return name.size() == wanted.size() ||
            (name[wanted.size()] == ':' && name.compare(wanted.size(), 2, "::") != 0);
 }

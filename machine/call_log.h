@@ -7,7 +7,7 @@
 
 namespace machine {
 
-// Which kind of code a call reports.
+// The kind of error code that a call returns.
 enum class CallFamily { kWin32, kNative, kCom };
 
 struct CallRecord {
@@ -17,7 +17,7 @@ struct CallRecord {
     std::wstring object;  // "\\.\PhysicalDrive0", "\Device\HarddiskVolume3", "Win32_Processor.Name"
     bool failed = false;
     std::uint32_t error = 0;  // Win32 error, NTSTATUS or HRESULT
-    std::uint64_t value = 0;  // plain result or number of bytes returned
+    std::uint64_t value = 0;  // result or, if that is 0, number of bytes returned
 };
 
 // Every call that the simulation answered, in order.
@@ -26,14 +26,14 @@ public:
     const std::vector<CallRecord>& records() const noexcept { return records_; }
     std::size_t size() const noexcept { return records_.size(); }
 
-    // Calls with this name; a name without a colon also counts "NAME:anything".
+    // The number of calls with this name, with or without a suffix ("NAME" or "NAME:SUFFIX").
     std::size_t Count(const std::string& name) const;
     std::size_t Count(const std::string& name, const std::wstring& object) const;
 
-    // Forgets the records. The ordinals go on.
+    // Removes the records. Ordinals continue after the last one.
     void Clear() noexcept { records_.clear(); }
 
-    // Long runs need no record of each call.
+    // Turns recording on or off; long runs turn it off.
     void SetKept(bool kept) noexcept { kept_ = kept; }
 
     std::size_t NextOrdinal() noexcept { return ++last_ordinal_; }
@@ -46,7 +46,7 @@ private:
     bool kept_ = true;
 };
 
-// True when `name` is the call `wanted`, or one of its kinds after a colon.
+// True if `name` is `wanted`, or is `wanted` followed by a colon and a suffix.
 bool IsCallNamed(const std::string& name, const std::string& wanted);
 
 }  // namespace machine

@@ -19,8 +19,9 @@ constexpr HRESULT AsHresult(std::uint32_t code) {
     return static_cast<HRESULT>(code);
 }
 
-// Reference counting and identity for an object with one main interface, which is also its IUnknown. The
-// object counts as alive in the simulation that was current when it was made.
+// Implements IUnknown for an object with one main interface. The pointer to that interface is also the
+// object's IUnknown. The simulation that is current at construction counts the object as live until it is
+// destroyed.
 template <class Interface>
 class ComObject : public Interface {
 public:
@@ -58,7 +59,7 @@ protected:
     }
     virtual ~ComObject() { --*live_; }
 
-    // The interface of this IID, without a reference; null when there is none.
+    // Returns the interface with this IID without adding a reference; null if there is none.
     virtual void* Offer(REFIID iid) {
         return IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, iid_) ? static_cast<Interface*>(this)
                                                                       : nullptr;
@@ -70,7 +71,7 @@ private:
     std::shared_ptr<std::size_t> live_;
 };
 
-// Runs a method's body; memory that runs out is the method's failure.
+// Runs a method's body. Returns E_OUTOFMEMORY if it throws std::bad_alloc.
 template <class Body>
 HRESULT GuardedCom(const Body& body) noexcept {
     try {
@@ -80,8 +81,8 @@ HRESULT GuardedCom(const Body& body) noexcept {
     }
 }
 
-// One call of a WMI object through the current simulation; without one the connection counts as lost. What
-// the body puts into Answer::error besides failing is the call's (successful) result.
+// Performs one WMI call on the current simulation. Returns RPC_E_DISCONNECTED if there is none. A body that
+// succeeds may set Answer::error to a success code, which the call then returns.
 inline HRESULT PerformCom(const char* name, std::wstring_view object, const CallErrors* errors,
                           const AnswerBody& body) noexcept {
     return GuardedCom([&] {

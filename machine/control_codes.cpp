@@ -38,7 +38,7 @@ constexpr std::string_view kControl = "DeviceIoControl";
 
 struct NamedCall {
     std::string_view name;
-    unsigned scopes;  // beside the machine, which every call has
+    unsigned scopes;  // in addition to kMachine, which accepts every call
 };
 
 constexpr unsigned kDisk = static_cast<unsigned>(CallScope::kDisk);

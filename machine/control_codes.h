@@ -6,17 +6,17 @@
 
 namespace machine {
 
-// "IOCTL_DISK_GET_LENGTH_INFO"; an unknown code in hexadecimal.
+// The name of a control code ("IOCTL_DISK_GET_LENGTH_INFO"); hexadecimal for an unknown code.
 std::string ControlName(DWORD code);
 
-// The call as the log and the described errors name it: "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO".
+// The name used in the call log and for described errors: "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO".
 std::string ControlCallName(DWORD code);
 
-// What described errors can stand on.
+// The kinds of objects that can have described errors.
 enum class CallScope : unsigned { kDisk = 1, kVolume = 2, kDirectory = 4, kWmiClass = 8, kMachine = 16 };
 
-// Whether the text names a call that such an object, or the machine, can fail, with or without the part
-// after a colon.
+// True if `name` is a call that can fail in this scope. The name may have a suffix: a colon and a control
+// code.
 bool IsCallOf(CallScope scope, const std::string& name);
 
 }  // namespace machine

@@ -17,7 +17,8 @@
 namespace machine {
 namespace {
 
-// nlohmann's parser keeps the last of two members with one name; in a hand-written file that is a mistake.
+// Detects duplicate keys. nlohmann's parser silently keeps the last one, but in a hand-written file a
+// duplicate is a mistake.
 class DuplicateKeys {
 public:
     bool operator()(int /*depth*/, nlohmann::json::parse_event_t event, nlohmann::json& parsed) {
@@ -55,7 +56,7 @@ nlohmann::json ParsedJson(const std::string& text, const std::string& file) {
     return document;
 }
 
-// A machine whose disks are all MBR has no use for UEFI.
+// A machine that has disks, but no GPT disk, is assumed to have BIOS firmware.
 Firmware DerivedFirmware(const std::vector<Disk>& disks) {
     Firmware firmware;
     const bool gpt = std::any_of(disks.begin(), disks.end(),

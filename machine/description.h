@@ -19,21 +19,21 @@ namespace machine {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// The code with which a call fails on one object (or, at machine level, on every object): a Win32 error, an
-// NTSTATUS or an HRESULT, as the call reports. The key is the call's name as it stands in the call log; the
-// name of a call with a part after a colon ("DeviceIoControl:...") is also found under the part before it.
+// The error codes of calls on one object or, at machine level, on every object. A code is a Win32 error, an
+// NTSTATUS or an HRESULT, depending on the call. The key is the call's name as in the call log. A call with
+// a suffix ("DeviceIoControl:...") also matches the name without the suffix.
 struct CallErrors {
     std::unordered_map<std::string, std::uint32_t> codes;
 
     std::optional<std::uint32_t> Find(const std::string& call) const;
 };
 
-// One entry of a partition table, as the layout controls return it.
+// One partition table entry, as the drive layout controls return it.
 struct Partition {
-    std::uint32_t style = PARTITION_STYLE_MBR;  // of the entry; normally the disk's
+    std::uint32_t style = PARTITION_STYLE_MBR;  // of the entry; normally equal to that of the disk
     std::uint64_t offset = 0;                   // bytes from the start of the disk
     std::uint64_t length = 0;                   // bytes
-    std::uint32_t number = 0;                   // 0 for unused entries, containers and links
+    std::uint32_t number = 0;                   // 0 for unused entries, extended partitions and links
     bool rewrite = false;
 
     std::uint8_t mbr_type = 0;
@@ -47,14 +47,14 @@ struct Partition {
     std::wstring gpt_name;  // at most 36 characters
 };
 
-// A raw disk image behind a disk.
+// The raw image file that backs a disk.
 struct Image {
     std::filesystem::path file;
-    bool writable = false;                          // writes of the table go into `file` itself
-    std::optional<std::filesystem::path> write_to;  // or into this copy, made at the first write
+    bool writable = false;                          // writes go to `file` itself
+    std::optional<std::filesystem::path> write_to;  // writes go to this copy, made at the first write
 };
 
-// A property of a WMI instance: a typed value, or the HRESULT with which reading it fails.
+// A WMI property: a typed value, or the HRESULT with which reading it fails.
 struct WmiValue {
     VARTYPE type = VT_NULL;  // scalar type, or VT_ARRAY | VT_BSTR
     std::int64_t number = 0;
@@ -99,7 +99,7 @@ struct Disk {
     std::vector<Partition> partitions;
 
     bool hidden_from_wmi = false;
-    WmiInstance wmi;  // properties that differ from the ones derived from the disk
+    WmiInstance wmi;  // properties that override those derived from the disk
 
     std::optional<Image> image;
     CallErrors errors;
@@ -111,7 +111,7 @@ struct Extent {
     std::uint64_t length = 0;  // bytes
 };
 
-// A further GUID name of a volume.
+// An additional GUID name of a volume.
 struct VolumeAlias {
     std::wstring guid;
     bool enumerated = true;
@@ -121,8 +121,8 @@ struct Volume {
     std::wstring guid;    // "{...}"; empty: no mount manager name
     std::wstring device;  // "\Device\HarddiskVolume3"
     std::vector<VolumeAlias> aliases;
-    bool linked = true;                      // has its "Volume{...}" link in the global directory
-    bool enumerated = true;                  // is found by the volume search
+    bool linked = true;                      // \GLOBAL?? contains its "Volume{...}" link
+    bool enumerated = true;                  // the volume search returns it
     std::vector<std::wstring> mount_points;  // "C:\", "C:\Data\Archive\"
 
     std::uint32_t drive_type = DRIVE_FIXED;
@@ -141,10 +141,10 @@ struct Volume {
     std::uint64_t free_bytes = 0;
     std::uint64_t free_bytes_to_caller = 0;
 
-    std::uint64_t length = 0;                          // bytes, as the length control answers
+    std::uint64_t length = 0;                          // bytes, as the length control returns it
     std::optional<std::vector<Extent>> extents;        // none: the extents control is not supported
-    std::optional<std::uint32_t> extents_short_error;  // for a buffer that cannot hold all extents
-    std::optional<Partition> partition;                // what the partition controls answer
+    std::optional<std::uint32_t> extents_short_error;  // if the buffer cannot hold all extents
+    std::optional<Partition> partition;                // what the partition controls return
     CallErrors errors;
 };
 
@@ -177,27 +177,27 @@ struct RegistryKey {
 
 struct Firmware {
     std::uint32_t type = 2;             // 0 unknown, 1 BIOS, 2 UEFI
-    std::uint32_t variable_length = 0;  // not 0: reading a firmware variable succeeds with this length
-    std::optional<std::uint32_t> variable_error;  // none: what such firmware gives
+    std::uint32_t variable_length = 0;  // if not 0, reading a firmware variable succeeds with this length
+    std::optional<std::uint32_t> variable_error;  // none: the usual error of this firmware type
 };
 
-// A Windows machine as a program can see it. Plain data: everything that the description file left out has
-// been filled in, so that each field is what the system would answer.
+// A Windows machine as seen by a program. Plain data. Defaults are already filled in, so each field holds
+// what the system would return.
 struct Description {
     std::string name;
     std::vector<Disk> disks;
     std::vector<Volume> volumes;
-    std::vector<DosDevice> dos_devices;  // beside those of disks and volumes
+    std::vector<DosDevice> dos_devices;  // in addition to those of disks and volumes
     std::vector<ObjectDirectory> directories;
     std::wstring current_drive = L"C:\\";
-    std::map<std::wstring, WmiClass> wmi;  // by class name in upper case
+    std::map<std::wstring, WmiClass> wmi;  // key: class name in upper case
     std::vector<RegistryKey> registry;
     Firmware firmware;
-    std::set<std::string> missing;  // functions that the system libraries lack
+    std::set<std::string> missing;  // functions that kernel32 and ntdll do not export
     CallErrors errors;
 };
 
-// A description that cannot be used. what() is "FILE: PATH: REASON".
+// Thrown for an invalid description. what() is "FILE: PATH: REASON".
 class DescriptionError : public std::runtime_error {
 public:
     DescriptionError(std::string file, std::string path, std::string reason);
@@ -212,12 +212,12 @@ private:
     std::string reason_;
 };
 
-// Reads a description file (UTF-8 JSON); image files in it are relative to the file. Throws
+// Reads a description file (UTF-8 JSON). Image paths are relative to the folder of the file. Throws
 // DescriptionError.
 Description LoadDescription(const std::filesystem::path& file);
 
-// The same from memory: `name` stands for the file in errors, `directory` is where image files are looked
-// for.
+// Parses a description from memory. `name` is the file name used in errors; image paths are relative to
+// `directory`. Throws DescriptionError.
 Description ParseDescription(const std::string& json, const std::string& name,
                              const std::filesystem::path& directory = {});
 

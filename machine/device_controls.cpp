@@ -16,7 +16,7 @@ constexpr DWORD kNoSuchDevice = 433;  // ERROR_NO_SUCH_DEVICE, which older heade
 using DiskControl = Answer (*)(Disk&, const ControlRequest&);
 
 Answer DriveGeometryEx(Disk& disk, const ControlRequest& request) {
-    // The driver fills what the buffer has room for, as soon as it holds the geometry and the size.
+    // The driver truncates the result to the buffer, which must hold at least the geometry and the size.
     if (request.output_size < offsetof(DISK_GEOMETRY_EX, Data)) {
         return Answer::Failure(ERROR_INSUFFICIENT_BUFFER);
     }
@@ -92,7 +92,7 @@ Answer DiskExtents(const Volume& volume, const ControlRequest& request) {
     if (!volume.extents) {
         return Answer::Failure(ERROR_INVALID_FUNCTION);
     }
-    // One extent is part of the structure, so that a buffer for none is too small as well.
+    // The structure includes one extent, so a buffer without room for one is too small.
     if (request.output_size < sizeof(VOLUME_DISK_EXTENTS)) {
         return Answer::Failure(ERROR_INSUFFICIENT_BUFFER);
     }
@@ -131,7 +131,7 @@ Answer VolumePartition(const Volume& volume, const ControlRequest& request, bool
                            request);
 }
 
-// A volume of one extent passes what it does not know itself to its disk.
+// A volume with exactly one extent forwards geometry and layout controls to its disk.
 Answer PassToDisk(Simulation& simulation, const Volume& volume, const ControlRequest& request) {
     constexpr DWORD kPassed[] = {IOCTL_DISK_GET_DRIVE_GEOMETRY, IOCTL_DISK_GET_DRIVE_GEOMETRY_EX,
                                  IOCTL_DISK_GET_DRIVE_LAYOUT, IOCTL_DISK_GET_DRIVE_LAYOUT_EX};
@@ -184,7 +184,7 @@ Answer AnswerVolumeControl(Simulation& simulation, const Volume& volume, const C
 }
 
 Answer AnswerControl(Simulation& simulation, const OpenObject& object, const ControlRequest& request) {
-    // The access that a control code demands stands in its bits 14 and 15.
+    // Bits 14 and 15 of a control code hold the access that it requires.
     const std::uint32_t demanded = (request.code >> 14) & (FILE_READ_ACCESS | FILE_WRITE_ACCESS);
     if ((demanded & ~request.access) != 0) {
         return Answer::Failure(ERROR_ACCESS_DENIED);

@@ -15,26 +15,25 @@ struct ControlRequest {
     const std::uint8_t* input = nullptr;
     std::size_t input_size = 0;
     std::size_t output_size = 0;
-    std::uint32_t access = 0;  // FILE_READ_DATA and FILE_WRITE_DATA of the handle
+    std::uint32_t access = 0;  // rights of the handle: FILE_READ_DATA, FILE_WRITE_DATA
 };
 
-// What a device control answers on an open disk, volume or root directory; the bytes are never more than
-// `output_size`.
+// Answers a device control on an open disk, volume or root directory. Returns at most `output_size` bytes.
 Answer AnswerControl(Simulation& simulation, const OpenObject& object, const ControlRequest& request);
 
 Answer AnswerDiskControl(Disk& disk, const ControlRequest& request);
 Answer AnswerVolumeControl(Simulation& simulation, const Volume& volume, const ControlRequest& request);
 
-// The bytes, or ERROR_INSUFFICIENT_BUFFER when the caller's buffer cannot hold them.
+// Returns the bytes, or ERROR_INSUFFICIENT_BUFFER if they do not fit the caller's buffer.
 Answer BytesOrTooSmall(Bytes bytes, const ControlRequest& request);
 
-// The controls that change a disk.
+// Controls that change a disk.
 
 Answer SetDriveLayout(Disk& disk, const ControlRequest& request);
 Answer CreateDisk(Disk& disk, const ControlRequest& request);
 Answer DeleteDriveLayout(Disk& disk);
 
-// Reads the table of a writable image again.
+// Reads the partition table of a writable image again.
 Answer UpdateProperties(Disk& disk);
 
 }  // namespace machine

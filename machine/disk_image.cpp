@@ -15,7 +15,7 @@ bool IsBootRecord(const Bytes& sector) {
     if (Get16(sector, kBootSignatureOffset) != kBootSignature) {
         return false;
     }
-    // The boot indicator tells a table from the code of a boot sector without one.
+    // An invalid boot indicator means a boot sector without a partition table: the bytes are code.
     for (std::size_t slot = 0; slot < 4; ++slot) {
         if ((sector[kEntriesOffset + slot * kEntrySize] & 0x7F) != 0) {
             return false;
@@ -24,7 +24,7 @@ bool IsBootRecord(const Bytes& sector) {
     return true;
 }
 
-// The GPT counts only when the boot record protects it and nothing else.
+// The system uses a GPT only if the protective entry is the only entry in the boot record.
 bool IsProtective(const Bytes& sector) {
     std::size_t used = 0;
     std::size_t protective = 0;
@@ -48,7 +48,7 @@ void WipeBootEntries(Bytes& sector) {
               std::uint8_t{0});
 }
 
-// The file that may be written, made first when it is to be a copy; false when there is none.
+// Makes the copy first if the image is to be written to one. Returns false if the image is not writable.
 bool PrepareForWriting(Image& image) {
     if (image.write_to) {
         if (!::CopyFileW(image.file.wstring().c_str(), image.write_to->wstring().c_str(), FALSE)) {

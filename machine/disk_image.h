@@ -7,31 +7,32 @@
 
 namespace machine {
 
-// Fills size, style, ids and table of a disk from the bytes of its image, as the system would read them: a
-// table that the system would not accept makes a raw disk. Throws std::runtime_error when the image cannot
-// be read or is smaller than a sector.
+// Reads size, style, ids and partition table of a disk from its image, as the system would. If the system
+// would not accept the table, the disk becomes raw. Throws std::runtime_error if the image cannot be read or
+// is smaller than a sector.
 void ReadDiskImage(Disk& disk);
 
-// Writes the disk's table into its image, or into the copy of it; nothing when the image is to be left
-// alone. Throws std::runtime_error.
+// Writes the disk's partition table to its image or to the copy. Does nothing if there is no image or it is
+// not writable. Throws std::runtime_error.
 void WriteDiskImage(Disk& disk);
 
-// Writes whole sectors into the image and reads the table again. A Win32 error, 0 for success.
+// Writes whole sectors to the image, which must exist, and reads the partition table again. Returns a Win32
+// error, 0 on success.
 std::uint32_t WriteSectors(Disk& disk, std::uint64_t offset, const Bytes& bytes);
 
-// The two table formats. `image` holds the disk from its first byte.
+// The two partition table formats. Offset 0 of `image` is the first byte of the disk.
 
 void ReadMbrTable(Disk& disk, ImageFile& image, const Bytes& boot_sector);
 void WriteMbrTable(const Disk& disk, ImageFile& image);
 
-// From the primary header, or from the backup when the primary is damaged; false when both are.
+// Reads the primary GPT or, if it is damaged, the backup. Returns false if both are damaged.
 bool ReadGptTable(Disk& disk, ImageFile& image);
 void WriteGptTable(const Disk& disk, ImageFile& image);
 
-// Makes a GPT that may be there unreadable.
+// Overwrites the primary and backup GPT headers, if they exist, with zeros.
 void WipeGptHeaders(const Disk& disk, ImageFile& image);
 
-// Fields of a boot record, common to both.
+// Boot record fields that both formats use.
 
 constexpr std::size_t kBootSignatureOffset = 510;
 constexpr std::uint16_t kBootSignature = 0xAA55;
@@ -40,7 +41,8 @@ constexpr std::size_t kEntriesOffset = 446;
 constexpr std::size_t kEntrySize = 16;
 constexpr std::uint8_t kProtectiveType = 0xEE;
 
-// One 16-byte entry of a boot record; the cylinder addresses are those of a 255-head, 63-sector geometry.
+// Writes one 16-byte boot record entry; `start` and `sectors` are in sectors. CHS addresses assume 255 heads
+// and 63 sectors per track.
 void PutBootEntry(Bytes& sector, std::size_t slot, const Partition& entry, std::uint64_t start,
                   std::uint64_t sectors);
 

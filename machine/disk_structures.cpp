@@ -6,7 +6,7 @@
 namespace machine {
 namespace {
 
-// DISK_GEOMETRY_EX ends in a byte array; these are the records that the disk driver really puts there.
+// DISK_GEOMETRY_EX with the records that the disk driver puts in place of the trailing byte array.
 struct FullGeometry {
     DISK_GEOMETRY geometry;
     LARGE_INTEGER disk_size;

@@ -7,7 +7,7 @@
 
 namespace machine {
 
-// The structures that the disk controls hand out, byte for byte.
+// The output structures of the disk controls, as bytes.
 Bytes DriveGeometryBytes(const Disk& disk);
 Bytes DriveGeometryExBytes(const Disk& disk);
 Bytes DriveLayoutBytes(const Disk& disk);
@@ -15,13 +15,13 @@ Bytes DriveLayoutExBytes(const Disk& disk);
 Bytes PartitionBytes(const Partition& partition);
 Bytes PartitionExBytes(const Partition& partition);
 
-// The whole disk, as the partition controls describe an open physical drive.
+// The entry for the whole disk, which the partition controls return for an open physical drive.
 Partition WholeDisk(const Disk& disk);
 
-// The entry of a layout that a caller hands in.
+// Converts an entry of a layout that the caller passed in.
 Partition PartitionFrom(const PARTITION_INFORMATION_EX& information);
 
-// The system's enumerations travel as plain numbers, which need not be ones that the enumeration knows.
+// Copies an enumeration as a plain number, which need not be a valid enumerator.
 template <class Enum>
 void StoreNumber(Enum& place, std::uint32_t number) {
     static_assert(sizeof(Enum) == sizeof(number));

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kHeaderSize = offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry);
 constexpr std::uint32_t kLeastGptEntries = 128;
 
-// Takes the changed disk over when its image, if any, could be written.
+// Writes the image, if any, then replaces the disk. On a write error the disk stays unchanged.
 Answer Commit(Disk& disk, Disk changed) {
     try {
         WriteDiskImage(changed);
@@ -72,7 +72,7 @@ Answer SetMbr(Disk& disk, const DRIVE_LAYOUT_INFORMATION_EX& header, std::vector
     }
     Disk changed = disk;
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        // An entry without the rewrite mark keeps what its slot holds.
+        // An entry without the rewrite flag leaves its slot unchanged.
         if (!entries[i].rewrite && i < disk.partitions.size()) {
             entries[i] = disk.partitions[i];
         }

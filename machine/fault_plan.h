@@ -14,20 +14,20 @@ struct tagVARIANT;
 
 namespace machine {
 
-// What a call is about to answer. A rule's action may change any of it: lie about the length, hand out
-// garbage, leave a last error behind on success.
+// The result of a call before it is returned. A rule's action may change any part of it: set a wrong length,
+// invalid data, or a last error on success.
 struct Answer {
     bool failed = false;
-    std::uint32_t error = 0;  // when not failed: 0, or a last error that is set although the call succeeded
-    std::uint64_t value = 0;  // the plain result: handle, drive type, mask, number of characters
-    Bytes bytes;              // copied into the caller's buffer, never more than it holds
-    std::uint64_t returned = 0;     // the length told to the caller
-    tagVARIANT* variant = nullptr;  // the value of a WMI property; null when reading it failed
+    std::uint32_t error = 0;        // on success: 0, a success status, or a last error to set anyway
+    std::uint64_t value = 0;        // result: handle, drive type, mask, number of characters
+    Bytes bytes;                    // copied to the caller's buffer, truncated to its size
+    std::uint64_t returned = 0;     // length reported to the caller
+    tagVARIANT* variant = nullptr;  // value of a WMI property; null if reading it failed
 
     static Answer Failure(std::uint32_t code);
 };
 
-// The codes that a failing call reports, by the family of the call.
+// The error codes of failing calls, by call family.
 struct FaultCodes {
     std::uint32_t win32 = 31;           // ERROR_GEN_FAILURE
     std::uint32_t native = 0xC0000001;  // STATUS_UNSUCCESSFUL
@@ -37,34 +37,36 @@ struct FaultCodes {
 };
 
 struct FaultRule {
-    std::string name;            // call, as CallRecord::name or the part before its colon; empty: every call
+    std::string name;            // CallRecord::name, with or without its suffix; empty: every call
     std::wstring object;         // case-insensitive; empty: every object
-    std::size_t ordinal = 0;     // the k-th call that the name and the object select; 0: each of them
-    bool from_there_on = false;  // the k-th and all after it
+    std::size_t ordinal = 0;     // the n-th call that matches name and object, from 1; 0: all
+    bool from_there_on = false;  // also all matching calls after the n-th
     FaultCodes codes;
-    std::function<void(Answer&)> action;  // instead of failing: changes the answer that was computed
+    std::function<void(Answer&)> action;  // if set: changes the answer instead of failing the call
 };
 
-// Which calls go wrong. Rules are tried in the order they were added; each counts the calls it selects.
+// The calls to fail or alter. Rules apply in the order in which they were added; each counts the calls that
+// match it. The first failing rule sets the error; the actions of all matching rules run.
 class FaultPlan {
 public:
     void Add(FaultRule rule);
 
-    // Every call of the name (on the object) fails with the code.
+    // Fails every call with this name (on this object, if given) with the code.
     void Fail(const std::string& name, std::uint32_t code, const std::wstring& object = {});
 
-    // The k-th call of all fails, once or with everything after it. For sweeps.
+    // Fails the call with this ordinal, counted from the time the rule was added, and all later calls if
+    // `from_there_on`. For sweeps over all calls.
     void FailOrdinal(std::size_t ordinal, bool from_there_on, const FaultCodes& codes = {});
 
-    // Every call of the name (on the object) has its answer changed.
+    // Changes the answer of every call with this name (on this object, if given).
     void Alter(const std::string& name, std::function<void(Answer&)> action, const std::wstring& object = {});
 
     void Clear() noexcept { rules_.clear(); }
 
-    // Calls that a rule hit.
+    // The number of times that a rule was applied to a call.
     std::size_t hits() const noexcept { return hits_; }
 
-    // What to do with a call about to be answered: the code to fail with, and the actions for its answer.
+    // What to do with one call: the error to fail with, if any, and the actions that change its answer.
     struct Verdict {
         std::optional<std::uint32_t> error;
         std::vector<std::function<void(Answer&)>> actions;

@@ -13,7 +13,7 @@ constexpr char kSignature[] = {'E', 'F', 'I', ' ', 'P', 'A', 'R', 'T'};
 constexpr std::uint32_t kRevision = 0x00010000;
 constexpr std::uint32_t kHeaderSize = 92;
 constexpr std::uint32_t kGptEntrySize = 128;
-constexpr std::uint32_t kMaxEntries = 1 << 16;  // a header that claims more is damaged
+constexpr std::uint32_t kMaxEntries = 1 << 16;  // a header with more entries counts as damaged
 constexpr std::size_t kNameLength = 36;
 
 // Offsets in the header.
@@ -136,7 +136,7 @@ Bytes HeaderOf(const Disk& disk, const Bytes& entries, const Places& places) {
     return header;
 }
 
-// The boot code in front of the table stays.
+// Keeps the boot code in front of the table.
 void WriteProtectiveRecord(const Disk& disk, ImageFile& image) {
     Bytes sector = image.Read(0, disk.bytes_per_sector);
     std::fill(sector.begin() + kDiskSignatureOffset, sector.begin() + kBootSignatureOffset, std::uint8_t{0});

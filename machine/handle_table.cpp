@@ -5,12 +5,13 @@
 namespace machine {
 namespace {
 
-// Far above the values that the kernel hands out, within the 32 bits that handles really have.
+// Far above the values that the kernel assigns, but within 32 bits like all real handles.
 constexpr std::uintptr_t kFirst = 0x4A000000;
 constexpr std::uintptr_t kLast = 0x7A000000;
 constexpr std::uintptr_t kStep = 4;
 
-// Process-wide: a handle left over from one simulation is stale in the next one, not somebody else's.
+// Process-wide, so that a handle left open by one simulation is stale in the next one and never refers to
+// another object.
 std::uintptr_t next_handle = kFirst;
 
 }  // namespace

@@ -9,35 +9,34 @@
 
 namespace machine {
 
-// What a simulated handle stands for.
+// The object that a simulated handle refers to.
 struct OpenObject {
     enum class Kind { kDisk, kVolume, kRootDirectory, kVolumeSearch, kObjectDirectory };
 
     Kind kind = Kind::kDisk;
-    std::wstring name;       // of the object, for the call log
-    std::uint32_t disk = 0;  // index of the disk
-    std::wstring device;     // device name of the volume
-    std::uint32_t access =
-        0;  // file handles: FILE_READ_DATA and FILE_WRITE_DATA as granted; directories: as asked
+    std::wstring name;         // name of the object in the call log
+    std::uint32_t disk = 0;    // index of the disk
+    std::wstring device;       // device name of the volume
+    std::uint32_t access = 0;  // files: granted FILE_READ_DATA/FILE_WRITE_DATA; directories: requested access
     std::uint64_t position = 0;  // next entry of a search, or file position
 };
 
-// The open handles of a simulation. Their values are never values of real handles, and none is used twice,
-// so that every use of a closed one is noticed.
+// The open handles of a simulation. Their values never equal those of real handles and are not reused, so
+// that every use of a closed handle is detected.
 class HandleTable {
 public:
     HANDLE Open(OpenObject object);
 
-    // Null when the handle is not open; a simulated one is then counted as a stale use.
+    // Returns null if the handle is not open. If its value is simulated, also counts a stale use.
     OpenObject* Find(HANDLE handle);
 
-    // The same, also null when the object is of another kind.
+    // The same, but also returns null if the object is of another kind.
     OpenObject* Find(HANDLE handle, OpenObject::Kind kind);
 
-    // False when it is not open.
+    // Returns false if the handle is not open. If its value is simulated, also counts a stale use.
     bool Close(HANDLE handle);
 
-    // Whether the value is in the range of simulated handles, open or not.
+    // True if the value is in the range of simulated handles, open or closed.
     static bool IsSimulated(HANDLE handle) noexcept;
 
     std::size_t open() const noexcept { return open_.size(); }

@@ -19,7 +19,7 @@ public:
 
     std::uint64_t size() const noexcept { return size_; }
 
-    // Exactly `length` bytes at `offset`.
+    // Reads exactly `length` bytes at `offset`.
     Bytes Read(std::uint64_t offset, std::size_t length);
     void Write(std::uint64_t offset, const Bytes& bytes);
 
@@ -43,7 +43,7 @@ void Put32(Bytes& bytes, std::size_t offset, std::uint32_t value);
 void Put64(Bytes& bytes, std::size_t offset, std::uint64_t value);
 void PutGuid(Bytes& bytes, std::size_t offset, const GUID& guid);
 
-// CRC-32 as the GPT uses it (polynomial 0xEDB88320, reflected).
+// The CRC-32 of the GPT (polynomial 0xEDB88320, reflected).
 std::uint32_t Crc32(const std::uint8_t* bytes, std::size_t length);
 
 }  // namespace machine

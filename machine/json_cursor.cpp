@@ -29,10 +29,10 @@ constexpr Unit kUnits[] = {
     {"TB", 1000ULL * 1000 * 1000 * 1000},
 };
 
-// The system counts bytes in signed 64-bit numbers.
+// The system uses signed 64-bit byte counts.
 constexpr std::uint64_t kMostBytes = INT64_MAX;
 
-// JSON pointer escapes.
+// Escapes a key for a JSON pointer.
 std::string Escaped(const std::string& key) {
     std::string escaped;
     for (const char c : key) {

@@ -14,10 +14,10 @@ namespace machine {
 
 class JsonObject;
 
-// A value of a description file together with where it stands, so that what is wrong with it can be told.
+// A JSON value of a description file together with its path, which error messages contain.
 class JsonCursor {
 public:
-    // `file` names the file in errors and must outlive the cursor.
+    // `file` is the file name used in errors. `value` and `file` must outlive the cursor.
     JsonCursor(const nlohmann::json& value, const std::string& file, std::string path = {});
 
     [[noreturn]] void Refuse(const std::string& reason) const;
@@ -30,21 +30,21 @@ public:
     bool is_array() const noexcept;
     bool is_bool() const noexcept;
     bool is_fraction() const noexcept;  // a number with a point or an exponent
-    bool is_negative() const noexcept;  // a whole number under 0
+    bool is_negative() const noexcept;  // a negative integer
 
     bool Bool() const;
     std::string Utf8() const;
     std::wstring Text() const;
 
-    // A number from 0 to `limit`: a JSON integer or text in hexadecimal ("0x1F").
+    // An integer from 0 to `limit`, as a JSON integer or as hexadecimal text ("0x1F").
     std::uint64_t Number(std::uint64_t limit = UINT64_MAX) const;
     std::uint32_t Number32() const { return static_cast<std::uint32_t>(Number(UINT32_MAX)); }
 
-    // A whole number under 0, where is_negative().
+    // A negative integer; call only if is_negative().
     std::int64_t Negative() const;
     double Real() const;
 
-    // As Number, also with a unit: "100 MiB", "2 TB".
+    // A number of bytes: as Number, or text with a unit ("100 MiB", "2 TB").
     std::uint64_t ByteCount() const;
 
     GUID Guid() const;
@@ -58,7 +58,7 @@ private:
     std::string path_;
 };
 
-// The members of an object. What has been asked for is known; RefuseOthers refuses the rest.
+// The members of an object. Tracks which keys were requested; RefuseOthers rejects all others.
 class JsonObject {
 public:
     JsonObject(const JsonCursor& cursor, const std::string& file);
@@ -70,7 +70,7 @@ public:
     std::optional<JsonCursor> Find(const std::string& key);
     JsonCursor Require(const std::string& key);
 
-    // Every member that has not been asked for, as a map from key to value.
+    // All members that were not requested, as pairs of key and value.
     std::vector<std::pair<std::string, JsonCursor>> Others();
     void RefuseOthers() const;
 
@@ -86,13 +86,13 @@ private:
     std::set<std::string> asked_;
 };
 
-// A name that stands for a number in a description.
+// A name that may be used in place of a number.
 struct NamedNumber {
     const char* name;
     std::uint32_t number;
 };
 
-// The number of a name out of the table, or a plain number.
+// Returns the number for a name in the table, or a plain number. Refuses unknown names.
 template <std::size_t Size>
 std::uint32_t NamedOrNumber(const JsonCursor& cursor, const NamedNumber (&table)[Size]) {
     if (cursor.is_text()) {

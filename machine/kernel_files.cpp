@@ -27,7 +27,7 @@ Answer Opened(Simulation& simulation, const std::wstring& path, const NameIndex:
         return Answer::Failure(disposition == CREATE_NEW ? ERROR_FILE_EXISTS : ERROR_INVALID_PARAMETER);
     }
     if (target.root && (flags & FILE_FLAG_BACKUP_SEMANTICS) == 0) {
-        return Answer::Failure(ERROR_PATH_NOT_FOUND);  // a directory, and the name ends in a backslash
+        return Answer::Failure(ERROR_PATH_NOT_FOUND);  // a directory, with a trailing backslash in its name
     }
     OpenObject object;
     object.name = path;
@@ -72,7 +72,7 @@ Answer Written(Simulation& simulation, OpenObject& object, const void* data, DWO
     }
     Disk* disk = object.kind == OpenObject::Kind::kDisk ? simulation.FindDisk(object.disk) : nullptr;
     if (disk == nullptr || !disk->image) {
-        // A disk without an image has a table, but no sectors that could be written.
+        // A disk without an image has a partition table, but no sectors to write to.
         return Answer::Failure(ERROR_NOT_SUPPORTED);
     }
     const std::uint64_t offset =
@@ -110,7 +110,7 @@ HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_AT
             return handle;
         }
         if (handle != nullptr) {
-            simulation->handles().Close(handle);  // opened, then made to fail by the fault plan
+            simulation->handles().Close(handle);  // opened before the fault plan failed the call
             SetLastError(answer.error);
         }
         return INVALID_HANDLE_VALUE;
@@ -127,7 +127,7 @@ BOOL WINAPI CloseHandle(HANDLE handle) {
         const bool known = object != nullptr && object->kind != OpenObject::Kind::kVolumeSearch;
         const Simulation::Call call{CallFamily::kWin32, "CloseHandle", NameOf(object),
                                     ErrorsOfFile(*simulation, object)};
-        // Closed even when the call is made to fail: a handle whose closing failed is of no use to anyone.
+        // Close the handle even if the call is made to fail: the caller cannot use it afterwards.
         if (known) {
             simulation->handles().Close(handle);
         }

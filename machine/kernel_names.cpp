@@ -11,7 +11,7 @@ bool IsVolumeName(const std::wstring& name) {
            name.compare(name.size() - 2, 2, L"}\\") == 0;
 }
 
-// The answer of a call that gives one text or nothing.
+// The answer of a call that returns one string. Fails if the buffer is too small.
 Answer OneText(const std::wstring& text, DWORD size) {
     if (size < text.size() + 1) {
         return Answer::Failure(ERROR_FILENAME_EXCED_RANGE);

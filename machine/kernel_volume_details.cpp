@@ -7,7 +7,7 @@
 namespace machine::simulated {
 namespace {
 
-// GetDriveTypeW forgives a missing backslash; the others do not.
+// Appends a missing trailing backslash, which GetDriveTypeW does not require.
 std::wstring AsRoot(std::wstring path) {
     if (!path.empty() && path.back() != L'\\') {
         path += L'\\';
@@ -15,7 +15,7 @@ std::wstring AsRoot(std::wstring path) {
     return path;
 }
 
-// Without a path these functions mean the root of the current drive.
+// A null path means the root of the current drive.
 std::wstring RootText(LPCWSTR root) {
     return root == nullptr ? std::wstring(L"\\") : std::wstring(root);
 }
@@ -25,7 +25,7 @@ struct VolumeCall {
     const Volume* volume = nullptr;
 };
 
-// What GetDiskFreeSpace and its kin take: any directory of a volume.
+// Finds the volume of any directory on it, as GetDiskFreeSpaceW and GetDiskFreeSpaceExW do.
 VolumeCall FindVolumeOf(Simulation& simulation, const std::wstring& path) {
     VolumeCall call;
     std::wstring mount_point;
@@ -36,14 +36,14 @@ VolumeCall FindVolumeOf(Simulation& simulation, const std::wstring& path) {
     return call;
 }
 
-// What stands in the way of asking the file system of the volume; 0 for nothing.
+// The error that prevents a query of the volume's file system; 0 if there is none.
 std::uint32_t Obstacle(const VolumeCall& call, const std::wstring& path) {
     const bool device_form = path.size() > 4 && path[0] == L'\\' && path[1] == L'\\' && path.back() != L'\\';
     if (call.volume == nullptr) {
         return ERROR_PATH_NOT_FOUND;
     }
     if (device_form) {
-        return ERROR_DIRECTORY;  // the volume itself, which is no directory
+        return ERROR_DIRECTORY;  // the volume itself is not a directory
     }
     if (!call.volume->has_media) {
         return ERROR_NOT_READY;
@@ -78,7 +78,7 @@ void CopyText(const std::wstring& text, LPWSTR buffer, DWORD size) {
     }
 }
 
-// The numbers a call hands out travel in the answer's bytes, so that the fault plan can garble them.
+// Stores the output values of a call in the answer's bytes, so that the fault plan can corrupt them.
 template <class Record>
 Answer Recorded(const Record& record) {
     Answer answer;

@@ -3,7 +3,7 @@
 namespace machine::simulated {
 namespace {
 
-// The name at the search's position; the search moves on only when the name fits.
+// Returns the name at the search position. Advances the position only if the name fits the buffer.
 Answer NextName(Simulation& simulation, std::uint64_t& position, DWORD size) {
     const std::vector<std::wstring>& names = simulation.names().volume_names();
     if (position >= names.size()) {

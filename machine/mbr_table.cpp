@@ -7,9 +7,9 @@
 namespace machine {
 namespace {
 
-constexpr std::size_t kMaxLogical = 1024;  // far more than any disk has; a chain that is longer is damaged
+constexpr std::size_t kMaxLogical = 1024;  // more than any real disk has; a longer chain is damaged
 
-// `base` is the first sector that the entry's start counts from.
+// The start of the entry is relative to sector `base`.
 Partition BootEntry(const Bytes& sector, std::size_t slot, std::uint64_t base,
                     std::uint32_t bytes_per_sector) {
     const std::size_t at = kEntriesOffset + slot * kEntrySize;

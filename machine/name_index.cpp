@@ -5,7 +5,7 @@
 namespace machine {
 namespace {
 
-// What every Windows has beside its disks and volumes.
+// Names that every Windows has in addition to those of its disks and volumes.
 const DosDevice kUsualDosDevices[] = {
     {L"NUL", L"\\Device\\Null"},
     {L"CON", L"\\Device\\ConDrv\\Console"},
@@ -155,7 +155,7 @@ NameIndex::Target NameIndex::Resolve(std::wstring_view path) const {
     } else if (const std::wstring* device = FindDosDevice(name)) {
         target = FindDevice(*device);
     } else if (StartsWith(name, L"Volume{")) {
-        // The mount manager knows volumes that have no link in the global directory.
+        // The mount manager also resolves volumes that have no link in \GLOBAL??.
         if (const auto volume = FindVolumeByGuid(name.substr(6))) {
             target = {Target::Kind::kVolume, *volume, false};
         }

@@ -11,14 +11,14 @@
 
 namespace machine {
 
-// Every name of a description, for look-ups that do not depend on the size of the machine. Holds positions
-// in the description that it was built from. All look-ups ignore case.
+// An index of all names in a description. The time of a lookup does not depend on the size of the machine.
+// Stores positions in the description that it was built from. All lookups ignore case.
 class NameIndex {
 public:
     NameIndex() = default;
     explicit NameIndex(const Description& description);
 
-    // What a path given to a file function means.
+    // The object that a path refers to.
     struct Target {
         enum class Kind { kNone, kDisk, kVolume };
         Kind kind = Kind::kNone;
@@ -26,11 +26,11 @@ public:
         bool root = false;         // the root directory of the volume, not the volume itself
     };
 
-    // "\\.\PhysicalDrive0", "\\?\Volume{...}", "\\?\GLOBALROOT\Device\HarddiskVolume1", "C:\", folder mount
-    // points.
+    // Resolves "\\.\PhysicalDrive0", "\\?\Volume{...}", "\\?\GLOBALROOT\Device\HarddiskVolume1", "C:\" and
+    // the folders of mount points.
     Target Resolve(std::wstring_view path) const;
 
-    // The longest mount point that the path starts with; Kind::kNone when there is none.
+    // Finds the longest mount point that the path starts with. Returns Kind::kNone if there is none.
     Target ResolveMountPoint(std::wstring_view path, std::wstring* mount_point) const;
 
     Target FindDevice(std::wstring_view nt_device) const;
@@ -39,10 +39,10 @@ public:
     const std::wstring* FindDosDevice(std::wstring_view name) const;
     const std::vector<DirectoryEntry>* FindDirectory(std::wstring_view path) const;
 
-    // In the order of the global directory.
+    // In the order of \GLOBAL??.
     const std::vector<DosDevice>& dos_devices() const noexcept { return dos_devices_; }
 
-    // The names that a volume search finds, "\\?\Volume{...}\", in order.
+    // The names that a volume search returns, in order: "\\?\Volume{...}\".
     const std::vector<std::wstring>& volume_names() const noexcept { return volume_names_; }
 
     std::uint32_t drive_mask() const noexcept { return drive_mask_; }
@@ -66,7 +66,7 @@ private:
     std::uint32_t drive_mask_ = 0;
 };
 
-// The drive of a path like "C:\": 0 for A. None when the path is no drive root.
+// The drive number of a root like "C:\", 0 for A; none if the path is not a drive root.
 std::optional<std::uint32_t> DriveNumber(std::wstring_view root);
 
 }  // namespace machine

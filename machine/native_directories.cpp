@@ -24,7 +24,7 @@ constexpr std::uint32_t kProcedureNotFound = 0xC000007A;
 
 constexpr ACCESS_MASK kDirectoryQuery = 1;
 
-// The record that a listing consists of: the texts lie behind the records in the same buffer.
+// One record of a directory listing. The strings follow the records in the same buffer.
 struct DirectoryRecord {
     UNICODE_STRING name;
     UNICODE_STRING type;
@@ -94,7 +94,7 @@ UNICODE_STRING PutText(const std::wstring& text, std::uint8_t*& copy, std::uint8
     return counted;
 }
 
-// The records, a zero one to end them, and the texts; addresses are those in the caller's buffer.
+// Builds the records, a terminating zero record, and the strings. Pointers refer to the caller's buffer.
 Bytes Listing(const std::vector<DirectoryEntry>& entries, std::size_t first, std::size_t count,
               void* buffer) {
     const std::size_t records = (count + 1) * sizeof(DirectoryRecord);

@@ -21,7 +21,7 @@ constexpr std::uint64_t kNoDriveLetter = 0x8000000000000000;
 struct GptType {
     const char* name;
     const char* guid;
-    const wchar_t* label;  // the name that the system's own tools give such a partition
+    const wchar_t* label;  // the name that Windows' own tools give to this type
     std::uint64_t attributes;
 };
 
@@ -59,7 +59,7 @@ Partition MbrPartition(JsonObject& object, std::uint32_t bytes_per_sector, std::
     return partition;
 }
 
-// What the numbering by type would get otherwise.
+// Values from the description that replace those set by NumberMbrEntries.
 struct Override {
     std::size_t entry;
     std::optional<std::uint32_t> number;
@@ -122,7 +122,8 @@ private:
         overrides_.push_back(given);
     }
 
-    // Each logical partition has its boot record in front: at "record", or right behind the one before it.
+    // Each logical partition has its own boot record: at "record" or, by default, directly after the
+    // previous logical partition; the first one at the start of the extended partition.
     void Logical(const std::vector<JsonCursor>& elements, const Partition& container) {
         std::uint64_t record = container.offset;
         for (const JsonCursor& element : elements) {

@@ -83,7 +83,7 @@ std::vector<DirectoryEntry> Entries(const JsonCursor& cursor, const std::wstring
         entries.push_back({object.Require("name").Text(), object.Text("type", usual)});
         object.RefuseOthers();
     }
-    // A listing counts texts in 16 bits of bytes.
+    // Directory listings store string lengths in bytes as 16-bit numbers.
     constexpr std::size_t kLongest = std::numeric_limits<USHORT>::max() / sizeof(wchar_t) - 1;
     for (const DirectoryEntry& entry : entries) {
         if (entry.name.size() > kLongest || entry.type.size() > kLongest) {

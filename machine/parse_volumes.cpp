@@ -107,7 +107,7 @@ void CheckExtents(const JsonObject& object, const Volume& volume, const std::vec
     }
 }
 
-// Names that only one volume may have.
+// Detects names that more than one volume claims.
 class Names {
 public:
     void Claim(const JsonObject& object, const std::wstring& name) {

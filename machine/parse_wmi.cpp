@@ -129,7 +129,8 @@ WmiValue ValueOf(const JsonCursor& cursor) {
     return value;
 }
 
-// The derived instance that a described one is put over: of the same disk for disk drives, else the only one.
+// The derived instance that a described one overrides: the one with the same Index or, if the described
+// instance has no Index, the only one. Empty if there is none.
 WmiInstance Underlying(const WmiClass* derived, const WmiInstance& described) {
     if (derived == nullptr) {
         return {};

@@ -7,20 +7,22 @@
 #include <filesystem>
 #include <vector>
 
-// The pieces of a description file. Each refuses what it does not know or what does not fit together.
+// Parsers for the parts of a description file. Each throws DescriptionError for unknown keys and for invalid
+// or inconsistent values.
 namespace machine::parsing {
 
 std::vector<Disk> Disks(const JsonCursor& cursor, const std::filesystem::path& directory);
 
-// The table of an MBR or GPT disk whose size, sector size and style are known.
+// Parses the partitions of an MBR or GPT disk. Its size, sector size and style must be set.
 void Partitions(const JsonCursor& cursor, Disk& disk);
 
-// Refuses partitions outside the disk or each other's way.
+// Refuses partitions that extend beyond the disk or overlap.
 void CheckPartitions(const JsonCursor& cursor, const Disk& disk);
 
 std::vector<Volume> Volumes(const JsonCursor& cursor, const std::vector<Disk>& disks);
 
-// Fills what the file left out, from the rest of the volume and from the disk under it.
+// Parses the remaining fields of a volume. Defaults come from its other fields and from the disk that it is
+// on.
 void CompleteVolume(JsonObject& object, Volume& volume, const std::vector<Disk>& disks);
 
 std::vector<DosDevice> DosDevices(const JsonCursor& cursor);
@@ -29,12 +31,12 @@ std::vector<RegistryKey> Registry(const JsonCursor& cursor);
 Firmware FirmwareOf(const JsonCursor& cursor, Firmware otherwise);
 std::set<std::string> Missing(const JsonCursor& cursor);
 
-// The member "errors", when there, of calls that the scope has.
+// Parses the optional member "errors". Refuses calls that cannot fail in the scope.
 CallErrors ErrorsOf(JsonObject& object, CallScope scope);
 
 WmiInstance Properties(const JsonCursor& cursor);
 
-// Puts the described classes over the derived ones; a class that is null is unknown.
+// Merges the described classes into the derived ones. A null class becomes unknown.
 void Wmi(const JsonCursor& cursor, Description& description);
 
 }  // namespace machine::parsing

@@ -31,7 +31,8 @@ GptBounds UsableSectors(std::uint64_t disk_size, std::uint32_t bytes_per_sector,
     constexpr std::uint64_t kEntrySize = 128;
     const std::uint64_t table = (entry_count * kEntrySize + bytes_per_sector - 1) / bytes_per_sector;
     const std::uint64_t sectors = disk_size / bytes_per_sector;
-    // In front: protective record, header, table; at the end: table, header.
+    // The disk starts with protective record, header and table, and ends with backup table and backup
+    // header.
     const std::uint64_t first = 2 + table;
     return {first, sectors > table + 2 ? sectors - table - 2 : 0};
 }

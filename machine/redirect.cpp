@@ -12,9 +12,9 @@
 namespace machine {
 namespace {
 
-// Taken before anything can have been redirected, this module's own import included. Looked up, because the
-// address as the compiler sees it is that of a jump through the import, which once redirected leads back here
-// for ever.
+// Initialised before any redirection, including one of this module's own import. Looked up at run time,
+// because &::GetProcAddress is the address of a jump through the import; once that is redirected, the jump
+// leads back here in an endless recursion.
 const auto real_get_proc_address = reinterpret_cast<decltype(&::GetProcAddress)>(
     reinterpret_cast<void (*)()>(::GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetProcAddress")));
 
@@ -59,7 +59,7 @@ const FunctionMap& NativeFunctions() {
     return functions;
 }
 
-// Null for modules that are none of the simulation's business.
+// Null for modules that are not simulated.
 const FunctionMap* FunctionsOf(HMODULE module) {
     if (module == nullptr) {
         return nullptr;
@@ -104,7 +104,7 @@ const IMAGE_IMPORT_DESCRIPTOR* ImportDescriptors(std::uint8_t* base) {
 
 IMAGE_THUNK_DATA* FindImport(std::uint8_t* base, const IMAGE_IMPORT_DESCRIPTOR& library,
                              const char* function) {
-    // Without the names, which an old linker leaves out, there is nothing to search.
+    // Old linkers omit the import names; nothing can be searched then.
     if (library.OriginalFirstThunk == 0) {
         return nullptr;
     }

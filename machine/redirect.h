@@ -4,28 +4,29 @@
 
 namespace machine {
 
-// Lets `module` (an executable or a library, loaded in this process) call `replacement` where it imports
-// `function` by name, from whichever library. Returns the previous target, or null when the module does not
-// import the function. Static imports of other modules are not touched.
+// Replaces the import of `function` in `module` by `replacement`. `module` is an executable or library that
+// is loaded in this process; the function is found by name, in imports from any library. Imports of other
+// modules are not changed. Returns the previous target, or null if the import does not exist or cannot be
+// replaced.
 FARPROC RedirectImport(HMODULE module, const char* function, FARPROC replacement);
 
-// GetProcAddress as a module on the simulation sees it: the simulated functions of kernel32 and ntdll answer
-// from the current simulation (from the real system when there is none), functions that the current
-// description calls missing are not found (null, error 127), everything else is the real function.
+// GetProcAddress for redirected modules. Functions of kernel32 and ntdll that are simulated answer from the
+// current simulation, or from the real system if there is none. Functions that the current description lists
+// as missing are not found (null, error 127). All other functions are the real ones.
 FARPROC WINAPI SimulatedProcAddress(HMODULE module, LPCSTR name);
 
-// GetProcAddress, whatever has been redirected since.
+// The real GetProcAddress, unaffected by redirection.
 FARPROC RealProcAddress(HMODULE module, const char* name);
 
-// The real function of a loaded system library; null when the system lacks it.
+// The real function of a loaded system library; null if the library does not export it.
 template <class Function>
 Function RealFunction(const wchar_t* library, const char* name) {
     return reinterpret_cast<Function>(
         reinterpret_cast<void (*)()>(RealProcAddress(GetModuleHandleW(library), name)));
 }
 
-// From now on the functions that `module` looks up itself come from the simulation. False when the module
-// does not import GetProcAddress.
+// Redirects the module's import of GetProcAddress, so that functions which it looks up from now on come from
+// the simulation. Returns false if the module does not import GetProcAddress.
 bool PutModuleOnSimulation(HMODULE module);
 
 }  // namespace machine

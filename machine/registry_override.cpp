@@ -32,7 +32,7 @@ private:
     HKEY key_ = nullptr;
 };
 
-// Volatile: what a crashed run leaves behind goes with the session.
+// Volatile, so that keys left behind by a crashed run do not outlive the logon session.
 LSTATUS Create(HKEY parent, const std::wstring& path, HKEY* key) {
     return RegCreateKeyExW(parent, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
                            key, nullptr);

@@ -7,11 +7,11 @@
 
 namespace machine {
 
-// HKEY_LOCAL_MACHINE of this process is a scratch key with the described values while this lives. One at a
-// time.
+// Redirects HKEY_LOCAL_MACHINE of this process to a scratch key with the described values for the lifetime
+// of the object. Only one may exist at a time.
 class RegistryOverride {
 public:
-    // Throws std::runtime_error, with nothing left behind.
+    // Throws std::runtime_error; the registry is then left as it was.
     explicit RegistryOverride(const std::vector<RegistryKey>& keys);
     ~RegistryOverride();
 

@@ -10,16 +10,17 @@ namespace machine {
 class RegistryOverride;
 class WmiRegistration;
 
-// Which COM apartment a session puts its thread in for its lifetime.
+// The COM apartment in which a session puts its thread for its lifetime. kCallers: the caller has already
+// initialised COM.
 enum class SessionCom { kApartment, kMultithreaded, kCallers };
 
-// A described machine under the calling thread: the simulation, WMI in this apartment, and
-// HKEY_LOCAL_MACHINE of this process. For one thread; the session ends on the thread that began it. With
-// kCallers the thread must have COM already. Modules are put on the simulation separately
-// (PutModuleOnSimulation).
+// Runs a described machine for the calling thread: the simulation, WMI in this apartment, and
+// HKEY_LOCAL_MACHINE of this process. Create and destroy a session on the same thread. Modules are
+// redirected separately (PutModuleOnSimulation).
 class Session {
 public:
-    // Throws std::runtime_error when COM or the registry refuse.
+    // Throws std::runtime_error if COM, the WMI registration or the registry fails, and std::logic_error if
+    // another simulation is current.
     explicit Session(Description description, SessionCom com = SessionCom::kApartment);
     ~Session();
 

@@ -10,9 +10,9 @@
 #include <new>
 #include <string>
 
-// The functions that a module on the simulation calls instead of the system's. Each has the signature and
-// the manners of the system function of its name, and passes what is none of the simulation's business to
-// it.
+// Replacements for system functions in redirected modules. Each has the signature and behaviour of the
+// system function of the same name. Calls that do not concern the simulation are forwarded to the system
+// function.
 namespace machine::simulated {
 
 HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
@@ -50,7 +50,7 @@ NTSTATUS NTAPI ZwQueryDirectoryObject(HANDLE directory, PVOID buffer, ULONG size
                                       BOOLEAN restart, PULONG context, PULONG returned);
 NTSTATUS NTAPI ZwClose(HANDLE handle);
 
-// Runs a function's body; memory that runs out inside the simulation is the function's failure with error 8.
+// Runs a function's body. If it throws std::bad_alloc, sets last error 8 and returns `failure`.
 template <class Result, class Body>
 Result Guarded(Result failure, const Body& body) noexcept {
     try {
@@ -61,19 +61,19 @@ Result Guarded(Result failure, const Body& body) noexcept {
     }
 }
 
-// Sets the last error of a Win32 answer; true when the call succeeded.
+// Sets the last error from a Win32 answer. Returns true if the call succeeded.
 bool Deliver(const Answer& answer);
 
-// The described errors of what a path names; null when it names nothing.
+// The described errors of the disk or volume that a path refers to; null if it refers to none.
 const CallErrors* ErrorsOf(const Simulation& simulation, const NameIndex::Target& target);
 
-// Puts a text and its terminator at the end of an answer's bytes.
+// Appends a null-terminated string to an answer's bytes.
 void AppendText(Bytes& bytes, const std::wstring& text);
 
-// Copies the answer's bytes, as many as the buffer of `size` characters holds.
+// Copies the answer's bytes to the buffer of `size` characters; truncates them if they do not fit.
 void CopyBytes(const Answer& answer, LPWSTR buffer, DWORD size);
 
-// A null path is empty text.
+// Returns an empty string for a null path.
 std::wstring TextOrEmpty(LPCWSTR text);
 
 }  // namespace machine::simulated

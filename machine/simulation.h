@@ -14,7 +14,7 @@
 
 namespace machine {
 
-// The code that computes one answer, without a copy of it and without memory of its own.
+// A reference to the code that computes one answer. Neither copies it nor allocates memory.
 class AnswerBody {
 public:
     template <class Body>
@@ -28,40 +28,41 @@ private:
     Answer (*call_)(const void*);
 };
 
-// A described machine that answers system calls. While it lives it is the current one, of which there is one
-// at a time; the redirected functions (redirect.h) and the WMI objects (wmi_locator.h) ask the current
-// simulation. One thread at a time.
+// A described machine that answers system calls. It is the current simulation while it exists, and only one
+// may exist at a time. The redirected functions (redirect.h) and the WMI objects (wmi_locator.h) query the
+// current simulation. Not thread-safe: use it from one thread at a time.
 class Simulation {
 public:
-    // Throws std::logic_error when another simulation is current.
+    // Throws std::logic_error if another simulation is current.
     explicit Simulation(Description description);
     ~Simulation();
 
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
 
-    // Null when there is none; the redirected functions then reach the real system.
+    // Null if there is none; the redirected functions then call the real system.
     static Simulation* Current() noexcept;
 
-    // The machine, for changing it between calls. Take it anew for every change: the names are indexed again
-    // at the call that follows.
+    // The machine, for changes between calls. Request it again for every change: the request makes the next
+    // call rebuild the name index.
     Description& description() noexcept;
     const Description& machine() const noexcept { return description_; }
 
     CallLog& calls() noexcept { return calls_; }
     FaultPlan& faults() noexcept { return faults_; }
 
-    // Calls that a described error has failed; those of the fault plan are FaultPlan::hits().
+    // The number of calls that failed with a described error. FaultPlan::hits() counts those of the fault
+    // plan.
     std::size_t described_errors_met() const noexcept { return described_errors_met_; }
 
-    // Files, volume searches and directories not yet closed.
+    // The number of files, volume searches and directories that are still open.
     std::size_t open_handles() const noexcept { return handles_.open(); }
-    // Closing or use of a handle that is closed already.
+    // The number of times a closed handle was used or closed again.
     std::size_t stale_handle_uses() const noexcept { return handles_.stale_uses(); }
-    // WMI objects not yet released.
+    // The number of WMI objects that are not released yet.
     std::size_t live_objects() const noexcept;
 
-    // For the parts of the simulation.
+    // Internal: for the other parts of the simulation.
 
     HandleTable& handles() noexcept { return handles_; }
     const NameIndex& names();
@@ -73,11 +74,12 @@ public:
         CallFamily family = CallFamily::kWin32;
         std::string name;
         std::wstring object;
-        const CallErrors* errors = nullptr;  // of the object
+        const CallErrors* errors = nullptr;  // described errors of the object
     };
 
-    // Answers one call: counts and records it, applies the fault plan and the described errors, and else
-    // asks `body`. A std::bad_alloc of the body becomes the family's out-of-memory code.
+    // Answers and records one call. The fault plan, or else the described errors, decide whether it fails;
+    // otherwise `body` computes the answer. Then the actions of the fault plan change it. A std::bad_alloc
+    // of the body becomes the family's out-of-memory code.
     Answer Perform(const Call& call, const AnswerBody& body);
 
 private:

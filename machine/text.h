@@ -11,24 +11,24 @@ namespace machine {
 std::wstring Widen(std::string_view utf8);
 std::string Narrow(std::wstring_view text);
 
-// Upper case by the rules that object and device names are compared by.
+// Converts to upper case by the rules with which object and device names are compared.
 std::wstring Folded(std::wstring_view text);
 
 bool EqualNames(std::wstring_view left, std::wstring_view right);
 
-// Compared without regard to case.
+// Ignores case.
 bool StartsWith(std::wstring_view text, std::wstring_view prefix);
 
-// "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}" in lower case, as volume names have it.
+// "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}" in lower case, as in volume names.
 std::string GuidText(const GUID& guid);
 
-// The text with or without braces; none when it is no GUID.
+// Parses a GUID with or without braces; none if the text is not a GUID.
 std::optional<GUID> ParseGuid(std::string_view text);
 
-// A GUID that is always the same for the same seed and looks random (version 4).
+// A version 4 GUID computed from the seed. The same seed always gives the same GUID.
 GUID DerivedGuid(std::string_view seed);
 
-// A 32-bit number that is always the same for the same seed, never 0.
+// A 32-bit number computed from the seed, never 0. The same seed always gives the same number.
 std::uint32_t DerivedNumber(std::string_view seed);
 
 }  // namespace machine

@@ -12,7 +12,7 @@ struct FileSystemFacts {
     const wchar_t* name;
     std::uint32_t flags;
     std::uint32_t max_component_length;
-    std::uint64_t cluster_bytes;  // 0: by the size of the volume
+    std::uint64_t cluster_bytes;  // 0: depends on the size of the volume
 };
 
 constexpr FileSystemFacts kFileSystems[] = {
@@ -27,7 +27,7 @@ const FileSystemFacts* FactsOf(const std::wstring& file_system) {
     return facts == std::end(kFileSystems) ? nullptr : facts;
 }
 
-// The system's own choice for FAT volumes of a size.
+// The cluster size, in bytes, that the system chooses for a FAT volume of this size.
 std::uint64_t FatCluster(std::uint64_t length) {
     constexpr std::uint64_t kMiB = 1ULL << 20;
     constexpr std::uint64_t kSteps[][2] = {{64 * kMiB, 512},    {128 * kMiB, 1024},   {256 * kMiB, 2048},
@@ -99,7 +99,7 @@ void SpaceFields(JsonObject& object, Volume& volume) {
     const std::uint64_t block =
         static_cast<std::uint64_t>(volume.sectors_per_cluster) * volume.bytes_per_sector;
 
-    // NTFS keeps the last sector of its partition for the copy of the boot sector.
+    // NTFS reserves the last sector of its partition for the backup boot sector.
     const std::uint64_t kept =
         volume.file_system == L"NTFS" && volume.length != 0 ? volume.bytes_per_sector : 0;
     volume.total_clusters = object.Number("totalClusters", block == 0 ? 0 : (volume.length - kept) / block);

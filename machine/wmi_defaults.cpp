@@ -25,7 +25,7 @@ WmiValue Number(std::uint64_t number, VARTYPE type = VT_I4) {
     return value;
 }
 
-// 64-bit numbers are text in this interface.
+// WMI returns 64-bit numbers as strings.
 WmiValue LongNumber(std::uint64_t number) {
     return Text(std::to_wstring(number));
 }
@@ -80,7 +80,7 @@ WmiInstance DiskDrive(const Disk& disk) {
         {L"TotalTracks", LongNumber(tracks)},
         {L"TracksPerCylinder", Number(disk.tracks_per_cylinder)},
     };
-    // WMI's 32-bit numbers come signed, whatever their sign bit means.
+    // WMI returns unsigned 32-bit numbers as VT_I4.
     for (WmiProperty& property : instance) {
         if (property.value.type == VT_UI4) {
             property.value.type = VT_I4;
@@ -113,9 +113,9 @@ bool StartsTheMachine(const Volume& volume) {
 }
 
 struct SystemPlaces {
-    std::wstring boot_device;    // where the machine starts from
-    std::wstring system_device;  // where the system lies
-    std::wstring partition;      // the same as an ARC-like name
+    std::wstring boot_device;    // device from which the machine boots
+    std::wstring system_device;  // device that holds the Windows installation
+    std::wstring partition;      // the same as \Device\HarddiskN\PartitionM
     std::wstring drive;
 };
 

@@ -4,7 +4,7 @@
 
 namespace machine {
 
-// Fills Description::wmi with what a machine of these disks and volumes reports: the classes
+// Fills Description::wmi with the classes that a machine with these disks and volumes reports:
 // Win32_DiskDrive, Win32_Processor, Win32_OperatingSystem, Win32_ComputerSystem and Win32_BootConfiguration.
 void AddDerivedWmi(Description& description);
 

@@ -51,7 +51,7 @@ HRESULT STDMETHODCALLTYPE WmiEnumerator::Next(LONG timeout, ULONG count, IWbemCl
         if (error_ != 0) {
             return Answer::Failure(error_);
         }
-        // The objects come too late for whoever does not wait for them without a limit.
+        // Objects arrive only for an infinite timeout; with any other timeout the call times out.
         if (timeout != static_cast<LONG>(WBEM_INFINITE)) {
             Answer late;
             late.error = kTimedOut;

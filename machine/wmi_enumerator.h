@@ -7,8 +7,8 @@
 
 namespace machine {
 
-// The result of a query. `error`, when not 0, is what the first fetch gives: a query that returns at once
-// reports its failures only there.
+// The result of a query. If `error` is not 0, fetching objects fails with it: a semisynchronous query
+// reports its errors only when objects are fetched.
 class WmiEnumerator final : public ComObject<IEnumWbemClassObject> {
 public:
     WmiEnumerator(std::shared_ptr<const WmiResult> result, std::uint32_t error, bool forward_only,

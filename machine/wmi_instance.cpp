@@ -62,7 +62,7 @@ CIMTYPE CimTypeOf(VARTYPE type) {
             return row.cim;
         }
     }
-    return 8;  // a null value: text, as most properties are
+    return 8;  // null values: CIM_STRING, the type of most properties
 }
 
 std::optional<WmiValue> SystemProperty(const std::wstring& class_name, const std::wstring& name) {
@@ -97,7 +97,7 @@ VARIANT VariantOf(const WmiValue& value) {
             variant.dblVal = value.real;
             break;
         default:
-            variant.llVal = value.number;  // the smaller ones are its low bytes
+            variant.llVal = value.number;  // smaller types use its low bytes
             break;
     }
     variant.vt = value.type;
@@ -108,7 +108,7 @@ WmiInstanceObject::WmiInstanceObject(std::shared_ptr<const WmiResult> result, st
     : ComObject(IID_IWbemClassObject), result_(std::move(result)), position_(position) {}
 
 Answer WmiInstanceObject::Found(LPCWSTR name, LONG flags, VARIANT& variant, CIMTYPE& cim_type) const {
-    if (name == nullptr || flags != 0) {  // flags are reserved
+    if (name == nullptr || flags != 0) {  // flags are reserved and must be 0
         return Answer::Failure(kInvalidParameter);
     }
     const auto system = SystemProperty(result_->class_name, name);

@@ -9,13 +9,14 @@
 
 namespace machine {
 
-// What a query found: kept by the enumerator and its objects, whatever becomes of the description meanwhile.
+// A copy of the class that a query found, shared by the enumerator and its objects. Later changes of the
+// description do not affect it.
 struct WmiResult {
     std::wstring class_name;
     WmiClass found;
 };
 
-// One instance of a class, for reading.
+// A read-only instance of a class.
 class WmiInstanceObject final : public ComObject<UnsupportedClassObject> {
 public:
     WmiInstanceObject(std::shared_ptr<const WmiResult> result, std::size_t position);
@@ -38,7 +39,7 @@ private:
     std::size_t next_property_ = 0;
 };
 
-// The variant of a described value; the caller clears it. Throws std::bad_alloc.
+// Converts a described value to a VARIANT, which the caller must clear. Throws std::bad_alloc.
 VARIANT VariantOf(const WmiValue& value);
 
 }  // namespace machine

@@ -25,7 +25,7 @@ bool IsKnownNamespace(const std::wstring& name) {
                        [&](const wchar_t* known) { return EqualNames(name, known); });
 }
 
-// Lives as long as the program; COM's references to it do not count.
+// A static object, so reference counts have no effect.
 class LocatorFactory final : public IClassFactory {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {

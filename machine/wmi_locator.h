@@ -5,7 +5,7 @@
 
 namespace machine {
 
-// The WMI locator of the described machine; its IUnknown is the locator interface itself.
+// The WMI locator of the described machine. Its IWbemLocator pointer is also its IUnknown.
 class WmiLocator final : public ComObject<IWbemLocator> {
 public:
     WmiLocator();
@@ -15,8 +15,8 @@ public:
                                             IWbemContext* context, IWbemServices** services) override;
 };
 
-// Puts the locator classes of this apartment on the simulation for its lifetime. The thread must have COM,
-// and must be the same at both ends.
+// Registers simulated class objects for the WMI locator classes in this apartment for its lifetime. COM must
+// be initialised on the thread. Create and destroy it on the same thread.
 class WmiRegistration {
 public:
     // Throws std::runtime_error.

@@ -42,8 +42,8 @@ const WmiClass* KnownClass(const std::wstring& name) {
     return found == simulation->machine().wmi.end() ? nullptr : &found->second;
 }
 
-// What is wrong with a query; 0 for nothing. That the class is unknown comes out here only when the caller
-// waits for it.
+// The error of a query; 0 if there is none. An unknown class is an error here only if the caller waits for
+// the query; otherwise the enumerator reports it.
 std::uint32_t Objection(const wchar_t* language, const std::wstring& class_name, const WmiClass* known,
                         LONG flags) {
     if (language == nullptr) {

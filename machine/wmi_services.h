@@ -7,7 +7,7 @@
 
 namespace machine {
 
-// A connection to the described machine's "root\cimv2". Security settings are accepted and without effect.
+// A connection to the described machine's "root\cimv2". Security settings are accepted but have no effect.
 class WmiServices final : public ComObject<UnsupportedServices> {
 public:
     WmiServices();
@@ -19,7 +19,7 @@ protected:
     void* Offer(REFIID iid) override;
 
 private:
-    // A part of the object, with the object's own identity.
+    // The object's IClientSecurity interface. Uses the object's reference count and QueryInterface.
     class Security final : public IClientSecurity {
     public:
         explicit Security(WmiServices& owner) : owner_(owner) {}
@@ -41,7 +41,7 @@ private:
     Security security_{*this};
 };
 
-// The class that a query "select ... from CLASS" asks for; empty when the text is no such query.
+// The class name in a query "select ... from CLASS"; empty if the query has another form.
 std::wstring QueriedClass(const std::wstring& query);
 
 }  // namespace machine

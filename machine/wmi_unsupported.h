@@ -7,10 +7,10 @@
 
 namespace machine {
 
-// The methods that nothing on a described machine needs.
+// The result of WMI methods that the described machine does not support.
 constexpr HRESULT kWmiNotSupported = static_cast<HRESULT>(0x8004100CU);  // WBEM_E_NOT_SUPPORTED
 
-// All of the services but the query.
+// Implements all IWbemServices methods except ExecQuery as unsupported.
 class UnsupportedServices : public IWbemServices {
 public:
     HRESULT STDMETHODCALLTYPE OpenNamespace(const BSTR, LONG, IWbemContext*, IWbemServices**,
@@ -92,7 +92,7 @@ public:
     }
 };
 
-// All of an instance but the reading of its properties.
+// Implements all IWbemClassObject methods except those that read properties as unsupported.
 class UnsupportedClassObject : public IWbemClassObject {
 public:
     HRESULT STDMETHODCALLTYPE GetQualifierSet(IWbemQualifierSet**) override { return kWmiNotSupported; }
