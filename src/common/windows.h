@@ -1,10 +1,10 @@
 #pragma once
 
-// The one door to the platform's headers: every file includes this instead of <windows.h>, so that the
-// version and the trimming macros are the same everywhere.
+// Includes the platform's headers. Every file includes this header instead of <windows.h>, so that the
+// version and configuration macros are the same everywhere.
 
 #ifndef _WIN32_WINNT
-#define _WIN32_WINNT 0x0602  // GetFirmwareType is declared from this version on; it is bound at run time
+#define _WIN32_WINNT 0x0602  // needed to declare GetFirmwareType, which is bound at run time
 #endif
 #ifndef NOMINMAX
 #define NOMINMAX

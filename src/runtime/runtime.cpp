@@ -1,5 +1,5 @@
-// The library's entry point and its memory. An agent may load and unload the library as often as it likes:
-// nothing is left behind.
+// The library's entry point and memory allocation. An agent can load and unload the library any number of
+// times without leaks.
 
 #include "common/windows.h"
 
@@ -11,7 +11,7 @@
 #include <limits>
 #include <new>
 
-// The linker sends malloc, its kin and two imports of the C++ runtime to the __wrap_ symbols.
+// The linker redirects malloc, related functions and two imports of the C++ runtime to the __wrap_ symbols.
 extern "C" {
 using TlsAllocFunction = DWORD(WINAPI*)();
 using CreateSemaphoreFunction = HANDLE(WINAPI*)(SECURITY_ATTRIBUTES*, LONG, LONG, LPCWSTR);
@@ -32,16 +32,16 @@ extern const CreateSemaphoreFunction create_semaphore __asm__("__wrap___imp_Crea
 
 namespace {
 
-// --- Memory: one heap for new and malloc, which goes back to the system in one piece.
+// --- Memory: one heap for new and malloc, destroyed as a whole on unload.
 
-// A capture of the example workstation holds up to 150 KiB at a time, with the 72 KiB that the C++ runtime
-// keeps for exceptions.
+// The initial heap size. A capture of the example workstation uses up to 150 KiB at a time, including the 72
+// KiB that the C++ runtime keeps for exceptions.
 constexpr std::size_t kFirstHeapBytes = std::size_t{192} * 1024;
 
 constinit HANDLE heap = nullptr;
 
-// For a thread's first exception the C++ runtime allocates up to three small blocks, and ends the process,
-// which is the agent's, when it gets none. So malloc falls back on these when the heap is exhausted.
+// The C++ runtime allocates up to three small blocks for the first exception of a thread. If it gets none, it
+// terminates the process, which is the agent's. So malloc uses these blocks when the heap is exhausted.
 struct alignas(std::max_align_t) ReserveBlock {
     std::array<unsigned char, 512> bytes;
 };
@@ -67,10 +67,10 @@ void* AllocateFromHeap(std::size_t size) {
     return heap != nullptr ? HeapAlloc(heap, 0, size) : nullptr;
 }
 
-// --- What the C++ runtime takes after loading and never gives back.
+// --- Resources that the C++ runtime allocates after loading and never releases.
 
-// A thread slot and a semaphore with the first exception, a semaphore with the first static object: without
-// this each would stay behind. What the runtime makes while it is loaded, it gives back itself.
+// The first exception allocates a thread slot and a semaphore, the first static object another semaphore.
+// Without this code they would leak. The runtime itself releases what it allocates while it is being loaded.
 constinit bool loaded = false;
 constinit DWORD thread_slot = TLS_OUT_OF_INDEXES;
 constinit std::array<HANDLE, 8> semaphores{};
@@ -122,8 +122,8 @@ BOOL WINAPI OrvaneEntry(HINSTANCE module, DWORD reason, LPVOID reserved) {
     }
     const bool process_ends = reason == DLL_PROCESS_DETACH && reserved != nullptr;
     if (process_ends) {
-        // From here on nothing is freed: a thread that the system has ended may hold the heap's lock for
-        // ever.
+        // From here on nothing is freed: a thread that the system has terminated may hold the heap lock
+        // forever.
         heap = nullptr;
     }
     const BOOL result = DllMainCRTStartup(module, reason, reserved);

@@ -35,7 +35,7 @@ bool DeviceManager::ReadIndexes() {
     const DriveListing listing = VisitDiskDrives([&](CWmi& drive) {
         int index = 0;
         if (!drive.Get(L"Index", index)) {
-            // The numbers read so far stay: compatibility C54
+            // The indexes read so far are kept: compatibility C54
             GetLogger().Write(kLogError, L"DeviceManager::ObtainPhysicalDrivesIndexes wmi.Get failed");
             return false;
         }

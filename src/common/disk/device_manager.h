@@ -6,7 +6,7 @@
 
 namespace bmr_common {
 
-// The machine's physical disks, ordered by the text of their index: compatibility C85
+// The machine's physical disks, sorted by the text of their index: compatibility C85
 class DeviceManager {
 public:
     DeviceManager() = default;
@@ -14,23 +14,25 @@ public:
     DeviceManager(const DeviceManager&) = delete;
     DeviceManager& operator=(const DeviceManager&) = delete;
 
-    // Replaces the disks by those that the live system has. Throws nothing; false after one level 2 line.
+    // Replaces the disks with those of the live system. Never throws. On failure logs at level 2 and returns
+    // false.
     virtual bool InitializeWithCurrentDisks();
-    // Makes the factory that later disks come from.
+    // Creates the factory used for all later disks.
     virtual void CreateFactory();
     virtual void DumpInfo() const;
     // Appends the element "DeviceInfo" to `parent`; throws _com_error.
     virtual void CaptureInfo(CMSXmlNode& parent) const;
-    // Fills in which disks there are, as the system's management information tells, without the disks
-    // themselves.
+    // Adds the indexes of the disks that WMI lists, without creating the disk objects.
     virtual bool ObtainPhysicalDrivesIndexes();
 
-    // The disk of that index; empty, after a level 5 line, when there is none.
+    // The disk with that index. Returns an empty pointer, after logging one line at level 5, if there is
+    // none.
     DiskDriveManagerPtr GetDevice(std::uint32_t disk_index) const;
-    // Appends the disks of one partition style.
+    // Appends all disks with that partition style.
     void GetDisks(std::uint32_t style, std::vector<DiskDriveManagerPtr>& disks) const;
 
-    using DiskMap = std::map<std::wstring, DiskDriveManagerPtr>;  // by decimal index; a disk may be empty
+    // The key is the decimal index. A pointer may be empty.
+    using DiskMap = std::map<std::wstring, DiskDriveManagerPtr>;
     const DiskMap& disks() const { return disks_; }
 
 protected:

@@ -61,7 +61,7 @@ bool DiskDriveManager::FillDiskRow(DiskRow& /*row*/) const {
 bool DiskDriveManager::CreateRawDisk(std::uint32_t disk_index) const {
     CREATE_DISK description{};
     if (!SetupDiskStruct(description)) {
-        // The number shown is a part of the text's address: compatibility C22
+        // Logs part of the address of the text instead of the index: compatibility C22
         const std::wstring index = DecimalText(disk_index);
         GetLogger().Write(kLogError, L"%s failed for disk %u", L"bmr_common::DiskDriveManager::CreateRawDisk",
                           index.c_str());
@@ -88,7 +88,7 @@ bool DiskDriveManager::InitializeRAWDisk(std::uint32_t disk_index, CREATE_DISK& 
     if (!win::WinAPIWrapper::UpdateDiskProperties(drive, error)) {
         return false;
     }
-    // A device that cannot flush has nothing to flush.
+    // ERROR_INVALID_FUNCTION: the device does not support flushing, so nothing needs to be flushed.
     if (!win::WinAPIWrapper::FlushFileBuffers(drive, error) && error != ERROR_INVALID_FUNCTION) {
         GetLogger().Write(kLogError, L"%s error=%u", kFunction, error);
         return false;

@@ -28,7 +28,7 @@ DiskDriveManagerPtr DiskDriveManagerFactory::CreateFor(std::uint32_t disk_index,
     if (style == kStyleGPT) {
         return CreateGPT(disk_index);
     }
-    // A master boot record without a signature is of unknown style: compatibility C143
+    // An MBR disk without a signature is treated as unknown: compatibility C143
     return style == kStyleMBR && geometry.signature() != 0 ? CreateMBR(disk_index)
                                                            : CreateUnknown(disk_index);
 }

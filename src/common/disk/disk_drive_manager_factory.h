@@ -4,7 +4,7 @@
 
 namespace bmr_common {
 
-// Makes disk objects.
+// Creates disk objects.
 class DiskDriveManagerFactory {
 public:
     DiskDriveManagerFactory() = default;
@@ -12,13 +12,14 @@ public:
     DiskDriveManagerFactory(const DiskDriveManagerFactory&) = delete;
     DiskDriveManagerFactory& operator=(const DiskDriveManagerFactory&) = delete;
 
-    // A new disk of one kind, not initialised yet.
+    // Each creates a disk of one kind, not yet initialised.
     virtual DiskDriveManagerPtr CreateUnknown(std::uint32_t disk_index) const;
     virtual DiskDriveManagerPtr CreateMBR(std::uint32_t disk_index) const;
     virtual DiskDriveManagerPtr CreateGPT(std::uint32_t disk_index) const;
 
-    // The disk of that index, of the kind that it is found to be, initialised. Never empty: a disk that
-    // cannot be opened or read is an unknown one with the failure in its status.
+    // Creates and initialises the disk with that index; its kind depends on the partition style found. Never
+    // returns an empty pointer: for a disk that cannot be opened or read, returns an unknown disk with the
+    // failure in its status.
     DiskDriveManagerPtr CreateAndInitialize(std::uint32_t disk_index) const;
 
 private:

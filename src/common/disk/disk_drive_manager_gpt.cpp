@@ -26,7 +26,7 @@ void DiskDriveManagerGPT::DumpInfo() const {
     Traced(L"bmr_common::DiskDriveManagerGPT::DumpInfo", [&] {
         PartitionedDiskDriveManager::DumpInfo();
         GetLogger().Write(kLogInformation, L"  Partition Style: GPT");
-        // The table dumps it again: compatibility C46
+        // The partition manager dumps it again: compatibility C46
         GetLogger().Write(kLogInformation, L"    DiskId: %s", GuidText(geometry_.disk_id()).c_str());
         partition_manager_->DumpInfo();
     });
@@ -41,7 +41,7 @@ bool DiskDriveManagerGPT::SetupDiskStruct(CREATE_DISK& description) const {
 
 void DiskDriveManagerGPT::SetUniqueIdToRandom() {
     GUID disk_id{};
-    // Stays zero where the system makes none: compatibility C153
+    // Stays zero if the system cannot create a GUID: compatibility C153
     CreateGuid(disk_id);
     geometry_.SetDiskId(disk_id);
 }

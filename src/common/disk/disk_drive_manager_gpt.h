@@ -5,8 +5,8 @@
 
 namespace bmr_common {
 
-// A disk with a GUID partition table and a disk GUID.
-// The document has none of its partitions: compatibility C82
+// A disk with a GUID partition table and a disk GUID. The document does not contain its partitions:
+// compatibility C82
 class DiskDriveManagerGPT : public PartitionedDiskDriveManager {
 public:
     explicit DiskDriveManagerGPT(std::uint32_t disk_index);

@@ -32,7 +32,7 @@ DiskDriveManagerMBR::DiskDriveManagerMBR(std::uint32_t disk_index)
       partition_manager_(boost::make_shared<PartitionManagerMBR>(disk_index)) {}
 
 void DiskDriveManagerMBR::MakeEmptyTable() {
-    // The fresh geometry's checksum is 0 already.
+    // ForFreshTable has already set the checksum in the geometry to 0.
     partition_manager_ = boost::make_shared<PartitionManagerMBR>(disk_index_);
     partition_manager_->InitializeEmptyLayout(geometry_.signature());
 }
@@ -41,7 +41,7 @@ void DiskDriveManagerMBR::DumpInfo() const {
     Traced(L"bmr_common::DiskDriveManagerMBR::DumpInfo", [&] {
         PartitionedDiskDriveManager::DumpInfo();
         GetLogger().Write(kLogInformation, L"  Partition Style: MBR");
-        // The table dumps it again: compatibility C46
+        // The partition manager dumps it again: compatibility C46
         GetLogger().Write(kLogInformation, L"    Signature: 0x%x", geometry_.signature());
         partition_manager_->DumpInfo();
     });
@@ -50,7 +50,7 @@ void DiskDriveManagerMBR::DumpInfo() const {
 void DiskDriveManagerMBR::CaptureInfo(CMSXmlNode& parent) const {
     Traced(L"bmr_common::DiskDriveManagerMBR::CaptureInfo", [&] {
         if (CaptureCommonInfo(parent)) {
-            // With a second "PartitionStyle": compatibility C81
+            // Adds a second "PartitionStyle" element: compatibility C81
             partition_manager_->CaptureInfo(parent);
         }
     });
@@ -63,7 +63,7 @@ bool DiskDriveManagerMBR::SetupDiskStruct(CREATE_DISK& description) const {
 }
 
 void DiskDriveManagerMBR::SetUniqueIdToRandom() {
-    // Two numbers of 15 bits: compatibility C158
+    // Combines two random numbers of 15 bits each: compatibility C158
     const auto high = static_cast<std::uint32_t>(std::rand()) << 16;
     geometry_.SetSignature(high + static_cast<std::uint32_t>(std::rand()));
 }

@@ -1,4 +1,4 @@
-// What a disk writes of itself: the text dump and the XML fragment.
+// The output of a disk: the text dump and the XML fragment.
 
 #include "common/disk/disk_drive_manager.h"
 #include "common/disk/sizes.h"
@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint32_t kDetectInt13 = 1;
 constexpr std::uint32_t kDetectExInt13 = 2;
 
-// One fact of a detection record: its dump line, its element, its value.
+// One field of a detection record: its dump line, XML element and value.
 struct DetectionFact {
     const wchar_t* line;
     const char* element;
@@ -58,7 +58,7 @@ void DumpGeometry(const DiskGeometry& disk) {
     const DISK_GEOMETRY& geometry = disk.geometry();
     GetLogger().Write(kLogInformation, L"  Disk Size: %I64d(%.2f GB)", disk.disk_size(),
                       Gigabytes(static_cast<double>(disk.disk_size())));
-    // The spelling: compatibility C44
+    // Misspelled on purpose: compatibility C44
     GetLogger().Write(kLogInformation, L"  Cyclinders: %I64d", geometry.Cylinders.QuadPart);
     GetLogger().Write(kLogInformation, L"  MediaType: %d", disk.media_type());
     GetLogger().Write(kLogInformation, L"  TracksPerCylinder: %d", geometry.TracksPerCylinder);
@@ -66,12 +66,12 @@ void DumpGeometry(const DiskGeometry& disk) {
     GetLogger().Write(kLogInformation, L"  BytesPerSector: %d", geometry.BytesPerSector);
     GetLogger().Write(kLogInformation, L"  DetectionType: %d", disk.detection_type());
     for (const DetectionFact& fact : DetectionFacts(disk)) {
-        // As a 32-bit number, the sectors of a drive too: compatibility C47
+        // All values are printed as 32-bit numbers, even ExSectorsPerDrive: compatibility C47
         GetLogger().Write(kLogInformation, fact.line, static_cast<std::int32_t>(fact.value));
     }
 }
 
-// The address of the identifier's text, not the text: compatibility C78
+// Writes the address of the GUID's text instead of the text: compatibility C78
 void CaptureGuidAddress(CMSXmlNode& parent, const GUID& disk_id) {
     std::array<wchar_t, 39> text{};
     StringFromGUID2(disk_id, text.data(), static_cast<int>(text.size()));
@@ -111,10 +111,10 @@ void DiskDriveManager::DumpInfo() const {
         for (const std::wstring& reason : reasons) {
             GetLogger().Write(kLogInformation, L"    Failure reason: %s", reason.c_str());
         }
-        // The failures once more, as errors: compatibility C50
+        // Logs the failures again, as errors: compatibility C50
         status_.DumpAll();
         if (has_geometry()) {
-            // A raw disk logs an error here: compatibility C48
+            // For a raw disk this logs an error: compatibility C48
             GetLogger().Write(kLogInformation, L"  Dynamic disk: %s", TrueOrFalse(is_dynamic()));
             DumpGeometry(geometry_);
         }
@@ -129,19 +129,19 @@ bool DiskDriveManager::CaptureCommonInfo(CMSXmlNode& parent) const {
     AddNumberElement(parent, "DiskId", disk_index_);
     std::vector<std::wstring> reasons;
     if (!can_backup(reasons)) {
-        // Nothing more, whatever is known: compatibility C83
+        // Nothing else is written, even if it is known: compatibility C83
         parent.AddTextChild("DiskSize", L"0");
         return false;
     }
     const DISK_GEOMETRY& geometry = geometry_.geometry();
     parent.AddTextChild("DynamicDisk", TrueOrFalse(is_dynamic()));
     AddNumberElement(parent, "DiskSize", geometry_.disk_size());
-    // The spelling: compatibility C44
+    // Misspelled on purpose: compatibility C44
     AddNumberElement(parent, "Cyclinders", geometry.Cylinders.QuadPart);
     AddNumberElement(parent, "MediaType", static_cast<std::int32_t>(geometry_.media_type()));
     AddNumberElement(parent, "TracksPerCylinder", geometry.TracksPerCylinder);
     AddNumberElement(parent, "SectorsPerTrack", geometry.SectorsPerTrack);
-    // The spelling: compatibility C79
+    // Lower case on purpose: compatibility C79
     AddNumberElement(parent, "bytes_per_sector", geometry.BytesPerSector);
     CapturePartitionStyle(parent, geometry_);
     AddNumberElement(parent, "DetectionType", static_cast<std::int32_t>(geometry_.detection_type()));

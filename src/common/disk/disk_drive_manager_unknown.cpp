@@ -25,7 +25,7 @@ void DiskDriveManagerUnknown::DumpInfo() const {
                                   geometry_.partition_style());
             }
         }
-        // Logged for a disk that cannot be read too: compatibility C49
+        // Logged even for a disk that could not be opened or read: compatibility C49
         GetLogger().Write(kLogInformation, L"The application does not support this partition style.");
     });
 }

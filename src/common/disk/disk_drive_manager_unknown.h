@@ -4,8 +4,8 @@
 
 namespace bmr_common {
 
-// A raw disk, one of an unknown style, or one that could not be opened. It is never backed up; most questions
-// are answered by a level 2 line and false.
+// A disk that is raw, has an unknown partition style, or could not be opened or read. It can never be backed
+// up. Most functions log one line at level 2 and return false.
 class DiskDriveManagerUnknown : public DiskDriveManager {
 public:
     using DiskDriveManager::DiskDriveManager;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kPartitionRecord = offsetof(DISK_GEOMETRY_EX, Data);
 constexpr std::size_t kSmallestBytes = kPartitionRecord + sizeof(DISK_PARTITION_INFO);
-constexpr std::size_t kSharedBytes = 40;  // up to and with the partition record's size and style
+constexpr std::size_t kSharedBytes = 40;  // up to and including the size and style of the partition record
 constexpr std::size_t kFreshBytes = 120;
 
 }  // namespace

@@ -7,14 +7,14 @@
 
 namespace bmr_common {
 
-// A disk's extended geometry as the driver returned it: the geometry, the partition record and, right after
-// it, the detection record. Where the driver returned less, zeros are read. Sizes are in bytes.
+// A disk's extended geometry as the driver returned it: the geometry, the partition record and, directly
+// after it, the detection record. Missing bytes read as zero. Sizes are in bytes.
 class DiskGeometry {
 public:
     DiskGeometry() : DiskGeometry(win::ByteBuffer()) {}
     explicit DiskGeometry(win::ByteBuffer bytes);
 
-    // The geometry of a disk of the same shape that is to be given a fresh table of `style`.
+    // A copy of this geometry for a new, empty partition table of `style`.
     DiskGeometry ForFreshTable(std::uint32_t style) const;
 
     const DISK_GEOMETRY& geometry() const;

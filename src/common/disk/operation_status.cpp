@@ -92,7 +92,7 @@ void OperationStatus::GetErrors(std::vector<std::wstring>& errors) const {
 void OperationStatus::DumpStatus(const std::wstring& name, const Operation& operation) {
     switch (operation.state) {
         case kInitial:
-            // The wording: compatibility C51
+            // The wording is kept on purpose: compatibility C51
             GetLogger().Write(kLogInformation, L"operation %s has not attempted", name.c_str());
             break;
         case kError:

@@ -9,9 +9,9 @@
 
 namespace bmr_common {
 
-// The outcomes of an object's system queries by name, so that one failed query does not abort the object.
-// Each record leaves kInitial at most once. Looking up an unknown name, or setting a record twice, is a
-// programming error: logged at level 2, then thrown as std::logic_error.
+// The results of an object's system queries, by name, so that one failed query does not abort the object.
+// Each result can be set only once. Using an unknown name or setting a result twice is a programming error:
+// logs at level 2, then throws std::logic_error.
 class OperationStatus {
 public:
     enum State : std::int32_t {
@@ -25,7 +25,7 @@ public:
         std::wstring error;  // empty unless the state is kError
     };
 
-    // The names of all the queries that there will be: constants, which the record points to.
+    // The names of all queries. They must be constants: this object stores pointers to them.
     OperationStatus(std::initializer_list<std::reference_wrapper<const std::wstring>> names);
     virtual ~OperationStatus() = default;
 
@@ -38,10 +38,10 @@ public:
     bool IsSucceeded(const std::wstring& name) const;
     bool HasErrors() const;
     std::uint64_t ErrorCount() const;
-    // Appends the error texts, in the order of the names.
+    // Appends the error texts, sorted by query name.
     void GetErrors(std::vector<std::wstring>& errors) const;
 
-    // One line for a record that was not attempted (level 4) or failed (level 2).
+    // Logs one line if the query was not attempted (level 4) or failed (level 2).
     static void DumpStatus(const std::wstring& name, const Operation& operation);
     void DumpAll() const;
 
@@ -53,7 +53,7 @@ private:
 
     static bool HasFailed(const Entry& entry) { return entry.operation.state == kError; }
 
-    std::vector<Entry> operations_;  // in the order of the names: compatibility C52
+    std::vector<Entry> operations_;  // sorted by name: compatibility C52
 };
 
 }  // namespace bmr_common

@@ -12,7 +12,7 @@ namespace bmr_common {
 namespace {
 
 void DumpStyle(std::uint32_t style) {
-    // Two names and two depths: compatibility C45
+    // The label and the indentation depend on the style: compatibility C45
     switch (style) {
         case PARTITION_STYLE_MBR:
             GetLogger().Write(kLogInformation, L"    Style: MBR");
@@ -30,7 +30,7 @@ void DumpStyle(std::uint32_t style) {
 }
 
 void CaptureStyle(CMSXmlNode& parent, std::uint32_t style) {
-    // The element's name changes with the value: compatibility C80
+    // The name of the element depends on the style: compatibility C80
     switch (style) {
         case PARTITION_STYLE_MBR:
             parent.AddTextChild("Style", L"MBR");

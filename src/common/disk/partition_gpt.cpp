@@ -57,7 +57,7 @@ bool PartitionGPT::can_backup(std::vector<std::wstring>& reasons) const {
     if (type.may_be_backed_up) {
         return true;
     }
-    // Begins with a blank: compatibility C33
+    // Starts with a blank: compatibility C33
     const std::wstring reason = std::wstring(L" Can't backup partition of type ") + type.name + L" " +
                                 GuidText(entry_.Gpt.PartitionType);
     reasons.push_back(reason);
@@ -69,7 +69,7 @@ void PartitionGPT::DumpInfo() const {
     Traced(L"bmr_common::PartitionGPT::DumpInfo", [&] {
         Partition::DumpInfo();
         std::array<wchar_t, std::size(decltype(entry_.Gpt.Name){}) + 1>
-            name{};  // a full name brings no terminator
+            name{};  // adds the terminator that a name of full length lacks
         std::memcpy(name.data(), entry_.Gpt.Name, sizeof(entry_.Gpt.Name));
         std::wstring type_name;
         GetPartitionTypeName(type_name);

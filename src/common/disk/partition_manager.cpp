@@ -65,7 +65,7 @@ void PartitionManager::InitializeExpecting(std::uint32_t style, const std::wstri
             AddPartitionsOfLayout();
             return;
         }
-        // The wording, and the trace level below: compatibility C32
+        // The wording and the trace level are kept on purpose: compatibility C32
         const std::wstring text =
             refusal + DecimalText(layout()->PartitionStyle) + L" on disk " + DecimalText(disk_index_);
         status_.SetError(kVerifyingPartitionType, text);
@@ -91,7 +91,7 @@ bool PartitionManager::AnyPartitionInUse(std::vector<std::wstring>& reasons) con
     const bool any = std::any_of(partitions_.begin(), partitions_.end(),
                                  [](const PartitionPtr& partition) { return !partition->is_unused(); });
     if (!any) {
-        // Begins with a blank: compatibility C33
+        // Starts with a blank: compatibility C33
         const std::wstring reason =
             L" All partitions are marked as unused entry - cannot backup disk " + DecimalText(disk_index_);
         reasons.push_back(reason);
@@ -132,7 +132,7 @@ bool PartitionManager::IsOnBootablePartition(const wchar_t* function, std::int64
     if (found.size() == 1) {
         return found.front()->is_bootable();
     }
-    // The second number is the extent's length, not its end: compatibility C20
+    // The second number is the extent's length instead of its end: compatibility C20
     GetLogger().Write(kLogError,
                       found.empty() ? L"%s no partition that contains extent (%I64i to %I64i)."
                                     : L"%s multiple partitions contains extent (%I64i to %I64i).",

@@ -18,8 +18,8 @@ extern const std::wstring kVerifyingPartitionType;
 
 using PartitionPtr = boost::shared_ptr<Partition>;
 
-// One physical disk's partition table. Offsets, lengths and sizes are in bytes. A failed Initialize leaves a
-// manager without partitions whose can_backup gives the reasons; nothing but the XML layer throws.
+// The partition table of one physical disk. Offsets, lengths and sizes are in bytes. After a failed
+// Initialize the object has no partitions, and can_backup returns the reasons. Only the XML functions throw.
 class PartitionManager {
 public:
     // `disk_index` is the N of \\.\PhysicalDriveN.
@@ -28,18 +28,19 @@ public:
     PartitionManager(const PartitionManager&) = delete;
     PartitionManager& operator=(const PartitionManager&) = delete;
 
-    // Whether the disk's table lets it be backed up; when not, appends the reasons.
+    // Whether the partition table allows a backup of the disk. If not, appends the reasons.
     virtual bool can_backup(std::vector<std::wstring>& reasons) const;
-    // Reads the table; to be called once, with the open drive, which stays the caller's.
+    // Reads the table from the open drive. The caller keeps ownership of the drive. Call only once.
     virtual void Initialize(const UniqueFile& drive) = 0;
     virtual void DumpInfo() const;
-    // Appends the table's elements to `parent`, nothing where the layout was not read; throws _com_error.
+    // Appends the table's elements to `parent`, or nothing if the layout was not read; throws _com_error.
     virtual void CaptureInfo(CMSXmlNode& parent) const;
     virtual bool is_dynamic() const;
-    // Whether exactly one partition contains the extent and it is the one the machine boots from.
+    // Whether exactly one partition contains the extent and that partition is bootable.
     virtual bool ExtentIsOnBootablePartition(const std::int64_t& offset,
                                              const std::int64_t& length) const = 0;
-    // The bytes from `offset` to the end of what partitions may use. Reckons with any alignment, 0 included.
+    // The number of bytes from `offset` to the end of the space that partitions can use. Accepts any
+    // alignment, even 0.
     virtual std::int64_t GetSpaceToEnd(const std::int64_t& offset, const std::int64_t& disk_size,
                                        std::uint32_t alignment) const;
 
@@ -48,57 +49,60 @@ public:
     virtual std::uint64_t ErrorCount() const { return status_.ErrorCount(); }
 
     bool GetDriveLayoutEx(const UniqueFile& drive);
-    // The start of the first partition strictly after `offset`.
+    // Finds the start of the first partition after `offset`. Returns false if there is none.
     bool GetNextPartitionAfter(std::int64_t offset, std::int64_t& next) const;
-    // The largest partition that could start at `offset`, a multiple of `alignment`. 0 after a level 2 line
-    // where `offset` does not lie on the disk or `alignment` is 0.
+    // The size of the largest partition that can start at `offset`, rounded down to a multiple of
+    // `alignment`. Returns 0, after logging at level 2, if `offset` is at or beyond the end of the disk or
+    // `alignment` is 0.
     std::int64_t GetMaximumPartitionSize(std::int64_t offset, std::int64_t disk_size,
                                          std::uint32_t alignment) const;
-    // Whether start and end lie on boundaries of `alignment`; when not, or when it is 0, one level 2 line.
+    // Whether the start and the end are multiples of `alignment`. If not, or if `alignment` is 0, logs one
+    // line at level 2.
     static bool PartitionCorrectlyAligned(std::int64_t start, std::int64_t length, std::uint32_t alignment);
-    // Writes `layout` to the disk, every entry marked to be rewritten. On failure false after a level 2 line;
-    // the marks stay in `layout`. The disk then holds its old table where it was not opened, what the driver
-    // left where the writing failed, and the new table where only a step behind that failed.
+    // Marks every entry of `layout` as to be rewritten and writes `layout` to the disk. On failure, logs at
+    // level 2 and returns false; the entries stay marked. The content of the disk then depends on the step
+    // that failed: the old table if the disk could not be opened, whatever the driver left if the write
+    // failed, or the new table if only a later step failed.
     bool WritePartitionTableToDisk(win::ByteBuffer& layout) const;
 
     void FindPartitionsContainingExtent(std::int64_t offset, std::int64_t length,
                                         std::vector<PartitionPtr>& found) const;
     bool IsExtentOverlappingAnyPartition(std::int64_t offset, std::int64_t length) const;
     bool GetPartitionNumberAtOffset(std::int64_t offset, std::uint32_t& number) const;
-    // The first partition in use that starts at `offset`; empty when there is none.
+    // The first partition in use that starts at `offset`; an empty pointer if there is none.
     PartitionPtr FindUsedPartition(std::int64_t offset) const;
 
-    // The layout as read or made; null unless it is valid.
+    // The layout that was read or created; null if it is not valid.
     const DRIVE_LAYOUT_INFORMATION_EX* layout() const;
-    // In the order of the layout's entries.
+    // In the order of the layout entries.
     const std::vector<PartitionPtr>& partitions() const { return partitions_; }
 
 protected:
     virtual PartitionPtr CreatePartition() const = 0;
 
-    // What the kinds' operations share; `refusal` begins the text for another style, `function` goes into
-    // the messages.
+    // Shared by the derived classes. `refusal` starts the error text for a disk of another style; `function`
+    // is used in log lines.
     void InitializeExpecting(std::uint32_t style, const std::wstring& refusal, const wchar_t* function,
                              const UniqueFile& drive);
     bool IsOnBootablePartition(const wchar_t* function, std::int64_t offset, std::int64_t length) const;
-    // Refuses a disk on which every partition is unused.
+    // Whether any partition is in use. If not, logs and appends a reason.
     bool AnyPartitionInUse(std::vector<std::wstring>& reasons) const;
-    // A copy of the partitions in order of their starts.
+    // A copy of the partitions, sorted by start offset.
     std::vector<PartitionPtr> SortedPartitions() const;
-    // A zeroed layout with room for `entries`, and at least for one.
+    // A zero-filled layout with space for `entries` entries, but at least one.
     static win::ByteBuffer MakeLayout(std::size_t entries);
     DRIVE_LAYOUT_INFORMATION_EX* mutable_layout();
     void AddPartitionsOfLayout();
-    // False after a level 2 line of `function` for the alignment of 0, to which nothing can be rounded.
+    // Returns false for an alignment of 0, after logging one line at level 2 that names `function`.
     static bool IsUsableAlignment(const wchar_t* function, std::uint32_t alignment);
 
     OperationStatus status_;
     const std::uint32_t disk_index_;
-    win::ByteBuffer layout_;  // valid only while the layout operation has succeeded
+    win::ByteBuffer layout_;  // valid only if kGettingDriveLayoutEx succeeded
     std::vector<PartitionPtr> partitions_;
 };
 
-// `buffer` seen as a layout; it holds at least the header and the entries that it counts.
+// Casts `buffer` to a layout. The buffer must contain the header and all the entries that it counts.
 DRIVE_LAYOUT_INFORMATION_EX* LayoutIn(win::ByteBuffer& buffer);
 
 }  // namespace bmr_common

@@ -1,4 +1,4 @@
-// The part of the partition manager that reckons with free space and writes tables to the disk.
+// The partition manager: free space calculation, and writing tables to the disk.
 
 #include "common/disk/partition_manager.h"
 #include "common/logger/orvane_logger.h"
@@ -38,7 +38,7 @@ std::int64_t PartitionManager::GetMaximumPartitionSize(std::int64_t offset, std:
                                                        std::uint32_t alignment) const {
     constexpr const wchar_t* kFunction = L"bmr_common::PartitionManager::GetMaximumPartitionSize";
     if (offset >= disk_size) {
-        // The spelling: compatibility C24
+        // Misspelled on purpose: compatibility C24
         GetLogger().Write(kLogError, L"%s Disk offset %I64i larger that disk size %I64i", kFunction, offset,
                           disk_size);
         return 0;
@@ -100,7 +100,7 @@ bool PartitionManager::WritePartitionTableToDisk(win::ByteBuffer& layout) const 
                           index.c_str(), error);
         return false;
     }
-    // A device that cannot flush has nothing to flush.
+    // ERROR_INVALID_FUNCTION: the device does not support flushing, so nothing needs to be flushed.
     if (!win::WinAPIWrapper::FlushFileBuffers(drive, error) && error != ERROR_INVALID_FUNCTION) {
         GetLogger().Write(kLogError, L"%s FlushFileBuffers error=%u", kFunction, error);
         return false;

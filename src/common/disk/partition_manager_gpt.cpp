@@ -14,10 +14,10 @@ namespace bmr_common {
 
 namespace {
 
-// Where the first gap may begin: compatibility C103
+// The lowest offset of the first gap: compatibility C103
 constexpr std::int64_t kFirstMegabyte = 0x100000;
-constexpr std::int64_t kGptOverheadBytes =
-    34304;  // both headers and arrays of 128 entries, and the protective MBR
+// The protective MBR, both headers and both arrays of 128 entries.
+constexpr std::int64_t kGptOverheadBytes = 34304;
 constexpr DWORD kUsualPartitionCount = 128;
 
 PartitionRow FreeSpaceRow(std::int64_t offset, std::int64_t length) {
@@ -61,14 +61,14 @@ void PartitionManagerGPT::InitializeEmptyLayout(const GUID& disk_id, std::int64_
     layout.PartitionStyle = PARTITION_STYLE_GPT;
     layout.Gpt.DiskId = disk_id;
     layout.Gpt.StartingUsableOffset.QuadPart = kFirstMegabyte;
-    // Past the end of the disk: compatibility C156
+    // Extends past the end of the disk: compatibility C156
     layout.Gpt.UsableLength.QuadPart = LengthBetween(kGptOverheadBytes, disk_size);
     layout.Gpt.MaxPartitionCount = kUsualPartitionCount;
-    // The style stays unverified: compatibility C53
+    // kVerifyingPartitionType is not set: compatibility C53
     status_.SetSuccess(kGettingDriveLayoutEx);
 }
 
-// The partitions are not asked: compatibility C144
+// Does not check can_backup of the partitions: compatibility C144
 bool PartitionManagerGPT::can_backup(std::vector<std::wstring>& reasons) const {
     return PartitionManager::can_backup(reasons) && AnyPartitionInUse(reasons);
 }
@@ -105,14 +105,14 @@ std::int64_t PartitionManagerGPT::GetSpaceToEnd(const std::int64_t& offset, cons
 bool PartitionManagerGPT::GetEnumDiskPartitionVector(const DiskRow& disk,
                                                      std::vector<PartitionRow>& rows) const {
     rows.clear();
-    // Logged, but no failure: compatibility C159
+    // Logged, but returns true: compatibility C159
     if (disk.size == 0) {
         GetLogger().Write(kLogError, L"%s disk size is 0 no partitions will be visible",
                           L"bmr_common::PartitionManagerGPT::GetEnumDiskPartitionVector");
         return true;
     }
     const std::vector<PartitionPtr> sorted = SortedPartitions();
-    rows.reserve(sorted.size() + 2);  // most disks have free space at the start and the end alone
+    rows.reserve(sorted.size() + 2);  // most disks have free space only at the start and the end
     std::int64_t cursor =
         sorted.empty() ? kFirstMegabyte : std::min(sorted.front()->starting_offset(), kFirstMegabyte);
     std::int32_t number = 1;

@@ -5,11 +5,11 @@
 
 namespace bmr_common {
 
-// The table of a GUID-partition-table disk. The editing operations work on the copy in memory; they need a
-// successful Initialize, and leave the copy as it was when they fail (false, after a level 2 line; an
-// alignment of 0 is such a failure). The operations that write to the disk differ: when a write fails, the
-// copy keeps all edits, in partitions() and layout() alike, and the disk may not have them. A new manager's
-// Initialize reads what it has.
+// The partition table of a GPT disk. The editing functions change only the copy in memory. They require a
+// successful Initialize. On failure (an alignment of 0, for example) they log at level 2, return false and
+// leave the copy unchanged. The functions that write to the disk differ: after a failed write, partitions()
+// and layout() keep all edits, but the disk may not contain them. To read the actual table from the disk,
+// call Initialize on a new object.
 class PartitionManagerGPT : public PartitionManager {
 public:
     using PartitionManager::PartitionManager;
@@ -18,35 +18,35 @@ public:
     void Initialize(const UniqueFile& drive) override;
     void DumpInfo() const override;
     bool ExtentIsOnBootablePartition(const std::int64_t& offset, const std::int64_t& length) const override;
-    // One alignment unit stays free at the end, for the backup table.
+    // Keeps one alignment unit free at the end, for the backup table.
     std::int64_t GetSpaceToEnd(const std::int64_t& offset, const std::int64_t& disk_size,
                                std::uint32_t alignment) const override;
 
     // Removes the partition in use that starts at `offset`.
     virtual bool DeletePartitionFromMemory(std::int64_t offset);
-    // Removes all of them, then writes the table. Removals made before a failure stay made in memory, all of
-    // them where only the write failed: compatibility C154, C155
+    // Removes the partitions that start at `offsets`, then writes the table. Removals made before a failure
+    // stay in memory; if only the write fails, all of them stay: compatibility C154, C155
     virtual bool DeletePartitionsAndWrite(const std::vector<std::int64_t>& offsets);
-    // Adds a partition at the requested start, rounded up to `alignment`, with the requested size or, where
-    // that does not fit, whatever there is down to the minimum. Stores what it used in `used_start` and
-    // `used_size`, which a failure for an alignment of 0 leaves alone.
+    // Adds a partition at `requested_start`, rounded up to `alignment`. If the requested size does not fit,
+    // uses the largest size available, but at least `minimum_size`. Stores the start and size used in
+    // `used_start` and `used_size`, but leaves both unchanged if `alignment` is 0.
     virtual bool AddPartitionInMemory(const std::int64_t& requested_start, const std::int64_t& requested_size,
                                       const std::int64_t& minimum_size, const std::int64_t& disk_size,
                                       std::uint32_t alignment, const GUID& type, std::int64_t* used_start,
                                       std::int64_t* used_size);
-    // Writes the table in memory to the disk, sorted and numbered by start. layout() is the new one from then
-    // on, even where the write fails; the disk is then as WritePartitionTableToDisk tells. Without a GPT
-    // layout that was read or made, false after a level 2 line and nothing changed.
+    // Writes the table in memory to the disk, sorted and numbered by start offset. layout() returns the new
+    // layout from then on, even if the write fails; WritePartitionTableToDisk describes the state of the disk
+    // in that case. Without a GPT layout, read or created, logs at level 2, returns false and changes
+    // nothing.
     virtual bool CommitPartitionTable();
     virtual bool ResizePartitionInMemory(std::int64_t start, std::int64_t new_size, std::int64_t disk_size,
                                          std::uint32_t alignment);
     PartitionPtr CreatePartition() const override;
 
-    // Makes this the table of a disk of `disk_size` bytes that is to be given a fresh one. On a new manager
-    // only.
+    // Creates an empty table for a disk of `disk_size` bytes. Call only on a new object.
     void InitializeEmptyLayout(const GUID& disk_id, std::int64_t disk_size);
 
-    // The table as rows of the flat record, gaps included, in disk order. Always true.
+    // Converts the table to rows of the flat record, in disk order, with rows for gaps. Always returns true.
     bool GetEnumDiskPartitionVector(const DiskRow& disk, std::vector<PartitionRow>& rows) const;
 };
 

@@ -1,4 +1,4 @@
-// The part of the GPT manager that edits the table in memory and writes it back.
+// The GPT partition manager: editing the table in memory and writing it to the disk.
 
 #include "common/disk/partition_manager_gpt.h"
 #include "common/logger/orvane_logger.h"
@@ -12,12 +12,13 @@ namespace bmr_common {
 
 namespace {
 
-// Whatever the type: compatibility C152
+// Used for every partition type: compatibility C152
 constexpr wchar_t kNewPartitionName[] = L"Basic data partition";
 
 std::int64_t RoundUp(std::int64_t value, std::uint32_t alignment) {
     const std::int64_t unit = alignment;
-    const std::int64_t past = value % unit;  // negative below 0, where cutting it off rounds up already
+    // Negative for values below 0; subtracting it then already rounds up.
+    const std::int64_t past = value % unit;
     const std::int64_t cut = value - past;
     return past > 0 ? EndOf(cut, unit) : cut;
 }
@@ -29,7 +30,7 @@ PARTITION_INFORMATION_EX NewEntry(std::int64_t start, std::int64_t size, const G
     entry.PartitionLength.QuadPart = size;
     entry.PartitionNumber = 1;
     entry.Gpt.PartitionType = type;
-    // Stays zero where the system makes none: compatibility C153
+    // Stays zero if the system cannot create a GUID: compatibility C153
     CreateGuid(entry.Gpt.PartitionId);
     std::copy(std::begin(kNewPartitionName), std::end(kNewPartitionName), entry.Gpt.Name);
     return entry;
@@ -52,7 +53,7 @@ bool PartitionManagerGPT::AddPartitionInMemory(const std::int64_t& requested_sta
     const std::int64_t minimum = RoundUp(minimum_size, alignment);
     std::int64_t size = RoundUp(requested_size, alignment);
     *used_start = start;
-    // Just to the end of the disk is let through: compatibility C151
+    // A partition may end exactly at the end of the disk: compatibility C151
     if (IsExtentOverlappingAnyPartition(start, size) || EndOf(start, size) > disk_size) {
         size = GetMaximumPartitionSize(start, disk_size, alignment);
         if (size < minimum) {
@@ -101,7 +102,7 @@ bool PartitionManagerGPT::ResizePartitionInMemory(std::int64_t start, std::int64
     }
     const std::int64_t maximum = GetMaximumPartitionSize(start, disk_size, alignment);
     if (maximum < new_size) {
-        // The first number is the partition's start, not the size asked for: compatibility C21
+        // The first number is the partition's start instead of the requested size: compatibility C21
         GetLogger().Write(kLogError, L"%s New partition size too big %I64i only %I64i bytes available",
                           kFunction, partition->starting_offset(), maximum);
         return false;

@@ -4,7 +4,7 @@
 
 namespace bmr_common {
 
-// The table of a master-boot-record disk.
+// The partition table of an MBR disk.
 class PartitionManagerMBR : public PartitionManager {
 public:
     using PartitionManager::PartitionManager;
@@ -12,13 +12,12 @@ public:
     bool can_backup(std::vector<std::wstring>& reasons) const override;
     void Initialize(const UniqueFile& drive) override;
     void DumpInfo() const override;
-    // Also one element per entry, unused ones included.
+    // Also appends one element for each entry, including unused ones.
     void CaptureInfo(CMSXmlNode& parent) const override;
     bool ExtentIsOnBootablePartition(const std::int64_t& offset, const std::int64_t& length) const override;
     PartitionPtr CreatePartition() const override;
 
-    // Makes this the table of a disk that is to be given a fresh one: four unused entries. On a new manager
-    // only.
+    // Creates an empty table with four unused entries. Call only on a new object.
     void InitializeEmptyLayout(std::uint32_t signature);
 };
 

@@ -24,7 +24,7 @@ bool PartitionMBR::can_backup(std::vector<std::wstring>& reasons) const {
     if (!is_unused()) {
         return true;
     }
-    // Begins with a blank: compatibility C33
+    // Starts with a blank: compatibility C33
     const std::wstring reason = L" Partition is marked as unused entry";
     reasons.push_back(reason);
     GetLogger().Write(kLogInformation, L"%s %s", L"bmr_common::PartitionMBR::can_backup", reason.c_str());

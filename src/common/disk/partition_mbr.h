@@ -7,18 +7,18 @@ namespace bmr_common {
 // An entry of a master boot record, or of one of its extended boot records.
 class PartitionMBR : public Partition {
 public:
-    // Every entry in use may be backed up.
+    // Every entry in use can be backed up.
     bool can_backup(std::vector<std::wstring>& reasons) const override;
     void DumpInfo() const override;
     void CaptureInfo(CMSXmlNode& parent) const override;
     bool is_dynamic() const override;
     bool is_unused() const override;
     bool contains_extent(const std::int64_t& offset, const std::int64_t& length) const override;
-    // Whether this is the active partition: the boot indicator is exactly 1.
+    // True for the active partition, whose boot indicator is exactly 1.
     bool is_bootable() const override;
 
 private:
-    // The flags' bytes as they stand: compatibility C84
+    // The unchanged bytes of the flags: compatibility C84
     std::uint8_t boot_indicator() const;
     std::uint8_t recognized() const;
 };

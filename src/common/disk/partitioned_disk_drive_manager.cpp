@@ -6,7 +6,7 @@ namespace bmr_common {
 
 void PartitionedDiskDriveManager::Initialize(const UniqueFile& drive, const win::ByteBuffer& geometry) {
     TakeGeometry(DiskGeometry(geometry));
-    // A layout that cannot be read stays in the table's own status.
+    // If the layout cannot be read, the partition manager's own status records it.
     partition_manager().Initialize(drive);
 }
 

@@ -5,7 +5,7 @@
 
 namespace bmr_common {
 
-// What the disk kinds with a partition table have in common: most questions go to the table's manager.
+// Base class of disks with a partition table. Forwards most queries to the partition manager.
 class PartitionedDiskDriveManager : public DiskDriveManager {
 public:
     void Initialize(const UniqueFile& drive, const win::ByteBuffer& geometry) override;
@@ -22,9 +22,9 @@ public:
 protected:
     using DiskDriveManager::DiskDriveManager;
 
-    // The manager of the kind's table; there from construction on.
+    // The partition manager; exists from construction on.
     virtual PartitionManager& partition_manager() const = 0;
-    // Replaces it by an empty table with the disk's unique id.
+    // Replaces the partition manager with one for an empty table with the disk's unique id.
     virtual void MakeEmptyTable() = 0;
 };
 

@@ -6,8 +6,8 @@
 
 namespace bmr_common {
 
-// The number in an enumeration field that the system filled: it may be none of the enumerators, which the
-// language does not let us read as the enumeration.
+// Reads the number in an enumeration field that the system filled in. The number may match no enumerator; the
+// language does not allow reading such a field as the enumeration.
 template <class Enumeration>
 requires(std::is_enum_v<Enumeration> && sizeof(Enumeration) == sizeof(std::uint32_t)) std::uint32_t
     RawValue(const Enumeration& field) {
@@ -16,7 +16,7 @@ requires(std::is_enum_v<Enumeration> && sizeof(Enumeration) == sizeof(std::uint3
     return value;
 }
 
-// Puts a number into such a field.
+// Stores a number in such a field.
 template <class Enumeration>
 requires(std::is_enum_v<Enumeration> &&
          sizeof(Enumeration) == sizeof(std::uint32_t)) void SetRawValue(Enumeration& field,

@@ -2,7 +2,7 @@
 
 namespace bmr_common {
 
-// Bytes as the gigabytes of the text dumps.
+// Converts bytes to gigabytes, as printed in the text dumps.
 inline double Gigabytes(double bytes) {
     constexpr double kStep = 1.0 / 1024;
     return bytes * kStep * kStep * kStep;

@@ -4,6 +4,6 @@
 
 #include <vector>
 
-// Gives the disk rows the interface ("SCSI", "IDE") that the system's management information names for their
-// disks. Rows that it names none for keep an empty text; nothing here fails a capture.
+// Sets the interface type ("SCSI", "IDE") of each disk row to the one that WMI reports. It stays empty for
+// disks without one. An error does not fail the capture.
 void AssignInterfaceTypes(std::vector<DiskRow>& disks);

@@ -11,15 +11,17 @@
 
 namespace {
 
-// Traces beside those of Traced, some without an end after a failure: compatibility C8, C9
+// Logs trace lines in addition to those of Traced. Some have no matching leaving line after a failure:
+// compatibility C8, C9
 void Trace(const wchar_t* text) {
     GetLogger().Write(kLogTrace, text);
 }
 
-// A placeholder list runs to the highest number: one past this is no machine's, and the enumeration fails.
+// The highest valid disk number; the enumeration fails for a higher one. Limits the number of placeholders.
+// No real machine has a higher number.
 constexpr std::int32_t kHighestDiskNumber = 65'535;
 
-// Gives a partition row what is known of the volume that starts where it starts.
+// Copies the drive letter, file system and volume name to the partition row that starts at the same offset.
 void AttachDrive(const DriveRow& drive, std::vector<DiskRow>& disks) {
     VisitRowsOf(disks, drive.disk_number, [&](PartitionRow& row) {
         if (row.partition_number > 0 && row.offset == drive.offset) {
@@ -39,7 +41,7 @@ EnumDisk::Usability EnumDisk::DiskUsable(std::uint32_t disk_number) {
     bool unavailable = false;
     if (GetDriveLayout(disk_number, true, layout, error)) {
         if (win::LayoutExIn(layout).PartitionStyle == PARTITION_STYLE_GPT) {
-            // GPT disks are left out: compatibility C100
+            // GPT disks are skipped: compatibility C100
             return Usability::kUnavailable;
         }
         std::int64_t length = 0;
@@ -109,7 +111,7 @@ bool EnumDisk::GetDiskLength(std::uint32_t disk_number, int level, std::int64_t&
     return Traced(L"EnumDisk::GetDiskLength", [&] {
         const std::wstring name = win::PhysicalDriveName(disk_number);
         UniqueFile drive;
-        // Opened for writing, although it is only asked: compatibility C137
+        // Opened for writing, although only the length is read: compatibility C137
         error = win::OpenDevice(name, {.access = GENERIC_READ | GENERIC_WRITE}, drive);
         if (error != ERROR_SUCCESS) {
             GetLogger().Write(level, L"GetDiskLength:Opening the drive %s failed error=%d", name.c_str(),
@@ -137,7 +139,7 @@ bool EnumDisk::GetDriveLayout(std::uint32_t disk_number, bool extended, win::Byt
     });
 }
 
-// Returns the Win32 error. A failed allocation has no line of its own.
+// Returns the Win32 error code. A failed allocation is not logged.
 DWORD EnumDisk::ReadDriveLayout(std::uint32_t disk_number, bool extended, win::ByteBuffer& layout) {
     constexpr win::Growth kExtended{.first_bytes = 768};
     constexpr win::Growth kClassic{.first_bytes = 168};

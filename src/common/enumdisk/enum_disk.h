@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-// The flat enumerator of physical disks, drives and drive letters. It holds no state between calls. False is
-// a failure, which lines in the log tell. Throws std::bad_alloc alone.
+// The flat enumerator of physical disks, drives and drive letters. Keeps no state between calls. Functions
+// that fail log it and return false. Throws only std::bad_alloc.
 class EnumDisk {
 public:
     EnumDisk() = default;
@@ -20,42 +20,42 @@ public:
     EnumDisk(const EnumDisk&) = delete;
     EnumDisk& operator=(const EnumDisk&) = delete;
 
-    // The smallest drive root ("C:\") among a volume's mount paths, a multi-string of `length` characters;
-    // empty where there is none.
+    // The alphabetically first drive root ("C:\") among a volume's mount paths, or an empty text if there is
+    // none. `mount_paths` is a multi-string of `length` characters.
     virtual std::wstring GetDriveLetter(const wchar_t* volume_name, const wchar_t* mount_paths,
                                         std::size_t length);
-    // The same for paths that are a list already.
+    // The same for a list of paths.
     std::wstring DriveLetterAmong(const std::wstring& volume_name,
                                   const std::vector<std::wstring>& mount_paths);
     // Whether a path of `length` characters is a drive root.
     virtual bool IsDriveLetter(const wchar_t* mount_path, std::size_t length) const;
 
-    // The numbers of the usable disks in the order in which they are listed, and the highest number seen,
-    // usable or not (-1: none).
+    // Lists the numbers of the usable disks in enumeration order. `maximum` is set to the highest number
+    // found, usable or not (-1: none).
     static bool GetPhysicalDrivesIndexes(std::vector<std::uint32_t>& indexes, std::int32_t& maximum);
-    // The length of a disk in bytes. Failures are logged at `level`.
+    // Reads the length of a disk in bytes. Logs failures at `level`.
     static bool GetDiskLength(std::uint32_t disk_number, int level, std::int64_t& length, DWORD& error);
-    // The disk's layout, extended or classic, whole.
+    // Reads the complete layout of the disk, extended or classic.
     static bool GetDriveLayout(std::uint32_t disk_number, bool extended, win::ByteBuffer& layout,
                                DWORD& error);
-    // Every disk with its partition rows, one row for each number from 0 to the highest. `drives` (may be
-    // null) give the rows their letters.
+    // Lists the disks with their partition rows, one disk row for each number from 0 to the highest. `drives`
+    // (may be null) provides the drive letters for the partition rows.
     bool GetDiskDetails(const std::vector<DriveRow>* drives, std::vector<DiskRow>& disks);
     // Appends a row for every fixed volume.
     bool GetDrives(std::vector<DriveRow>& drives);
-    // Inserts placeholders for the numbers that are left out.
+    // Inserts a placeholder for every missing disk number.
     static bool AddMissingPhysicalDisks(std::vector<DiskRow>& disks);
 
 private:
     enum class Usability { kUsable, kUnavailable, kError };
 
-    // What reading one disk means for the whole enumeration.
+    // The result of reading one disk: stored, left out, or the whole enumeration fails.
     enum class DiskResult { kRead, kSkipped, kFailed };
 
     enum class ExtentResult { kSingle, kSeveral, kFailed };
 
     static bool ListUsableDisks(std::vector<std::uint32_t>& indexes, std::int32_t& maximum);
-    // False where the disk ends the listing.
+    // Returns false if the disk ends the enumeration.
     static bool AddIfUsable(std::uint32_t disk_number, std::vector<std::uint32_t>& indexes);
     static Usability DiskUsable(std::uint32_t disk_number);
     static DWORD ReadDriveLayout(std::uint32_t disk_number, bool extended, win::ByteBuffer& layout);
@@ -79,6 +79,6 @@ private:
     std::array<wchar_t, 255> message_{};
 };
 
-// Tells whether a disk has a GUID partition table. Leaves `is_gpt` alone where the layout cannot be read
-// (false).
+// Sets `is_gpt` to whether the disk has a GUID partition table. If the layout cannot be read, returns false
+// and leaves `is_gpt` unchanged.
 bool DriveIsGPT(std::uint32_t disk_number, bool& is_gpt);

@@ -1,4 +1,4 @@
-// The volume side of the enumerator: drive letters, and the walk over the drives.
+// The flat enumerator: drive letters and the enumeration of volumes.
 
 #include "common/enumdisk/enum_disk.h"
 #include "common/logger/trace.h"
@@ -21,7 +21,7 @@ bool Assert(bool condition, int line, const wchar_t* text) {
     return condition;
 }
 
-// Of the listing, and of a volume's texts.
+// Buffer size for volume names, labels and file system names.
 constexpr std::size_t kWalkNameCharacters = 255;
 
 std::vector<std::wstring> MountPathsOf(const std::wstring& volume) {
@@ -36,7 +36,8 @@ std::vector<std::wstring> MountPathsOf(const std::wstring& volume) {
     return paths;
 }
 
-// Opens a volume for its extents, for reading only where more is refused: compatibility C138
+// Opens a volume to query its extents; retries for reading only if write access is refused:
+// compatibility C138
 UniqueFile OpenVolumeForExtents(const std::wstring& volume) {
     constexpr const wchar_t* kFailure = L"OpenVolumeForExtents: Opening the drive %s failed Error = %d";
     UniqueFile file;
@@ -51,7 +52,7 @@ UniqueFile OpenVolumeForExtents(const std::wstring& volume) {
     return file;
 }
 
-// Size times count plus one, plus one byte: compatibility C139
+// The size times the count plus one, plus one byte: compatibility C139
 std::size_t NextExtentBytes(const win::ByteBuffer& answer) {
     std::uint32_t count = 0;
     std::memcpy(&count, answer.data(), sizeof(count));  // NumberOfDiskExtents
@@ -77,7 +78,7 @@ std::wstring EnumDisk::GetDriveLetter(const wchar_t* volume_name, const wchar_t*
 
 std::wstring EnumDisk::DriveLetterAmong(const std::wstring& volume_name,
                                         const std::vector<std::wstring>& mount_paths) {
-    const std::wstring* first = nullptr;  // in the order of the alphabet
+    const std::wstring* first = nullptr;  // alphabetically first
     for (const std::wstring& path : mount_paths) {
         if (IsDriveLetter(path.c_str(), path.size())) {
             first = first == nullptr || path < *first ? &path : first;
@@ -114,14 +115,14 @@ bool EnumDisk::QueryExtents(const std::wstring& volume, win::ByteBuffer& extents
     return error == ERROR_SUCCESS;
 }
 
-// The lines name functions that do not exist: compatibility C10
+// The log lines name functions that do not exist: compatibility C10
 EnumDisk::ExtentResult EnumDisk::GetVolumeExtents(const std::wstring& volume, DriveRow& drive) {
     win::ByteBuffer buffer;
     try {
         if (!QueryExtents(volume, buffer)) {
             return ExtentResult::kFailed;
         }
-    } catch (const std::bad_alloc&) {  // a volume that counts more extents than there is memory for
+    } catch (const std::bad_alloc&) {  // not enough memory for the number of extents that the volume reports
         return ExtentResult::kFailed;
     }
     const std::span<const DISK_EXTENT> extents = win::ExtentsIn(buffer);
@@ -177,7 +178,7 @@ bool EnumDisk::DescribeDrive(const std::wstring& volume, DriveRow& drive) {
         return false;
     }
     drive.volume = volume;
-    // The beginning of a folder's path too: compatibility C93
+    // For a folder, the first two characters of its path: compatibility C93
     drive.letter = paths.empty() ? std::wstring() : paths.front().substr(0, 2);
     std::wstring device = volume;
     if (device.ends_with(L'\\')) {
@@ -203,7 +204,7 @@ bool EnumDisk::GetDrives(std::vector<DriveRow>& drives) {
     std::wstring first;
     UniqueVolumeSearch search;
     DWORD error = win::ListFirstVolume(kWalkNameCharacters, search, first);
-    // The line feeds: compatibility C17
+    // The log lines end in a line feed: compatibility C17
     if (error != ERROR_SUCCESS) {
         GetLogger().Write(kLogError, L"EnumDisk::GetDrives on FindFirstVolumeW failed with error code %d\n",
                           error);

@@ -13,14 +13,15 @@
 
 namespace {
 
-// One volume on its way into the table.
+// A volume that is being read into the table.
 struct Candidate {
     const std::wstring& name;  // volume GUID path
     std::wstring drive_name;   // "C:", or empty
     ::Volume& volume;
 };
 
-// Logs a failed step of a volume, with the error in both bases; always false: compatibility C161
+// Logs a failed step for a volume, with the error code in hexadecimal and decimal. Always returns false:
+// compatibility C161
 bool Failed(int level, const wchar_t* format, const Candidate& candidate, DWORD error) {
     GetLogger().Write(level, format, candidate.name.c_str(), candidate.drive_name.c_str(), error, error);
     return false;
@@ -97,7 +98,7 @@ bool ReadExtents(const Candidate& candidate, const UniqueFile& file) {
     } catch (const std::bad_alloc&) {
         error = ERROR_OUTOFMEMORY;
     }
-    // A fixed volume that lies nowhere could not be told from one at the start of the first disk.
+    // A fixed volume without extents would look like one at the start of disk 0.
     if (error == ERROR_SUCCESS && win::ExtentsIn(buffer).empty()) {
         error = ERROR_INVALID_DATA;
     }
@@ -121,7 +122,8 @@ bool ReadExtents(const Candidate& candidate, const UniqueFile& file) {
     return true;
 }
 
-// The partition's number, and its length where the volume itself does not tell one.
+// Reads the partition number, and the partition length, which is used if the volume's own length cannot be
+// read.
 bool ReadPartition(const Candidate& candidate, const UniqueFile& file, std::uint64_t& partition_length) {
     PARTITION_INFORMATION partition{};
     const DWORD error = win::ReadPartitionInformation(file, partition);
@@ -191,8 +193,8 @@ bool getVolumeInfo(const Candidate& candidate) {
     if (!getDeviceName(candidate.name, volume.DeviceName) || !ReadVolumeTexts(candidate)) {
         return false;
     }
-    // A volume without a letter is opened by its own name, which is the device without its trailing
-    // backslash.
+    // A volume without a drive letter is opened by its volume GUID path without the trailing backslash, which
+    // names the device.
     const std::wstring device = candidate.drive_name.empty()
                                     ? candidate.name.substr(0, candidate.name.size() - 1)
                                     : L"\\\\.\\" + candidate.drive_name;
@@ -253,7 +255,7 @@ bool ListFixedVolumes(std::vector<::Volume>& volumes) {
         }
     });
     if (error != ERROR_NO_MORE_FILES) {
-        // Logged, but no failure: compatibility C135
+        // Logged, but not a failure: compatibility C135
         GetLogger().Write(kLogError, L"getFixedVolumes: FindNextVolume failed error=0x%x %d", error, error);
     }
     return true;

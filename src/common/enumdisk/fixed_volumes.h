@@ -4,15 +4,14 @@
 
 #include <vector>
 
-// Replaces `volumes` by the fixed volumes of the machine, numbered by assignPartitionNumbers and completed by
-// assignDriveDetails. A volume that cannot be described is left out after a line. False when the system could
-// not be asked for volumes at all.
+// Replaces `volumes` with the fixed volumes of the machine, then calls assignPartitionNumbers and
+// assignDriveDetails. A volume that cannot be read is logged and left out. Returns false if the volumes
+// cannot be enumerated at all.
 bool getFixedVolumes(std::vector<::Volume>& volumes);
 
-// Renumbers the partitions of the volumes and of their extents, disk by disk in order of their offsets,
-// counting only offsets that belong to the volumes given.
+// Sets the partition numbers of the volumes and of their extents: on each disk in order of offset, counting
+// only the offsets of these volumes.
 void assignPartitionNumbers(std::vector<::Volume>& volumes);
 
-// Gives the volumes and their extents the signature and identifier of their disks, and marks those on dynamic
-// disks.
+// Sets the signature and the GUID of the disk for each volume and extent, and marks volumes on dynamic disks.
 void assignDriveDetails(std::vector<::Volume>& volumes);

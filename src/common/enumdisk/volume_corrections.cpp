@@ -1,5 +1,5 @@
-// What the fixed volumes are given after their listing: partition numbers in disk order, and what their disks
-// tell.
+// Corrections to the fixed volumes after their enumeration: partition numbers in disk order, and data of
+// their disks.
 
 #include "common/enumdisk/enum_disk.h"
 #include "common/enumdisk/fixed_volumes.h"
@@ -27,7 +27,7 @@ OffsetsOfDisks CollectOffsets(const std::vector<::Volume>& volumes) {
     OffsetsOfDisks offsets;
     for (const ::Volume& volume : volumes) {
         offsets[volume.m_DiskNumber].push_back(volume.m_offsetPartition);
-        // The first extent is the volume's own, which is there already.
+        // Skips the first extent: its offset is the volume's own, added above.
         for (std::size_t i = 1; i < volume.extents.size(); ++i) {
             offsets[volume.extents[i].m_DiskNumber].push_back(volume.extents[i].m_offsetPartition);
         }
@@ -38,8 +38,8 @@ OffsetsOfDisks CollectOffsets(const std::vector<::Volume>& volumes) {
     return offsets;
 }
 
-// The position from 1 of the extent's offset among those of its disk, the last one where offsets repeat:
-// compatibility C110
+// Sets the partition number to the position, from 1, of the extent's offset among the offsets on its disk. If
+// an offset repeats, its last position is used: compatibility C110
 void Renumber(const OffsetsOfDisks& offsets, const wchar_t* message, const std::wstring& volume_name,
               DiskExtent& extent) {
     const auto disk = offsets.find(extent.m_DiskNumber);
@@ -60,7 +60,7 @@ void Renumber(const OffsetsOfDisks& offsets, const wchar_t* message, const std::
 
 DriveInfo DescribeGpt(const DRIVE_LAYOUT_INFORMATION_EX& layout) {
     DriveInfo info;
-    // The beginning of the identifier: compatibility C115
+    // The first 32 bits of the disk's GUID: compatibility C115
     info.signature = layout.Gpt.DiskId.Data1;
     info.disk_guid = layout.Gpt.DiskId;
     if (layout.PartitionCount == 0) {
@@ -69,7 +69,7 @@ DriveInfo DescribeGpt(const DRIVE_LAYOUT_INFORMATION_EX& layout) {
     const auto partitions = win::PartitionsIn(layout);
     const bool dynamic =
         std::any_of(partitions.begin(), partitions.end(), [](const PARTITION_INFORMATION_EX& partition) {
-            // The metadata alone too: compatibility C147
+            // The LDM metadata partition alone is enough: compatibility C147
             return IsEqualGUID(partition.Gpt.PartitionType, kLdmMetadataPartition) ||
                    IsEqualGUID(partition.Gpt.PartitionType, kLdmDataPartition);
         });
@@ -109,7 +109,8 @@ std::optional<DriveInfo> getDriveInfo(std::uint32_t disk_number) {
 
 using DriveInfos = std::map<std::uint32_t, DriveInfo>;
 
-// What is known of the extent's disk goes into the extent: zeros, after a line, where nothing is.
+// Copies the signature and the GUID of the extent's disk to the extent. If the disk is unknown, logs an error
+// and copies zeros.
 DriveInfo ApplyDriveInfo(const DriveInfos& disks, const wchar_t* message, DiskExtent& extent) {
     const auto found = disks.find(extent.m_DiskNumber);
     if (found == disks.end()) {
@@ -123,7 +124,7 @@ DriveInfo ApplyDriveInfo(const DriveInfos& disks, const wchar_t* message, DiskEx
 
 }  // namespace
 
-// The lines name an old fault report: compatibility C16
+// The log lines contain the number of an old fault report: compatibility C16
 void assignPartitionNumbers(std::vector<::Volume>& volumes) {
     const OffsetsOfDisks offsets = CollectOffsets(volumes);
     for (::Volume& volume : volumes) {

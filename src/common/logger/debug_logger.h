@@ -2,7 +2,7 @@
 
 #include "common/logger/logger.h"
 
-// Writes levels 1 to 3 with a local time stamp, one line each, to the platform's debugger output.
+// Writes messages of levels 1 to 3 to the debugger output, one line each, with the local time in front.
 class CDebugLogger final : public CLogger {
 public:
     void Output(int level, const wchar_t* text, std::size_t length) override;

@@ -6,7 +6,8 @@
 
 namespace {
 
-constexpr std::size_t kLongestNumber = 3;  // digits of a width or precision; a longer one is no honest format
+// The maximum number of digits of a width or precision; no legitimate format has more.
+constexpr std::size_t kLongestNumber = 3;
 
 constexpr std::wstring_view kSafeTypes = L"diouxXcCp";
 
@@ -15,7 +16,7 @@ std::size_t SkipAny(std::wstring_view text, std::size_t at, std::wstring_view se
     return next == std::wstring_view::npos ? text.size() : next;
 }
 
-// The position after a number of at most kLongestNumber digits, or npos when it is longer.
+// The position after a number, or npos if the number has more than kLongestNumber digits.
 std::size_t SkipNumber(std::wstring_view text, std::size_t at) {
     const std::size_t next = SkipAny(text, at, L"0123456789");
     return next - at > kLongestNumber ? std::wstring_view::npos : next;
@@ -30,8 +31,8 @@ std::size_t SkipSize(std::wstring_view text, std::size_t at) {
     return at;
 }
 
-// The length of the conversion of a number or a character that starts with the percent sign at `at`, 0 when
-// it is none.
+// The length of the number or character conversion that starts with the percent sign at `at`; 0 if it is no
+// such conversion.
 std::size_t SafeConversionLength(std::wstring_view text, std::size_t at) {
     std::size_t next = SkipNumber(text, SkipAny(text, at + 1, L"-+ #"));
     if (next != std::wstring_view::npos && text.substr(next, 1) == L".") {

@@ -3,15 +3,15 @@
 #include <array>
 #include <cstddef>
 
-// How many conversions EscapeUnsafeConversions leaves in force.
+// The number of conversions that EscapeUnsafeConversions leaves active.
 inline constexpr int kSafeConversions = 4;
 
-// Room for a format of which a whole message can be made: a cut message has 254 characters, of which each
-// takes at most two of the format but for the conversions.
+// Enough space for the format of a whole message. A truncated message has 254 characters; outside the
+// conversions, each needs at most two characters in the format.
 inline constexpr std::size_t kFormatCharacters = 640;
 using FormatBuffer = std::array<wchar_t, kFormatCharacters>;
 
-// Makes a text that is used as a format without the arguments to go with it harmless: leaves "%%" and the
-// first kSafeConversions integer and character conversions in force and escapes every other percent sign, so
-// that formatting reads no stray pointer. What does not fit into `escaped` is cut off. Allocates nothing.
+// Makes a text safe to use as a format without matching arguments. Keeps "%%" and the first kSafeConversions
+// integer and character conversions, and escapes every other percent sign, so that formatting never reads an
+// invalid pointer. Truncates the result to the size of `escaped`. Does not allocate.
 void EscapeUnsafeConversions(const wchar_t* text, FormatBuffer& escaped);

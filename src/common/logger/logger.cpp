@@ -10,12 +10,12 @@
 
 namespace {
 
-constexpr std::size_t kMessageCharacters = 255;  // the terminator included
+constexpr std::size_t kMessageCharacters = 255;  // including the terminator
 constexpr std::size_t kTimeCharacters = 80;
 
 using MessageBuffer = std::array<wchar_t, kMessageCharacters>;
 
-// Without stamp and callback, and with the format that was given: compatibility C5
+// Ignores the callback, adds no time stamp and logs the format instead of the message: compatibility C5
 void ReportThrowingOutput(const wchar_t* given) noexcept {
     MessageBuffer message{};
     _snwprintf(message.data(), message.size() - 1, L"Exception in CLogger::Write while writing %s", given);
@@ -24,8 +24,9 @@ void ReportThrowingOutput(const wchar_t* given) noexcept {
 
 }  // namespace
 
-// Outputs the message that `compose` makes, where anybody sees it. It never writes the last element, so that
-// a cut message still ends. `given` is what the caller passed, for the report of an exception.
+// Lets `compose` build the message and outputs it, unless no output shows that level. `compose` must not
+// write the last element, so that a truncated message is null-terminated. `given` is the format or text that
+// the caller passed, for the report of an exception.
 template <class Compose>
 int CLogger::Deliver(int level, const wchar_t* given, Compose&& compose) {
     try {
@@ -67,7 +68,7 @@ int CLogger::WriteTextAsFormat(int level, const wchar_t* text, std::size_t argum
 void CLogger::FormatTime(std::wstring& result) const {
     const std::time_t now = std::time(nullptr);
     std::array<wchar_t, kTimeCharacters> text{};
-    // The system's record is each thread's own. (localtime_s of this compiler looks itself up at run time.)
+    // The C runtime keeps the result per thread. (The localtime_s of this compiler is looked up at run time.)
     const std::tm* const local = std::localtime(&now);  // NOLINT(concurrency-mt-unsafe)
     if (local != nullptr) {
         wcsftime(text.data(), text.size(), L"%m/%d/%Y %I:%M:%S %p ", local);

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-// Levels of a message; smaller is more severe. Level 1 is reserved.
+// Message levels; a lower number is more severe. Level 1 is reserved.
 enum LogLevel : int {
     kLogError = 2,
     kLogWarning = 3,
@@ -11,7 +11,7 @@ enum LogLevel : int {
     kLogTrace = 5,
 };
 
-// A sink of finished messages with a threshold. Never throws to its callers; no locks.
+// Receives formatted messages and filters them by level. Never throws to its callers. Uses no locks.
 class CLogger {
 public:
     constexpr CLogger() = default;
@@ -19,22 +19,22 @@ public:
     CLogger(const CLogger&) = delete;
     CLogger& operator=(const CLogger&) = delete;
 
-    // Delivers one finished message. `text` is terminated; `length` is its length in characters.
+    // Outputs one formatted message. `text` is null-terminated; `length` is its length in characters.
     virtual void Output(int level, const wchar_t* text, std::size_t length) = 0;
-    // The highest level that this logger lets through.
+    // The highest level that this logger outputs.
     virtual int GetLevel() const = 0;
-    // Puts the local time as "03/07/2021 02:05:09 PM " (trailing blank) into `result`.
+    // Sets `result` to the local time in the form "03/07/2021 02:05:09 PM " (with a trailing blank).
     virtual void FormatTime(std::wstring& result) const;
-    // Whether anybody sees messages of that level, which this logger lets through. What nobody sees is not
+    // Whether any output shows messages of that level, which GetLevel allows. Other messages are not
     // formatted.
     virtual bool IsSeen(int /*level*/) const { return true; }
 
-    // Formats as the platform's wide printf does (%s wide, %S narrow), cut at 254 characters, and outputs it.
-    // Returns 1 when the message was delivered, 0 when it was dropped by its level or something threw.
+    // Formats like the platform's wide printf (%s wide, %S narrow), truncates to 254 characters and outputs
+    // the result. Returns 0 if the level is too high or an exception was thrown, otherwise 1.
     int Write(int level, const wchar_t* format, ...);
 
-    // Outputs a text that is itself read as a format: "%d" prints `argument`, "%%" one percent sign.
-    // Conversions that would follow a pointer nobody passed ("%s", "%n") stand in the output as they are.
+    // Outputs a text that is itself used as a format: "%d" prints `argument`, "%%" prints one percent sign.
+    // Conversions that would read a missing pointer argument ("%s", "%n") are output unchanged.
     int WriteTextAsFormat(int level, const wchar_t* text, std::size_t argument = 0);
 
 private:

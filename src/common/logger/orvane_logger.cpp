@@ -7,8 +7,8 @@ namespace {
 
 constinit OrvaneLogger g_logger;
 
-constexpr std::size_t kNarrowBytes = 255;  // the terminator included
-// A fixed number, no line of this file: compatibility C4
+constexpr std::size_t kNarrowBytes = 255;  // including the terminator
+// A fixed number, not a line of this file: compatibility C4
 constexpr int kConversionAssertionLine = 79;
 
 std::int32_t HostLevel(int level) {
@@ -37,13 +37,13 @@ int OrvaneLogger::GetLevel() const {
 
 void OrvaneLogger::Output(int level, const wchar_t* text, std::size_t length) {
     if (callback_ == nullptr) {
-        // The finished text is formatted a second time, with its length to print: compatibility C1
+        // The formatted text is used as a format again, with its length as the argument: compatibility C1
         fallback_.WriteTextAsFormat(level, text, length);
         return;
     }
     std::array<char, kNarrowBytes> narrow{};
     std::size_t converted = 0;
-    // A full buffer is measured as well: not every runtime reports that it has cut the text.
+    // If the buffer is full, measures the text as well: not every C runtime reports truncation.
     if (wcstombs_s(&converted, narrow.data(), narrow.size(), text, _TRUNCATE) != 0 ||
         (converted >= narrow.size() && std::wcstombs(nullptr, text, 0) >= narrow.size())) {
         LogAssertionFailure(L"src/common/logger", kConversionAssertionLine, L"!err");

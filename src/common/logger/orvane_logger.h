@@ -4,17 +4,18 @@
 
 #include <cstdint>
 
-// The host's event callback: a host level (4 most severe, 0 trace) and a terminated narrow text.
+// The host's event callback. Receives a host level (4 most severe, 0 trace) and a null-terminated narrow
+// text.
 using EventCallback = void (*)(std::int32_t host_level, const char* text);
 
-// Hands every message to the host's callback; without one, to the debugger output.
+// Passes every message to the host's callback, or to the debugger output if no callback is set.
 class OrvaneLogger final : public CLogger {
 public:
     constexpr OrvaneLogger() = default;
 
     void Output(int level, const wchar_t* text, std::size_t length) override;
     int GetLevel() const override;
-    // Without a callback, what the debugger output lets through.
+    // Without a callback, the debugger output's level applies.
     bool IsSeen(int level) const override { return callback_ != nullptr || level <= fallback_.GetLevel(); }
 
     // Replaces the callback; null restores the debugger output.
@@ -25,8 +26,8 @@ private:
     EventCallback callback_ = nullptr;
 };
 
-// The one logger of the process; it exists from load to unload.
+// The process-wide logger. It exists from load to unload.
 OrvaneLogger& GetLogger();
 
-// Logs a failed assertion at level 3. `source` is the file or folder that states it.
+// Logs a failed assertion at level 3. `source` is the file or folder that contains the assertion.
 void LogAssertionFailure(const wchar_t* source, int line, const wchar_t* condition);

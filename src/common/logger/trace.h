@@ -14,8 +14,8 @@ inline void LogLeaving(const wchar_t* function, int line) {
     GetLogger().Write(kLogTrace, L"Leaving function %s line %d", function, line);
 }
 
-// Runs `body` between the entering and the leaving line of `function` (its qualified name) and returns what
-// it returns. A body left by an exception logs no leaving line: compatibility C6
+// Runs `body` and returns its result. Logs an entering line before it and a leaving line after it. `function`
+// is the qualified name. If `body` throws, no leaving line is logged: compatibility C6
 template <class Body>
 auto Traced(const wchar_t* function, Body&& body,
             const std::source_location where = std::source_location::current()) {
@@ -31,7 +31,7 @@ auto Traced(const wchar_t* function, Body&& body,
     }
 }
 
-// As Traced, but logs the leaving line after an exception too: compatibility C7
+// Like Traced, but logs the leaving line after an exception too: compatibility C7
 template <class Body>
 auto TracedToTheEnd(const wchar_t* function, Body&& body,
                     const std::source_location where = std::source_location::current()) {

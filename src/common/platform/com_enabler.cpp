@@ -9,8 +9,8 @@ namespace bmr_common {
 
 namespace {
 
-// Security belongs to the process: set until it first succeeds. No lock, calls come from one thread at a
-// time.
+// COM security is process-wide and is set once: retried until it first succeeds. No lock: calls come from one
+// thread at a time.
 bool g_security_initialized = false;
 
 bool InitializeSecurity(const wchar_t* caller) {
@@ -46,12 +46,12 @@ bool COMEnabler::InitializeCOM(const wchar_t* caller) {
                           caller);
         return false;
     }
-    // Named for itself, not for the caller: compatibility C19
+    // Passes this function's name instead of the caller's: compatibility C19
     if (!InitializeSecurity(L"bmr_common::COMEnabler::InitializeCOM")) {
         CoUninitialize();
         return false;
     }
-    // Also after RPC_E_CHANGED_MODE: compatibility C128
+    // Also set after RPC_E_CHANGED_MODE: compatibility C128
     initialized_ = true;
     return true;
 }

@@ -2,17 +2,17 @@
 
 namespace bmr_common {
 
-// COM on the calling thread for the lifetime of the object; COM security once per process. Single-threaded
-// apartment; a thread that already lives in another one is accepted.
+// Initialises COM on the calling thread for the lifetime of the object, and COM security once per process.
+// Uses a single-threaded apartment; accepts a thread that is already in another apartment.
 class COMEnabler {
 public:
     COMEnabler() = default;
-    // Balances a successful InitializeCOM.
+    // Uninitialises COM after a successful InitializeCOM.
     ~COMEnabler();
     COMEnabler(const COMEnabler&) = delete;
     COMEnabler& operator=(const COMEnabler&) = delete;
 
-    // To be called once. `caller` names the function in the messages. On failure logs one line at level 2.
+    // Call only once. `caller` is the function name used in log lines. On failure logs one line at level 2.
     bool InitializeCOM(const wchar_t* caller);
 
 private:

@@ -4,6 +4,6 @@
 
 #include <string>
 
-// What the platform's COM support says of a failed result: the system's message without its line end, else
-// the number of an automation error, else the bare code.
+// The error text of a failed HRESULT, as the platform's COM support forms it: the system's message without
+// the line break at its end, otherwise the number of an automation error, otherwise the code.
 std::wstring ComErrorText(HRESULT result);

@@ -4,7 +4,7 @@ namespace win {
 
 namespace {
 
-// Whether `buffer` holds a header of `header_bytes` and `count` elements of `element_bytes`.
+// Whether `buffer` is large enough for a header of `header_bytes` and `count` elements of `element_bytes`.
 bool Holds(const ByteBuffer& buffer, std::size_t header_bytes, std::size_t count, std::size_t element_bytes) {
     return buffer.size() >= header_bytes && (buffer.size() - header_bytes) / element_bytes >= count;
 }

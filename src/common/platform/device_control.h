@@ -5,16 +5,16 @@
 
 #include <cstddef>
 
-// Control codes to devices, and whether an answer is whole. Nothing is logged.
+// Sends control codes to devices and checks that the answers are complete. Logs nothing.
 namespace win {
 
-// Sends one control code; returns a Win32 error code. `returned_bytes` is what the system says, not to be
-// trusted.
+// Sends one control code and returns a Win32 error code. `returned_bytes` is the value from the system; check
+// it before use.
 DWORD SendControl(const UniqueFile& device, DWORD code, void* input, std::size_t input_bytes, void* output,
                   std::size_t output_bytes, DWORD& returned_bytes);
 
-// Reads an answer of fixed size: ERROR_INVALID_DATA where another number of bytes came back. Changes `answer`
-// on success only.
+// Reads an answer of fixed size. Returns ERROR_INVALID_DATA if the number of bytes differs. Changes `answer`
+// only on success.
 template <class Answer>
 DWORD ReadFixedControl(const UniqueFile& device, DWORD code, Answer& answer) {
     Answer read{};
@@ -30,17 +30,16 @@ DWORD ReadFixedControl(const UniqueFile& device, DWORD code, Answer& answer) {
     return ERROR_SUCCESS;
 }
 
-// How the buffer of an answer of unknown length starts and grows.
+// How to size the buffer for an answer of unknown length.
 struct Growth {
     std::size_t first_bytes = 0;
-    DWORD too_small = ERROR_INSUFFICIENT_BUFFER;  // the error on which it grows
-    // The next size, told by an answer that was too short; null: twice the size.
+    DWORD too_small = ERROR_INSUFFICIENT_BUFFER;  // the error after which the buffer grows
+    // Computes the next size from a truncated answer; null: double the size.
     std::size_t (*next_size)(const ByteBuffer& answer) = nullptr;
 };
 
-// Reads an answer of unknown length. On success `buffer` holds just the bytes that came back; `is_whole` must
-// accept them, else the answer is ERROR_INVALID_DATA. On failure `buffer` is empty, also where
-// std::bad_alloc is thrown.
+// Reads an answer of unknown length. On success `buffer` contains exactly the bytes returned. If `is_whole`
+// rejects them, returns ERROR_INVALID_DATA. On failure, including std::bad_alloc, `buffer` is empty.
 template <class IsWhole>
 DWORD ReadGrowingControl(const UniqueFile& device, DWORD code, const Growth& growth, ByteBuffer& buffer,
                          IsWhole&& is_whole) {
@@ -69,9 +68,9 @@ DWORD ReadGrowingControl(const UniqueFile& device, DWORD code, const Growth& gro
     return ERROR_SUCCESS;
 }
 
-// DISK_GEOMETRY_EX with its partition record.
+// Checks for a DISK_GEOMETRY_EX that includes its partition record.
 bool IsWholeGeometry(const ByteBuffer& buffer);
-// Layouts and extent lists with every element that they count.
+// Check for a layout or extent list that includes every element that it counts.
 bool IsWholeLayoutEx(const ByteBuffer& buffer);
 bool IsWholeLegacyLayout(const ByteBuffer& buffer);
 bool IsWholeExtentList(const ByteBuffer& buffer);

@@ -2,14 +2,15 @@
 
 #include "common/platform/wmi.h"
 
-// The disk drives that the system's management information lists.
+// Enumerates the disk drives that WMI lists.
 
-// What a drive without a physical disk number is listed under: compatibility C101
+// The index that WMI reports for a drive without a physical disk number: compatibility C101
 inline constexpr int kNoDiskIndex = 255;
 
 enum class DriveListing { kNotConnected, kNoneFound, kStopped, kWhole };
 
-// Calls `visit(drive)` for every drive until it returns false. `drive` is the CWmi that stands on it.
+// Calls `visit(drive)` for each drive until it returns false. `drive` is the CWmi cursor, positioned on that
+// drive.
 template <class Visit>
 DriveListing VisitDiskDrives(Visit&& visit) {
     CWmi drives(L"Select * from Win32_DiskDrive");

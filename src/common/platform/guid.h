@@ -4,8 +4,8 @@
 
 #include <string>
 
-// A GUID in registry form: 38 characters, upper case, in braces.
+// A GUID in registry format: 38 characters, upper case, in braces.
 std::wstring GuidText(const GUID& guid);
 
-// Makes a new random GUID. On failure logs one line at level 2, leaves `guid` all zero and returns false.
+// Creates a random GUID. On failure logs one line at level 2, sets `guid` to zero and returns false.
 bool CreateGuid(GUID& guid);

@@ -18,20 +18,20 @@ constexpr auto kStatusProcedureNotFound = static_cast<NTSTATUS>(0xC000007A);
 constexpr ACCESS_MASK kDirectoryQuery = 1;
 constexpr std::size_t kFirstDirectoryBytes = 260;
 
-// What the native query puts at the start of its buffer; both strings point into the same buffer.
+// The start of the buffer that the native query fills. Both strings point into the same buffer.
 struct ObjectDirectoryInformation {
     UNICODE_STRING name;
     UNICODE_STRING type_name;
 };
 
-// An error that is none of the system's, such as a failed allocation, has no status to tell.
+// Errors without an NTSTATUS, such as a failed allocation, are not logged here.
 void LogFailedStatus(const wchar_t* function, NTSTATUS status) {
     if (status != kStatusSuccess) {
         GetLogger().Write(kLogTrace, L"%s - failed status=%x", function, status);
     }
 }
 
-// Copies a counted string that must lie wholly inside `buffer`.
+// Copies a counted string. Returns false if it is not entirely inside `buffer`.
 bool CopyCountedString(const ByteBuffer& buffer, const UNICODE_STRING& counted, std::wstring& text) {
     if (counted.Length == 0) {
         text.clear();
@@ -57,7 +57,8 @@ bool CopyEntry(const ByteBuffer& buffer, DirectoryEntry& entry) {
            CopyCountedString(buffer, information.type_name, entry.type_name);
 }
 
-// The length of a text that ends within its capacity and fits into a counted string.
+// Measures a text. Returns false if it has no terminator within `capacity` characters or does not fit into a
+// counted string.
 bool MeasureText(const wchar_t* text, std::size_t capacity, std::size_t& length) {
     constexpr std::size_t kLongest = std::numeric_limits<USHORT>::max() / sizeof(wchar_t) - 1;
     try {
@@ -96,7 +97,8 @@ void NT_API::RtlInitUnicodeString(UNICODE_STRING& counted, const wchar_t* text, 
         }
         counted.Length = static_cast<USHORT>(length * sizeof(wchar_t));
         counted.MaximumLength = static_cast<USHORT>((length + 1) * sizeof(wchar_t));
-        counted.Buffer = const_cast<wchar_t*>(text);  // the native structure knows no const; it is only read
+        // The native structure has no const pointer; the text is only read.
+        counted.Buffer = const_cast<wchar_t*>(text);
     });
 }
 

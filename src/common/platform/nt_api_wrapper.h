@@ -10,9 +10,9 @@ namespace win {
 
 namespace NT_API {
 
-// Makes `counted` describe `text`, a string of at most `capacity` characters before its terminator. A null
-// text, or one that does not end in time or is too long, leaves it empty (one level 2 line). The text must
-// outlive the counted string.
+// Makes `counted` refer to `text`, a string of at most `capacity` characters before its terminator. If `text`
+// is null, not terminated in time or too long, leaves `counted` empty and logs one line at level 2. The text
+// must outlive the counted string.
 void RtlInitUnicodeString(UNICODE_STRING& counted, const wchar_t* text, std::size_t capacity);
 
 }  // namespace NT_API
@@ -23,16 +23,17 @@ struct DirectoryEntry {
     std::wstring type_name;
 };
 
-// The object directories of the native API, reached through the bound table only. Same contract as
-// WinAPIWrapper.
+// Object directory functions of the native API, called only through the bound table. Error handling is the
+// same as in WinAPIWrapper.
 class NtAPIWrapper {
 public:
     static bool OpenDirectoryObject(const std::wstring& path, UniqueDirectory& directory, DWORD& error);
-    // One entry: the first with `restart`, else the one that `context` stands on; carries `context` forward.
-    // ERROR_NO_MORE_FILES, without a line, at the end. `buffer` is the caller's only to be used again.
+    // Reads one entry, the first if `restart` is set, otherwise the one at `context`, and advances `context`.
+    // At the end of the directory fails with ERROR_NO_MORE_FILES and does not log the failure. `buffer` is a
+    // work buffer, passed in only to be reused between calls.
     static bool QueryDirectoryObject(const UniqueDirectory& directory, bool restart, ULONG& context,
                                      ByteBuffer& buffer, DirectoryEntry& entry, DWORD& error);
-    // Closes the directory, whatever is answered.
+    // Closes the directory. `directory` is empty afterwards, even on failure.
     static bool CloseObject(UniqueDirectory& directory, DWORD& error);
 };
 

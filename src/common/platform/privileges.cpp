@@ -9,7 +9,7 @@ struct TokenHandleKind {
     static HANDLE Invalid() { return nullptr; }
     static void Close(HANDLE handle) {
         ::CloseHandle(handle);
-    }  // a token is none of the bound table's handles
+    }  // tokens are not closed through the bound table
 };
 
 void EnablePrivilege(HANDLE token, const wchar_t* name) {

@@ -1,5 +1,5 @@
 #pragma once
 
-// Enables the privileges to back up and to restore in the process's token, as far as the process holds them.
-// What becomes of it is not checked: the call that needs them will tell.
+// Enables the backup and restore privileges in the process token, if the process holds them. Does not report
+// failures: the call that needs the privileges will fail.
 void EnableBackupPrivileges();

@@ -20,8 +20,8 @@ bool TraceResult(bool result, const wchar_t* exit_line) {
     return result;
 }
 
-// False when the size is none that a value can have, for which no memory is taken, or there is no memory for
-// it.
+// Returns false if out of memory. Also returns false, without allocating, if `size` is larger than any
+// registry value can be.
 template <class Container>
 bool MakeRoom(Container& container, std::size_t size) {
     constexpr std::size_t kLargestValue = std::size_t{1} << 30;
@@ -98,7 +98,7 @@ bool CRegistry::ModifyRegValues(HKEY key, const std::vector<RegistryValue>& valu
     return TraceResult(result, L"Exiting ModifyRegValues");
 }
 
-// The spelling, and true where only the closing failed: compatibility C26, C130
+// Misspelled on purpose. Returns true even if closing the key fails: compatibility C26, C130
 bool CRegistry::VerifyKeyExistance(HKEY parent, const std::wstring& path) {
     constexpr const wchar_t* kFunction = L"CRegistry::VerifyKeyExistance";
     HKEY key = nullptr;
@@ -116,7 +116,7 @@ bool CRegistry::VerifyKeyExistance(HKEY parent, const std::wstring& path) {
     return true;
 }
 
-// Warnings for texts and numbers, errors for bytes: compatibility C28
+// Logs a warning for texts and numbers, an error for bytes: compatibility C28
 bool CRegistry::GetValue(HKEY key, const std::wstring& name, std::wstring& value) {
     constexpr const wchar_t* kFailure = L"%s failed to get value of %s error=%u";
     DWORD bytes = 0;

@@ -7,13 +7,12 @@
 #include <string_view>
 #include <vector>
 
-// A cursor over the values of a key, which stays the caller's.
+// A cursor over the values of a key. The caller owns the key.
 struct RegistryValueCursor {
-    static constexpr std::size_t kNameCharacters = 16383;  // the longest name of a value
+    static constexpr std::size_t kNameCharacters = 16383;  // the maximum length of a value name
     static constexpr std::size_t kDataCharacters = 16383;
 
-    // `data_bytes` is the length of the longest data that can be read. Throws std::bad_alloc when there is no
-    // memory for the buffers.
+    // `data_bytes` is the maximum size of the data that can be read. Throws std::bad_alloc if out of memory.
     explicit RegistryValueCursor(HKEY open_key, std::size_t data_bytes = kDataCharacters * sizeof(wchar_t));
 
     // Valid until the cursor moves.
@@ -23,21 +22,21 @@ struct RegistryValueCursor {
     DWORD index = 0;
     std::vector<wchar_t> name;
     std::vector<unsigned char> data;
-    DWORD name_length = 0;  // characters, without the terminator
-    DWORD data_length = 0;  // bytes
+    DWORD name_length = 0;  // in characters, without the terminator
+    DWORD data_length = 0;  // in bytes
     DWORD type = REG_NONE;
 };
 
-// A value to be written.
+// A value to write.
 struct RegistryValue {
     std::wstring name;
     DWORD type = REG_NONE;
     std::vector<unsigned char> data;
 };
 
-// The registry. Keys are plain handles that belong to the caller. Failures, memory running out among them,
-// are false and lines in the log; nothing throws but GetCurrentControlSetName. Hives need the backup and
-// restore privileges, which the caller enables.
+// Registry access. Keys are plain handles that belong to the caller. Failures, including out of memory,
+// return false and are logged. Only GetCurrentControlSetName throws. Loading a hive requires the backup and
+// restore privileges, which the caller must enable.
 class CRegistry {
 public:
     CRegistry() = default;
@@ -50,19 +49,19 @@ public:
     virtual bool CloseKey(HKEY key);
     virtual bool LoadHive(HKEY parent, const std::wstring& subkey, const std::wstring& file);
     virtual bool UnloadHive(HKEY parent, const std::wstring& subkey);
-    // Writes all the values; true when every one could be written.
+    // Writes all the values. Returns true if every one was written.
     virtual bool ModifyRegValues(HKEY key, const std::vector<RegistryValue>& values);
     virtual bool VerifyKeyExistance(HKEY parent, const std::wstring& path);
-    // The name ("ControlSet001") of the control set that the system under `windows_directory` marks current,
-    // out of its SYSTEM hive. Throws a std::wstring that says what failed, and nothing else: where there is
-    // not even the memory to compose it, it is "Memory".
+    // The name ("ControlSet001") of the current control set of the system in `windows_directory`, read from
+    // its SYSTEM hive. On failure throws a std::wstring with the error message, and nothing else. If there is
+    // not enough memory for the message, the text is "Memory".
     virtual std::wstring GetCurrentControlSetName(const std::wstring& windows_directory);
     virtual bool GetValue(HKEY key, const std::wstring& name, std::wstring& value);
     virtual bool GetValue(HKEY key, const std::wstring& name, std::uint32_t& value);
     virtual bool GetValue(HKEY key, const std::wstring& name, std::vector<unsigned char>& value);
 
-    // Puts the cursor on the first, or the next, value and reads it; returns the system's code,
-    // ERROR_NO_MORE_ITEMS after the last one.
+    // Move the cursor to the first or the next value and read it. Return the system's error code,
+    // ERROR_NO_MORE_ITEMS after the last value.
     static LSTATUS FindFirstValue(RegistryValueCursor& cursor);
     static LSTATUS FindNextValue(RegistryValueCursor& cursor);
 };

@@ -1,4 +1,4 @@
-// The search for the current control set in a system's hive.
+// Finds the current control set in a system's hive.
 
 #include "common/platform/registry.h"
 #include "common/text/listing_bound.h"
@@ -19,7 +19,7 @@ namespace {
     try {
         Fail(L"Not enough memory");
     } catch (const std::bad_alloc&) {
-        throw std::wstring(L"Memory");  // so short that it lies in the object itself
+        throw std::wstring(L"Memory");  // short enough to be stored in the object itself
     }
 }
 
@@ -34,7 +34,7 @@ std::wstring ControlSetName(std::uint32_t number) {
     return std::wstring(L"ControlSet") + digits.data();
 }
 
-// The number that the key's values name as the current control set; false where none does.
+// Reads the number of the current control set from the values of the key. Returns false if there is none.
 bool FindCurrentNumber(HKEY select_key, std::uint32_t& number) {
     RegistryValueCursor cursor(select_key);
     LSTATUS status = CRegistry::FindFirstValue(cursor);
@@ -53,9 +53,9 @@ std::wstring HiveFile(const std::wstring& windows_directory) {
            L"system32\\config\\SYSTEM";
 }
 
-// As GetCurrentControlSetName, but for memory running out, which is std::bad_alloc.
+// Like GetCurrentControlSetName, but throws std::bad_alloc if out of memory.
 std::wstring CurrentControlSetIn(CRegistry& registry, const std::wstring& file) {
-    // Made before the hive is loaded: unloading must need no memory.
+    // Created before the hive is loaded, because unloading must not allocate.
     const std::wstring hive_key = L"ControlSetSearchHive";
     if (!registry.LoadHive(HKEY_LOCAL_MACHINE, hive_key, file)) {
         Fail(L"Failed to load the system hive " + file);

@@ -19,7 +19,8 @@ std::wstring TextOf(const NameBuffer& buffer) {
     return {buffer.data(), wcsnlen(buffer.data(), buffer.size())};
 }
 
-// The entries of an answer of `returned` characters, which must lie in the buffer.
+// Splits an answer of `returned` characters into its entries. Returns ERROR_INVALID_DATA if the buffer is
+// smaller than that.
 DWORD TakeEntries(const NameBuffer& buffer, std::size_t returned, std::vector<std::wstring>& entries) {
     if (returned > buffer.size()) {
         return ERROR_INVALID_DATA;
@@ -98,7 +99,7 @@ std::span<const DISK_EXTENT> ExtentsIn(const ByteBuffer& buffer) {
 }
 
 DWORD ReadDriveType(const std::wstring& root, UINT& type) {
-    SetLastError(ERROR_SUCCESS);  // the function itself says nothing of why a type is unknown
+    SetLastError(ERROR_SUCCESS);  // clears a stale error: the function does not report why a type is unknown
     type = CallBound(Kernel32DLL::Get().GetDriveTypeW, UINT{DRIVE_UNKNOWN}, root.c_str());
     return ErrorUnless(type != DRIVE_UNKNOWN);
 }

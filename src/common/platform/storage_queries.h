@@ -11,11 +11,11 @@
 #include <string>
 #include <vector>
 
-// Every question about storage that the library asks the system, without a line in the log. Each function
-// returns a Win32 error code, 0 for success, and changes its output on success only. Counts, lengths and
-// offsets in an answer are checked against the bytes that came back: an answer that contradicts itself is
-// ERROR_INVALID_DATA. std::bad_alloc may be thrown where an answer has no fixed size. Who logs stands above:
-// WinAPIWrapper with its trace, the flat enumerator with its own lines.
+// All storage queries that the library makes. They log nothing; their callers do: WinAPIWrapper logs trace
+// lines, the flat enumerator its own lines. Each function returns a Win32 error code (0 for success) and
+// changes its output only on success. Counts, lengths and offsets in an answer are checked against the number
+// of bytes returned; an inconsistent answer fails with ERROR_INVALID_DATA. Queries whose answer has no fixed
+// size may throw std::bad_alloc.
 namespace win {
 
 struct DiskFreeSpace {
@@ -47,7 +47,7 @@ struct FileOpening {
     DWORD flags = 0;
 };
 
-// The characters of a buffer for one name, its terminator included, where a caller asks for no other number.
+// The default buffer size for one name, in characters, including the terminator.
 inline constexpr std::size_t kNameCharacters = 260;
 
 // "\\.\PhysicalDriveN".
@@ -56,58 +56,59 @@ std::wstring PhysicalDriveName(std::uint32_t disk_number);
 // Opens a file or device. On failure `file` is empty.
 DWORD OpenDevice(const std::wstring& path, const FileOpening& opening, UniqueFile& file);
 
-// Disks and volumes that are open. An answer of no fixed size empties `buffer` on failure.
+// Queries on open disks and volumes. If an answer has no fixed size, `buffer` is empty on failure.
 
 DWORD ReadDriveGeometry(const UniqueFile& drive, DISK_GEOMETRY& geometry);
-// DISK_GEOMETRY_EX with its partition record; the detection record may be missing.
+// DISK_GEOMETRY_EX including its partition record; the detection record may be missing.
 DWORD ReadDriveGeometryEx(const UniqueFile& drive, const Growth& growth, ByteBuffer& buffer);
-// DRIVE_LAYOUT_INFORMATION or DRIVE_LAYOUT_INFORMATION_EX with all the entries that it counts.
+// DRIVE_LAYOUT_INFORMATION or DRIVE_LAYOUT_INFORMATION_EX including all the entries that it counts.
 DWORD ReadDriveLayout(const UniqueFile& drive, const Growth& growth, ByteBuffer& buffer);
 DWORD ReadDriveLayoutEx(const UniqueFile& drive, const Growth& growth, ByteBuffer& buffer);
 // The length in bytes, never negative.
 DWORD ReadLength(const UniqueFile& device, std::int64_t& length);
 DWORD ReadPartitionInformation(const UniqueFile& volume, PARTITION_INFORMATION& partition);
-// VOLUME_DISK_EXTENTS with all the extents that it counts.
+// VOLUME_DISK_EXTENTS including all the extents that it counts.
 DWORD ReadVolumeExtents(const UniqueFile& volume, const Growth& growth, ByteBuffer& buffer);
 
-// What the buffers of a whole answer hold, valid as long as the buffer.
+// Access to the contents of a complete answer; valid as long as the buffer.
 
 const DRIVE_LAYOUT_INFORMATION_EX& LayoutExIn(const ByteBuffer& buffer);
 std::span<const PARTITION_INFORMATION> PartitionsIn(const ByteBuffer& layout);
 std::span<const PARTITION_INFORMATION_EX> PartitionsIn(const DRIVE_LAYOUT_INFORMATION_EX& layout);
 std::span<const DISK_EXTENT> ExtentsIn(const ByteBuffer& buffer);
 
-// Volumes, by a root path with its trailing backslash.
+// Queries on volumes, by root path with a trailing backslash.
 
-// A DRIVE_* value. DRIVE_UNKNOWN is stored, and is a failure.
+// Reads a DRIVE_* value. DRIVE_UNKNOWN is stored and counts as a failure.
 DWORD ReadDriveType(const std::wstring& root, UINT& type);
 DWORD ReadDiskFreeSpace(const std::wstring& root, DiskFreeSpace& space);
 DWORD ReadDiskFreeSpaceEx(const std::wstring& root, DiskFreeSpaceEx& space);
-// `name_characters`: of the buffers for the label and the file system's name.
+// `name_characters` is the size of the buffers for the label and for the file system name.
 DWORD ReadVolumeInformation(const std::wstring& root, std::size_t name_characters,
                             VolumeInformation& information);
 
-// Names.
+// Volume and device names.
 
 enum class Retry { kNever, kAsLargeAsTold };
 
-// The drive roots and folders where a volume, named by its GUID path, is mounted.
+// Lists the drive roots and folders where a volume is mounted. `volume` is its volume GUID path.
 DWORD ListMountPaths(const std::wstring& volume, std::size_t first_characters, Retry retry,
                      std::vector<std::wstring>& paths);
-// The targets of a DOS device name; of a null name, all DOS device names.
+// Lists the targets of a DOS device name, or all DOS device names if `device` is null.
 DWORD ListDosDeviceTargets(const wchar_t* device, std::vector<std::wstring>& targets);
-// The GUID path of the volume that is mounted at a drive root or folder.
+// Reads the volume GUID path of the volume that is mounted at a drive root or folder.
 DWORD ReadVolumeNameOf(const std::wstring& mount_point, std::wstring& volume);
-// A bit for every drive letter in use, that of A: first.
+// Reads a bit mask of the drive letters in use; bit 0 is A:.
 DWORD ReadLogicalDrives(DWORD& drives);
 
-// The listing of the machine's volumes by their GUID paths. `name_characters` is the size of the buffer for
-// one of them. ERROR_NO_MORE_FILES ends the list.
+// Enumerate the machine's volumes by volume GUID path. `name_characters` is the buffer size for one path.
+// ERROR_NO_MORE_FILES marks the end of the list.
 DWORD ListFirstVolume(std::size_t name_characters, UniqueVolumeSearch& search, std::wstring& volume);
 DWORD ListNextVolume(std::size_t name_characters, const UniqueVolumeSearch& search, std::wstring& volume);
 
-// Calls `visit(volume)` for `volume`, the first one found, and for all after it. ERROR_NO_MORE_FILES where
-// the list ended; ERROR_INVALID_DATA where it had no end.
+// Calls `visit(volume)` for `volume`, the first one found, and for all volumes after it. Returns
+// ERROR_NO_MORE_FILES at the end of the list, ERROR_INVALID_DATA if the list exceeds kMostListed volumes, or
+// the error of the enumeration.
 template <class Visit>
 DWORD VisitVolumes(std::size_t name_characters, const UniqueVolumeSearch& search, std::wstring volume,
                    Visit&& visit) {

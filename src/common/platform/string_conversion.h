@@ -3,6 +3,6 @@
 #include <string>
 #include <string_view>
 
-// `text` in the system's ANSI code page. Empty when `text` is empty or cannot be converted (one level 2
-// line).
+// Converts `text` to the system's ANSI code page. Returns an empty text if `text` is empty, or, after logging
+// one line at level 2, if it cannot be converted.
 std::string ConvertWStrToStr(std::wstring_view text);

@@ -5,16 +5,16 @@
 #include <cstddef>
 #include <vector>
 
-// What all questions to the system have in common: error codes, and answers that may not fit their buffer.
+// Shared by all system queries: error codes, and retries with a larger buffer.
 namespace win {
 
 using ByteBuffer = std::vector<unsigned char>;
 
-// A system that keeps asking for a larger buffer is given up at this size; its last error stands.
+// The maximum buffer size. If the system asks for more, the query fails with the last error.
 inline constexpr std::size_t kLargestAnswerBytes = std::size_t{64} * 1024 * 1024;
 inline constexpr int kMostAttempts = 32;  // more than doubling needs to reach that size
 
-// The thread's last error, never 0: a call that failed without saying why is a general failure.
+// The thread's last error, never 0. Returns ERROR_GEN_FAILURE if the failed call did not set an error.
 inline DWORD LastFailure() {
     const DWORD error = GetLastError();
     return error != ERROR_SUCCESS ? error : static_cast<DWORD>(ERROR_GEN_FAILURE);
@@ -24,9 +24,9 @@ inline DWORD ErrorUnless(BOOL succeeded) {
     return succeeded != FALSE ? static_cast<DWORD>(ERROR_SUCCESS) : LastFailure();
 }
 
-// Calls `ask(buffer, needed)` with a growing buffer of `Element`s until it answers anything but `too_small`.
-// `needed` starts at 0 and may be set to the size that the system asks for; else the buffer doubles. A system
-// that never has enough is given up.
+// Calls `ask(buffer, needed)` with a growing buffer until it returns a code other than `too_small`. `needed`
+// starts at 0; `ask` may set it to the size that the system requires, otherwise the buffer doubles. Returns
+// `too_small` if a limit above is reached.
 template <class Element, class Code, class Ask>
 Code GrowAndRetry(std::vector<Element>& buffer, std::size_t first_size, Code too_small, Ask&& ask) {
     std::size_t size = first_size;

@@ -17,7 +17,7 @@ struct Binding {
     const char* name;
     void (*store)(Table& table, FARPROC function);
     Missing missing;
-    const wchar_t* message;  // null where a missing function is no news
+    const wchar_t* message;  // null if a missing function is not logged
 };
 
 template <class>
@@ -31,14 +31,14 @@ struct MemberOf<Function Table::*> {
 
 template <auto kMember>
 void Store(typename MemberOf<decltype(kMember)>::TableType& table, FARPROC function) {
-    // By way of void*: the compiler rightly distrusts a cast between function types.
+    // Casts through void*, because the compiler warns about a direct cast between function types.
     table.*kMember = reinterpret_cast<typename MemberOf<decltype(kMember)>::FunctionType>(
         reinterpret_cast<void*>(function));
 }
 
-// In the order of binding: a function that is missing leaves those after it unbound. The firmware functions
-// alone may be missing, so that the library works on systems without firmware support. The order, and what
-// stays set after a failure: compatibility C129
+// In binding order. A missing function stops the binding; the functions after it stay unbound. Only the
+// firmware functions may be missing, so that the library works on systems without firmware support. The
+// order, and what stays set after a failure: compatibility C129
 constexpr Binding<Kernel32DLL> kKernel32Bindings[] = {
     {"CreateWaitableTimerA", Store<&Kernel32DLL::CreateWaitableTimerA>, Missing::kStopsBinding,
      L"Kernel32DLL GetProcAddress of CreateWaitableTimerA failed error=0x%x"},
@@ -89,7 +89,7 @@ constexpr Binding<Kernel32DLL> kKernel32Bindings[] = {
     {"FlushFileBuffers", Store<&Kernel32DLL::FlushFileBuffers>, Missing::kStopsBinding,
      L"Kernel32DLL GetProcAddress of FlushFileBuffers failed error=0x%x"},
     {"GetFirmwareType", Store<&Kernel32DLL::GetFirmwareType>, Missing::kSilentlyAllowed, nullptr},
-    // The line leaves the "W" out: compatibility C14
+    // The log line omits the "W": compatibility C14
     {"GetFirmwareEnvironmentVariableW", Store<&Kernel32DLL::GetFirmwareEnvironmentVariableW>,
      Missing::kLoggedOnly, L"Kernel32DLL GetProcAddress of GetFirmwareEnvironmentVariable failed error=0x%x"},
     {"DefineDosDeviceW", Store<&Kernel32DLL::DefineDosDeviceW>, Missing::kStopsBinding,
@@ -125,7 +125,7 @@ void ReleaseModule(Table& table) {
     }
 }
 
-// False when a function that the library cannot do without is missing.
+// Returns false if a required function is missing.
 template <class Table>
 bool BindFunction(Table& table, const Binding<Table>& binding) {
     const FARPROC function = GetProcAddress(table.module, binding.name);
@@ -153,7 +153,7 @@ void BindTable(Table& table, const wchar_t* library, const wchar_t* load_message
     }
 }
 
-// Binds while it is constructed, so that the compiler's one-time initialisation covers the binding too.
+// Binds in the constructor, so that the thread-safe initialisation of a static object covers the binding too.
 template <class Table>
 struct BoundTable : Table {
     BoundTable() { this->Bind(); }

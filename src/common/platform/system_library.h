@@ -4,22 +4,22 @@
 
 #include <winternl.h>
 
-// The two tables of system functions that are bound at run time, on first use. A function that could not be
-// found stays null. First use may come from any thread; after it the tables are only read. A failed binding
-// is logged once and never tried again: compatibility C160
+// Two tables of system functions that are bound at run time, on first use. A function that was not found is
+// null. The first use may come from any thread; afterwards the tables are only read. A failed binding is
+// logged once and never retried: compatibility C160
 
 // The functions of kernel32.dll, each under its own name.
 struct Kernel32DLL {
-    // The process-wide table; the first call binds it.
+    // The process-wide table. The first call binds it.
     static Kernel32DLL& Get();
 
     Kernel32DLL() = default;
-    // Releases the module if it is still held.
+    // Releases the module if it is still loaded.
     ~Kernel32DLL();
     Kernel32DLL(const Kernel32DLL&) = delete;
     Kernel32DLL& operator=(const Kernel32DLL&) = delete;
 
-    // Loads the library and looks every function up; logs and swallows a failure.
+    // Loads the library and looks up every function. A failure is logged but not returned.
     void Bind();
 
     decltype(&::CreateWaitableTimerA) CreateWaitableTimerA = nullptr;
@@ -57,18 +57,18 @@ struct Kernel32DLL {
     HMODULE module = nullptr;
 };
 
-// The functions of ntdll.dll over object directories.
+// The object directory functions of ntdll.dll.
 struct NtDLL {
-    // The process-wide table; the first call binds it.
+    // The process-wide table. The first call binds it.
     static NtDLL& Get();
 
     NtDLL() = default;
-    // Releases the module if it is still held.
+    // Releases the module if it is still loaded.
     ~NtDLL();
     NtDLL(const NtDLL&) = delete;
     NtDLL& operator=(const NtDLL&) = delete;
 
-    // Loads the library and looks every function up; logs and swallows a failure.
+    // Loads the library and looks up every function. A failure is logged but not returned.
     void Bind();
 
     using ZwCloseFunction = NTSTATUS(NTAPI*)(HANDLE handle);
@@ -85,8 +85,8 @@ struct NtDLL {
     HMODULE module = nullptr;
 };
 
-// Calls a bound function; where the system lacks it, answers `when_missing` with ERROR_PROC_NOT_FOUND
-// instead.
+// Calls a bound function. If it is missing, sets the last error to ERROR_PROC_NOT_FOUND and returns
+// `when_missing`.
 template <class Result, class... Parameters, class... Arguments>
 Result CallBound(Result(WINAPI* function)(Parameters...), Result when_missing, Arguments... arguments) {
     if (function == nullptr) {

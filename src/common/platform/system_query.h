@@ -8,8 +8,9 @@
 
 namespace win {
 
-// Runs `query` (it returns a Win32 error code) between the trace lines of `function`. An allocation failure
-// becomes ERROR_OUTOFMEMORY. On any error calls `log_failure`, and returns false with the code in `error`.
+// Runs `query`, which returns a Win32 error code, between the trace lines of `function`. Maps a failed
+// allocation to ERROR_OUTOFMEMORY. On any error calls `log_failure` and returns false, with the code in
+// `error`.
 template <class QueryBody, class LogFailure>
 bool Query(const wchar_t* function, DWORD& error, QueryBody&& query, LogFailure&& log_failure,
            const std::source_location where = std::source_location::current()) {

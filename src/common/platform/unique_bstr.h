@@ -11,10 +11,10 @@ struct BstrDeleter {
     void operator()(wchar_t* text) const { SysFreeString(text); }
 };
 
-// Sole ownership of a BSTR. Unlike the compiler's own wrapper it needs no memory to take one over.
+// Unique ownership of a BSTR. Unlike the compiler's own wrapper, it allocates nothing to take ownership.
 using UniqueBstr = std::unique_ptr<wchar_t, BstrDeleter>;
 
-// A view of the text, which must outlive it; a null one is empty.
+// A view of the text, which must outlive the view. A null BSTR is an empty view.
 inline std::wstring_view TextOf(wchar_t* bstr) {
     return {bstr, SysStringLen(bstr)};
 }

@@ -4,8 +4,7 @@
 
 #include <utility>
 
-// Sole ownership of one system handle; closes it on destruction and keeps the thread's last error while doing
-// so.
+// Unique ownership of one system handle. Closes it on destruction and preserves the thread's last error.
 template <class Kind>
 class UniqueHandle {
 public:
@@ -23,10 +22,10 @@ public:
     HANDLE get() const { return handle_; }
     explicit operator bool() const { return handle_ != Kind::Invalid(); }
 
-    // Gives the handle up without closing it.
+    // Gives up ownership without closing the handle.
     HANDLE Release() { return std::exchange(handle_, Kind::Invalid()); }
 
-    // Closes the handle that is held and takes `handle`.
+    // Closes the current handle and takes ownership of `handle`.
     void Reset(HANDLE handle = Kind::Invalid()) {
         const HANDLE previous = std::exchange(handle_, handle);
         if (previous != Kind::Invalid()) {

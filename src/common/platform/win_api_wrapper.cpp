@@ -14,7 +14,7 @@ std::wstring WithTrailingBackslash(const std::wstring& path) {
 
 }  // namespace
 
-// The failure lines of the wrappers shorten their names, at trace level: compatibility C12, C13
+// The failure lines of the wrappers use shortened names and are trace lines: compatibility C12, C13
 bool WinAPIWrapper::GetVolumePathNamesForVolumeNameW(const std::wstring& volume,
                                                      std::vector<std::wstring>& paths, DWORD& error) {
     const auto query = [&] {

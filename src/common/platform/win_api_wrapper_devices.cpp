@@ -1,4 +1,4 @@
-// The part of the wrapper that opens devices and sends them control codes.
+// The storage function wrapper: opening devices and sending control codes.
 
 #include "common/platform/system_query.h"
 #include "common/platform/win_api_wrapper.h"
@@ -13,8 +13,8 @@ namespace {
 constexpr std::size_t kFirstControlBytes = 512;
 constexpr std::uint32_t kNoDisk = std::numeric_limits<std::uint32_t>::max();
 
-// The rule of all growing answers here: a caller's buffer that is larger than the first size is used as it
-// is.
+// The growth of all buffers in this file. Uses the size of the caller's buffer if it is larger than the
+// initial size.
 Growth GrowthOf(const ByteBuffer& buffer) {
     return {.first_bytes = std::max(buffer.size(), kFirstControlBytes)};
 }
@@ -49,7 +49,7 @@ bool WinAPIWrapper::OpenPhysicalDrive(std::uint32_t disk_index, DWORD access, Un
         }
     });
     if (drive == nullptr) {
-        SetLastError(ERROR_INVALID_PARAMETER);  // after the trace, which may have changed it
+        SetLastError(ERROR_INVALID_PARAMETER);  // set last, because tracing may change it
     }
     return opened;
 }
@@ -121,7 +121,8 @@ bool WinAPIWrapper::SetDriveLayoutEx(const UniqueFile& drive, std::uint32_t disk
                            returned);
     };
     return Query(kFunction, error, query, [&] {
-        // Errors where a disk is written, and the code without its "_EX": compatibility C13
+        // Functions that write to a disk log errors. The name of the control code lacks "_EX":
+        // compatibility C13
         GetLogger().Write(kLogError, L"%s IOCTL_DISK_SET_DRIVE_LAYOUT of disk %u error=%u", kFunction,
                           disk_index, error);
     });
@@ -159,7 +160,7 @@ bool WinAPIWrapper::UpdateDiskProperties(const UniqueFile& drive, DWORD& error) 
         GetLogger().Write(kLogError, L"%s IOCTL_DISK_UPDATE_PROPERTIES error=%u", kFunction, error);
     });
     if (!drive) {
-        SetLastError(ERROR_INVALID_PARAMETER);  // after the trace, which may have changed it
+        SetLastError(ERROR_INVALID_PARAMETER);  // set last, because tracing may change it
     }
     return updated;
 }

@@ -11,10 +11,11 @@ namespace {
 constexpr CLSID kAdministrativeLocator = {
     0xcb8555cc, 0x9128, 0x11d1, {0xad, 0x9b, 0x00, 0xc0, 0x4f, 0xd8, 0xfd, 0xff}};
 
-// An enumerator that never ends is given up here; no class of a real machine has so many instances.
+// The maximum number of objects of a query, so that an endless enumerator ends. No class of a real machine
+// has so many instances.
 constexpr unsigned kMostObjects = 100'000;
 
-// Logs the step that failed and passes its result on.
+// Logs a failed step and returns its result.
 HRESULT Checked(HRESULT result, const wchar_t* message) {
     if (FAILED(result)) {
         GetLogger().Write(kLogError, message, result);
@@ -22,7 +23,7 @@ HRESULT Checked(HRESULT result, const wchar_t* message) {
     return result;
 }
 
-// A success that delivers nothing is a failure.
+// Turns a success with a null pointer into a failure.
 template <class Pointer>
 HRESULT Delivered(HRESULT result, const Pointer& pointer) {
     return SUCCEEDED(result) && pointer == nullptr ? E_POINTER : result;
@@ -46,12 +47,12 @@ int WholeInteger(const VARIANT& value) {
     }
 }
 
-// The low 16 bits of an unsigned number: compatibility C73
+// Returns only the low 16 bits of an unsigned 32-bit number: compatibility C73
 int LowInteger(const VARIANT& value) {
     return value.vt == VT_UI4 ? static_cast<int>(value.ulVal & 0xFFFFU) : WholeInteger(value);
 }
 
-// Access to the elements of a one-dimensional array of strings for the length of a scope.
+// Locks a one-dimensional array of strings for the duration of a scope.
 class ArrayAccess {
 public:
     explicit ArrayAccess(SAFEARRAY* array)
@@ -65,7 +66,7 @@ public:
     ArrayAccess(const ArrayAccess&) = delete;
     ArrayAccess& operator=(const ArrayAccess&) = delete;
 
-    // Null where the array could not be accessed.
+    // Null if the array could not be accessed.
     const BSTR* elements() const { return locked_ ? elements_ : nullptr; }
 
 private:
@@ -74,7 +75,7 @@ private:
     bool locked_;
 };
 
-// Takes a value over; false when there is no memory for it.
+// Runs `take`. Returns false if it throws, which means out of memory.
 template <class Take>
 bool WithoutThrowing(Take&& take) {
     try {
@@ -118,7 +119,7 @@ CWmi::CWmi(const wchar_t* query) {
 }
 
 HRESULT CWmi::Connect() {
-    // Asked for as IUnknown and used without a further query: compatibility C127
+    // Requested as IUnknown and used without QueryInterface: compatibility C127
     HRESULT result =
         CoCreateInstance(kAdministrativeLocator, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
                          IID_IUnknown, reinterpret_cast<void**>(&locator_));

@@ -12,9 +12,9 @@ using WbemEnumeratorPtr = ComPointer<IEnumWbemClassObject, &IID_IEnumWbemClassOb
 using WbemLocatorPtr = ComPointer<IWbemLocator, &IID_IWbemLocator>;
 using WbemObjectPtr = ComPointer<IWbemClassObject, &IID_IWbemClassObject>;
 
-// One WQL query in "root\cimv2" and a forward cursor over its results. Connected and queried by the
-// constructor. To be used while a COMEnabler of the same thread lives. Nothing throws; failures are false,
-// and one level 2 line where the connection failed.
+// One WQL query in "root\cimv2" and a forward cursor over its results. The constructor connects and runs the
+// query. Requires a COMEnabler on the same thread for the whole lifetime. Nothing throws. Failures return
+// false; a failed connection or query also logs one line at level 2.
 class CWmi {
 public:
     explicit CWmi(const wchar_t* query);
@@ -22,20 +22,20 @@ public:
     CWmi(const CWmi&) = delete;
     CWmi& operator=(const CWmi&) = delete;
 
-    // Whether the constructor reached its end.
+    // Whether the constructor succeeded.
     bool initialized() const { return initialized_; }
 
     virtual bool FindFirstObject();
     virtual bool FindNextObject();
 
-    // A property of the current object. True whenever the property could be read at all: a value of another
-    // type leaves the text or the list as it was and gives the number 0. The list is appended to.
+    // Read a property of the current object. Return true if the property could be read, even if its type does
+    // not match: then a text or list is left unchanged and a number is set to 0. A list is appended to.
     virtual bool Get(const wchar_t* property, int& value);
     virtual bool Get(const wchar_t* property, std::wstring& value);
     virtual bool Get(const wchar_t* property, std::vector<std::wstring>& value);
 
-    // As the number above, but an unsigned 32-bit value gives its low 16 bits, and a property that cannot be
-    // read leaves `value` as it was: compatibility C73
+    // Like Get for a number, but keeps only the low 16 bits of an unsigned 32-bit value, and leaves `value`
+    // unchanged if the property cannot be read: compatibility C73
     bool GetLowInteger(const wchar_t* property, int& value);
 
 private:

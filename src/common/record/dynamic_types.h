@@ -4,12 +4,12 @@
 
 #include <cstdint>
 
-// The partition types of dynamic disks, which the logical disk manager owns.
+// The partition types of dynamic disks, used by the logical disk manager (LDM).
 
-// Of a master boot record.
+// The type in a master boot record.
 inline constexpr std::uint8_t kLdmMbrType = 0x42;
 
-// Of a GUID partition table: the manager's own database, and the space for its volumes.
+// The types in a GUID partition table: the LDM database, and the space for the LDM volumes.
 inline constexpr GUID kLdmMetadataPartition = {
     0x5808C8AA, 0x7E8F, 0x42E0, {0x85, 0xD2, 0xE1, 0xE9, 0x04, 0x34, 0xCF, 0xB3}};
 inline constexpr GUID kLdmDataPartition = {

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <vector>
 
-// Searches in the disk rows.
+// Searches the disk rows.
 
-// Calls `visit(row)` for the partition rows of the disk of that number, in order, until it returns false.
+// Calls `visit(row)` for the partition rows of the disk with that number, in order, until it returns false.
 // `Disks` is a vector of DiskRow, const or not.
 template <class Disks, class Visit>
 void VisitRowsOf(Disks& disks, std::int64_t disk_number, Visit&& visit) {
@@ -20,7 +20,7 @@ void VisitRowsOf(Disks& disks, std::int64_t disk_number, Visit&& visit) {
     }
 }
 
-// The first partition row of that disk that starts at `offset` (bytes); null where none does.
+// The first partition row of that disk that starts at `offset` (bytes); null if there is none.
 inline const PartitionRow* FindRowAt(const std::vector<DiskRow>& disks, std::uint32_t disk_number,
                                      std::uint64_t offset) {
     const PartitionRow* found = nullptr;

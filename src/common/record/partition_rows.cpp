@@ -9,11 +9,12 @@
 
 namespace {
 
-// Where the first gap may begin: compatibility C103
+// The lowest offset of the first gap: compatibility C103
 constexpr std::int64_t kFirstMegabyte = 0x100000;
-// Behind them, the logical partitions of an extended one take every fourth slot.
+// The number of primary slots. The logical partitions of an extended partition use every fourth slot after
+// them.
 constexpr std::size_t kPrimarySlots = 4;
-// Of a placeholder: compatibility C99
+// The size of a placeholder: compatibility C99
 constexpr std::uint64_t kFakeDiskBytes = 500;
 constexpr wchar_t kUnallocated[] = L"Unallocated";
 constexpr wchar_t kFreeSpace[] = L"Free space";
@@ -26,7 +27,7 @@ std::int64_t EntryEnd(const PARTITION_INFORMATION& entry) {
     return EndOf(entry.StartingOffset.QuadPart, entry.PartitionLength.QuadPart);
 }
 
-// Walks a table from slot to slot, in their order; the cursor is the end of what the rows cover:
+// Walks the slots of a table in order. The cursor is the end of the space that the rows cover so far:
 // compatibility C108
 class RowBuilder {
 public:
@@ -49,7 +50,7 @@ public:
         }
     }
 
-    // Covers the space up to `offset` where there is any, and stands there.
+    // If `offset` is beyond the cursor, adds a gap row between them. Moves the cursor to `offset`.
     void AddGap(const wchar_t* kind, std::int64_t offset) {
         if (offset > cursor_) {
             PartitionRow row;
@@ -66,7 +67,7 @@ public:
 
 private:
     void AddLogicalPartitions() {
-        // Every fourth entry alone: compatibility C141
+        // Reads only every fourth entry: compatibility C141
         for (std::size_t slot = kPrimarySlots; slot < entries_.size(); slot += kPrimarySlots) {
             if (entries_[slot].PartitionNumber != 0) {
                 AddGap(kFreeSpace, entries_[slot].StartingOffset.QuadPart);
@@ -143,7 +144,7 @@ void InsertFakeDisks(std::int32_t maximum, std::vector<DiskRow>& disks) {
 }
 
 void SortDiskPartitionNumbers(DiskRow& disk) {
-    std::map<std::int64_t, PartitionRow*> by_offset;  // the last of one offset: compatibility C109
+    std::map<std::int64_t, PartitionRow*> by_offset;  // the last row for each offset: compatibility C109
     for (PartitionRow& row : disk.partitions) {
         if (row.partition_number != -1) {
             by_offset[row.offset] = &row;

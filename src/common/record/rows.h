@@ -8,12 +8,12 @@
 
 // The flat rows of the environment record.
 
-// One row of a disk's partition list: a partition, or space between partitions.
+// One row of a disk's partition list: a partition, or a gap between partitions.
 struct PartitionRow {
     std::int64_t length = 0;       // bytes
     std::int64_t offset = 0;       // bytes
-    std::int64_t length_copy = 0;  // the length once more
-    // Never filled: compatibility C91
+    std::int64_t length_copy = 0;  // a copy of length
+    // Never set: compatibility C91
     std::int32_t hidden = 0;
     bool active = false;     // the boot indicator, written as "primary": compatibility C90
     std::wstring kind;       // "Primary", "Logical", "Unallocated" or "Free space"
@@ -30,26 +30,26 @@ struct PartitionRow {
 
 // One physical disk.
 struct DiskRow {
-    std::uint64_t size = 0;  // bytes; 500 in a placeholder
+    std::uint64_t size = 0;  // bytes; 500 for a placeholder
     std::uint32_t disk_number = 0;
     std::uint32_t bytes_per_sector = 0;
-    // Left alone by the flat enumerator: compatibility C104
+    // The flat enumerator does not set it: compatibility C104
     std::int32_t partition_style = 2;  // 0 MBR, 1 GPT, 2 raw
     std::wstring interface_type;
     GUID disk_guid{};
     std::vector<PartitionRow> partitions;  // in disk order
 };
 
-// A fixed volume as the walk over the drives finds it.
+// A fixed volume, as found by the enumeration of drives.
 struct DriveRow {
-    std::int64_t disk_number = -1;  // both -1: the volume has no single extent
+    std::int64_t disk_number = -1;  // both -1 if the volume does not have exactly one extent
     std::int64_t offset = -1;       // bytes
     std::wstring volume;            // volume GUID path
     std::wstring letter;            // "C:", or empty
     std::wstring file_system;
 };
 
-// A run of bytes on one disk that belongs to a volume.
+// A range of bytes on one disk that belongs to a volume.
 class DiskExtent {
 public:
     DiskExtent() = default;
@@ -69,10 +69,10 @@ public:
     std::uint32_t m_DiskNumber = 0;
 };
 
-// A fixed volume; its own extent part describes its first or only extent.
+// A fixed volume. The inherited extent fields describe its first or only extent.
 class Volume : public DiskExtent {
 public:
-    std::vector<DiskExtent> extents;  // in the order that the volume reports them
+    std::vector<DiskExtent> extents;  // in the order reported by the volume
     std::wstring Name;
     std::wstring DeviceName;
     std::wstring VolumeLetter;

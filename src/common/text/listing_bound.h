@@ -2,6 +2,6 @@
 
 #include <cstddef>
 
-// A listing of volumes, directory entries or registry values that never ends is given up here: no real
-// machine has so many.
+// The maximum length of a listing of volumes, directory entries or registry values. A longer listing is
+// aborted: no real machine has so many entries.
 inline constexpr std::size_t kMostListed = 200'000;

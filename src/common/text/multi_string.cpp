@@ -6,8 +6,8 @@
 
 namespace {
 
-// Calls `take` with every entry. No end pointer: a count may be larger than the address space behind the
-// text.
+// Calls `take` for each entry. Does not compute an end pointer: `count` may exceed the address space after
+// the text.
 template <class Take>
 void ForEachEntry(const wchar_t* text, std::size_t count, CutEntry cut, Take&& take) {
     while (count > 0 && *text != L'\0') {

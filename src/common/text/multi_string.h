@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-// What becomes of an entry that is cut off where the characters end.
+// What to do with a last entry that is truncated by the character limit.
 enum class CutEntry { kLeftOut, kTaken };
 
-// The entries of a multi-string of at most `count` characters, up to the empty entry that ends it. Nothing
-// past `count` is read.
+// Splits a multi-string of at most `count` characters into its entries, up to the empty entry that ends it.
+// Reads nothing past `count`.
 std::vector<std::wstring> SplitMultiString(const wchar_t* text, std::size_t count,
                                            CutEntry cut = CutEntry::kLeftOut);

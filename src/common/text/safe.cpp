@@ -21,7 +21,7 @@ void MemoryCopy(void* destination, std::size_t destination_size, const void* sou
     }
     const auto* to = static_cast<const char*>(destination);
     const auto* from = static_cast<const char*>(source);
-    const std::less<> before;  // a total order even over pointers into different objects
+    const std::less<> before;  // a total order even for pointers into different objects
     if (before(to, from + count) && before(from, to + count)) {
         throw std::length_error("Source and destination are overlapping in " + name);
     }

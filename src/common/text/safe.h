@@ -4,14 +4,15 @@
 #include <stdexcept>
 #include <string>
 
-// Checked memory and string helpers. They throw std::invalid_argument for null pointers and std::length_error
-// for overruns and overlaps, and change nothing when they throw.
+// Checked memory and string functions. They throw std::invalid_argument for null pointers and
+// std::length_error for overruns and overlaps, and change nothing if they throw.
 namespace safe {
 
-// Copies `count` bytes into a destination of `destination_size` bytes. A count of 0 does nothing at all.
+// Copies `count` bytes to a destination of `destination_size` bytes. A count of 0 does nothing, even with
+// null pointers.
 void MemoryCopy(void* destination, std::size_t destination_size, const void* source, std::size_t count);
 
-// The number of characters before the terminator, looking at no more than `maximum` characters.
+// The number of characters before the terminator. Reads at most `maximum` characters.
 template <class Character>
 std::size_t StringLengthTemplate(const Character* text, std::size_t maximum) {
     if (text == nullptr) {

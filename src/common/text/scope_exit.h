@@ -2,7 +2,7 @@
 
 #include <utility>
 
-// Does something at the end of a scope, whatever way it is left.
+// Runs an action at the end of a scope, even after an exception.
 template <class Action>
 class ScopeExit {
 public:

@@ -19,7 +19,7 @@ const std::wstring kGettingVolumeFreeSpaceEx = L"Getting volume free space ex";
 
 namespace {
 
-// Records what became of one query.
+// Records the result of one query.
 void Record(OperationStatus& status, const std::wstring& operation, bool succeeded, const wchar_t* failure) {
     if (succeeded) {
         status.SetSuccess(operation);
@@ -48,7 +48,7 @@ bool Volume::Initialize(const std::wstring& system_volume_device, const std::wst
         InitializeDriveType();
         InitializeDeviceName();
         InitializeMountPoints();
-        // All other types are asked everything: compatibility C148
+        // All types except removable are queried completely: compatibility C148
         if (drive_type_ != DRIVE_REMOVABLE) {
             InitializeVolumeInformation();
             InitializeFreeSpace();
@@ -78,7 +78,8 @@ void Volume::QueryOpenVolume() {
         InitializeDiskExtents(volume);
     } catch (...) {
         GetLogger().Write(kLogError, L"Exception in %s line %d", L"bmr_common::Volume::Initialize", __LINE__);
-        // What an exception left undone has failed: an unknown place on the disks must not pass for none.
+        // Marks the queries that the exception skipped as failed: a volume with unknown extents must not pass
+        // as one without extents.
         FailIfNotAttempted(kGettingVolumePartitionSize, L"Failed to get volume partition size");
         FailIfNotAttempted(kGettingDiskExtents, L"Failed to GetVolumeDiskExtents");
     }
@@ -90,8 +91,8 @@ void Volume::FailIfNotAttempted(const std::wstring& operation, const wchar_t* fa
     }
 }
 
-// The root path by which the system is asked about the volume. Never an empty one: that would be answered
-// with the current drive.
+// The root path for queries on the volume, or an empty text. An empty path must not be queried: the system
+// would answer for the current drive.
 const std::wstring& Volume::QueryPath() {
     if (!volume_id_.empty()) {
         return volume_id_;
@@ -146,7 +147,7 @@ void Volume::InitializeMountPoints() {
     Record(status_, kGettingMountPoints, found, L"Failed to get mount points");
 }
 
-// A volume that has no GUID is known to the drive letters alone.
+// Finds the mount points of a volume without a GUID; these can only be drive letters.
 bool Volume::FindMountPointsByDevice() {
     DWORD error = 0;
     std::vector<std::wstring> names;
@@ -218,7 +219,7 @@ void Volume::InitializeVolumePartitionSize(const UniqueFile& volume) {
 void Volume::InitializeDiskExtents(const UniqueFile& volume) {
     win::ByteBuffer buffer;
     DWORD error = 0;
-    // Grows on error 122 alone: compatibility C140
+    // The buffer grows only on error 122: compatibility C140
     const bool known = win::WinAPIWrapper::GetVolumeDiskExtents(volume, device_name_, buffer, error);
     if (known) {
         std::vector<VolumeExtent> extents;

@@ -25,38 +25,38 @@ extern const std::wstring kGettingVolumePartitionSize;
 extern const std::wstring kGettingVolumeFreeSpace;
 extern const std::wstring kGettingVolumeFreeSpaceEx;
 
-// A view into `path`.
+// Returns a view into `path`.
 inline std::wstring_view WithoutTrailingBackslashes(std::wstring_view path) {
     return path.substr(0, path.find_last_not_of(L'\\') + 1);
 }
 
-// What a volume GUID path begins with.
+// The start of a volume GUID path.
 inline constexpr wchar_t kVolumeGuidPrefix[] = L"\\\\?\\Volume{";
 
-// Bytes of one disk that a volume occupies.
+// A range of bytes on one disk that a volume occupies.
 struct VolumeExtent {
     std::uint32_t disk_number = 0;
     std::int64_t starting_offset = 0;  // bytes
     std::int64_t length = 0;           // bytes
 };
 
-// One volume of the running system. Filled once, by Initialize, through a series of named queries whose
-// failures are recorded and abort nothing. Sizes are in bytes.
+// One volume of the running system. Initialize fills it once through a series of named queries; a failed
+// query is recorded and does not stop the others. Sizes are in bytes.
 class Volume {
 public:
-    // `volume_id` is the volume GUID path as the system lists it, empty for a device volume that has none;
-    // `device_name` the NT device name where it is known already.
+    // `volume_id` is the volume GUID path as the system lists it, or empty for a device volume without one.
+    // `device_name` is the NT device name, if it is already known.
     explicit Volume(std::wstring volume_id, std::wstring device_name = {});
     virtual ~Volume() = default;
     Volume(const Volume&) = delete;
     Volume& operator=(const Volume&) = delete;
 
-    // Asks the system everything. The device names tell which volume the system and the boot volume are
-    // (empty: unknown). True when no query failed.
+    // Runs the queries. The device names identify the system volume and the boot volume (empty: unknown).
+    // Returns true if no query failed.
     virtual bool Initialize(const std::wstring& system_volume_device, const std::wstring& boot_volume_device,
                             const DeviceManager& disks);
 
-    // Each works its answer out anew and keeps it; can_backup keeps its reasons too.
+    // Each call computes and stores the result again. can_backup also stores its reasons.
     virtual bool can_backup(const DeviceManager& disks);
     virtual bool is_dynamic(const DeviceManager& disks);
     virtual bool is_on_active_partition(const DeviceManager& disks);
@@ -82,30 +82,31 @@ public:
     const std::vector<VolumeExtent>& extents() const { return extents_; }
     bool is_system_volume() const { return is_system_volume_; }
     bool is_boot_volume() const { return is_boot_volume_; }
-    // What Initialize found, or was asked last.
+    // The results stored by Initialize or by the last call of the functions above.
     bool found_on_active_partition() const { return is_on_active_partition_; }
     bool found_dynamic() const { return is_dynamic_; }
     bool found_fit_for_backup() const { return can_backup_; }
     const std::vector<std::wstring>& backup_failure_reasons() const { return reasons_; }
 
-    // The space that the backup product's own data take here, where the owner knows it.
+    // The space used by the backup product's own data on this volume, if the owner of this object has set it.
     const std::optional<std::uint64_t>& vorn_used_spaces() const { return vorn_used_spaces_; }
     void set_vorn_used_spaces(std::uint64_t bytes) { vorn_used_spaces_ = bytes; }
 
-    // Name conversions. A conversion in place leaves its argument as it was when it returns false.
+    // Name conversions. A function that converts in place leaves its argument unchanged if it returns false.
 
-    // "\Device\Name" to the form that files are opened by; empty, after a line, for any other form.
+    // Converts "\Device\Name" to a path that can be opened. For any other form, logs one line and returns an
+    // empty text.
     static std::wstring GetWin32APICompatibleName(std::wstring_view device_name);
-    // Drops what stands before "\Device\" and the trailing backslashes.
+    // Removes everything before "\Device\" and the trailing backslashes.
     static bool ConvertToNormalizedDeviceId(std::wstring& device_name);
-    // The same on a copy; a failure is a failed assertion, the name is then returned as it is.
+    // The same on a copy. A failure is logged as a failed assertion and returns the name unchanged.
     static std::wstring GetNormalizedDeviceId(const std::wstring& device_name);
-    // The bare GUID text of a volume GUID path with or without its trailing backslash; another text is
-    // itself.
+    // Extracts the GUID from a volume GUID path with or without its trailing backslash. Returns any other
+    // text unchanged.
     static std::wstring GetGuidFromVolumeGUID(const std::wstring& volume_guid);
-    // Any of these forms to "\\?\Volume{GUID}\".
+    // Converts any of these forms to "\\?\Volume{GUID}\".
     static bool ConvertToNormalizedVolumeGUID(std::wstring& volume_guid);
-    // The same on a copy; a failure is a failed assertion, the text is then returned as it is.
+    // The same on a copy. A failure is logged as a failed assertion and returns the text unchanged.
     static std::wstring GetNormalizedVolumeGUID(const std::wstring& volume_guid);
 
 protected:
@@ -125,7 +126,7 @@ private:
     bool FindMountPointsByDevice();
     void QueryOpenVolume();
     void FailIfNotAttempted(const std::wstring& operation, const wchar_t* failure);
-    // Without regard to case, unlike the flat tables: compatibility C133
+    // Ignores case, unlike the flat tables: compatibility C133
     bool IsDevice(const std::wstring& device_name) const;
     bool MissesQuery() const;
 
@@ -133,7 +134,7 @@ private:
     std::wstring volume_id_;
     std::wstring volume_guid_;
     std::wstring device_name_;
-    std::wstring device_path_;  // what QueryPath answers for a volume without an ID
+    std::wstring device_path_;  // the path that QueryPath returns for a volume without an id
     std::uint32_t drive_type_ = DRIVE_UNKNOWN;
     std::vector<std::wstring> mount_points_;
     win::VolumeInformation information_;

@@ -1,5 +1,5 @@
-// How the volume manager finds the volumes: two independent sources, of which both must know a volume's GUID,
-// so that stale symbolic links make no phantom volumes.
+// Volume enumeration by the volume manager. It uses two independent sources. A volume GUID must be in both,
+// so that stale symbolic links do not create phantom volumes.
 
 #include "common/logger/trace.h"
 #include "common/platform/case_folding.h"
@@ -107,7 +107,7 @@ bool VolumeManager::GetDeviceNamesMap(DeviceNamesMap& map, std::wstring& error) 
             return false;
         }
         if (links.empty()) {
-            // A success without any volume: compatibility C134
+            // Returns true without any volume: compatibility C134
             GetLogger().Write(kLogError, L"%s - volume list is empty", kMapFunction);
             return true;
         }

@@ -1,4 +1,4 @@
-// What a volume concludes from its queries and from the disks that it lies on.
+// What a volume derives from its queries and its disks.
 
 #include "common/logger/trace.h"
 #include "common/text/decimal_text.h"
@@ -13,7 +13,8 @@ std::uint32_t Volume::volume_block_size() const {
     return free_space_.sectors_per_cluster * free_space_.bytes_per_sector;
 }
 
-// Whether a query failed without which no backup is possible. Not the free space: compatibility C35
+// Whether a query that is required for a backup failed. The free-space queries are not required:
+// compatibility C35
 bool Volume::MissesQuery() const {
     const std::array<const std::wstring*, 7> needed = {
         &kGettingDriveType,   &kGettingDeviceName,  &kGettingVolumeInformation,  &kOpeningVolume,
@@ -26,7 +27,7 @@ bool Volume::can_backup(const DeviceManager& disks) {
     return Traced(L"bmr_common::Volume::can_backup", [&] {
         can_backup_ = false;
         reasons_.clear();
-        // The wording, and type 0 where the query failed: compatibility C29, C34
+        // The wording, and type 0 after a failed query, are kept on purpose: compatibility C29, C34
         if (drive_type_ != DRIVE_FIXED) {
             reasons_.push_back(L"This not a fixed disk, type is " + DecimalText(drive_type_));
             return false;
@@ -35,11 +36,11 @@ bool Volume::can_backup(const DeviceManager& disks) {
             status_.GetErrors(reasons_);
             return false;
         }
-        // No extents refuse nothing: compatibility C145
+        // A volume without extents passes: compatibility C145
         for (const VolumeExtent& extent : extents_) {
             const DiskDriveManagerPtr disk = disks.GetDevice(extent.disk_number);
             if (!disk) {
-                // The wording: compatibility C30
+                // The wording is kept on purpose: compatibility C30
                 reasons_.push_back(L"Extent is on disk " + DecimalText(extent.disk_number) +
                                    L" but we don't have such disk.");
                 return false;
@@ -55,7 +56,7 @@ bool Volume::can_backup(const DeviceManager& disks) {
 
 bool Volume::is_dynamic(const DeviceManager& disks) {
     constexpr const wchar_t* kFunction = L"bmr_common::Volume::is_dynamic";
-    // Whatever their disks are: compatibility C146
+    // Several extents mean dynamic, independent of the disks: compatibility C146
     is_dynamic_ = extents_.size() > 1;
     if (extents_.empty() && drive_type_ == DRIVE_FIXED) {
         GetLogger().Write(kLogTrace, L"%s %s has no extents.", kFunction, volume_id_.c_str());

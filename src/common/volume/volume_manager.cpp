@@ -57,7 +57,7 @@ void VolumeManager::CreateVolumes(DeviceNamesMap map, const DeviceManager& disks
         const auto volume = boost::make_shared<Volume>(std::move(entry.mapped()), std::move(entry.key()));
         volume->Initialize(system_volume_device, boot_volume_device, disks);
         volumes_.push_back(volume);
-        // Of two volumes of one name the first is found.
+        // If two volumes have the same name, the first one is found.
         by_name_.try_emplace(volume->volume_guid(), volume);
         by_name_.try_emplace(volume->device_name(), volume);
     }
@@ -94,7 +94,7 @@ VolumePtr VolumeManager::GetVolume(std::uint32_t disk_number, std::int64_t offse
 
 void VolumeManager::DumpInfo() const {
     Traced(L"bmr_common::VolumeManager::DumpInfo", [&] {
-        // Without an empty line before it: compatibility C57
+        // No empty line before it: compatibility C57
         GetLogger().Write(kLogInformation, L"[Volume Information]");
         GetLogger().Write(kLogInformation, L"Number of volumes: %I64u", std::uint64_t{volumes_.size()});
         unsigned number = 0;
@@ -110,7 +110,7 @@ void VolumeManager::CaptureInfo(CMSXmlNode& parent) const {
         CMSXmlNode volume_info = parent.AddChild("VolumeInfo");
         AddNumberElement(volume_info, "NumberOfVolumes", volumes_.size());
         for (const VolumePtr& volume : volumes_) {
-            // Without a number: compatibility C87
+            // The element name has no number: compatibility C87
             CMSXmlNode node = volume_info.AddChild("Volume");
             volume->CaptureInfo(node);
         }

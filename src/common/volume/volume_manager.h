@@ -13,8 +13,8 @@ extern const std::wstring kFindVolume;
 
 using VolumePtr = boost::shared_ptr<Volume>;
 
-// All volumes of the running system: those that both the object directories and the mount manager know, and
-// the device volumes that have no GUID. Offsets are in bytes.
+// All volumes of the running system: those that both the object directories and the mount manager list, and
+// the device volumes without a GUID. Offsets are in bytes.
 class VolumeManager {
 public:
     VolumeManager();
@@ -22,17 +22,18 @@ public:
     VolumeManager(const VolumeManager&) = delete;
     VolumeManager& operator=(const VolumeManager&) = delete;
 
-    // Finds and asks every volume; to be called once. False, after a line and with no volumes, when they
-    // could not be found; what is wrong with a single volume stays inside it. Throws nothing.
+    // Finds and initialises all volumes. Call only once. If the volumes cannot be enumerated, logs it, leaves
+    // the list empty and returns false. Failures of a single volume are recorded in that volume. Never
+    // throws.
     virtual bool InitializeWithCurrentVolumes(const DeviceManager& disks,
                                               const std::wstring& system_volume_device,
                                               const std::wstring& boot_volume_device);
 
-    // The volume of that GUID (bare, or a volume GUID path) or NT device name; empty, after a level 5 line,
-    // if none.
+    // The volume with that GUID (bare, or a volume GUID path) or NT device name. Returns an empty pointer,
+    // after logging one line at level 5, if there is none.
     VolumePtr GetVolume(const std::wstring& guid_or_device) const;
-    // The first volume with an extent that starts at `offset` of that disk; empty, after a level 5 line, if
-    // none.
+    // The first volume with an extent that starts at `offset` of that disk. Returns an empty pointer, after
+    // logging one line at level 5, if there is none.
     VolumePtr GetVolume(std::uint32_t disk_number, std::int64_t offset) const;
 
     virtual void DumpInfo() const;
@@ -43,13 +44,13 @@ public:
     virtual bool IsSucceeded(const std::wstring& operation) const { return status_.IsSucceeded(operation); }
     virtual std::uint64_t ErrorCount() const { return status_.ErrorCount(); }
 
-    // In the order of the text of their device names: compatibility C86
+    // Sorted by the text of their device names: compatibility C86
     const std::vector<VolumePtr>& volumes() const { return volumes_; }
 
 private:
     using DeviceNamesMap = std::map<std::wstring, std::wstring>;  // NT device name to volume GUID path
 
-    // Each step returns false with what went wrong in `error`.
+    // On failure, each step returns false and sets `error` to the reason.
     static bool GetObjectNamesPairList(const UniqueDirectory& directory, const std::wstring& filter,
                                        std::vector<win::DirectoryEntry>& entries, std::wstring& error);
     static bool GetDeviceNamesList(const std::wstring& directory_path, const std::wstring& prefix,
@@ -64,7 +65,7 @@ private:
 
     OperationStatus status_;
     std::vector<VolumePtr> volumes_;
-    std::map<std::wstring, VolumePtr, LessFolded> by_name_;  // by GUID path and by device name
+    std::map<std::wstring, VolumePtr, LessFolded> by_name_;  // by volume GUID path and by device name
 };
 
 }  // namespace bmr_common

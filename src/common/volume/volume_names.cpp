@@ -1,4 +1,4 @@
-// The forms of a volume's names, and the ways between them.
+// The forms of volume names and the conversions between them.
 
 #include "common/logger/orvane_logger.h"
 #include "common/platform/case_folding.h"
@@ -27,14 +27,15 @@ void AssertConverted(bool converted, const wchar_t* condition, const wchar_t* me
     }
 }
 
-// What stands from "\Device\" on, without trailing backslashes; empty where there is no such name.
+// The part from "\Device\" on, without trailing backslashes. Empty if the name does not contain "\Device\".
 std::wstring_view DeviceIdIn(std::wstring_view device_name) {
     const std::size_t start = device_name.find(kDevicePrefix);
     return start == std::wstring_view::npos ? std::wstring_view()
                                             : WithoutTrailingBackslashes(device_name.substr(start));
 }
 
-// The bare GUID text of a volume GUID path with or without its trailing backslash; another text is itself.
+// The GUID in a volume GUID path with or without its trailing backslash. Any other text is returned
+// unchanged.
 std::wstring_view GuidIn(std::wstring_view volume_guid) {
     if (volume_guid.starts_with(kVolumeGuidPrefix)) {
         volume_guid.remove_prefix(std::size(kVolumeGuidPrefix) - 1);
@@ -54,7 +55,7 @@ std::wstring Volume::GetWin32APICompatibleName(std::wstring_view device_name) {
     }
     constexpr std::wstring_view kRoot = L"\\\\?\\GLOBALROOT";
     std::wstring path;
-    path.reserve(kRoot.size() + device_name.size() + 1);  // some append a backslash
+    path.reserve(kRoot.size() + device_name.size() + 1);  // some callers append a backslash
     path.append(kRoot).append(device_name);
     return path;
 }
@@ -73,7 +74,7 @@ bool Volume::ConvertToNormalizedDeviceId(std::wstring& device_name) {
 
 bool Volume::IsDevice(const std::wstring& device_name) const {
     const std::wstring_view id = DeviceIdIn(device_name);
-    // A name of another form is compared as it is, and told in the log.
+    // A name in another form is compared unchanged and logged.
     return id.empty() ? EqualFolded(GetNormalizedDeviceId(device_name), device_name_)
                       : EqualFolded(id, device_name_);
 }
@@ -97,7 +98,7 @@ bool Volume::ConvertToNormalizedVolumeGUID(std::wstring& volume_guid) {
         return false;
     }
     if (volume_guid.starts_with(kVolumeGuidPrefix) && volume_guid.ends_with(kVolumeGuidEnd)) {
-        return true;  // as the system lists them
+        return true;  // already in the form that the system lists
     }
     std::wstring path;
     path.reserve(std::size(kVolumeGuidPrefix) + guid.size() + std::size(kVolumeGuidEnd));

@@ -1,4 +1,4 @@
-// What a volume writes of itself: the text dump and the XML fragment.
+// The output of a volume: the text dump and the XML fragment.
 
 #include "common/disk/sizes.h"
 #include "common/logger/trace.h"
@@ -27,7 +27,7 @@ void Line(const wchar_t* format, Values... values) {
     GetLogger().Write(kLogInformation, format, values...);
 }
 
-// "%I64u(%.2f GB)" of a size.
+// Logs a size; `format` contains "%I64u(%.2f GB)".
 void SizeLine(const wchar_t* format, std::uint64_t bytes) {
     Line(format, bytes, Gigabytes(static_cast<double>(bytes)));
 }
@@ -47,7 +47,7 @@ void DumpMountPoints(bool known, const std::vector<std::wstring>& mount_points) 
         Line(L"Error: failed to obtain mount points information");
         return;
     }
-    // Ends in a blank, and stands without mount points too: compatibility C68
+    // Ends in a blank, and is logged even without mount points: compatibility C68
     Line(L"Drive letter/Mount points: ");
     for (const std::wstring& mount_point : mount_points) {
         Line(L"  %s", mount_point.c_str());
@@ -93,7 +93,7 @@ void DumpExtents(const std::vector<VolumeExtent>& extents) {
         Line(L"  Disk number: %u", extent.disk_number);
         Line(L"  Disk offset: %I64d", extent.starting_offset);
         Line(L"  Extent length: %I64d", extent.length);
-        // Behind the last one too: compatibility C69
+        // Also logged after the last extent: compatibility C69
         if (extents.size() > 1) {
             Line(L"  --------------------------------");
         }
@@ -159,7 +159,7 @@ void Volume::DumpInfo() const {
         if (vorn_used_spaces_) {
             SizeLine(L"The application's used spaces: %I64u(%.2f GB)", *vorn_used_spaces_);
         } else {
-            // Always, as information: compatibility C67
+            // Logged every time, at information level: compatibility C67
             Line(L"Error: failed to obtain the application's used spaces information");
         }
         Line(L"System volume: %s", TrueOrFalse(is_system_volume_));

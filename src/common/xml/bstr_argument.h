@@ -6,25 +6,25 @@
 #include <cstddef>
 #include <string_view>
 
-// A text as a BSTR for calls that only read it. A short one, as nearly all of a document are, is laid out in
-// place; a longer one is the system's. Throws _com_error (E_OUTOFMEMORY) when there is no memory for that.
+// A text as a BSTR for calls that only read it. A short text, as most texts in a document are, is stored in
+// the object; a longer one is allocated by the system. Throws _com_error (E_OUTOFMEMORY) if that fails.
 class BstrArgument {
 public:
-    // Up to the first zero character: XML cannot hold one.
+    // Uses the text up to the first null character, which XML cannot contain.
     explicit BstrArgument(std::wstring_view text);
-    // ASCII; a byte beyond it would be the character of that number, whatever the code page.
+    // Expects ASCII. Other bytes become the character with that number, regardless of the code page.
     explicit BstrArgument(const char* text);
     ~BstrArgument() = default;
     BstrArgument(const BstrArgument&) = delete;
     BstrArgument& operator=(const BstrArgument&) = delete;
 
-    // Lives as long as this. Never to be given away, grown or freed.
+    // Valid as long as this object. The receiver must not take ownership, reallocate or free it.
     BSTR get() { return long_ ? long_.get() : short_.letters.data(); }
 
     static constexpr std::size_t kShort = 63;
 
 private:
-    // What stands in memory where a BSTR points to: before its letters their number of bytes.
+    // The memory layout of a BSTR: the length in bytes directly before the characters.
     struct Short {
         alignas(alignof(void*)) UINT unused;
         UINT bytes;
@@ -34,6 +34,6 @@ private:
     template <class Letter>
     void Assign(std::basic_string_view<Letter> text);
 
-    Short short_{};  // zero behind the letters
+    Short short_{};  // zero after the characters
     UniqueBstr long_;
 };

@@ -13,8 +13,8 @@ namespace {
 constexpr CLSID kDomDocument30 = {
     0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
 
-// Throws for a failed call. The error carries its code alone: error information is an object of the
-// component, which on the way to the export could outlive COM.
+// Throws if the call failed. The exception contains only the code: an error information object belongs to the
+// component and could outlive COM while the exception propagates to the export.
 void Require(HRESULT result) {
     if (FAILED(result)) {
         throw _com_error(result);
@@ -43,7 +43,7 @@ int ConvertAnsi(std::string_view text, wchar_t* wide, int room) {
     return length;
 }
 
-// A text in the system's ANSI code page as a BSTR.
+// Converts a text in the system's ANSI code page to a BSTR.
 UniqueBstr BstrOfAnsi(std::string_view text) {
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         throw _com_error(E_INVALIDARG);
@@ -65,7 +65,7 @@ IXMLDOMNode& CMSXmlNode::Node() const {
     return Existing(node_);
 }
 
-// The new element; none where there is no owner document.
+// Returns the new element, or null if the node has no owner document.
 XmlNodePtr CMSXmlNode::Append(const char* name) {
     if (document_ == nullptr) {
         Require(Node().get_ownerDocument(&document_));

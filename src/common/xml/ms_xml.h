@@ -7,34 +7,33 @@
 
 #include <string_view>
 
-// The platform's DOM, as far as documents are built with it. To be used on one thread, with COM initialised
-// there. A text ends at its first zero character: XML cannot hold one. A failed interface call throws
-// _com_error; the empty node throws E_POINTER.
+// A wrapper for the platform's DOM, with the functions needed to build documents. Use it on one thread only,
+// with COM initialised on that thread. A text ends at its first null character, which XML cannot contain. A
+// failed interface call throws _com_error; a call on an empty node throws E_POINTER as _com_error.
 
 using XmlDocumentPtr = ComPointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
 using XmlElementPtr = ComPointer<IXMLDOMElement, &IID_IXMLDOMElement>;
 using XmlNodePtr = ComPointer<IXMLDOMNode, &IID_IXMLDOMNode>;
 
-// One node of a document; shares its ownership with the document.
+// One node of a document. Shares ownership of the node with the document.
 class CMSXmlNode {
 public:
-    CMSXmlNode() = default;  // the empty node
+    CMSXmlNode() = default;  // an empty node
     explicit CMSXmlNode(const XmlNodePtr& node);
     virtual ~CMSXmlNode() = default;
     CMSXmlNode(const CMSXmlNode&) = default;
     CMSXmlNode& operator=(const CMSXmlNode&) = default;
 
-    // Whether there is a node at all.
+    // Whether the node is not empty.
     explicit operator bool() const { return node_ != nullptr; }
 
-    // Appends a new element of that name (ASCII) as the last child and returns it; the empty node where there
-    // is no owner document.
+    // Appends a new element with that name (ASCII) as the last child and returns it. Returns an empty node if
+    // there is no owner document.
     CMSXmlNode AddChild(const char* name);
-    // Appends a new element that holds that text and nothing else. Throws E_POINTER where there is no owner
-    // document.
+    // Appends a new element that contains only that text. Throws E_POINTER if there is no owner document.
     void AddTextChild(const char* name, std::wstring_view text);
     void SetText(std::wstring_view text);
-    // This node and everything below it as text, without an XML declaration.
+    // This node and everything below it as XML text, without an XML declaration.
     UniqueBstr GetXML() const;
 
 private:
@@ -42,10 +41,10 @@ private:
     XmlNodePtr Append(const char* name);
 
     XmlNodePtr node_;
-    XmlDocumentPtr document_;  // that owns the node, once it was asked for
+    XmlDocumentPtr document_;  // the owner document; null until first needed
 };
 
-// A document. A failed creation leaves it without one, which LoadXML tells.
+// An XML document. If it could not be created, LoadXML returns false.
 class CMSXmlDoc {
 public:
     CMSXmlDoc();
@@ -53,10 +52,10 @@ public:
     CMSXmlDoc(const CMSXmlDoc&) = delete;
     CMSXmlDoc& operator=(const CMSXmlDoc&) = delete;
 
-    // Replaces the content by `text`, XML in the system's ANSI code page, whatever encoding it declares.
-    // False when it cannot be loaded.
+    // Replaces the content with `text`, XML in the system's ANSI code page, regardless of the encoding it
+    // declares. Returns false if the text cannot be loaded.
     bool LoadXML(const char* text);
-    // The document element; the empty node when there is none.
+    // The document element, or an empty node if there is none.
     CMSXmlNode GetRoot() const;
 
 private:

@@ -5,14 +5,14 @@
 
 #include <concepts>
 
-// Appends a child element that holds a number in plain decimal.
+// Appends a child element that contains a number in decimal.
 template <std::integral Number>
 requires(!std::same_as<Number, bool>) void AddNumberElement(CMSXmlNode& parent, const char* name,
                                                             Number value) {
     parent.AddTextChild(name, DecimalText(value));
 }
 
-// A truth value as the disk model writes it: compatibility C89
+// A boolean as the disk model writes it: compatibility C89
 inline const wchar_t* TrueOrFalse(bool value) {
     return value ? L"True" : L"False";
 }
