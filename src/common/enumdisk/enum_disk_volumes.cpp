@@ -22,7 +22,7 @@ bool Assert(bool condition, int line, const wchar_t* text) {
 }
 
 // Buffer size for volume names, labels and file system names.
-constexpr std::size_t kWalkNameCharacters = 255;
+constexpr DWORD kWalkNameCharacters = 255;
 
 std::vector<std::wstring> MountPathsOf(const std::wstring& volume) {
     constexpr std::size_t kCharacters = 4096;

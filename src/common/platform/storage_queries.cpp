@@ -3,15 +3,20 @@
 #include "common/text/decimal_text.h"
 #include "common/text/multi_string.h"
 
+#include <array>
 #include <cwchar>
 
 namespace win {
 
 namespace {
 
-using NameBuffer = std::vector<wchar_t>;
+// For one name. Callers may use a part of it only.
+using NameBuffer = std::array<wchar_t, kNameCharacters>;
 
-DWORD SizeOf(const NameBuffer& buffer) {
+// For a list of names.
+using ListBuffer = std::vector<wchar_t>;
+
+DWORD SizeOf(const ListBuffer& buffer) {
     return static_cast<DWORD>(buffer.size());
 }
 
@@ -21,7 +26,7 @@ std::wstring TextOf(const NameBuffer& buffer) {
 
 // Splits an answer of `returned` characters into its entries. Returns ERROR_INVALID_DATA if the buffer is
 // smaller than that.
-DWORD TakeEntries(const NameBuffer& buffer, std::size_t returned, std::vector<std::wstring>& entries) {
+DWORD TakeEntries(const ListBuffer& buffer, std::size_t returned, std::vector<std::wstring>& entries) {
     if (returned > buffer.size()) {
         return ERROR_INVALID_DATA;
     }
@@ -127,15 +132,14 @@ DWORD ReadDiskFreeSpaceEx(const std::wstring& root, DiskFreeSpaceEx& space) {
     return error;
 }
 
-DWORD ReadVolumeInformation(const std::wstring& root, std::size_t name_characters,
-                            VolumeInformation& information) {
-    NameBuffer label(name_characters);
-    NameBuffer file_system(name_characters);
+DWORD ReadVolumeInformation(const std::wstring& root, DWORD name_characters, VolumeInformation& information) {
+    NameBuffer label{};
+    NameBuffer file_system{};
     VolumeInformation read;
     const DWORD error =
         ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumeInformationW, FALSE, root.c_str(), label.data(),
-                              SizeOf(label), &read.serial_number, &read.maximum_component_length,
-                              &read.file_system_flags, file_system.data(), SizeOf(file_system)));
+                              name_characters, &read.serial_number, &read.maximum_component_length,
+                              &read.file_system_flags, file_system.data(), name_characters));
     if (error == ERROR_SUCCESS) {
         read.label = TextOf(label);
         read.file_system = TextOf(file_system);
@@ -146,9 +150,9 @@ DWORD ReadVolumeInformation(const std::wstring& root, std::size_t name_character
 
 DWORD ListMountPaths(const std::wstring& volume, std::size_t first_characters, Retry retry,
                      std::vector<std::wstring>& paths) {
-    NameBuffer buffer;
+    ListBuffer buffer;
     DWORD length = 0;
-    const auto ask = [&](NameBuffer& answer, std::size_t& needed) {
+    const auto ask = [&](ListBuffer& answer, std::size_t& needed) {
         length = 0;
         const DWORD error = ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumePathNamesForVolumeNameW, FALSE,
                                                   volume.c_str(), answer.data(), SizeOf(answer), &length));
@@ -167,9 +171,9 @@ DWORD ListMountPaths(const std::wstring& volume, std::size_t first_characters, R
 }
 
 DWORD ListDosDeviceTargets(const wchar_t* device, std::vector<std::wstring>& targets) {
-    NameBuffer buffer;
+    ListBuffer buffer;
     DWORD length = 0;
-    const auto ask = [&](NameBuffer& answer, std::size_t& /*needed*/) {
+    const auto ask = [&](ListBuffer& answer, std::size_t& /*needed*/) {
         length =
             CallBound(Kernel32DLL::Get().QueryDosDeviceW, DWORD{0}, device, answer.data(), SizeOf(answer));
         return ErrorUnless(length != 0);
@@ -180,9 +184,9 @@ DWORD ListDosDeviceTargets(const wchar_t* device, std::vector<std::wstring>& tar
 }
 
 DWORD ReadVolumeNameOf(const std::wstring& mount_point, std::wstring& volume) {
-    NameBuffer name(kNameCharacters);
+    NameBuffer name{};
     const DWORD error = ErrorUnless(CallBound(Kernel32DLL::Get().GetVolumeNameForVolumeMountPointW, FALSE,
-                                              mount_point.c_str(), name.data(), SizeOf(name)));
+                                              mount_point.c_str(), name.data(), kNameCharacters));
     if (error == ERROR_SUCCESS) {
         volume = TextOf(name);
     }
@@ -198,10 +202,10 @@ DWORD ReadLogicalDrives(DWORD& drives) {
     return ERROR_SUCCESS;
 }
 
-DWORD ListFirstVolume(std::size_t name_characters, UniqueVolumeSearch& search, std::wstring& volume) {
-    NameBuffer name(name_characters);
+DWORD ListFirstVolume(DWORD name_characters, UniqueVolumeSearch& search, std::wstring& volume) {
+    NameBuffer name{};
     search.Reset(CallBound(Kernel32DLL::Get().FindFirstVolumeW, HANDLE{INVALID_HANDLE_VALUE}, name.data(),
-                           SizeOf(name)));
+                           name_characters));
     if (!search) {
         return LastFailure();
     }
@@ -209,10 +213,10 @@ DWORD ListFirstVolume(std::size_t name_characters, UniqueVolumeSearch& search, s
     return ERROR_SUCCESS;
 }
 
-DWORD ListNextVolume(std::size_t name_characters, const UniqueVolumeSearch& search, std::wstring& volume) {
-    NameBuffer name(name_characters);
+DWORD ListNextVolume(DWORD name_characters, const UniqueVolumeSearch& search, std::wstring& volume) {
+    NameBuffer name{};
     const DWORD error = ErrorUnless(
-        CallBound(Kernel32DLL::Get().FindNextVolumeW, FALSE, search.get(), name.data(), SizeOf(name)));
+        CallBound(Kernel32DLL::Get().FindNextVolumeW, FALSE, search.get(), name.data(), name_characters));
     if (error == ERROR_SUCCESS) {
         volume = TextOf(name);
     }

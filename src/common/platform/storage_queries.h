@@ -47,8 +47,9 @@ struct FileOpening {
     DWORD flags = 0;
 };
 
-// The default buffer size for one name, in characters, including the terminator.
-inline constexpr std::size_t kNameCharacters = 260;
+// The size of a buffer for one name, in characters, including the terminator. `name_characters` below is the
+// size that the system is told, at most this.
+inline constexpr DWORD kNameCharacters = 260;
 
 // "\\.\PhysicalDriveN".
 std::wstring PhysicalDriveName(std::uint32_t disk_number);
@@ -84,8 +85,7 @@ DWORD ReadDriveType(const std::wstring& root, UINT& type);
 DWORD ReadDiskFreeSpace(const std::wstring& root, DiskFreeSpace& space);
 DWORD ReadDiskFreeSpaceEx(const std::wstring& root, DiskFreeSpaceEx& space);
 // `name_characters` is the size of the buffers for the label and for the file system name.
-DWORD ReadVolumeInformation(const std::wstring& root, std::size_t name_characters,
-                            VolumeInformation& information);
+DWORD ReadVolumeInformation(const std::wstring& root, DWORD name_characters, VolumeInformation& information);
 
 // Volume and device names.
 
@@ -103,14 +103,14 @@ DWORD ReadLogicalDrives(DWORD& drives);
 
 // Enumerate the machine's volumes by volume GUID path. `name_characters` is the buffer size for one path.
 // ERROR_NO_MORE_FILES marks the end of the list.
-DWORD ListFirstVolume(std::size_t name_characters, UniqueVolumeSearch& search, std::wstring& volume);
-DWORD ListNextVolume(std::size_t name_characters, const UniqueVolumeSearch& search, std::wstring& volume);
+DWORD ListFirstVolume(DWORD name_characters, UniqueVolumeSearch& search, std::wstring& volume);
+DWORD ListNextVolume(DWORD name_characters, const UniqueVolumeSearch& search, std::wstring& volume);
 
 // Calls `visit(volume)` for `volume`, the first one found, and for all volumes after it. Returns
 // ERROR_NO_MORE_FILES at the end of the list, ERROR_INVALID_DATA if the list exceeds kMostListed volumes, or
 // the error of the enumeration.
 template <class Visit>
-DWORD VisitVolumes(std::size_t name_characters, const UniqueVolumeSearch& search, std::wstring volume,
+DWORD VisitVolumes(DWORD name_characters, const UniqueVolumeSearch& search, std::wstring volume,
                    Visit&& visit) {
     for (std::size_t i = 0; i < kMostListed; ++i) {
         visit(volume);

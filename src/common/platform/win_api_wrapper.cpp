@@ -8,8 +8,9 @@ namespace {
 
 constexpr std::size_t kFirstPathNamesCharacters = 512;
 
-std::wstring WithTrailingBackslash(const std::wstring& path) {
-    return path.ends_with(L'\\') ? path : path + L'\\';
+// `path` itself where it has one; else `longer`, which is made so.
+const std::wstring& WithTrailingBackslash(const std::wstring& path, std::wstring& longer) {
+    return path.ends_with(L'\\') ? path : longer.assign(path).append(1, L'\\');
 }
 
 }  // namespace
@@ -18,8 +19,9 @@ std::wstring WithTrailingBackslash(const std::wstring& path) {
 bool WinAPIWrapper::GetVolumePathNamesForVolumeNameW(const std::wstring& volume,
                                                      std::vector<std::wstring>& paths, DWORD& error) {
     const auto query = [&] {
-        return ListMountPaths(WithTrailingBackslash(volume), kFirstPathNamesCharacters, Retry::kAsLargeAsTold,
-                              paths);
+        std::wstring longer;
+        return ListMountPaths(WithTrailingBackslash(volume, longer), kFirstPathNamesCharacters,
+                              Retry::kAsLargeAsTold, paths);
     };
     return Query(L"win::WinAPIWrapper::GetVolumePathNamesForVolumeNameW", error, query, [&] {
         GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetVolumePathNamesForVolumeName for %s error=%u",
@@ -38,7 +40,10 @@ bool WinAPIWrapper::QueryDosDeviceW(const std::wstring& device, std::vector<std:
 }
 
 bool WinAPIWrapper::GetDriveTypeW(const std::wstring& root, UINT& drive_type, DWORD& error) {
-    const auto query = [&] { return ReadDriveType(WithTrailingBackslash(root), drive_type); };
+    const auto query = [&] {
+        std::wstring longer;
+        return ReadDriveType(WithTrailingBackslash(root, longer), drive_type);
+    };
     return Query(L"win::WinAPIWrapper::GetDriveTypeW", error, query,
                  [] { GetLogger().Write(kLogTrace, L"WinAPIWrapper::GetDriveType Unknown"); });
 }
