@@ -1,6 +1,7 @@
 #pragma once
 
-// What most tests include, compiled once without optimisation. Every source still names what it uses.
+// Headers that most tests include, compiled once without optimisation. Every source still includes what it
+// uses.
 
 #include "cmake/precompiled.h"
 

@@ -1,4 +1,4 @@
-// What stops a capture, and how the export tells it.
+// Errors that make a capture fail, and how the export reports them.
 
 #include "export/capture_fixture.h"
 #include "machine/wmi_defaults.h"
@@ -23,13 +23,13 @@ protected:
     }
 };
 
-// --- The system does not answer.
+// --- System calls that fail.
 
 struct FailingCall {
     const char* call;
     std::uint32_t code;
     const wchar_t* object;
-    const char* line;  // among the errors
+    const char* line;  // expected among the error lines
 };
 
 void PrintTo(const FailingCall& failing, std::ostream* out) {
@@ -97,7 +97,7 @@ TEST_F(CaptureFailures, FailedCapture_DoesNotHinderTheNext) {
     EXPECT_EQ(Capture(0).status, ORVANE_BUFFER_TOO_SMALL);
 }
 
-// --- The exception boundary.
+// --- Exceptions at the export boundary.
 
 class NoDisks : public CaptureTest {
 protected:
@@ -112,7 +112,7 @@ TEST_F(NoDisks, Capture_Fails) {
     EXPECT_EQ(LastError(), kNoEnvironment);
 }
 
-// There is no memory for the long texts of a document.
+// Out of memory for the long texts of a document.
 BSTR WINAPI AllocateNoText(const OLECHAR* /*text*/, UINT /*length*/) {
     return nullptr;
 }
@@ -125,7 +125,7 @@ TEST_F(CaptureFailures, ComError_IsToldByItsMessage) {
     EXPECT_GT(LastError().size(), std::string("CaptureSystemRestorePointInfo COM Exception: ").size());
 }
 
-// CoCreateInstance as a thread without COM answers for the document alone.
+// Fails only for the document's class, with the error of a thread that did not initialise COM.
 HRESULT WINAPI CreateAllButTheDocument(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
                                        void** object) {
     constexpr CLSID kDocument = {
@@ -154,7 +154,7 @@ TEST_F(CaptureFailures, IdentifiersThatCannotBeMade_FailTheCollection) {
     EXPECT_EQ(LastError(), kNoEnvironment);
 }
 
-// --- A broken disk or volume is described as far as it can be.
+// --- A disk or volume whose queries fail is described as far as possible.
 
 TEST_F(CaptureFailures, DiskThatCannotBeOpened_HasNoMoreThanItsNumber) {
     simulation().faults().Fail("CreateFileW", 5, L"\\\\.\\PhysicalDrive1");

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-// The shipped library with its settings restored after each test.
+// The shipped library. Resets its settings after each test.
 class ExportTest : public testing::Test {
 protected:
     ~ExportTest() override { library_.ResetSettings(); }
@@ -17,16 +17,16 @@ protected:
     const ShippedLibrary& library_ = ShippedLibrary::Get();
 };
 
-// What a capture left behind.
+// The results of one capture.
 struct Captured {
     static constexpr std::uint32_t kUntouched = 0xAAAAAAAA;
 
     std::uint32_t status = kUntouched;
     std::uint32_t required_size = kUntouched;
-    std::string buffer;  // '#' where nothing was written
+    std::string buffer;  // '#' in every byte that was not written
 };
 
-// A described machine under the shipped library, format 3, and the library's log.
+// A described machine under the shipped library, set to format 3, and the library's log.
 class CaptureTest : public ExportTest {
 protected:
     static machine::Description Machine(const std::string& name) {
@@ -39,7 +39,7 @@ protected:
         log_.Clear();
     }
 
-    // Every capture, however it ends, leaves nothing open and nothing alive.
+    // No capture, failed or not, may leak handles or objects.
     void TearDown() override {
         EXPECT_EQ(simulation().open_handles(), 0U);
         EXPECT_EQ(simulation().live_objects(), 0U);
@@ -70,7 +70,7 @@ protected:
         return captured.buffer;
     }
 
-    // A capture that is expected to fail: status 1, nothing written.
+    // Expects a failing capture: status 1, nothing written.
     void ExpectFailure() {
         log_.Clear();
         const Captured captured = Capture(100000);

@@ -1,4 +1,4 @@
-// The caller's side of a capture: buffer, size, status.
+// The capture call: buffer, size and status.
 
 #include "export/capture_fixture.h"
 #include "support/disk_addresses.h"
@@ -97,7 +97,7 @@ TEST_F(CaptureProtocol, Format_IsThatOfTheLastSetting) {
     EXPECT_EQ(Capture(0).status, ORVANE_BUFFER_TOO_SMALL);
 }
 
-// --- Which document a format means: by its version.
+// --- The format setting, by the version in the document.
 
 struct FormatCase {
     std::uint32_t format;
@@ -128,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(Formats, DocumentOfFormat,
                                          FormatCase{3, "7"}, FormatCase{4, "5"}, FormatCase{7, "5"},
                                          FormatCase{0xFFFFFFFF, "5"}));
 
-// Before anything was chosen: in a process of its own, as the setting is the process's.
+// The default before any format was set. Runs in its own process because the setting is process-wide.
 TEST(DefaultFormat, Capture_IsThatOfFormat2) {
     if (!support::InOwnProcess()) {
         return;

@@ -1,4 +1,4 @@
-// The document of format 3, element by element, of every example machine.
+// The format 3 document of every example machine, element by element.
 
 #include "export/capture_fixture.h"
 #include "export/expected_document.h"
@@ -21,7 +21,7 @@ XmlTree TreeOf(const std::string& document) {
 std::vector<std::string> CapturableExamples() {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(ORVANE_SOURCE_DIR "/examples/machines")) {
-        // Without a disk there is no capture.
+        // A machine without disks cannot be captured.
         if (entry.path().extension() == ".json" &&
             !ListedDisks(machine::LoadDescription(entry.path())).empty()) {
             names.push_back(entry.path().stem().string());
@@ -100,7 +100,7 @@ TEST_F(DocumentTexts, LettersBeyondTheCodePage_LeaveTheDocumentWhole) {
     EXPECT_EQ(WithoutAddresses(TreeOf(Document())), ExpectedDocument(simulation().machine()));
 }
 
-// The code page has none of these and gives the plain ones for them, which would be markup.
+// The code page lacks these characters. Its best fit for them is '<', '>' and '&', which would be markup.
 TEST_F(DocumentTexts, LettersThatTheCodePageTakesForMarkup_AreWrittenByTheirNumbers) {
     simulation().description().volumes.at(2).label = L"\xFF1C\xFF1E\xFF06";
     EXPECT_THAT(Document(), testing::HasSubstr("<VolumeLabel>&#65308;&#65310;&#65286;</VolumeLabel>"));

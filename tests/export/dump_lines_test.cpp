@@ -1,5 +1,5 @@
-// The dumps of the example machines, line by line, against files written from the dumps' description and the
-// machines' own.
+// Compares the dumps of the example machines, line by line, with expected files. Those were written from the
+// documented dump format and the machines' descriptions.
 
 #include "export/capture_fixture.h"
 
@@ -50,7 +50,7 @@ protected:
         }
     }
 
-    // Level and text, a line each; a line feed that a message ends in as \n.
+    // One message per line: level and text. A line feed at the end of a message is written as \n.
     std::string Messages() const {
         std::string lines;
         for (const support::LogLine& line : log_.Messages()) {

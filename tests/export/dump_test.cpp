@@ -1,4 +1,4 @@
-// What the dumps do beside writing their lines: traces, failures, what they leave alone.
+// The dumps apart from their lines: traces, failures, and what they must not change.
 
 #include "export/capture_fixture.h"
 #include "support/debugger_capture.h"

@@ -1,5 +1,5 @@
-// The dumps where no callback is set: of all their lines the failures alone come to the debugger, as the text
-// of a dump is below what goes there.
+// Dumps without a log callback. Errors and warnings go to the debugger output; the text of a dump is logged
+// as information, which does not.
 
 #include "export/capture_fixture.h"
 #include "support/debugger_capture.h"
@@ -22,8 +22,8 @@ class DumpsWithoutCallback : public CaptureTest {
 protected:
     using CaptureTest::CaptureTest;
 
-    // What the debugger sees of a dump: each line without its time stamp, "(no stamp)" in front where it has
-    // none.
+    // The lines that a dump writes to the debugger output, without their time stamps. A line without a stamp
+    // gets the prefix "(no stamp)".
     std::vector<std::string> Seen(void (*dump)()) {
         static const std::regex stamped(R"(\d\d/\d\d/\d{4} \d\d:\d\d:\d\d [AP]M ([^]*))");
         library_.SetEventFunc(nullptr);
@@ -96,7 +96,7 @@ TEST_F(DumpsWithoutCallback, VolumeDump_NoCom_SaysSo) {
                             "volume(s)\n"));
 }
 
-// Their text ends in a line feed already, and gets no second one.
+// These messages already end in a line feed; no second one is added.
 TEST_F(DumpsWithoutCallback, FirmwareDump_Failures_EndWithOneLineFeed) {
     EXPECT_THAT(Seen(library_.FirmwareDumpInfo), IsEmpty());
 

@@ -101,7 +101,7 @@ XmlTree DiskElement(const std::string& name, std::uint32_t index, const machine:
 
 std::vector<std::uint32_t> ListedDisks(const machine::Description& machine) {
     constexpr std::uint32_t kNone = 255;
-    std::map<std::string, std::uint32_t> listed;  // by the text of the number
+    std::map<std::string, std::uint32_t> listed;  // sorted by the number as text
     for (const machine::WmiInstance& instance :
          machine.wmi.at(machine::WmiClassKey(L"Win32_DiskDrive")).instances) {
         const auto index =

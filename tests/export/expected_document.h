@@ -3,11 +3,11 @@
 #include "machine/description.h"
 #include "support/xml_tree.h"
 
-// The document of format 3 that a capture of the described machine must give, made from the description
-// alone and by the layout's tables alone: no line of the library has a part in it. The machine's calls must
-// all succeed where the described objects allow it (no "errors"). A GPT disk's "GUID" has no expected value;
-// WithoutAddresses takes it out of a document before the two are compared.
+// The format 3 document expected for the described machine. It is computed only from the description and the
+// documented layout, without any code of the library. The description must not contain "errors": all calls
+// must succeed where the described objects allow it. A GPT disk's "GUID" has no expected value; remove it
+// with WithoutAddresses before comparing.
 XmlTree ExpectedDocument(const machine::Description& machine);
 
-// Checks that every "GUID" of a disk is a hexadecimal number and empties it.
+// Checks that every disk's "GUID" is a hexadecimal number, and empties it.
 XmlTree WithoutAddresses(XmlTree document);

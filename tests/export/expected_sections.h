@@ -13,17 +13,17 @@ std::vector<XmlTree> ExpectedSystemSections(const machine::Description& machine)
 XmlTree ExpectedDisks(const machine::Description& machine);
 XmlTree ExpectedVolumes(const machine::Description& machine);
 
-// The numbers of the disks that the management classes tell of, in the order of the document.
+// The numbers of the disks that WMI lists, in document order.
 std::vector<std::uint32_t> ListedDisks(const machine::Description& machine);
 // Null when there is none.
 const machine::Disk* FindDisk(const machine::Description& machine, std::uint32_t index);
-// Whether the library takes it for an MBR or a GPT disk.
+// True if the library treats the disk as MBR or GPT.
 bool IsPartitioned(const machine::Disk& disk);
 bool IsUnused(const machine::Partition& partition);
 bool IsDynamic(const machine::Disk& disk);
 
-// A property of the class's last instance as a text, as the code page has it: of the operating system, and
-// so on.
+// A property of the last instance of a WMI class (the operating system's, for example), as text in the ANSI
+// code page.
 std::string WmiTextOf(const machine::Description& machine, const wchar_t* class_name,
                       const wchar_t* property);
 
@@ -36,5 +36,5 @@ inline XmlTree TruthLeaf(const char* name, bool value) {
     return Leaf(name, value ? "True" : "False");
 }
 
-// UTF-8, with what the ANSI code page lacks replaced.
+// UTF-8; characters that the ANSI code page lacks are replaced.
 std::string AnsiText(const std::wstring& text);

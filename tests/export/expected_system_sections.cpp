@@ -6,8 +6,8 @@ namespace {
 
 enum class Kind {
     kText,
-    kNumber,       // an unsigned 32-bit one is cut to 16 bits
-    kWholeNumber,  // it is not
+    kNumber,       // unsigned 32-bit values are truncated to 16 bits
+    kWholeNumber,  // not truncated
     kTexts,
     kAlways64,
 };
@@ -88,7 +88,7 @@ const std::vector<Section> kSections = {
      }},
 };
 
-// The last instance's value; where it is null or missing, nothing was read.
+// The value in the last instance; null when the property is missing.
 const machine::WmiValue* ValueOf(const machine::Description& machine, const wchar_t* class_name,
                                  const wchar_t* property) {
     const auto& instances = machine.wmi.at(machine::WmiClassKey(class_name)).instances;

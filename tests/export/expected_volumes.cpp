@@ -12,8 +12,8 @@ void Append(std::vector<XmlTree>& elements, std::vector<XmlTree> more) {
     elements.insert(elements.end(), more.begin(), more.end());
 }
 
-// The GUID path under which the volume is found, by its link in the object directory and by the volume
-// search.
+// The volume's GUID path. Empty unless the volume has a link in the object directory and is enumerated by the
+// volume search.
 std::wstring GuidPath(const machine::Volume& volume) {
     return volume.guid.empty() || !volume.linked || !volume.enumerated
                ? L""
@@ -110,8 +110,7 @@ std::vector<XmlTree> Extents(const std::vector<machine::Extent>& extents) {
 
 XmlTree VolumeElement(const machine::Description& machine, const machine::Volume& volume) {
     XmlTree element = Branch("Volume", Identity(volume));
-    // A removable volume is not asked; without a medium, or without a file system that is known, there is no
-    // answer.
+    // Removable volumes are not queried. The queries fail without a medium or a known file system.
     const bool asked = volume.drive_type != DRIVE_REMOVABLE;
     const bool recognized = asked && volume.has_media && !volume.file_system.empty();
     if (recognized) {

@@ -1,4 +1,5 @@
-// Every call of a capture fails once, in its turn: a status and a line of the log, never more.
+// Makes each call of a capture fail in turn. The result must be a valid status and, on failure, an error
+// line.
 
 #include "export/capture_fixture.h"
 #include "support/xml_tree.h"
@@ -10,7 +11,7 @@ class FaultSweep : public CaptureTest {
 protected:
     FaultSweep() : CaptureTest(MixedMachine()) { library_.Select({kGoodVolume}); }
 
-    // The outcome is one that the interface knows, and nothing is left behind.
+    // Checks that the status is one of the documented ones and that nothing leaked.
     void ExpectOrder(const Captured& captured, const std::string& what) {
         EXPECT_EQ(simulation().open_handles(), 0U) << what;
         EXPECT_EQ(simulation().live_objects(), 0U) << what;

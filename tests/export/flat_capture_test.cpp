@@ -1,4 +1,4 @@
-// Captures in formats 1 and 2: what fails them, and what selected volumes do.
+// Captures in formats 1 and 2: errors that make them fail, and the effect of selected volumes.
 
 #include "export/capture_fixture.h"
 #include "unit/capture/grabber/mixed_machine.h"
@@ -62,7 +62,7 @@ TEST_F(FlatCaptureOfSpannedVolumes, Format2_AcceptsThem) {
     EXPECT_EQ(Capture(1000000).status, ORVANE_SUCCESS) << log_;
 }
 
-// One of its volumes lies on a disk that is not there.
+// One of the machine's volumes lies on a missing disk.
 class FlatCaptureOfAMissingDisk : public FlatCapture {
 protected:
     FlatCaptureOfAMissingDisk() : FlatCapture(MixedMachine()) {}
@@ -91,7 +91,7 @@ protected:
     FlatCaptureOfGptDisks() : FlatCapture("uefi-workstation") {}
 };
 
-// The older enumerator leaves their volumes out, the system's own among them.
+// Format 1 leaves out volumes on GPT disks, including the system volume.
 TEST_F(FlatCaptureOfGptDisks, Format1_Fails) {
     library_.SetXmlFormat(1);
     const std::vector<std::string> lines = Failed();

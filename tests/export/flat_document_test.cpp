@@ -1,5 +1,5 @@
-// The documents of formats 1 and 2 of the example machines, against files written from the layout and the
-// machines' descriptions.
+// Compares the documents of formats 1 and 2 of the example machines with expected files. Those were written
+// from the documented layout and the machines' descriptions.
 
 #include "export/capture_fixture.h"
 #include "support/text.h"
@@ -22,8 +22,8 @@ std::string Contents(const std::string& path) {
     return text.str();
 }
 
-// Puts "generated 1", "generated 2" ... for the GUIDs that a capture of format 2 makes for its volumes, in
-// the order in which they appear. A volume's name, which is a path, is left.
+// Replaces the GUIDs that a format 2 capture generates for its volumes with "generated 1", "generated 2" and
+// so on, in order of appearance. Volume names, which are paths, are kept.
 class GeneratedGuids {
 public:
     XmlTree Without(XmlTree document) {
@@ -60,7 +60,7 @@ TEST_P(FlatDocument, EveryElement_IsAsExpected) {
     const std::string file = std::string(ORVANE_SOURCE_DIR "/tests/documents/") + GetParam().machine +
                              "-format" + std::to_string(GetParam().format) + ".xml";
     const XmlTree document = XmlTree::Of(support::Utf8(support::Wide(Document())));
-    // As lines, so that a failure shows what differs and no more.
+    // Compared as indented lines, so that a failure shows only the differences.
     EXPECT_EQ(Lines(GeneratedGuids().Without(document)), Lines(XmlTree::Of(Contents(file))));
 }
 

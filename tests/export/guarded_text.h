@@ -7,7 +7,7 @@
 #include <new>
 #include <string_view>
 
-// A text whose last character lies at the end of readable memory: one read beyond it is an access violation.
+// A text that ends at the end of readable memory: reading past its last character is an access violation.
 class GuardedText {
 public:
     explicit GuardedText(std::wstring_view text) {

@@ -1,5 +1,5 @@
-// What loading the library takes, and what it looks up. Each test has a process of its own: the library that
-// the others share is loaded and bound already.
+// Loading the library, and the functions that it looks up. Each test runs in its own process, because the
+// library that the other tests share is already loaded and bound.
 
 #include "common/windows.h"
 #include "machine/redirect.h"
@@ -74,11 +74,11 @@ TEST(Loading, FunctionsLookedUpAtRunTime_AreThoseOfTheTable) {
         Call(library, dump);
     }
     const std::set<std::string> expected = BoundFunctions();
-    EXPECT_EQ(expected.size(), 35U);  // else the file was not read
+    EXPECT_EQ(expected.size(), 35U);  // fails when the file was not read
     EXPECT_THAT(looked_up, testing::ContainerEq(expected));
 }
 
-// Lets the system's HeapCreate answer that there is no memory, for the life of the object.
+// While it lives, the system's HeapCreate returns null, as when out of memory.
 class NoHeap {
 public:
     NoHeap()

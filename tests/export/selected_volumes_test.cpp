@@ -19,7 +19,7 @@ protected:
         library_.Select(volumes);
         ExpectFailure();
         std::vector<std::string> lines = log_.Lines(support::kHostError);
-        // What the disks said of their own while they were read.
+        // Drop the errors that the disks logged while they were read.
         std::erase_if(lines, [](const std::string& line) { return line.starts_with("bmr_common::"); });
         return lines;
     }

@@ -118,7 +118,7 @@ TEST_F(Settings, LongEntry_IsTakenWhole) {
     EXPECT_EQ(library_.Select({std::wstring(100000, L'x'), L"y"}), 2);
 }
 
-// --- The list is kept from call to call, as it was given.
+// --- The list is kept unchanged from call to call.
 
 class KeptSelection : public CaptureTest {
 protected:

@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-// The library as it is shipped, loaded once for the test program and put on the simulation.
+// The shipped library, loaded once per test program and redirected to the simulation.
 class ShippedLibrary : public host::OrvaneLibrary {
 public:
     static const ShippedLibrary& Get();
 
-    // Hands over the volumes as a multi-string.
+    // Passes the volumes as a multi-string.
     std::int64_t Select(const std::vector<std::wstring>& volumes) const;
 
-    // The settings as they are after loading.
+    // Restores the settings that the library has after loading.
     void ResetSettings() const;
 
 private:

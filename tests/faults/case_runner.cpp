@@ -9,7 +9,7 @@ namespace faults {
 
 namespace {
 
-// Spreads the chosen cases evenly, others with every seed.
+// A hash that spreads the chosen cases evenly and chooses others for every seed.
 std::size_t Scattered(std::size_t index, std::size_t seed) {
     std::size_t value = (index + 1) * 0x9E3779B97F4A7C15ULL + seed * 0xBF58476D1CE4E5B9ULL;
     value ^= value >> 31;

@@ -12,29 +12,29 @@
 
 namespace faults {
 
-// What is chosen on the command line.
+// The options of the command line.
 struct Choice {
     std::string machine;  // file of the description
     std::string entry = "capture2";
     std::string part = "sweep";         // sweep, lies, changes, cold, reload or long
-    std::string call;                   // one call alone: "117", "import:5", "dom:12", "alloc:900"
-    std::string fault;                  // one fault alone
-    std::optional<bool> from_there_on;  // one way alone: once, or from there on
+    std::string call;                   // run only this call: "117", "import:5", "dom:12", "alloc:900"
+    std::string fault;                  // run only this fault
+    std::optional<bool> from_there_on;  // run only one way: false once, true with all later calls
     std::size_t seed = 1;
-    std::size_t stride = 1;      // one case in so many
-    std::size_t loads = 10'000;  // of the library, by the part that reloads it
-    std::size_t from = 0;        // the case to begin with: after a crash
+    std::size_t stride = 1;      // run about one case in this many
+    std::size_t loads = 10'000;  // how often the reload part loads the library
+    std::size_t from = 0;        // index of the first case, to continue after a crash
 };
 
-// What the cases of a run came to.
+// The totals of a run.
 struct Tally {
-    std::size_t calls = 0;                        // that can be made to fail, in a clean run
-    std::size_t injected = 0;                     // cases in which something was made to fail
-    std::map<std::string, std::size_t> failures;  // by kind
+    std::size_t calls = 0;                        // calls of a clean run that can fail
+    std::size_t injected = 0;                     // cases that were run
+    std::map<std::string, std::size_t> failures;  // by name of the broken condition
 };
 
-// Runs cases one after the other: skips what was not chosen, names the case that runs to the watchdog,
-// counts, and prints each failure with the arguments that repeat it.
+// Runs cases one after the other. Skips the cases that were not chosen, reports the running case to the
+// watchdog, counts, and prints each failure with the arguments that repeat it.
 class CaseRunner {
 public:
     CaseRunner(const Choice& choice, Tally& tally) : choice_(choice), tally_(tally) {}
@@ -42,8 +42,8 @@ public:
     const Choice& choice() const { return choice_; }
     Tally& tally() { return tally_; }
 
-    // `arguments` choose this case alone, `call` is what goes wrong in it; `body` returns the names of what
-    // does not hold.
+    // Runs one case. `arguments` select this case alone on the command line; `call` names the call that
+    // fails. `body` returns the names of the conditions that do not hold.
     void Run(const std::string& arguments, const std::string& call,
              const std::function<std::vector<std::string>()>& body);
 
@@ -55,24 +55,24 @@ private:
     std::size_t index_ = 0;
 };
 
-// The parts. Each throws std::exception where it cannot even begin.
+// The parts of the fault tests. Each throws std::exception if it cannot start.
 
-// Every call fails once, and from there on, in every way that fits it.
+// Makes every call fail in every way that fits it, alone and with all later calls.
 void Sweep(CaseRunner& runner, Bench& bench);
-// Every answer lies: by table and at random.
+// Makes every answer invalid: by table and at random.
 void Lies(CaseRunner& runner, Bench& bench);
-// Disks and volumes go and come after every call.
+// Removes or adds disks and volumes after every call.
 void Changes(CaseRunner& runner, Bench& bench);
 
-// The parts that load the library themselves.
+// The parts below load the library themselves or build their own machine.
 
-// Memory runs out in the first call after loading.
+// Runs out of memory in the first call after loading.
 void ColdStart(CaseRunner& runner, const std::filesystem::path& library,
                const machine::Description& description);
-// The library is loaded, called and unloaded over and over.
+// Loads, calls and unloads the library repeatedly.
 void Reload(CaseRunner& runner, const std::filesystem::path& library,
             const machine::Description& description);
-// A machine of 256 disks, 32,768 partitions and 10,000 volumes.
+// Uses a machine with 256 disks, 32,768 partitions and 10,000 volumes.
 void LongLists(CaseRunner& runner, const Library& library);
 
 }  // namespace faults

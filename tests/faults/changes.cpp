@@ -1,4 +1,4 @@
-// Disks and volumes that go, and a volume that comes, after every call.
+// Removes a disk or volume, or adds a volume, after every call.
 
 #include "faults/case_runner.h"
 
@@ -15,7 +15,7 @@ struct NamedChange {
     Change change;
 };
 
-// A volume more on the place of the first, under names of its own.
+// Adds a volume with other names on the same extents as the first one.
 void AddVolume(machine::Description& description) {
     if (description.volumes.empty()) {
         return;
@@ -60,7 +60,7 @@ std::vector<std::string> RunCase(Bench& bench, const machine::Description& origi
     if (!changed) {
         breaches.emplace_back("not-reached");
     }
-    // The machine stays changed for a call, as a real one does.
+    // The change stays for one more call, as on a real machine.
     const Outcome after = bench.Call();
     for (std::string& breach : bench.Breaches(after)) {
         breaches.push_back("changed " + std::move(breach));

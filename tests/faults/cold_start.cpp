@@ -1,4 +1,5 @@
-// The first call after loading, which binds and initialises what later ones find ready; and loading itself.
+// The first call after loading, which binds functions and initialises state for later calls; and loading
+// itself.
 
 #include "common/windows.h"
 #include "faults/case_runner.h"
@@ -10,7 +11,7 @@ namespace faults {
 
 namespace {
 
-// Loads the library, and calls the entry point once with memory running out at the ordinal-th allocation.
+// Loads the library and calls the entry point once. Memory runs out at allocation number `ordinal`.
 std::vector<std::string> RunCold(machine::Simulation& simulation, const std::filesystem::path& file,
                                  const EntryPoint& entry, std::size_t ordinal, bool from_there_on,
                                  std::size_t& steps) {
@@ -46,7 +47,7 @@ void Append(std::vector<std::string>& failures, std::vector<std::string> more) {
     failures.insert(failures.end(), more.begin(), more.end());
 }
 
-// Bytes in use in all heaps of the process.
+// Bytes allocated in all heaps of the process.
 std::size_t HeapBytes() {
     constexpr DWORD kMostHeaps = 64;
     std::array<HANDLE, kMostHeaps> heaps{};
@@ -65,15 +66,15 @@ DWORD HeapCount() {
     return GetProcessHeaps(0, nullptr);
 }
 
-// The next thread slot that the system gives.
+// The thread slot that the system allocates next.
 DWORD NextThreadSlot() {
     const DWORD slot = TlsAlloc();
     TlsFree(slot);
     return slot;
 }
 
-// The largest of the next handles that the system gives, which takes the smallest free numbers: it grows
-// where handles are left behind. Wine does not count the handles of a process.
+// The largest of the next handles. The system allocates the smallest free handle numbers, so this grows when
+// handles leak. Wine does not count the handles of a process.
 std::uintptr_t NextHandles() {
     std::array<HANDLE, 64> handles{};
     for (HANDLE& handle : handles) {
@@ -117,7 +118,7 @@ void Reload(CaseRunner& runner, const std::filesystem::path& library,
             const machine::Description& description) {
     constexpr std::size_t kWarmUp = 100;
     const std::size_t loads = runner.choice().loads;
-    constexpr std::size_t kBytesOfNoise = 1024;  // of the program itself
+    constexpr std::size_t kBytesOfNoise = 1024;  // noise of the test program itself
     const EntryPoint& entry = FindEntryPoint(runner.choice().entry);
     machine::Session session(description);
     session.simulation().calls().SetKept(false);
@@ -136,7 +137,7 @@ void Reload(CaseRunner& runner, const std::filesystem::path& library,
                 heaps = HeapCount();
                 slot = NextThreadSlot();
             }
-            // Every other time with an exception, for which the runtime keeps memory.
+            // Every second call throws an exception, for which the runtime keeps memory.
             Append(failures,
                    RunCold(session.simulation(), library, entry, i % 2 == 0 ? 0 : 60, false, steps));
         }

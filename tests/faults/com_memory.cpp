@@ -11,7 +11,7 @@ namespace faults {
 
 namespace {
 
-// Counts what COM's allocator gives and takes.
+// Counts live blocks of COM's allocator.
 class Spy : public IMallocSpy {
 public:
     std::int64_t live() const { return live_; }
@@ -24,7 +24,7 @@ public:
         *object = this;
         return S_OK;
     }
-    // It lives as long as the process.
+    // It is static and never destroyed by COM.
     ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
 
@@ -64,7 +64,7 @@ private:
 Spy& Registered() {
     static Spy& registered = []() -> Spy& {
         static Spy spy;
-        // BSTRs that are kept for the next time would look like leaks.
+        // Without this, cached BSTRs would look like leaks.
         const auto no_cache = machine::RealFunction<void(WINAPI*)()>(L"oleaut32.dll", "SetOaNoCache");
         if (no_cache == nullptr || FAILED(CoRegisterMallocSpy(&spy))) {
             throw std::runtime_error("COM's allocator cannot be watched");

@@ -4,8 +4,8 @@
 
 namespace faults {
 
-// Blocks of COM's allocator that live in this process: BSTRs above all. Counted from the first call on,
-// which must come before any COM initialisation.
+// The number of live blocks of COM's allocator in this process, most of them BSTRs. The first call starts the
+// counting and must come before any COM initialisation.
 std::int64_t LiveComBlocks();
 
 }  // namespace faults

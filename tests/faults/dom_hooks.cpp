@@ -1,5 +1,5 @@
-// The methods of the component's objects are watched in their tables of functions, which all objects of a
-// kind share. For that the interfaces are needed as structures.
+// Hooks the methods of the XML component in the function tables of its objects. All objects of one kind share
+// a table. CINTERFACE declares the interfaces as structures.
 #define CINTERFACE
 
 #include "faults/dom_hooks.h"
@@ -22,7 +22,7 @@ std::uintptr_t module_end = 0;
 
 using Table = void**;
 
-// By table and slot, what stood there.
+// The original methods, by table and slot.
 std::map<std::pair<Table, std::size_t>, void*>& Originals() {
     static std::map<std::pair<Table, std::size_t>, void*> originals;
     return originals;
@@ -42,7 +42,7 @@ void WatchNode(IXMLDOMNode* node);
 void WatchList(IXMLDOMNodeList* list);
 void WatchDocumentInterface(IXMLDOMDocument* document);
 
-// What an interface pointer that was handed out leads to.
+// Hooks the table of an interface pointer that the component returned.
 void HandedOut(IXMLDOMNode* node) {
     WatchNode(node);
 }

@@ -9,20 +9,20 @@ struct IUnknown;
 
 namespace faults {
 
-// The calls that the library makes to the XML component: counted, made to fail, and the references that it
-// holds.
+// The library's calls to the XML component: counts them, makes them fail, and counts the references that the
+// library holds.
 struct DomWatch {
     Meter calls;
-    HRESULT code = E_FAIL;  // how a failing call fails
+    HRESULT code = E_FAIL;  // result of a failing call
     std::int64_t references = 0;
 };
 
 DomWatch& Dom();
 
-// Only calls out of this module are the library's: the component calls itself as well.
+// Only calls from this module are counted, because the component also calls itself.
 void WatchDocumentsOf(HMODULE module);
 
-// Watches the object from now on when it is an XML document that the library has just made.
+// Hooks the object if it is an XML document that the library has just created.
 void WatchDocument(REFCLSID clsid, IUnknown* object);
 
 }  // namespace faults

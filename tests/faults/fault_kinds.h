@@ -7,13 +7,13 @@
 
 namespace faults {
 
-// A way for a call to the system to fail, as each family of calls reports it.
+// A way in which a system call can fail, with the error code for each family of calls.
 struct FaultKind {
     std::string_view name;
     machine::FaultCodes codes;
 };
 
-// All of them. An allocation knows one way only and has no kind.
+// All kinds. Imports, DOM calls and allocations use only some of them (sweep.cpp).
 std::span<const FaultKind> FaultKinds();
 
 // Throws std::invalid_argument.

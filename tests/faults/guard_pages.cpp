@@ -22,7 +22,8 @@ std::unordered_map<void*, Block>& Blocks() {
     return blocks;
 }
 
-// What an element of such a block can need: no type is aligned to more than its size allows.
+// The largest alignment that the elements of a block of this size can need. A type's size is a multiple of
+// its alignment.
 std::size_t AlignmentOf(std::size_t size) {
     std::size_t alignment = 1;
     while (alignment < kLargestAlignment && size % (alignment * 2) == 0) {
@@ -41,7 +42,7 @@ void* AllocateGuarded(std::size_t size) noexcept {
     if (pages == nullptr || VirtualProtect(pages + used, kPage, PAGE_NOACCESS, &former) == FALSE) {
         return nullptr;
     }
-    // A size that is a multiple of its alignment ends just at the page.
+    // A size that is a multiple of its alignment ends exactly at the guard page.
     static_assert(kPage % kLargestAlignment == 0);
     void* const block = pages + used - size;
     if (reinterpret_cast<std::uintptr_t>(block) % AlignmentOf(size) != 0) {

@@ -4,13 +4,13 @@
 
 namespace faults {
 
-// Memory whose last byte lies before a page that cannot be touched; null when there is none.
+// Allocates memory that ends at a guard page. Null if out of memory.
 void* AllocateGuarded(std::size_t size) noexcept;
 
-// False when the block is none of AllocateGuarded's.
+// Returns false if the block was not allocated by AllocateGuarded.
 bool FreeGuarded(void* block) noexcept;
 
-// Bytes that the block was asked for; 0 when it is none of AllocateGuarded's.
+// The size that was requested for the block; 0 if it was not allocated by AllocateGuarded.
 std::size_t GuardedSize(void* block) noexcept;
 
 }  // namespace faults

@@ -20,7 +20,7 @@ ImportWatch watch;
 bool guarded = false;
 std::set<HANDLE> tokens;
 
-// Answers of the system are at least as large as this; smaller blocks are not worth two pages each.
+// Answers of the system are at least this large. Smaller blocks are not worth two pages each.
 constexpr std::size_t kSmallestGuarded = 128;
 
 // --- Memory
@@ -66,7 +66,7 @@ BSTR WINAPI WatchedSysAllocStringLen(const OLECHAR* text, UINT length) {
     return OutOfMemory() ? nullptr : ::SysAllocStringLen(text, length);
 }
 
-// --- Everything else: the failure that its kind of function knows, or the function itself.
+// --- All other imports: fail with the code of the function's family, or call the real function.
 
 template <class Body>
 HRESULT ComCall(Body&& body) {
@@ -78,7 +78,7 @@ LSTATUS RegistryCall(Body&& body) {
     return watch.imports.Step() ? static_cast<LSTATUS>(watch.codes.win32) : body();
 }
 
-// Win32 functions that answer 0 and set the last error.
+// Win32 functions that return 0 and set the last error.
 template <class Body>
 auto Win32Call(Body&& body) -> decltype(body()) {
     if (watch.imports.Step()) {
@@ -172,7 +172,7 @@ LSTATUS WINAPI WatchedRegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD 
 }
 
 LSTATUS WINAPI WatchedRegCloseKey(HKEY key) {
-    // A key is closed all the same.
+    // The key is closed even if the call fails.
     --watch.balance.registry_keys;
     const LSTATUS result = ::RegCloseKey(key);
     return RegistryCall([&] { return result; });
@@ -189,7 +189,7 @@ BOOL WINAPI WatchedOpenProcessToken(HANDLE process, DWORD access, PHANDLE token)
     });
 }
 
-// Not made to fail: what the library closes here is its token.
+// Never fails: the library closes only its token here.
 BOOL WINAPI WatchedCloseHandle(HANDLE handle) {
     watch.balance.tokens -= static_cast<std::int64_t>(tokens.erase(handle));
     return ::CloseHandle(handle);

@@ -8,7 +8,7 @@
 
 namespace faults {
 
-// What the library holds of what it imports itself, beside the two bound tables.
+// The resources that the library holds through its own imports, apart from the two bound tables.
 struct Balance {
     std::int64_t heap_blocks = 0;
     std::int64_t com_initialisations = 0;
@@ -18,26 +18,26 @@ struct Balance {
     bool operator==(const Balance&) const = default;
 };
 
-// The library's own imports under watch: memory (its heap, BSTRs), COM, registry,
-// privileges and text conversion. One thread.
+// Watches the library's own imports: memory (its heap, BSTRs), COM, registry, privileges and text conversion.
+// Single-threaded.
 struct ImportWatch {
     Meter allocations;
-    Meter imports;              // everything else
-    machine::FaultCodes codes;  // how a failing one fails
-    Balance balance;            // how it stands since the hooks were installed
+    Meter imports;              // all imports except allocations
+    machine::FaultCodes codes;  // error codes of a failing import
+    Balance balance;            // counted since the hooks were installed
 };
 
 ImportWatch& Watch();
 
-// Puts the hooks under the module, for as long as it is loaded. Throws std::runtime_error when it does not
-// import what is to be watched.
+// Hooks the module's imports until it is unloaded. Throws std::runtime_error if the module does not import
+// one of the functions.
 void InstallImportHooks(HMODULE module);
 
-// Lets the GUIDs that the library makes begin anew: they are the same sequence each time.
+// Restarts the sequence of the GUIDs that the library creates, which is the same each time.
 void ResetGuids();
 
-// While one lives, every larger block that the library allocates ends at a page that cannot be touched: one
-// byte past the end is a crash.
+// While one lives, every larger block that the library allocates ends at a guard page. Access past its end
+// crashes.
 class GuardedHeap {
 public:
     GuardedHeap();

@@ -9,17 +9,17 @@
 
 namespace faults {
 
-// The shipped library, put on the simulation and watched (import_hooks.h).
+// The shipped library, redirected to the simulation and hooked (import_hooks.h).
 class Library : public host::OrvaneLibrary {
 public:
-    // Throws std::exception.
+    // Throws std::exception if it cannot be loaded, redirected or hooked.
     explicit Library(const std::filesystem::path& file);
 };
 
-// What is called: a capture in a format, or a dump.
+// An export to call: a capture in one format, or a dump.
 struct EntryPoint {
     std::string_view name;
-    std::uint32_t format = 0;  // 0: a dump
+    std::uint32_t format = 0;  // 0 for a dump
     decltype(&::WMIDumpInfo) host::OrvaneLibrary::*dump = nullptr;
 };
 

@@ -30,9 +30,9 @@ NamedLie Named(std::string name, Lie lie) {
     return {std::move(name), std::move(lie)};
 }
 
-// --- Lengths, whatever the answer.
+// --- Lengths, for every kind of answer.
 
-// `counts`: the plain result is the length; else it may be a handle, which is let alone.
+// If `counts`, the plain result is the length and is changed too. Otherwise it may be a handle and is kept.
 void AddLengthLies(std::vector<NamedLie>& lies, bool counts = false) {
     for (const std::uint64_t length :
          {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{7}, std::uint64_t{0x7FFFFFFF},
@@ -59,7 +59,7 @@ void AddLengthLies(std::vector<NamedLie>& lies, bool counts = false) {
         Named("all-zeros", [](Answer& answer) { std::fill(answer.bytes.begin(), answer.bytes.end(), 0); }));
 }
 
-// --- Device controls: every number of the answer takes every extreme value.
+// --- Device controls: every number in the answer takes every extreme value.
 
 void AddNumberLies(std::vector<NamedLie>& lies) {
     constexpr std::size_t kNumbers = 48;
@@ -77,7 +77,7 @@ void AddNumberLies(std::vector<NamedLie>& lies) {
     }
 }
 
-// A layout of entries of every kind that lie anywhere, in each other and in circles.
+// A layout of entries of all kinds at arbitrary places, which may overlap and form cycles.
 void PutAnyLayout(Answer& answer, std::uint64_t seed) {
     std::mt19937_64 random(seed);
     constexpr std::size_t kHeader = offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry);
@@ -152,8 +152,8 @@ void AddTextLies(std::vector<NamedLie>& lies, bool counts) {
         L"\0"s,
         L"\0\0"s,
         L"x"s,
-        std::wstring(70'000, L'x'),       // no end in any buffer
-        std::wstring(259, L'x') + L'\0',  // just fits
+        std::wstring(70'000, L'x'),       // not terminated within any buffer
+        std::wstring(259, L'x') + L'\0',  // exactly fits
         std::wstring(3, L'x') + L'\0' + std::wstring(70'000, L'y'),
         L"\\\\?\\Volume{}\\\0\0"s,
         L"\\\\?\\Volume{\0\0"s,
@@ -161,7 +161,7 @@ void AddTextLies(std::vector<NamedLie>& lies, bool counts) {
         L"\\\\?\\\0\0"s,
         L"\\\0\0"s,
         L"Volume{11111111-2222-3333-4444-555555555555}\0\0"s,
-        L"\\\\?\\Volume{11111111-2222-3333-4444-555555555555}\0\0"s,  // no backslash at the end
+        L"\\\\?\\Volume{11111111-2222-3333-4444-555555555555}\0\0"s,  // no trailing backslash
         L"\\\\?\\VOLUME{11111111-2222-3333-4444-555555555555}\\\0\0"s,
         L"\\\\?\\Volume{11111111-2222-3333-4444-555555555555}\\\\\\\0\0"s,
         L"\\\\?\\Volume{" + std::wstring(200, L'0') + L"}\\" + std::wstring(2, L'\0'),
@@ -170,10 +170,10 @@ void AddTextLies(std::vector<NamedLie>& lies, bool counts) {
         L"\\Device\\\\\\\\\0\0"s,
         L"\\??\\C:\\\0\0"s,
         L"%s%s%n%n%1$s%*.*d\0\0"s,
-        L"\xD800\0\0"s,  // half a character
+        L"\xD800\0\0"s,  // unpaired surrogate
         L"\xDC00\xD800<&>\"'\x0001\xFFFF\0\0"s,
         L"C:\\\0D:\\\0\0"s,
-        L"C:\\\0"s,  // a list without its end
+        L"C:\\\0"s,  // list without its terminator
     };
     std::size_t number = 0;
     for (const std::wstring& text : texts) {
@@ -182,7 +182,7 @@ void AddTextLies(std::vector<NamedLie>& lies, bool counts) {
     }
 }
 
-// --- Directory entries: counted texts with addresses.
+// --- Directory entries: counted strings with addresses.
 
 struct DirectoryRecord {
     UNICODE_STRING name;
@@ -292,8 +292,7 @@ Lie RandomLie(std::uint64_t seed) {
 }
 
 void AppendGarbage(machine::Answer& answer) {
-    // A failed call leaves the buffer alone; what counts the characters of its answer by itself ends in
-    // zeros.
+    // A failed call leaves the buffer unchanged. A text whose length the caller has to find ends in zeros.
     if (!answer.failed && !answer.bytes.empty()) {
         answer.bytes.insert(answer.bytes.end(), kGarbageBytes, 0xCD);
     }

@@ -10,7 +10,7 @@
 
 namespace faults {
 
-// Changes an answer into one that cannot be true.
+// Changes an answer into an invalid one.
 using Lie = std::function<void(machine::Answer&)>;
 
 struct NamedLie {
@@ -18,13 +18,13 @@ struct NamedLie {
     Lie lie;
 };
 
-// What a call of that kind can lie about.
+// The lies that fit the call.
 std::vector<NamedLie> LiesFor(const machine::CallRecord& record);
 
-// Anything: bytes, lengths, results, types.
+// Random bytes, lengths and results, by seed.
 Lie RandomLie(std::uint64_t seed);
 
-// Bytes behind the answer that are no part of it.
+// Appends bytes behind the answer that are not part of it.
 void AppendGarbage(machine::Answer& answer);
 
 }  // namespace faults

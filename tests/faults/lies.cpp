@@ -1,5 +1,5 @@
-// Answers that cannot be true: by table for every kind of call, and at random. The library's larger blocks
-// end at guard pages, and behind every answer lies garbage, so that a read past an answer faults or shows.
+// Invalid answers: by table for every kind of call, and at random. The library's larger blocks end at guard
+// pages, and garbage follows the answers in one run, so that a read past an answer crashes or shows.
 
 #include "faults/case_runner.h"
 #include "faults/lie_tables.h"
@@ -28,7 +28,7 @@ bool IsWanted(const Choice& choice, const std::string& call, const std::string& 
     return (choice.call.empty() || choice.call == call) && (choice.fault.empty() || choice.fault == lie);
 }
 
-// Every answer followed by garbage that is no part of it, all through a run: nothing of it may be seen.
+// Appends garbage to every answer of one run. The result must be that of a clean run.
 std::vector<std::string> RunWithGarbage(Bench& bench) {
     machine::FaultRule rule;
     rule.action = &AppendGarbage;
@@ -42,7 +42,7 @@ std::vector<std::string> RunWithGarbage(Bench& bench) {
     return breaches;
 }
 
-// The table of a kind of call is dealt out among the calls of that kind, each lie to one of them or two.
+// Distributes the table of one kind of call over the calls of that kind. Each lie goes to one of them.
 class Dealer {
 public:
     explicit Dealer(const std::vector<machine::CallRecord>& records) {
@@ -51,7 +51,7 @@ public:
         }
     }
 
-    // The next call of that name takes the lie.
+    // True if the next call of that name takes the lie.
     bool Deals(const std::string& name, std::size_t lie) {
         constexpr std::size_t kTakers = 1;
         const std::size_t rounds = std::max<std::size_t>(1, calls_[name] / kTakers);

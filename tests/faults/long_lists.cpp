@@ -1,5 +1,5 @@
-// A machine far beyond any that is sold: 256 disks of 128 partitions, 10,000 volumes with 4 mount points
-// each.
+// A machine far larger than real ones: 256 disks of 128 partitions each, and 10,000 volumes with 4 mount
+// points each.
 
 #include "common/windows.h"
 #include "faults/case_runner.h"
@@ -28,7 +28,7 @@ std::string Hexadecimal(std::uint32_t number) {
 }
 
 void AppendDisk(std::string& json, std::uint32_t index) {
-    // 255 is no disk's number where WMI is asked.
+    // Index 255 is skipped, because the library ignores this number in WMI's list of disks.
     const std::uint32_t number = index < 255 ? index : index + 1;
     json += (index == 0 ? "" : ",");
     json += R"({"index": )" + std::to_string(number) + R"(, "size": "16 GiB", "diskId": "{)" +
@@ -41,7 +41,7 @@ void AppendDisk(std::string& json, std::uint32_t index) {
     json += "]}";
 }
 
-// The place of a partition, by its number.
+// The extent of a partition, by its number.
 std::string Extent(std::uint32_t disk, std::uint32_t partition) {
     return R"({"disk": )" + std::to_string(disk) + R"(, "offset": )" +
            std::to_string(kMiB + (partition - 1) * kPartitionBytes) + R"(, "length": )" +
@@ -54,7 +54,7 @@ void AppendVolume(std::string& json, std::size_t number) {
     const std::string name = Hexadecimal(static_cast<std::uint32_t>(number));
     json += (number == 0 ? "" : ",");
     json += R"({"guid": "{)" + name + R"(-1111-2222-3333-444444444444}", )";
-    // One in four lies on a partition, the others span two places.
+    // One volume in four lies on one partition; the others have two extents.
     json += number % 4 == 0
                 ? R"("partition": {"disk": )" + std::to_string(disk) + R"(, "number": )" +
                       std::to_string(partition) + "}"
@@ -93,7 +93,7 @@ struct Expected {
     std::size_t count;
 };
 
-// Numbers 0 to 256, of which 255 is a placeholder with a row of its own.
+// Disk numbers run from 0 to 256. Number 255 is a placeholder, which has a row too.
 constexpr Expected kFlat[] = {{"<partition_guid>", kDisks*(kPartitions + 1) + 1},
                               {"<size_idy>", kDisks + 1},
                               {"<BlockSize>", kVolumes},

@@ -1,6 +1,6 @@
-// One machine, one entry point, one part: the cases of it, their failures as lines, and at the end a line
-// with the counts, "RESULT {...}". Exit codes: 0 no failure, 1 failures, 2 usage; 86 a case hung, 87 a case
-// crashed.
+// Runs one part for one machine and one entry point. Prints failures as lines, and at the end a line with the
+// counts, "RESULT {...}". Exit codes: 0 no failure, 1 failures, 2 usage or set-up error, 86 a case hung, 87 a
+// case crashed.
 
 #include "faults/case_runner.h"
 #include "faults/com_memory.h"
@@ -20,7 +20,7 @@ using faults::Choice;
 constexpr int kFailures = 1;
 constexpr int kUsage = 2;
 constexpr unsigned kCaseSeconds = 60;
-constexpr unsigned kLongCaseSeconds = 900;  // a part that is one case
+constexpr unsigned kLongCaseSeconds = 900;  // a part that is a single case
 
 machine::Description Describe(const Choice& choice) {
     return machine::LoadDescription(std::filesystem::path(choice.machine));

@@ -4,10 +4,10 @@
 
 namespace faults {
 
-// Counts the operations of one kind and makes one of them fail, or one and all after it.
+// Counts the operations of one kind, and makes one of them fail, alone or with all later ones.
 class Meter {
 public:
-    // From now on, counted anew: the ordinal-th operation fails (0: none), with all after it or alone.
+    // Restarts the counting. Operation number `ordinal` will fail (0: none), alone or with all later ones.
     void Arm(std::size_t ordinal, bool from_there_on) noexcept {
         ordinal_ = ordinal;
         from_there_on_ = from_there_on;
@@ -16,7 +16,7 @@ public:
     }
     void Disarm() noexcept { Arm(0, false); }
 
-    // Counts one operation; true when it is to fail.
+    // Counts one operation. True if it must fail.
     bool Step() noexcept {
         ++steps_;
         const bool hit = ordinal_ != 0 && (from_there_on_ ? steps_ >= ordinal_ : steps_ == ordinal_);

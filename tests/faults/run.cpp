@@ -17,7 +17,7 @@ constexpr std::size_t kSpareBytes = 4096;  // for a document that a change makes
 constexpr std::int32_t kError = ORVANE_LEVEL_ERROR;
 constexpr std::int32_t kTrace = ORVANE_LEVEL_TRACE;
 
-// The log of the call that runs.
+// The log of the current call.
 struct {
     std::string lines;
     std::size_t errors = 0;
@@ -33,7 +33,7 @@ void Receive(std::int32_t level, const char* text) {
     }
 }
 
-// Every mounted fixed volume, as a multi-string.
+// Every fixed volume with a mount point and a GUID, as a multi-string.
 std::wstring SelectionOf(const machine::Description& machine) {
     std::wstring list;
     for (const machine::Volume& volume : machine.volumes) {
@@ -67,7 +67,7 @@ Bench::Bench(const Library& library, const EntryPoint& entry, machine::Descripti
         library_.CaptureSystemRestorePointInfo(nullptr, 0, &needed);
         buffer_.resize(needed + kSpareBytes);
     }
-    // What the first call and the first exception leave for the life of the process is no leak.
+    // The first call and the first exceptions allocate memory for the life of the process, which is no leak.
     Call();
     constexpr std::size_t kWarmingFailures = 16;
     for (std::size_t ordinal = 1; ordinal <= kWarmingFailures; ++ordinal) {
@@ -143,14 +143,14 @@ std::vector<std::string> Bench::Breaches(const Outcome& outcome) {
     require(balance.registry_keys == balance_.registry_keys && balance.tokens == balance_.tokens, "key");
     require(balance.heap_blocks == balance_.heap_blocks, "memory");
     require(LiveComBlocks() == com_blocks_, "com-memory");
-    // Each leak is told once.
+    // Each leak is reported only once.
     TakeStock();
     if (entry_.format == 0) {
         return breaches;
     }
     require(outcome.status <= ORVANE_BUFFER_TOO_SMALL, "status");
     if (outcome.status == ORVANE_SUCCESS) {
-        // Format 3 hands out nothing, after an error, where the text cannot be turned into bytes.
+        // Format 3 returns an empty document, after an error line, if the text cannot be converted to bytes.
         const bool nothing = entry_.format == 3 && outcome.output.empty() && outcome.errors != 0;
         require(nothing || IsWellFormed(outcome.output), "document");
     } else {

@@ -10,16 +10,17 @@
 
 namespace faults {
 
-// What one call of an entry point left behind.
+// The result of one call of an entry point.
 struct Outcome {
     std::uint32_t status = 0;  // 0 for a dump
     std::string output;        // the document, or the lines of the dump
-    std::size_t errors = 0;    // lines of level error
+    std::size_t errors = 0;    // number of error lines
 
     bool operator==(const Outcome&) const = default;
 };
 
-// A described machine under the library, one entry point, and what must hold after each call of it.
+// Runs the library on a described machine, and checks after each call of one entry point that all conditions
+// hold.
 class Bench {
 public:
     Bench(const Library& library, const EntryPoint& entry, machine::Description description);
@@ -29,20 +30,21 @@ public:
 
     machine::Simulation& simulation() { return session_.simulation(); }
 
-    // Calls the entry point: a capture with the buffer of the clean run's length (and some more).
+    // Calls the entry point. A capture gets a buffer of the clean run's length plus a reserve.
     Outcome Call();
 
-    // The first clean run's, to which every later one is compared.
+    // The result of the first clean run. Every later clean run must give the same.
     const Outcome& clean() const { return clean_; }
 
-    // The clean run's calls to the simulation, in order, with what each answered.
+    // Records a clean run: its calls to the simulation, in order, with their answers.
     std::vector<machine::CallRecord> CleanCalls();
 
-    // Names what does not hold after a call: "handle", "object", "com", "memory", "status", "document" ...
+    // The names of the conditions that do not hold after a call: "handle", "object", "com", "memory",
+    // "status", "document" and others.
     std::vector<std::string> Breaches(const Outcome& outcome);
 
-    // Calls once more, with nothing failing; "next-run" among the breaches when it is not the clean run
-    // again.
+    // Calls once more without faults, and checks the conditions. Adds "next-run" if the result differs from
+    // the first clean run's.
     std::vector<std::string> BreachesOfNextRun();
 
 private:

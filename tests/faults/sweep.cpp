@@ -1,4 +1,4 @@
-// Every call fails once, and from there on, in every way that fits it.
+// Makes every call fail, alone and with all later calls, in every way that fits it.
 
 #include "faults/case_runner.h"
 #include "faults/dom_hooks.h"
@@ -13,14 +13,14 @@ namespace faults {
 
 namespace {
 
-// Where operations are counted and made to fail.
+// A kind of operation that is counted and made to fail.
 struct Source {
-    std::string_view prefix;                          // of the call's number on the command line
-    std::vector<std::string> (*names)(Bench& bench);  // of the clean run's operations, in order
+    std::string_view prefix;                          // prefix of the call's number on the command line
+    std::vector<std::string> (*names)(Bench& bench);  // the operations of a clean run, in order
     void (*arm)(Bench& bench, std::size_t ordinal, bool from_there_on, const FaultKind& kind);
     std::size_t (*hits)(Bench& bench);
-    std::span<const std::string_view> kinds;  // the faults that fit; none: all
-    bool stops_at_once;  // the first failure is the last call: no need to go on from there
+    std::span<const std::string_view> kinds;  // kinds of fault that fit; empty: all
+    bool stops_at_once;                       // no such call follows a failed one
 };
 
 constexpr std::array<std::string_view, 3> kImportKinds = {"not-found", "access-denied", "out-of-memory"};
@@ -35,7 +35,7 @@ std::vector<std::string> SystemCalls(Bench& bench) {
     return names;
 }
 
-// Operations that are counted and not told apart.
+// Operations that are only counted; all have the same name.
 template <class Meters>
 std::vector<std::string> Steps(Bench& bench, Meters&& meter, const char* name) {
     meter().Disarm();
@@ -99,7 +99,7 @@ std::vector<std::string> RunCase(Bench& bench, const Source& source, std::size_t
     const Outcome outcome = bench.Call();
     std::vector<std::string> breaches = bench.Breaches(outcome);
     if (source.hits(bench) == hits_before) {
-        breaches.emplace_back("not-reached");  // a call of the clean run that this run did not come to
+        breaches.emplace_back("not-reached");  // a call of the clean run that this run did not make
     }
     for (std::string& breach : bench.BreachesOfNextRun()) {
         breaches.push_back("then " + std::move(breach));

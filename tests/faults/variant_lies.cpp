@@ -21,7 +21,8 @@ NamedLie Typed(const std::string& name, const Fill& fill) {
             }};
 }
 
-// Numbers and pointers alike: every bit set, or none.
+// Every plain type with no bits set, all bits set and the value 70,000; every pointer type with a null
+// pointer.
 void AddPlainTypes(std::vector<NamedLie>& lies) {
     constexpr VARTYPE kTypes[] = {VT_EMPTY, VT_NULL, VT_I1,   VT_UI1,  VT_I2,  VT_UI2,
                                   VT_I4,    VT_UI4,  VT_I8,   VT_UI8,  VT_INT, VT_UINT,
@@ -62,7 +63,7 @@ void PutArray(VARIANT& variant, VARTYPE type, std::initializer_list<SAFEARRAYBOU
     variant.vt = static_cast<VARTYPE>(VT_ARRAY | type);
 }
 
-// Elements are null where nothing puts a text there.
+// Elements are null, because nothing is stored in them.
 void AddArrays(std::vector<NamedLie>& lies) {
     lies.push_back(Typed("array-empty", [](VARIANT& variant) { PutArray(variant, VT_BSTR, {{0, 0}}); }));
     lies.push_back(Typed("array-of-nulls", [](VARIANT& variant) { PutArray(variant, VT_BSTR, {{3, 0}}); }));
@@ -80,7 +81,7 @@ void AddArrays(std::vector<NamedLie>& lies) {
     lies.push_back(Typed("array-of-variants", [](VARIANT& variant) {
         PutArray(variant, VT_VARIANT, {{2, 0}});
     }));
-    // A type that its elements do not have.
+    // Sets the type that the array already has.
     lies.push_back(Typed("array-that-lies", [](VARIANT& variant) {
         PutArray(variant, VT_UI1, {{3, 0}});
         variant.vt = VT_ARRAY | VT_UI1;

@@ -4,7 +4,7 @@
 
 namespace faults {
 
-// A property with a value of every type that a variant knows, and with values that a type forbids.
+// Values of every VARIANT type, including values that are invalid for their type.
 void AddVariantLies(std::vector<NamedLie>& lies);
 
 }  // namespace faults

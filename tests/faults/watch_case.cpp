@@ -12,10 +12,10 @@ namespace faults {
 
 namespace {
 
-// Plain memory: whoever reports has crashed or does not trust the heap.
+// Not on the heap, because this is read after a crash or with a corrupt heap.
 std::array<char, 512> current{};
 std::atomic<std::size_t> current_index{0};
-std::atomic<ULONGLONG> since{0};  // 0: no case runs
+std::atomic<ULONGLONG> since{0};  // 0: no case is running
 ULONGLONG limit = 0;
 
 [[noreturn]] void End(const char* how, unsigned exit_code, const char* where = "") {
@@ -45,7 +45,7 @@ LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
     End("CRASH", kCrashedExitCode, where.data());
 }
 
-// abort() and terminate() come here.
+// Reached from abort() and terminate().
 void OnAbort(int /*signal*/) {
     End("CRASH", kCrashedExitCode, ": abort");
 }

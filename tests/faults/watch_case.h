@@ -8,11 +8,11 @@ namespace faults {
 inline constexpr unsigned kHungExitCode = 86;
 inline constexpr unsigned kCrashedExitCode = 87;
 
-// From now on a crash, or a case that takes longer than `seconds`, ends the process with its own exit code
-// and a line that names the case: "CRASH <index> <name>", "HANG <index> <name>".
+// From now on a crash, or a case that takes longer than `seconds`, ends the process with one of these exit
+// codes and a line that names the case: "CRASH <index> <name>" or "HANG <index> <name>".
 void WatchCases(unsigned seconds);
 
-// The case that runs, for the life of the object.
+// Marks a case as running while it lives.
 class WatchedCase {
 public:
     WatchedCase(const std::string& name, std::size_t index);

@@ -1,6 +1,6 @@
-"""What the command-line tests of orvane.exe share.
+"""Common code of the command-line tests of orvane.exe.
 
-They run the program of ORVANE_EXE, on a build machine without Windows through the command of ORVANE_RUN.
+They run the program in ORVANE_EXE; on a build machine without Windows, with the command in ORVANE_RUN.
 """
 
 import functools
@@ -17,16 +17,16 @@ EXAMPLES = ROOT / "examples/machines"
 PROGRAM = pathlib.Path(os.environ["ORVANE_EXE"])
 WORKSTATION = EXAMPLES / "uefi-workstation.json"
 
-# Where the flat formats name a volume.
+# Elements of the flat formats that can contain a volume's GUID.
 GUID_TEXTS = {"m_GUID", "m_guidVolume", "m_guidBootVolume", "m_guidSystemVolume"}
 
-# The code page that belongs to the locale below.
+# The ANSI code page of the locale set in run().
 ANSI = "cp1252"
 
 
 class Result:
-    """What a run left behind: the exit code, standard output in bytes, standard error as lines (none when it went
-    where standard output goes)."""
+    """The results of a run: exit code, standard output as bytes, standard error as lines (none if it was redirected
+    to standard output)."""
 
     def __init__(self, code, out, errors):
         self.code = code
@@ -47,11 +47,11 @@ def contents(file):
 
 
 def run(*arguments, program=PROGRAM, folder=ROOT, joined=False):
-    """`joined`: standard error goes where standard output goes."""
+    """Runs the program. `joined` redirects standard error to standard output."""
     environment = dict(os.environ, LC_ALL="C.UTF-8")
     environment.setdefault("ORVANE_WINEPREFIX", str(build_folder() / "wine-prefix"))
     command = [*os.environ.get("ORVANE_RUN", "").split(), str(program), *map(str, arguments)]
-    # Into files: Wine's own services outlive the program and would hold pipes open for seconds.
+    # Files instead of pipes: Wine's services outlive the program and would keep pipes open for seconds.
     with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as errors:
         process = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=out, stderr=out if joined else errors,
                                  cwd=folder, env=environment, check=False)
@@ -59,20 +59,21 @@ def run(*arguments, program=PROGRAM, folder=ROOT, joined=False):
 
 
 def run_described(*arguments, **options):
-    """A run on the workstation, where the arguments name no other machine."""
+    """Runs on the example workstation, unless the arguments name another machine."""
     machine = [] if "--machine" in arguments else ["--machine", WORKSTATION]
     return run(*arguments, *machine, **options)
 
 
 @functools.cache
 def capture(*arguments):
-    """A capture that writes nothing but its document, run once for all tests."""
+    """Runs a capture. The result is cached and shared by all tests."""
     return run_described("capture", *arguments)
 
 
 def content(document):
-    """A document as nested (name, text or children), without layout and without what differs from run to run:
-    the addresses of GPT disks, and the GUIDs that format 2 makes for the volumes (numbered as they appear)."""
+    """The document as nested (name, text or children), without white space between elements. Replaces the values that
+    differ from run to run: the addresses of GPT disks, and the GUIDs that format 2 generates for volumes, which are
+    numbered in order of appearance."""
     made = {}
 
     def text_of(element):
@@ -90,7 +91,7 @@ def content(document):
 
 
 class HostTest(unittest.TestCase):
-    """A test with a folder of its own."""
+    """A test with its own temporary folder."""
 
     maxDiff = None
 
@@ -103,7 +104,8 @@ class HostTest(unittest.TestCase):
         self.assertEqual((result.code, result.errors), (0, []))
 
     def assert_refused(self, result, code, *parts):
-        """The exit code, nothing on standard output, and on standard error a line of ours with every part."""
+        """Checks the exit code, that standard output is empty, and that standard error has one line of the program, which
+        contains every part."""
         self.assertEqual(result.code, code, result.errors)
         self.assertEqual(result.out, b"")
         self.assertTrue(result.errors and result.errors[-1] != "", "nothing was said")

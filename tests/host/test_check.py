@@ -1,5 +1,5 @@
 #!/usr/bin/env -S python3 -B
-"""The judgement of disks and volumes as orvane.exe tells it."""
+"""orvane.exe check: which disks and volumes can be backed up."""
 
 import json
 import unittest
@@ -8,7 +8,7 @@ from host import EXAMPLES, HostTest, run, run_described
 
 DRIVE_TYPES = {"cdrom": 5, "ramdisk": 6}
 
-# What Windows cannot tell of a volume that no file system knows.
+# The queries that fail on Windows for a volume without a known file system.
 WITHOUT_FILE_SYSTEM = ["Failed to get disk free space", "Failed to get disk free space ex",
                        "Failed to get volume information"]
 
@@ -27,7 +27,7 @@ def reasons_of(volume):
 
 
 def expected(description):
-    """What a check of an example machine has to find, out of the description."""
+    """The expected result for an example machine, from its description."""
     volumes = []
     for number, volume in enumerate(description["volumes"], 1):
         guid = volume.get("guid")
@@ -35,12 +35,12 @@ def expected(description):
                         "device": volume.get("device", f"\\Device\\HarddiskVolume{number}"),
                         "mountPoints": volume.get("mountPoints", []), **verdict(reasons_of(volume))})
     disks = [{"index": disk["index"], **verdict([])} for disk in description["disks"]]
-    # Both are walked by their names.
+    # Disks are ordered by number as text, volumes by device name.
     return {"disks": sorted(disks, key=lambda disk: str(disk["index"])),
             "volumes": sorted(volumes, key=lambda volume: volume["device"]), "selected": []}
 
 
-# A disk without a partition table, names with letters and signs of all kinds, a volume on a disk that is gone.
+# A disk without a partition table, names with non-ASCII letters and special characters, a volume on a missing disk.
 ODD_MACHINE = {
     "disks": [{"index": 0, "size": "64 GiB", "style": "mbr", "signature": 1,
                "partitions": [{"offset": "1 MiB", "size": "60 GiB", "type": "ntfs", "active": True}]},

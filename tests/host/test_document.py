@@ -1,5 +1,5 @@
 #!/usr/bin/env -S python3 -B
-"""The document as orvane.exe delivers it."""
+"""The document that orvane.exe writes."""
 
 import json
 import unittest
@@ -22,7 +22,7 @@ def child(tree, *names):
 
 class Document(HostTest):
     def machine(self, label):
-        """A small machine whose one volume has that label."""
+        """A small machine with one volume that has this label."""
         file = self.folder / "machine.json"
         file.write_text(json.dumps({
             "disks": [{"index": 0, "size": "10 GiB", "style": "mbr", "signature": 1,
@@ -43,7 +43,7 @@ class Document(HostTest):
     def test_every_example_is_captured_in_the_formats_with_a_judgement(self):
         for machine in sorted(EXAMPLES.glob("*.json")):
             disks = json.loads(machine.read_text(encoding="utf-8")).get("disks", [])
-            # Format 2 has a row for every number up to the largest, format 3 an element for every disk.
+            # Format 2 has a row for every disk number up to the largest; format 3 has an element for every disk.
             rows = 1 + max((disk["index"] for disk in disks), default=-1)
             for number, counter, count in ((2, ("DiskDrives", "size_idx"), rows),
                                            (3, ("DeviceInfo", "NumberOfDisks"), len(disks))):

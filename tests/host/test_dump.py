@@ -10,7 +10,8 @@ LEVELS = {"1": "information", "3": "error"}
 
 
 def expected(machine, kind):
-    """The messages of a dump but for its trace, as (level, text); a line feed within a message left out."""
+    """The expected messages of a dump, without trace lines, as (level, text). A line feed at the end of a message is
+    removed."""
     file = ROOT / f"tests/dumps/{machine}-{kind}.txt"
     for line in file.read_text(encoding="utf-8").splitlines():
         level, text = line.split(" ", 1)

@@ -1,5 +1,5 @@
 #!/usr/bin/env -S python3 -B
-"""What orvane.exe says when it cannot do what it is asked."""
+"""The error messages and exit codes of orvane.exe."""
 
 import unittest
 
@@ -72,7 +72,7 @@ class Log(HostTest):
         self.assert_done(result)
         lines = file.read_text(encoding="utf-8").splitlines()
         self.assertIn("trace: CaptureSystemRestorePointInfo gSaveXmlFormat=2", lines)
-        # The size query and the capture.
+        # One call for the size query, one for the capture.
         self.assertEqual(lines.count("trace: Entering CaptureSystemRestorePointInfo"), 2)
         self.assertEqual(lines.count("trace: Exiting CaptureSystemRestorePointInfo"), 2)
 

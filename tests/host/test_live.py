@@ -1,5 +1,5 @@
 #!/usr/bin/env -S python3 -B
-"""orvane.exe on the very system that it runs on: Wine, with what it offers and what it lacks."""
+"""orvane.exe without a described machine, on Wine itself. Wine lacks some of the queried functions."""
 
 import functools
 import json
@@ -17,7 +17,7 @@ def live(*arguments):
 
 class Live(HostTest):
     def assert_clean_end(self, result):
-        """Lines, or the library's reasons and what to do about them."""
+        """Checks that the run printed output, or failed with the library's errors and a hint."""
         if result.code == 0:
             self.assertNotEqual(result.out, b"")
             self.assertNotIn(HINT, result.errors)
@@ -47,7 +47,7 @@ class Live(HostTest):
                 r"^MaxClockSpeed: \d+$", r"^ProcessorId: \d+$", r"^ProcessorType: 3$", r"^UniqueId: 0$"),
                 strict=True):
             self.assertRegex(line, pattern)
-        # The library is for x64 alone.
+        # 9 is x64, the only architecture of the library.
         self.assertEqual(lines[start + 1], "Architecture: 9")
 
     def test_sections_are_told_or_their_failure(self):

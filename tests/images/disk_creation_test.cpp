@@ -1,5 +1,5 @@
-// Images that the library gives a fresh table, and master boot records that it rewrites, read back on a new
-// machine. What is written here is read once more by the partitioning tools.
+// Images on which the library creates fresh tables or rewrites master boot records. They are read back on a
+// new machine here, and later by the partitioning tools.
 
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/disk_drive_manager_mbr.h"
@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(
                     CreationCase{"mbr-to-raw", "edit-mbr", RawDescription(), {}},
                     CreationCase{"gpt-to-raw", "edit-gpt", RawDescription(), {}}));
 
-// Gives the test the table that a fresh disk prepares.
+// Gives access to the table that a fresh disk prepares.
 class FreshGpt : public DiskDriveManagerGPT {
 public:
     using DiskDriveManagerGPT::DiskDriveManagerGPT;
@@ -85,7 +85,7 @@ public:
     PartitionManager& table() const { return partition_manager(); }
 };
 
-// Disk 1 of the machine, listed: the fresh disk takes its shape and must not take its id.
+// Disk 1 of the machine is the listed model: the fresh disk takes its geometry and must get another id.
 class FreshDisk {
 public:
     FreshDisk(const std::string& model, const std::string& name)
@@ -127,7 +127,7 @@ TEST(FreshDisks, Gpt_PreparedCreatedAndFilled_HasAnIdOfItsOwnAndThePartitions) {
                                  {2, 6144, 24576, kBasicData, kSecond, kNewName}}});
 }
 
-// The layout of a table, to be changed and written.
+// A copy of the manager's layout, to be changed and written.
 win::ByteBuffer LayoutOf(const PartitionManager& manager) {
     const auto* const bytes = reinterpret_cast<const unsigned char*>(manager.layout());
     return {bytes, bytes + 48 + std::size_t{144} * manager.layout()->PartitionCount};
@@ -142,7 +142,7 @@ void Fill(PARTITION_INFORMATION_EX& entry, std::int64_t start, std::int64_t size
     entry.Mbr.HiddenSectors = static_cast<DWORD>(start / kSector);
 }
 
-// The numbers that a signature is made of.
+// Results of rand(), from which a signature is made.
 std::vector<int> random_numbers;
 int NextRandom() {
     const int number = random_numbers.front();

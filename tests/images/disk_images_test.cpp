@@ -1,5 +1,5 @@
-// Disks that standard tools partitioned, read through the library, against what sfdisk says of the same
-// image.
+// Reads disks partitioned by standard tools through the library, and compares them with what sfdisk reports
+// for the same image.
 
 #include "common/disk/disk_drive_manager_factory.h"
 #include "common/platform/guid.h"
@@ -25,7 +25,7 @@ std::filesystem::path Folder() {
     return ORVANE_IMAGES_DIR;
 }
 
-// sfdisk's own table of an image.
+// sfdisk's JSON of the image's table.
 json TableOf(const std::string& name) {
     std::ifstream file(Folder() / (name + ".json"));
     return json::parse(file).at("partitiontable");
@@ -169,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(Tools, GptImage,
                          testing::Values(GptCase{"gpt-1", 1}, GptCase{"gpt-12", 12}, GptCase{"gpt-128", 128},
                                          GptCase{"gpt-damaged-primary", 3}));
 
-// What the tools laid out, the judgement accepts.
+// Disks partitioned by the tools can be backed up.
 TEST(DiskImages, CanBackup_OnEveryImage_IsTrue) {
     for (const char* name :
          {"mbr-four-primaries", "mbr-logicals", "gpt-1", "gpt-128", "gpt-damaged-primary"}) {

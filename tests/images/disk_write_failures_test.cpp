@@ -1,4 +1,4 @@
-// Writes to a disk on an image that fail at one of their steps: what the image then holds, byte for byte.
+// Makes single steps of a write to a disk image fail, and compares the image's contents byte for byte.
 
 #include "common/disk/disk_drive_manager.h"
 #include "common/disk/partition_manager_gpt.h"
@@ -30,7 +30,7 @@ std::string BytesOf(const std::string& name) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A copy of the source that is written in place, there for the life of the object.
+// A copy of the source image that is written in place. Deleted with the object.
 class CopiedImage {
 public:
     CopiedImage() {
@@ -41,7 +41,8 @@ public:
     CopiedImage(const CopiedImage&) = delete;
     CopiedImage& operator=(const CopiedImage&) = delete;
 
-    // A machine with the copy as disk 0; `more` are further keys of the disk, each with a comma in front.
+    // A machine with the copy as disk 0. `more` is the JSON of further keys of the disk, each preceded by a
+    // comma.
     static machine::Description Described(const std::string& more = {}) {
         return machine::ParseDescription(
             R"({"disks": [{"index": 0, "image": "failing.img", "writable": true)" + more + "}]}",
@@ -78,7 +79,7 @@ std::string NameOf(const testing::TestParamInfo<FailureCase>& info) {
     return info.param.name;
 }
 
-// What a write without a failure leaves.
+// The image after a write without failures.
 std::string BytesAfterDelete() {
     const CopiedImage image;
     {
@@ -118,7 +119,7 @@ TEST_P(LayoutFailure, DeletePartitionsAndWrite_OneStepFails_LeavesWhatTheStepsBe
     EXPECT_EQ(0U, simulation.open_handles());
     EXPECT_EQ(0U, simulation.stale_handle_uses());
     EXPECT_TRUE(expected == image.bytes());
-    // Whatever the disk holds, the manager holds the edited table.
+    // The manager keeps the edited table, whatever the disk contains.
     EXPECT_EQ(3U, manager.partitions().size());
     EXPECT_EQ(nullptr, manager.FindUsedPartition(8 * kMiB));
     ASSERT_NE(nullptr, manager.layout());
@@ -136,7 +137,7 @@ INSTANTIATE_TEST_SUITE_P(Steps, LayoutFailure,
 
 class CreationFailure : public testing::TestWithParam<FailureCase> {};
 
-// Here the description says what fails.
+// Here the machine's description causes the failure.
 TEST_P(CreationFailure, InitializeRAWDisk_OneStepFails_LeavesWhatTheStepsBeforeLeft) {
     const FailureCase& test_case = GetParam();
     const std::string expected = test_case.writes ? BytesAfterCreate() : BytesOf(kSource);

@@ -1,5 +1,5 @@
-// GPT disks on images, edited and written by the library, read back on a new machine. What is written here is
-// read once more by the partitioning tools.
+// GPT disks on images, edited and written by the library. They are read back on a new machine here, and later
+// by the partitioning tools.
 
 #include "common/disk/partition_manager_gpt.h"
 #include "images/written_table.h"
@@ -15,7 +15,7 @@ namespace {
 using namespace written;
 using bmr_common::PartitionManagerGPT;
 
-// Disk 0 of a machine, with its table read.
+// A manager with the table of disk 0 of a machine.
 class Edited {
 public:
     explicit Edited(const std::string& name, const std::string& source = "edit-gpt")
@@ -25,7 +25,7 @@ public:
 
     PartitionManagerGPT* operator->() { return &manager_; }
 
-    // The start and the size used, in bytes; zeros when nothing was added.
+    // Returns the start and size used, in bytes; zeros when no partition was added.
     std::pair<std::int64_t, std::int64_t> Add(std::int64_t start, std::int64_t size, const char* type,
                                               std::uint32_t alignment = kAlignment,
                                               std::int64_t minimum = kSector) {

@@ -53,8 +53,8 @@ Partition GptPartition(const PARTITION_INFORMATION_EX& entry) {
     return partition;
 }
 
-// Behind the four primaries come groups of four, whose first is a logical partition; tools number those
-// from 5.
+// Groups of four entries follow the four primary entries; the first of each group is a logical partition.
+// Tools number the logical partitions from 5.
 Partition MbrPartition(const PARTITION_INFORMATION_EX& entry, unsigned position) {
     Partition partition;
     partition.number = position < 4 ? position + 1 : position / 4 + 4;

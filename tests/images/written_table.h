@@ -11,13 +11,13 @@
 #include <utility>
 #include <vector>
 
-// Tables written into copies of disk images: what a test means to be there, beside what is there.
+// The expected contents of tables written into copies of disk images, and the code to compare them.
 namespace written {
 
 inline constexpr std::int64_t kSector = 512;
 inline constexpr std::int64_t kKiB = 1024;
 inline constexpr std::int64_t kMiB = 1024 * kKiB;
-inline constexpr std::int64_t kDiskSize = 16 * kMiB;  // of the images that writing starts from
+inline constexpr std::int64_t kDiskSize = 16 * kMiB;  // of the images that the writing tests start from
 inline constexpr std::uint32_t kAlignment = 1U << 20;
 
 inline constexpr const char* kBasicData = "EBD0A0A2-B9E5-4433-87C0-68B6B72699C7";
@@ -26,7 +26,7 @@ inline constexpr const char* kReserved = "E3C9E316-0B5C-4DB8-817D-F92DF00215AE";
 inline constexpr const char* kRecovery = "DE94BBA4-06D1-4D40-A16A-BFD50179D6AC";
 inline constexpr const char* kNewName = "Basic data partition";  // of every partition that the library adds
 
-// Sectors, and texts as sfdisk writes them: upper-case GUIDs, MBR types in hexadecimal.
+// Numbers are in sectors. Texts are as sfdisk writes them: upper-case GUIDs, hexadecimal MBR types.
 struct Partition {
     unsigned number = 0;
     std::int64_t start = 0;
@@ -41,10 +41,10 @@ struct Partition {
 };
 
 struct Table {
-    std::string label;  // "gpt", "dos"; empty for a disk without a table
+    std::string label;  // "gpt" or "dos"; empty for a disk without a table
     std::string id;
     std::vector<Partition> partitions;
-    std::int64_t first_usable = 34;  // GPT, sectors; what 128 entries leave
+    std::int64_t first_usable = 34;  // GPT only, in sectors; the value for 128 entries
     std::int64_t last_usable = 32734;
 
     bool operator==(const Table&) const = default;
@@ -53,7 +53,7 @@ struct Table {
 std::ostream& operator<<(std::ostream& out, const Partition& partition);
 std::ostream& operator<<(std::ostream& out, const Table& table);
 
-// What edit-gpt.img holds, in disk order, with the numbers that this order gives.
+// The contents of edit-gpt.img, in disk order and numbered in that order.
 inline constexpr const char* kGptId = "0F1E2D3C-4B5A-4978-8796-A5B4C3D2E1F0";
 extern const Partition kGptSystem;
 extern const Partition kGptReserved;
@@ -61,23 +61,23 @@ extern const Partition kGptLongName;
 extern const Partition kGptUmlauts;
 
 Table GptTable(std::vector<Partition> partitions);
-// The partition under another number.
+// The same partition with another number.
 Partition Numbered(unsigned number, Partition partition);
 
 GUID Guid(const std::string& text);
 
 std::filesystem::path ImagePath(const std::string& name);
 
-// The table on an image, as the library reads it on a new machine. Throws machine::DescriptionError when
-// there is no such image.
+// The table on an image as the library reads it on a new simulated machine. Throws machine::DescriptionError
+// if the image does not exist.
 Table ReadBack(const std::string& name);
 
-// The image written-NAME.img holds the table. Leaves the table beside it for the partitioning tools to
-// compare with what they read.
+// Checks that the image written-NAME.img contains the table. Also saves the expected table beside the image,
+// to be compared with what the partitioning tools read.
 void ExpectWritten(const std::string& name, const Table& table);
 
-// A machine whose disk 0 is the image SOURCE.img, changes of which go into written-NAME.img; no handle is
-// left open when it ends. `more` are further disks, each with a comma in front.
+// A machine whose disk 0 is the image SOURCE.img. Writes go to the copy written-NAME.img. The destructor
+// checks that no handle is left open. `more` is the JSON of further disks, each preceded by a comma.
 class Machine {
 public:
     Machine(const std::string& source, const std::string& name, const std::string& more = {});
@@ -91,10 +91,11 @@ private:
     machine::Simulation simulation_;
 };
 
-// The manager reads the table of disk 0.
+// Reads the table of disk 0 into the manager.
 void Read(bmr_common::PartitionManager& manager);
 
-// The library gets these GUIDs, in this order, where it asks for new ones; an error when there are no more.
+// While it lives, CoCreateGuid returns these GUIDs to the library, in this order. Fails the test when it
+// needs more, or fewer.
 class IssuedGuids {
 public:
     explicit IssuedGuids(std::vector<std::string> guids);

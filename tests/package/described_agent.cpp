@@ -1,5 +1,6 @@
-// The example agent on a described machine: its own main(), by another name, with the machine under the
-// library that it is linked to. usage: described_agent MACHINE [VOLUME]...
+// Runs the example agent's main(), renamed AgentMain, on a described machine. The library that the agent is
+// linked to is redirected to the simulation.
+// usage: described_agent MACHINE [VOLUME]...
 
 #include "machine/redirect.h"
 #include "machine/session.h"

@@ -1,5 +1,5 @@
 #!/usr/bin/env -S python3 -B
-"""The example agent, in C: on this system, and its main() on described machines."""
+"""The example agent in C: the program on this system, and its main() on described machines."""
 
 import os
 import pathlib
@@ -22,7 +22,7 @@ def on_workstation(*volumes):
 
 
 def assert_outcome_on_this_system(test, result):
-    """Wine has not all that a capture asks for: a document where it answers, else the library's reasons."""
+    """Accepts a document or the library's errors, because Wine may lack functions that a capture needs."""
     if result.code == 0:
         test.assertTrue(result.out.startswith(b"<root>"))
         test.assert_well_formed(result.out)

@@ -1,5 +1,5 @@
 #!/usr/bin/env -S python3 -B
-"""What is installed, and a stranger's project that is built with it."""
+"""The installed package, and a separate project that is built with it."""
 
 import os
 import pathlib
@@ -46,7 +46,7 @@ class Package(HostTest):
         install = cmake("--install", build_folder(), "--prefix", installed)
         if install.returncode != 0:
             raise RuntimeError(install.stdout)
-        # The tree must not remember where it was made.
+        # Moved, so that paths recorded during the installation would not work.
         cls.tree = installed.rename(installed.with_name("moved here"))
 
     def configure(self, version):

@@ -1,5 +1,5 @@
 #!/usr/bin/env -S python3 -B
-"""The schemas of the document take every document, and refuse what is none."""
+"""The XML schemas accept every document, and reject invalid ones."""
 
 import copy
 import json
@@ -17,18 +17,18 @@ from host import EXAMPLES, ROOT, HostTest, capture
 FLAT = ROOT / "docs/schema/environment-flat.xsd"
 MODEL = ROOT / "docs/schema/environment-model.xsd"
 
-# Elements whose number the schemas cannot demand.
+# Elements whose count the schemas cannot require.
 NUMBERED = re.compile(r"(child|x|y|volume|extent|Drive|Disk|Partition|Extent|MountPoint)[0-9]+")
-# What may be absent by itself. Without its GUID a disk looks like one without a known table.
+# Optional elements. A disk without its GUID has the same elements as one without a known table.
 OPTIONAL = {"VolumeId", "VolumeGUID", "DeviceName", "VolumePartitionSize", "NumberOfMountPoints", "Volume", "GUID"}
-# Texts that may look like numbers.
+# Text elements whose value may look like a number.
 TEXTS = {"TotalPhysicalMemory", "CountryCode", "Locale", "SerialNumber", "VolumeLabel", "GUID"}
 
 ODD_MACHINE = ROOT / "tests/package/odd-machine.json"
 
 
 def validate(schema, documents):
-    """{file: whether the schema takes it}, as one run of xmllint tells."""
+    """Returns {file: whether it is valid}, from one run of xmllint."""
     files = [str(file) for file in documents]
     check = subprocess.run(["xmllint", "--noout", "--schema", str(schema), *files], capture_output=True, text=True,
                            check=False)
@@ -39,7 +39,7 @@ def validate(schema, documents):
 
 
 class Mutants:
-    """A document with one fault, in as many files as there are places for it."""
+    """Copies of a document, each with the same fault in a different place."""
 
     def __init__(self, document, folder):
         self.root = ElementTree.fromstring(document)
@@ -47,7 +47,7 @@ class Mutants:
         self.places = {}
 
     def write(self, place, change):
-        """`change` gets the n-th element of a copy of the document."""
+        """Writes a copy of the document to which `change` was applied. `place` starts with the element's index."""
         mutant = copy.deepcopy(self.root)
         change(list(mutant.iter())[place[0]])
         file = self.folder / f"{len(self.places)}.xml"
@@ -94,7 +94,8 @@ def with_number_spoilt(document, folder):
 
 
 def with_more(document, folder):
-    """An element too many at the end of every section that does not end with numbered ones; an attribute."""
+    """Adds an attribute to every element, and an unknown element to every section that does not end with numbered
+    elements."""
     mutants = Mutants(document, folder)
     counts = {"size", "size_idx", "size_idy", "TotalVolumes", "TotalDrives", "BlockSize", "NumberOfDisks",
               "NumberOfPartitions", "NumberOfDiskExtents"}

@@ -13,7 +13,7 @@ std::atomic<std::size_t> smallest_failing_now{kNever};
 std::atomic<std::size_t> still_allowed{0};
 std::atomic<std::size_t> hit_count{0};
 
-// Whether an allocation of that size is one to fail; takes one of those that are still allowed.
+// True if an allocation of this size must fail. Otherwise uses up one of the allowed allocations.
 bool IsToFail(std::size_t size) {
     if (size < smallest_failing_now) {
         return false;

@@ -4,19 +4,19 @@
 
 namespace support {
 
-// While it lives, allocations of this size in bytes and more throw std::bad_alloc, in the test program and
-// the libraries linked into it. A program that uses it gets an operator new of its own. One at a time.
+// While it lives, allocations of at least this many bytes throw std::bad_alloc, in the test program and in
+// the libraries linked into it. A program that uses this class gets a replaced operator new. One at a time.
 class AllocationFailure {
 public:
     explicit AllocationFailure(std::size_t smallest_failing);
-    // The next `allowed` allocations of whatever size succeed, all after them fail.
+    // The next `allowed` allocations succeed, whatever their size; all later ones fail.
     static AllocationFailure After(std::size_t allowed);
     ~AllocationFailure();
 
     AllocationFailure(const AllocationFailure&) = delete;
     AllocationFailure& operator=(const AllocationFailure&) = delete;
 
-    // How many allocations it has made to fail.
+    // The number of allocations that failed because of this object.
     std::size_t hits() const noexcept;
 
 private:

@@ -24,7 +24,7 @@ void WINAPI DebuggerCapture::Collect(const wchar_t* text) {
             current_->lines_.emplace_back(text);
         }
     } catch (const std::exception&) {
-        return;  // as the real function, which reports nothing
+        return;  // the real function reports no error either
     }
 }
 

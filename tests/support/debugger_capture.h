@@ -8,8 +8,8 @@
 
 namespace support {
 
-// Collects what a module (the test program, unless told otherwise) writes with OutputDebugStringW, instead
-// of the debugger. One at a time.
+// Collects what a module (by default the test program) writes with OutputDebugStringW. Nothing reaches the
+// debugger meanwhile. One at a time.
 class DebuggerCapture {
 public:
     explicit DebuggerCapture(HMODULE module = GetModuleHandleW(nullptr));

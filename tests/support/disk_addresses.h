@@ -5,8 +5,8 @@
 
 namespace support {
 
-// The text of a document with every GPT disk's element "GUID" emptied: it holds an address, which differs
-// from one capture to the next. All other bytes stay as they are.
+// The document with the element "GUID" of every GPT disk emptied. It contains an address, which differs from
+// capture to capture. All other bytes are unchanged.
 inline std::string WithoutAddresses(const std::string& document) {
     static const std::regex address("<GUID>[0-9A-Fa-fx]+</GUID>");
     return document.find("<GUID>") == std::string::npos ? document

@@ -7,8 +7,8 @@
 
 namespace support {
 
-// From now on the system answers for the device (for every device, when none is given) and names no target:
-// the list holds nothing but the empty entry that ends it.
+// From now on QueryDosDeviceW succeeds for the device (by default for every device) with an empty list of
+// targets.
 inline void AnswerNoTarget(machine::FaultPlan& faults, const std::wstring& device = {}) {
     constexpr std::size_t kCharacters = 2;
     const auto empty = [](machine::Answer& answer) {

@@ -29,7 +29,7 @@ LogCapture::~LogCapture() {
     set_(outer_ == nullptr ? nullptr : &LogCapture::Collect);
 }
 
-// The library's own frames lie below: an exception must not go through them.
+// Called from the library, whose frames an exception must not pass.
 void LogCapture::Collect(std::int32_t level, const char* text) noexcept {
     if (innermost_ == nullptr) {
         return;
@@ -37,7 +37,7 @@ void LogCapture::Collect(std::int32_t level, const char* text) noexcept {
     try {
         innermost_->lines_.push_back({level, text == nullptr ? "(null)" : text});
     } catch (const std::exception&) {
-        // A test that makes allocations fail loses this line; the tests of lines do not do that.
+        // The line is lost if the test makes allocations fail. Tests that check lines do not do that.
         return;
     }
 }

@@ -9,7 +9,7 @@
 
 namespace support {
 
-// Levels as the host's callback receives them.
+// Log levels as the host's callback receives them.
 enum HostLevel : std::int32_t {
     kHostTrace = 0,
     kHostInformation = 1,
@@ -25,10 +25,10 @@ struct LogLine {
 };
 std::ostream& operator<<(std::ostream& out, const LogLine& line);
 
-// Collects what goes to the log callback while it lives. Captures nest: the innermost collects, and its end
-// gives the callback back to the one around it; the end of the outermost leaves no callback. One thread at a
-// time. Knows nothing of the library: `set` is whatever installs a callback (the library's export, a lambda
-// over the logger; unit tests take LoggerCapture of logger_capture.h).
+// Collects the lines sent to the log callback while it lives. Captures nest: only the innermost one collects.
+// Destroying it restores the capture around it, or no callback. One thread at a time. Independent of the
+// library: `set` is any function that installs a callback, such as the library's export. Unit tests use
+// LoggerCapture (logger_capture.h).
 class LogCapture {
 public:
     using Callback = void (*)(std::int32_t level, const char* text);
@@ -40,15 +40,15 @@ public:
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    // Everything, in order, trace lines included.
+    // All lines, including trace lines, in order.
     const std::vector<LogLine>& all() const noexcept { return lines_; }
-    // Everything but the trace lines (host level 0), in order.
+    // All lines except trace lines (host level 0), in order.
     std::vector<LogLine> Messages() const;
-    // The texts of one host level, in order.
+    // The texts of the lines of one host level, in order.
     std::vector<std::string> Lines(std::int32_t level) const;
-    // A line of that level with exactly this text.
+    // True if a line has this level and exactly this text.
     bool Contains(std::int32_t level, std::string_view text) const;
-    // A line of that level with this text somewhere in it.
+    // True if a line has this level and contains this text.
     bool ContainsPart(std::int32_t level, std::string_view part) const;
     std::size_t Count(std::int32_t level) const;
     std::size_t Count(std::int32_t level, std::string_view text) const;
@@ -64,7 +64,7 @@ private:
     std::vector<LogLine> lines_;
 };
 
-// One line of the log a line, its level in front; for `EXPECT_TRUE(...) << log`.
+// Prints the log, one line per message with its level in front; for `EXPECT_TRUE(...) << log`.
 std::ostream& operator<<(std::ostream& out, const LogCapture& log);
 
 }  // namespace support

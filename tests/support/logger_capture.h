@@ -5,7 +5,7 @@
 
 namespace support {
 
-// A LogCapture of the library's own logger, for tests that link the library.
+// Captures the log of the library that is linked into the test program.
 class LoggerCapture : public LogCapture {
 public:
     LoggerCapture() : LogCapture([](Callback callback) { GetLogger().SetCallback(callback); }) {}

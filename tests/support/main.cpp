@@ -25,8 +25,8 @@ unsigned LimitFrom(int argument_count, char** arguments) {
     return kTestLimit;
 }
 
-// A run of no test proves nothing. Under Wine every test has what it needs: one that skips itself has lost
-// it.
+// A run without tests fails. Under Wine a run with skipped tests fails too, because every test has what it
+// needs there.
 bool TestedAll(const testing::UnitTest& run) {
     if (run.test_to_run_count() == 0) {
         std::fputs("no test ran\n", stderr);
@@ -41,11 +41,12 @@ bool TestedAll(const testing::UnitTest& run) {
 
 }  // namespace
 
-// Beside gtest's own flags: --test-limit=SECONDS, how long one test may run.
+// Takes gtest's flags and --test-limit=SECONDS, the time limit of one test.
 int main(int argument_count, char** arguments) {
     testing::InitGoogleMock(&argument_count, arguments);
     support::ReportCrashes();
-    // Before the first use of the library's bound tables. Without a simulation the system itself answers.
+    // Must come before the first use of the library's bound tables. Without a simulation, calls go to the
+    // real system.
     if (!machine::PutModuleOnSimulation(GetModuleHandleW(nullptr))) {
         std::fputs("this program cannot be put on the simulation\n", stderr);
         return EXIT_FAILURE;

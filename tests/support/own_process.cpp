@@ -28,7 +28,7 @@ std::wstring CommandLine(const std::string& test) {
            Wide(test);
 }
 
-// The exit code of a run of one test, or -1 when it could not be started.
+// Runs one test in a new process. Returns its exit code, or -1 if the process could not be started.
 long RunAlone(const std::string& test) {
     std::wstring command = CommandLine(test);
     STARTUPINFOW startup{};

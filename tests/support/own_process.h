@@ -2,9 +2,9 @@
 
 namespace support {
 
-// For tests of what happens once in a process. Called first thing in a test: runs this test again, alone in
-// a process of its own, and returns true there. In the first process returns false, after failing the test
-// if the other one failed it:
+// For tests of things that happen once per process. Call it first in the test. It runs the same test alone in
+// a new process, where it returns true. In the first process it returns false, after failing the test if the
+// run in the new process failed:
 //     if (!support::InOwnProcess()) { return; }
 bool InOwnProcess();
 

@@ -8,10 +8,9 @@
 
 namespace support {
 
-// Lets a module (the test program, unless told otherwise) call `replacement` where it imports `function`,
-// for the life of the object. A replacement that carries state keeps it in a static: it is a plain function
-// pointer. Throws std::runtime_error when the module does not import the function: a test that redirects
-// nothing tests nothing.
+// While it lives, a module (by default the test program) calls `replacement` instead of the imported
+// `function`. The replacement is a plain function pointer, so its state must be static. Throws
+// std::runtime_error if the module does not import the function, because such a test would test nothing.
 template <class Function>
 class ScopedImport {
 public:
@@ -27,7 +26,7 @@ public:
     ScopedImport(const ScopedImport&) = delete;
     ScopedImport& operator=(const ScopedImport&) = delete;
 
-    // What the module called before.
+    // The function that the module called before.
     Function previous() const noexcept {
         return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(previous_));
     }

@@ -6,9 +6,9 @@
 
 namespace support {
 
-// Puts a lambda, captures and all, in the place of a function pointer for the life of the object:
+// Replaces a function pointer with a lambda, which may have captures, while it lives:
 //     const Stub stub(Kernel32DLL::Get().DeviceIoControl, [&](HANDLE, DWORD code, ...) -> BOOL { ... });
-// Each lambda expression can be in place once at a time.
+// Each lambda expression can be installed only once at a time.
 template <class Result, class Body, class... Arguments>
 class StubFunction {
 public:
@@ -45,7 +45,7 @@ private:
 template <class Result, class Body, class... Arguments>
 Stub(Result(WINAPI*& function)(Arguments...), Body body) -> Stub<Result(WINAPI*)(Arguments...), Body>;
 
-// The same for a function that the test program imports:
+// Replaces a function that the test program imports, while it lives:
 //     const StubImport stub("CoCreateGuid", &::CoCreateGuid, [&](GUID*) { return E_FAIL; });
 template <class Function, class Body>
 class StubImport;
@@ -70,7 +70,7 @@ template <class Result, class Body, class... Arguments>
 StubImport(const char* name, Result(WINAPI* prototype)(Arguments...), Body body)
     -> StubImport<Result(WINAPI*)(Arguments...), Body>;
 
-// Gives a variable, such as a function pointer of a table, another value for the life of the object.
+// Sets a variable, such as a function pointer of a table, while it lives. Restores its value at the end.
 template <class Value>
 class ScopedValue {
 public:

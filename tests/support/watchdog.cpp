@@ -9,7 +9,7 @@ namespace {
 constexpr const char* kOutsideTests = "between tests";
 constexpr DWORD kLookMilliseconds = 200;
 
-// Straight to the handle: the thread that hangs or crashed may hold the locks of the runtime's streams.
+// Writes straight to the handle, because the thread that hangs or crashed may hold the locks of stderr.
 void Say(const std::string& text) {
     DWORD written = 0;
     WriteFile(GetStdHandle(STD_ERROR_HANDLE), text.data(), static_cast<DWORD>(text.size()), &written,
@@ -17,7 +17,7 @@ void Say(const std::string& text) {
 }
 
 [[noreturn]] void End(unsigned exit_code) {
-    // Not ExitProcess, which waits for locks as well.
+    // ExitProcess also waits for locks.
     TerminateProcess(GetCurrentProcess(), exit_code);
     std::abort();
 }

@@ -8,12 +8,12 @@
 
 namespace support {
 
-// Exit codes of a test program that did not come to its end.
+// Exit codes of a test program that was ended early.
 inline constexpr unsigned kHungExitCode = 86;
 inline constexpr unsigned kCrashedExitCode = 87;
 
-// Names the test that runs, and ends the process with kHungExitCode when it takes longer than `limit`
-// seconds. Hand it to gtest's listeners, which own it from then on.
+// Ends the process with kHungExitCode, and prints the test's name, when a test takes longer than `limit`
+// seconds. Append it to gtest's listeners, which then own it.
 class Watchdog : public testing::EmptyTestEventListener {
 public:
     explicit Watchdog(unsigned limit);
@@ -28,15 +28,15 @@ private:
     void Enter(std::string phase);
 
     const unsigned limit_;
-    SRWLOCK lock_ = SRWLOCK_INIT;  // of the phase and its start
-    std::string phase_;            // what runs: the full name of a test, or what comes between tests
-    ULONGLONG since_;              // by GetTickCount64()
-    HANDLE finished_;              // an event
+    SRWLOCK lock_ = SRWLOCK_INIT;  // protects phase_ and since_
+    std::string phase_;            // full name of the running test, or a text for the time between tests
+    ULONGLONG since_;              // start of the phase, from GetTickCount64()
+    HANDLE finished_;              // event that ends the thread
     HANDLE thread_;
 };
 
-// From now on a crash ends the process at once, without a debugger or a dialog, with kCrashedExitCode and
-// the name of the test that ran.
+// From now on a crash ends the process at once with kCrashedExitCode, without a debugger or a dialog, and
+// prints the name of the running test.
 void ReportCrashes();
 
 }  // namespace support

@@ -2,7 +2,7 @@
 
 namespace support {
 
-// Whether Wine runs this program, as it does wherever the project is tested without Windows.
+// True if this program runs under Wine, as on every build machine without Windows.
 bool UnderWine();
 
 }  // namespace support

@@ -7,7 +7,7 @@
 
 #include <stdexcept>
 
-// What `write` puts under the root of an empty document, as a tree.
+// Calls `write` with the root of an empty document, and returns the result as a tree.
 template <class Write>
 XmlTree Written(Write&& write) {
     bmr_common::COMEnabler com;

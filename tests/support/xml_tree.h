@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-// A document as tests compare it: elements with a text or with children, without attributes. Reads what the
-// DOM writes, and nothing more; anything else is refused.
+// A document in the form that tests compare: elements with either a text or children, and no attributes.
+// Parses only what the DOM writes, and throws std::invalid_argument for anything else.
 struct XmlTree {
     std::string name;
     std::string text;
@@ -20,7 +20,7 @@ struct XmlTree {
 
     static XmlTree Of(std::string_view xml);
 
-    // The only child of that name; throws when there is none, or more than one.
+    // The only child with that name. Throws std::out_of_range if there is none or more than one.
     const XmlTree& Child(std::string_view wanted) const {
         if (std::count_if(children.begin(), children.end(), Named{wanted}) != 1) {
             throw std::out_of_range(name + " has not one " + std::string(wanted));
@@ -30,7 +30,7 @@ struct XmlTree {
     bool Has(std::string_view wanted) const {
         return std::any_of(children.begin(), children.end(), Named{wanted});
     }
-    // The children's names, in order.
+    // The names of the children, in order.
     std::vector<std::string> Names() const {
         std::vector<std::string> names;
         for (const XmlTree& child : children) {
@@ -48,7 +48,7 @@ private:
     };
 };
 
-// An element with a text.
+// A text element.
 inline XmlTree Leaf(std::string name, std::string text) {
     return {std::move(name), std::move(text), {}};
 }
@@ -123,7 +123,7 @@ private:
         return taken;
     }
 
-    // With references resolved and line ends as a parser hands them on.
+    // Replaces references and normalises line ends, as a parser does.
     std::string Unescaped(std::string_view text) const {
         static constexpr std::pair<std::string_view, std::string_view> kReplaced[] = {
             {"&lt;", "<"},   {"&gt;", ">"},   {"&amp;", "&"}, {"&quot;", "\""},
@@ -153,7 +153,7 @@ inline XmlTree XmlTree::Of(std::string_view xml) {
     return root;
 }
 
-// The document as indented lines, `name: text`.
+// The tree as indented lines, `name: text`.
 inline std::string Lines(const XmlTree& element, std::size_t depth = 0) {
     std::string lines = std::string(2 * depth, ' ') + element.name + ": " + element.text + "\n";
     for (const XmlTree& child : element.children) {

@@ -14,7 +14,7 @@ namespace {
 struct Refusal {
     const char* json;
     const char* path;
-    const char* reason;  // a part of it
+    const char* reason;  // expected in the error message
 };
 
 std::ostream& operator<<(std::ostream& stream, const Refusal& refusal) {

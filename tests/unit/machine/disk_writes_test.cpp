@@ -195,7 +195,7 @@ TEST_F(DiskWrites, WritableImage_HoldsTheGptForTheNextReader) {
     EXPECT_EQ(again.disks[0].partitions[1].offset, 9u << 20);
     EXPECT_EQ(again.disks[0].partitions[1].gpt_name, L"Basic data partition");
     EXPECT_EQ(image.Read(0, 440), code);
-    // The backup stands on its own.
+    // The backup header is enough to read the table.
     image.Write(512, machine::Bytes(512));
     again = image.Describe();
     EXPECT_EQ(again.disks[0].partitions.size(), 2u);

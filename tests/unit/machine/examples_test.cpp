@@ -44,7 +44,7 @@ const machine::Disk* FindDisk(const machine::Description& description, std::uint
     return nullptr;
 }
 
-// What must hold of any real machine.
+// Conditions that every real machine fulfils.
 class Example : public testing::TestWithParam<std::filesystem::path> {
 protected:
     const machine::Description description_ = machine::LoadDescription(GetParam());
@@ -196,7 +196,7 @@ machine::Description Load(const char* name) {
     return machine::LoadDescription(std::string(ORVANE_SOURCE_DIR "/examples/machines/") + name);
 }
 
-// The blocks of the README that are whole machines must load like the files.
+// The JSON blocks of the README are whole machines, and must load like the files.
 TEST(Examples, Readme_ShowsMachinesThatLoad) {
     std::ifstream stream(ORVANE_SOURCE_DIR "/examples/machines/README.md", std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};

@@ -11,13 +11,13 @@ namespace {
 constexpr std::uint64_t kSize = 64ULL << 20;
 constexpr std::uint64_t kSectors = kSize / 512;
 
-// The check value of the polynomial that the format names.
+// The published check value of the CRC-32 that GPT uses.
 TEST(Crc32, OfTheStandardText_IsTheStandardValue) {
     const char text[] = "123456789";
     EXPECT_EQ(machine::Crc32(reinterpret_cast<const std::uint8_t*>(text), 9), 0xCBF43926u);
 }
 
-// The table bytes, built here from the format's own definition.
+// A GPT, built here byte by byte from the format's definition.
 class GptImage : public testing::Test {
 protected:
     explicit GptImage() : image_("machine-gpt.img", kSize), entries_(128 * 128) {}

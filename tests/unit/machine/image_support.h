@@ -11,7 +11,7 @@
 
 namespace machine_test {
 
-// A raw disk image that goes with the test.
+// A raw disk image, deleted with the object.
 class TestImage {
 public:
     TestImage(const std::string& name, std::uint64_t size)
@@ -35,7 +35,7 @@ public:
         return machine::ImageFile(file_).Read(offset, length);
     }
 
-    // A machine whose only disk has this image; `more` are further keys of the disk.
+    // JSON of a machine whose only disk has this image. `more` is the JSON of further keys of the disk.
     std::string Json(const std::string& more = {}) const {
         return R"({"disks": [{"index": 0, "image": ")" + file_.filename().string() + "\"" + more + "}]}";
     }
@@ -47,7 +47,7 @@ private:
     std::filesystem::path file_;
 };
 
-// A boot record with the given 16-byte entries, built field by field.
+// An entry of a boot record.
 struct BootEntry {
     std::uint8_t indicator = 0;
     std::uint8_t type = 0;

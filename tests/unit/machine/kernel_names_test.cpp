@@ -85,7 +85,7 @@ TEST(QueryDosDevice, ExactlyFitting_SucceedsOneShortIs122) {
 
 struct DosCase {
     const wchar_t* name;
-    const wchar_t* target;  // null: fails
+    const wchar_t* target;  // null if the call fails
     DWORD error;
 };
 

@@ -17,7 +17,7 @@ DWORD WINAPI FakeTickCount() {
     return 4711;
 }
 
-// In a function of its own: the compiler takes an import's address for constant and reads it once per
+// A separate function, because the compiler treats an import's address as constant and reads it once per
 // function.
 [[gnu::noinline]] DWORD Ticks() {
     return GetTickCount();

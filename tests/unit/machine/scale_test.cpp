@@ -39,7 +39,7 @@ machine::Description LargeMachine(std::uint32_t disks, std::uint32_t partitions,
     return description;
 }
 
-// The watchdog of the test program would end this if any look-up went through all volumes.
+// If a look-up searched all volumes, this test would exceed the watchdog's limit.
 TEST(LargeMachine, EveryVolume_IsFoundByEveryName) {
     constexpr std::uint32_t kVolumes = 10000;
     Machine machine(LargeMachine(256, 128, kVolumes));

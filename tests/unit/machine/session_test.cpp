@@ -56,7 +56,7 @@ TEST(Session, LocalMachine_HoldsTheDescribedValuesOnly) {
         const wchar_t* path = L"SYSTEM\\CurrentControlSet\\Control";
         Value value = Read(path, L"SystemStartOptions");
         EXPECT_EQ(value.type, DWORD{REG_SZ});
-        EXPECT_EQ(value.data.size(), 17u * 2);  // the terminator is stored with the text
+        EXPECT_EQ(value.data.size(), 17u * 2);  // includes the terminator
         EXPECT_STREQ(reinterpret_cast<const wchar_t*>(value.data.data()), L" NOEXECUTE=OPTIN");
         value = Read(path, L"Number");
         EXPECT_EQ(value.type, DWORD{REG_DWORD});

@@ -17,7 +17,7 @@ inline machine::Description Parse(const std::string& json) {
     return machine::ParseDescription(json, "test.json");
 }
 
-// A function as a module on the simulation finds it.
+// The function that a module redirected to the simulation gets from GetProcAddress.
 template <class Function>
 Function Bound(const wchar_t* library, const char* name) {
     return reinterpret_cast<Function>(
@@ -26,7 +26,7 @@ Function Bound(const wchar_t* library, const char* name) {
 
 #define MACHINE_TEST_KERNEL(name) decltype(&::name) name = Bound<decltype(&::name)>(L"kernel32.dll", #name)
 
-// The kernel functions of the simulation, bound the way the library binds them.
+// The simulated kernel functions, bound as the library binds them.
 struct Kernel {
     MACHINE_TEST_KERNEL(CreateFileW);
     MACHINE_TEST_KERNEL(CloseHandle);
@@ -51,8 +51,7 @@ struct Kernel {
                            nullptr);
     }
 
-    // The result, the bytes returned and the last error of one device control with an output buffer of
-    // `size`.
+    // The results of a device control call with an output buffer of `size` bytes.
     struct Control {
         bool done = false;
         DWORD error = 0;
@@ -81,7 +80,7 @@ struct Kernel {
 
 #undef MACHINE_TEST_KERNEL
 
-// One simulation with its functions.
+// A simulation and its functions.
 struct Machine {
     explicit Machine(const std::string& json) : simulation(Parse(json)) {}
     explicit Machine(machine::Description description) : simulation(std::move(description)) {}
@@ -90,7 +89,7 @@ struct Machine {
     Kernel kernel;
 };
 
-// A machine with one disk and volume of each kind that most tests need.
+// A machine with a disk and a volume of each kind that most tests need.
 inline std::string SmallMachine() {
     return R"({
         "disks": [

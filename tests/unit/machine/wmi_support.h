@@ -41,7 +41,7 @@ private:
     BSTR text_;
 };
 
-// Connects as the library does: the IUnknown is used as the locator, without a further query.
+// Connects as the library does: uses the IUnknown as the locator, without QueryInterface.
 inline HRESULT Connect(Services& services, const wchar_t* path = L"root\\cimv2") {
     IUnknown* unknown = nullptr;
     HRESULT result =
@@ -84,7 +84,7 @@ protected:
 
     machine::Simulation& simulation() { return session_->simulation(); }
 
-    // The first instance of the class.
+    // Fetches the first instance of the class.
     void First(const wchar_t* class_name) {
         enumerator_ = nullptr;
         ASSERT_EQ(Query(services_, enumerator_, (std::wstring(L"Select * from ") + class_name).c_str()),

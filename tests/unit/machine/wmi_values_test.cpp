@@ -81,7 +81,7 @@ TEST_F(Wmi, DiskDrive_FollowsTheDisk) {
     EXPECT_STREQ(Value(L"Caption").bstrVal, L"Sample Drive");
     EXPECT_EQ(Value(L"Partitions").lVal, 1);
     EXPECT_EQ(static_cast<DWORD>(Value(L"Signature").lVal), 0xF0000001u);
-    // Whole cylinders of 255 * 63 sectors only.
+    // WMI counts only whole cylinders of 255 * 63 sectors.
     EXPECT_STREQ(Value(L"Size").bstrVal,
                  std::to_wstring(64LL * 1024 * 1024 * 1024 / 8225280 * 8225280).c_str());
 }

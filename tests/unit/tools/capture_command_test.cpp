@@ -10,7 +10,7 @@ namespace {
 
 using host::FetchDocument;
 
-// The library's side of a capture: a document per call.
+// Replaces the library's export. Each call returns the next document.
 class FakeExport {
 public:
     explicit FakeExport(std::vector<std::string> documents) : documents_(std::move(documents)) {}

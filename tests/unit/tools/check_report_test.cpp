@@ -77,7 +77,7 @@ TEST(TableOf, Colour_IsOnTheAnswersAlone) {
     EXPECT_THAT(coloured, HasSubstr("  \x1b[32myes\x1b[0m     0     476.94 GB\n"));
     EXPECT_THAT(coloured, HasSubstr("  \x1b[31mno\x1b[0m      10\n"));
     EXPECT_THAT(coloured, HasSubstr("  Backup  Disk  Size\n"));
-    // Two answers for disks, two for volumes.
+    // Four coloured answers: two for disks, two for volumes.
     EXPECT_EQ(coloured.size(),
               plain.size() + 4 * (std::string("\x1b[32m").size() + std::string("\x1b[0m").size()));
 }

@@ -21,7 +21,7 @@ TEST(DumpLines, Text_IsTheInformationLinesAlone) {
 
 struct SubjectCase {
     DumpKind kind;
-    const char* beginning;  // comes whatever happens
+    const char* beginning;  // logged even when the dump fails
     const char* subject;
     const char* exception;
 };

@@ -16,7 +16,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// The library's side: keeps the callback.
+// Replaces the library's setter: stores the callback.
 OrvaneEventCallback g_callback = nullptr;
 
 void Install(OrvaneEventCallback callback) {

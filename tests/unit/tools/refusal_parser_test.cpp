@@ -49,7 +49,7 @@ TEST(RefusalParser, UnknownVolume_HasTheLineItself) {
     EXPECT_EQ(ResultOf(ORVANE_FAILED, {kEntering, line, kLeaving, kRefusal}), (Verdict{false, {line.text}}));
 }
 
-// A volume's name that holds a percent sign comes out of the log changed, here beyond recognition.
+// The log changes a volume name that contains a percent sign. In this test nothing of the name is left.
 TEST(RefusalParser, NameThatTheLogChanged_DoesNotMatter) {
     EXPECT_EQ(ResultOf(ORVANE_FAILED, {kEntering,
                                        {ORVANE_LEVEL_ERROR, "Volume CaptureSystemRestorePointInfo Exception"},

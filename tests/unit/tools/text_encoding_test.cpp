@@ -10,7 +10,7 @@
 
 namespace {
 
-// The letters from 0x80 up that the code page has, as the system converts them one by one.
+// Every character of the code page must be converted as the system converts it.
 TEST(FromAnsi, EveryByte_BecomesItsCharacter) {
     for (int byte = 1; byte < 256; ++byte) {
         const char narrow = static_cast<char>(byte);
@@ -25,7 +25,7 @@ TEST(FromAnsi, Nothing_IsNothing) {
     EXPECT_EQ(host::FromAnsi(""), "");
 }
 
-// The C runtime's locale for the length of a test.
+// Sets the C runtime's locale while it lives.
 class Locale {
 public:
     explicit Locale(const char* name) : former_(std::setlocale(LC_CTYPE, nullptr)) {

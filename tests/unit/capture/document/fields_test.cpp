@@ -32,7 +32,7 @@ TEST(ValueText, Text_StandsAsItIs) {
     EXPECT_EQ(ValueText(std::wstring(L" <a> & 007 ")), L" <a> & 007 ");
 }
 
-// Thousands in groups, as a host may have set them for its own output.
+// A locale with grouped digits, which a host may have set for its own output.
 class Grouping : public std::numpunct<wchar_t> {
     wchar_t do_thousands_sep() const override { return L'.'; }
     std::string do_grouping() const override { return "\3"; }

@@ -1,4 +1,4 @@
-// The whole document of a record filled by hand, element by element.
+// The whole document of a hand-filled record, element by element.
 
 #include "capture/document/environment_document.h"
 #include "support/written_document.h"
@@ -39,7 +39,7 @@ void FillSections(EnvInfo& record) {
     os.Organization = L"The owner";
     os.OSLanguage = 1033;
     os.OSType = 18;
-    os.ProductType = 77;  // has no element here
+    os.ProductType = 77;  // not written in this section
     os.OSArchitecture = 64;
     os.SerialNumber = L"00330";
     os.SystemDevice = L"\\Device\\HarddiskVolume3";
@@ -60,7 +60,7 @@ void FillTables(EnvInfo& record) {
     disk.interface_type = L"SCSI";
     PartitionRow partition;
     partition.length = 104857600;
-    partition.length_copy = 999;  // has no element
+    partition.length_copy = 999;  // not written
     partition.offset = 1048576;
     partition.active = true;
     partition.kind = L"Primary";
@@ -74,10 +74,10 @@ void FillTables(EnvInfo& record) {
     volume.m_GUID = L"{V}";
     volume.m_dwDiskSignature = 2050773480;
     volume.m_DiskNumber = 2;
-    volume.BootVolume = true;  // has no element
+    volume.BootVolume = true;  // not written
     volume.SystemVolume = true;
     DiskExtent extent;
-    extent.m_FileSystemUsedSpace = 5;  // has no element in an extent
+    extent.m_FileSystemUsedSpace = 5;  // not written for an extent
     volume.extents = {extent};
     record.VolumeTable = {volume};
     record.DriveLetterTable = {{L"{V}", L"C:\\"}};

@@ -43,7 +43,7 @@ Answer BootOptionsOf(machine::Description description) {
     return {result, options, log.Messages(), log.Lines(support::kHostTrace)};
 }
 
-// --- Looking for the value.
+// --- Searching for the value.
 
 TEST(GetBootOptions, TextWithItsTerminator_KeepsTheTerminator) {
     const Answer answer = BootOptionsOf(
@@ -129,7 +129,7 @@ TEST(GetBootOptions, NoMemoryForTheBuffers_IsReportedAndTheKeyClosed) {
     const support::LoggerCapture log;
     std::wstring options = kUntouched;
     {
-        const support::AllocationFailure failing(16383);  // what the data's buffer takes
+        const support::AllocationFailure failing(16383);  // bytes in the data buffer
         EXPECT_FALSE(GetBootOptions(options));
         EXPECT_GT(failing.hits(), 0U);
     }

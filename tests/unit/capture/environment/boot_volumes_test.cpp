@@ -48,7 +48,7 @@ protected:
 
     int Find() { return FindBootAndSystemVolumes(volumes_, letters_, boot_, os_); }
 
-    // Another machine, with this registry.
+    // Switches to another machine, with this registry.
     void Describe(std::vector<machine::RegistryKey> registry) {
         machine::Description description = machine::ParseDescription("{}", "boot volumes");
         description.registry = std::move(registry);
@@ -158,7 +158,7 @@ TEST_F(FindBootAndSystemVolumesTest, BootVolumeMissing_IsReportedAndNoOptionsAre
     EXPECT_EQ(boot_.m_strBootOptions, L"");
 }
 
-// The start options decide the whole step, whatever has been found before.
+// Without start options the whole step fails, although the volumes were found.
 TEST_F(FindBootAndSystemVolumesTest, StartOptionsAbsent_FailsWithTheVolumesMarked) {
     Describe({{L"SYSTEM\\CurrentControlSet\\Control", {}}});
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot", L"C:\\"), VolumeOf(L"{2}", L"\\Device\\System")};

@@ -16,7 +16,7 @@ struct Probe {
     std::uint32_t type;
 };
 
-// The answer when the firmware variable's read returns `length` with `error`.
+// The detection result when reading the firmware variable returns `length` and sets `error`.
 Probe ProbeWith(DWORD length, DWORD error) {
     const support::Stub stub(
         Kernel32DLL::Get().GetFirmwareEnvironmentVariableW,

@@ -61,7 +61,7 @@ protected:
     EnvInfo record_;
 };
 
-// --- What it fills.
+// --- The fields that it fills.
 
 TEST_F(InitEnvInfoTest, Machine_FillsTheRecord) {
     EXPECT_TRUE(InitEnvInfo(record_)) << log_;
@@ -178,7 +178,7 @@ TEST_F(InitEnvInfoTest, BootOptionsThatAreMissing_Fail) {
                 ElementsAre("GetBootOptions Failed to open registry", kFailed.text));
 }
 
-// The key is there, the start options are not: the volumes are found and told, and the whole step fails.
+// The key exists but the value does not: the volumes are found and recorded, and the whole step fails.
 TEST_F(InitEnvInfoTest, BootOptionsValueThatIsAbsent_FailsWithTheVolumesFound) {
     machine::Description machine = machine::ParseDescription(kTwoPartitions, "legacy machine");
     machine.registry.at(0).values.at(0).name = L"SystemStartOptionsOld";
@@ -225,7 +225,7 @@ TEST_F(InitEnvInfoTest, DisksThatCannotBeRead_FailWithTheirOwnLinesAlone) {
     EXPECT_EQ(record_.Version, 3U);
 }
 
-// --- The repair of the partition numbers.
+// --- Correction of partition numbers.
 
 TEST_F(InitEnvInfoTest, NumberThatAgrees_IsNotTouched) {
     ASSERT_TRUE(InitEnvInfo(record_)) << log_;
@@ -233,7 +233,7 @@ TEST_F(InitEnvInfoTest, NumberThatAgrees_IsNotTouched) {
 }
 
 TEST_F(InitEnvInfoTest, NumberThatDiffers_IsCorrectedInTheVolumeAlone) {
-    // Without the first volume the second partition is the first that a fixed volume lies on.
+    // Without the first volume, the second partition is the first one with a fixed volume.
     description().volumes.pop_back();
     description().volumes[1].partition->active = true;
     machine::WmiValue device;
@@ -264,7 +264,7 @@ TEST_F(InitEnvInfoTest, Lookup_IsTraced) {
 }
 
 TEST_F(InitEnvInfoTest, BasicVolumeWhereNoPartitionStarts_FailsWithoutAFurtherLine) {
-    // The sorted table begins with the volume that has no letter; the letter C comes after it.
+    // In the sorted table the volume without a letter comes before C:.
     (*description().volumes[1].extents)[0].offset += kMiB;
     EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(log_.Lines(support::kHostError),
@@ -274,7 +274,7 @@ TEST_F(InitEnvInfoTest, BasicVolumeWhereNoPartitionStarts_FailsWithoutAFurtherLi
 }
 
 TEST_F(InitEnvInfoTest, VolumeOnADiskWithoutPartitions_FailsOnTheWholeDiskRow) {
-    // The placeholder of a disk that is not described begins at 0 and is no partition.
+    // The placeholder row of a disk that is not described starts at 0 and is not a partition.
     machine::Extent& extent = (*description().volumes[0].extents)[0];
     extent.disk = 1;
     extent.offset = 0;
@@ -297,7 +297,7 @@ TEST_F(InitEnvInfoTest, VolumeOnADiskWithoutPartitions_FailsOnTheWholeDiskRow) {
 }
 
 TEST_F(InitEnvInfoTest, DynamicVolume_KeepsItsNumberAndFailsNothing) {
-    description().disks[0].partitions[2].mbr_type = 0x42;  // makes the disk a dynamic one
+    description().disks[0].partitions[2].mbr_type = 0x42;  // makes the disk dynamic
     (*description().volumes[0].extents)[0].offset += kMiB;
     (*description().volumes[1].extents)[0].offset += kMiB;
     description().volumes[1].partition->number = 9;

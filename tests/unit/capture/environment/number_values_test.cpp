@@ -1,4 +1,4 @@
-// What the collectors make of the numbers that they read.
+// How the collectors convert the numbers that they read.
 
 #include "capture/environment/system_information.h"
 #include "unit/capture/environment/wmi_machine.h"
@@ -67,8 +67,8 @@ TEST_F(NumberValues, UnsignedNumbers_GoToTheirMembers) {
 struct IntegerCase {
     const char* name;
     machine::WmiValue value;
-    std::int32_t low;    // by the collectors' own rule
-    std::int32_t whole;  // by the other one
+    std::int32_t low;    // expected from the rule that keeps 16 bits of VT_UI4
+    std::int32_t whole;  // expected from the rule that keeps all 32 bits
 };
 
 void PrintTo(const IntegerCase& integer, std::ostream* out) {

@@ -1,4 +1,4 @@
-// What the collectors make of the texts, lists and instances that they read.
+// How the collectors convert the texts, lists and instances that they read.
 
 #include "capture/environment/system_information.h"
 #include "unit/capture/environment/wmi_machine.h"
@@ -21,7 +21,7 @@ protected:
     std::wstring class_name_;
 };
 
-// --- Texts, each into the member of its own name.
+// --- Texts, each into its own member.
 
 template <class Section>
 struct TextMember {

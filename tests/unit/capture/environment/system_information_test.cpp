@@ -15,12 +15,12 @@ namespace {
 using support::kHostError;
 using testing::ElementsAre;
 
-// A collector as the tests see it: what it is called and how its section is filled.
+// A collector: its name, its WMI class, and the call that fills its section.
 struct CollectorCase {
     const char* name;
     const wchar_t* class_name;
     std::function<int(SystemSections&)> collect;
-    std::vector<std::wstring> properties;  // in the order of reading
+    std::vector<std::wstring> properties;  // in the order in which they are read
 };
 
 void PrintTo(const CollectorCase& collector, std::ostream* out) {
@@ -136,12 +136,12 @@ TEST_P(EveryCollector, AnyOutcome_LeavesNoObjectAlive) {
     EXPECT_EQ(machine_.simulation().live_objects(), 0U);
 }
 
-// A property that a collector cannot do without.
+// A property whose absence makes the collector fail.
 struct MandatoryCase {
     const CollectorCase* collector;
     const wchar_t* property;
     const char* message;
-    std::size_t reads;  // properties read by then, this one included
+    std::size_t reads;  // number of properties read up to and including this one
 };
 
 void PrintTo(const MandatoryCase& mandatory, std::ostream* out) {

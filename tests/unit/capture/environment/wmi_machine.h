@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-// A machine of which only the management classes matter.
+// A machine of which the tests use only the WMI classes.
 class WmiMachine {
 public:
     WmiMachine() : session_(machine::ParseDescription("{}", "wmi machine")) {}
@@ -25,7 +25,7 @@ public:
         machine::SetProperty(Class(class_name).instances.at(0), {property, value});
     }
 
-    // The properties that were read of that class, in order.
+    // The properties of the class that were read, in order.
     std::vector<std::wstring> ReadProperties(const std::wstring& class_name) {
         std::vector<std::wstring> properties;
         for (const machine::CallRecord& record : simulation().calls().records()) {
@@ -76,7 +76,7 @@ inline machine::WmiValue WmiNull() {
     return {};
 }
 
-// A property whose reading fails.
+// A property that fails to read.
 inline machine::WmiValue WmiFailure() {
     machine::WmiValue value;
     value.error = 0x80041001;  // WBEM_E_FAILED

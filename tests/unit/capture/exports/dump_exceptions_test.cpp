@@ -1,4 +1,4 @@
-// What the dumps do with an exception from below: a line, and the end of the dump.
+// Exceptions thrown inside a dump: the dump logs one line and ends.
 
 #include "common/platform/system_library.h"
 #include "orvane/orvane.h"
@@ -24,7 +24,7 @@ using testing::StartsWith;
 
 class DumpExceptions : public testing::Test {
 protected:
-    // The dump is entered and left, and the last that it says is of the exception.
+    // Checks that the dump was entered and left, and that its last line reports the exception.
     void ExpectEndOf(const std::string& dump) const {
         const std::vector<LogLine>& all = log_.all();
         ASSERT_GE(all.size(), 3U);
@@ -54,8 +54,8 @@ TEST_F(DumpExceptions, VolumeDumpInfo_EndsWithItsLine) {
     ExpectEndOf("VolumeDumpInfo");
 }
 
-// The dump of the disks asks nothing of the system: memory runs out when its first line has been written. No
-// line can be kept from there on.
+// The disk dump calls no system function that could be stubbed. Instead, all allocations fail after its first
+// line. The log callback cannot store lines from then on.
 std::optional<support::AllocationFailure> no_memory;
 std::int32_t exception_level = -1;
 

@@ -1,4 +1,4 @@
-// The exports with the library linked in, where its allocations can be made to fail.
+// The exports in a program that links the library statically, so that its allocations can be made to fail.
 
 #include "machine/session.h"
 #include "orvane/orvane.h"
@@ -38,7 +38,7 @@ TEST_F(OutOfMemory, SelectedVolumes_AreNoneAndALineSaysSo) {
 
 TEST_F(OutOfMemory, Capture_FailsWithoutWriting) {
     machine::Session session(MixedMachine());
-    session.simulation().calls().SetKept(false);  // the record of a capture is larger than the document
+    session.simulation().calls().SetKept(false);  // recorded calls would take more memory than the document
     SetXmlFormat(3);
     std::uint32_t length = 0;
     ASSERT_EQ(CaptureSystemRestorePointInfo(nullptr, 0, &length), ORVANE_BUFFER_TOO_SMALL);
@@ -46,7 +46,7 @@ TEST_F(OutOfMemory, Capture_FailsWithoutWriting) {
     std::uint32_t untouched = 0xAAAAAAAA;
     log_.Clear();
     {
-        // The document as a text is the largest thing that a capture makes.
+        // The document's text is the largest allocation of a capture.
         const support::AllocationFailure failure(length);
         EXPECT_EQ(CaptureSystemRestorePointInfo(buffer.data(), length, &untouched), ORVANE_FAILED);
         EXPECT_GT(failure.hits(), 0U);

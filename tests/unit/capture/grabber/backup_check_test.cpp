@@ -26,7 +26,7 @@ protected:
     bool Volumes(const Texts& names) { return grabber_.CanBackup(names, volumes_, errors_); }
     bool RequestedDisks(const Disks& disks) { return grabber_.CanBackup(disks, disks_, errors_); }
 
-    // The whole check, with the log of nothing else.
+    // Clears the log and runs the whole check.
     bool Whole(const Texts& names, const Disks& disks, bool all_volumes = false) {
         log_.Clear();
         return grabber_.CanBackup(names, disks, volumes_, disks_, all_volumes);
@@ -40,7 +40,7 @@ protected:
     support::LoggerCapture log_;
 };
 
-// --- The volume half.
+// --- Volumes.
 
 TEST_F(BackupCheck, NoVolumes_Pass) {
     EXPECT_TRUE(Volumes({}));
@@ -99,7 +99,7 @@ TEST_F(BackupCheck, SeveralVolumes_AreReportedInTheirOrder) {
     EXPECT_THAT(errors_[3], testing::HasSubstr(L"{33333333-"));
 }
 
-// The device's own queries fail: every error text of the volume is a line.
+// Queries of the volume fail: each of its recorded errors is logged as a reason.
 TEST(BackupCheckOfBrokenVolume, ErrorsOfTheVolume_AreItsReasons) {
     machine::Session session(MixedMachine());
     session.simulation().faults().Fail("GetVolumeInformationW", 21);
@@ -115,7 +115,7 @@ TEST(BackupCheckOfBrokenVolume, ErrorsOfTheVolume_AreItsReasons) {
                                     L"Failed to get mount points", L"Failed to get volume information"));
 }
 
-// --- The disk half.
+// --- Disks.
 
 TEST_F(BackupCheck, NoRequestedDisks_Pass) {
     EXPECT_TRUE(RequestedDisks({}));
@@ -162,7 +162,7 @@ TEST_F(BackupCheck, SeveralDisks_AreAllChecked) {
                     L"Backup cannot proceed. Failed to find any information about requested disk 7."));
 }
 
-// --- Both halves.
+// --- Volumes and disks together.
 
 TEST_F(BackupCheck, NothingSelected_PassesWithoutALine) {
     EXPECT_TRUE(Whole({}, {}));

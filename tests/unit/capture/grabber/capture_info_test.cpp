@@ -1,4 +1,4 @@
-// The capture that the grabbers share: the document, its size, the caller's buffer.
+// CaptureInfo, common to all grabbers: the document, its size, the caller's buffer.
 
 #include "capture/grabber/grabber_exception.h"
 #include "support/logger_capture.h"

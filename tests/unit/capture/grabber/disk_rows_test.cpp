@@ -71,11 +71,11 @@ TEST(AddUnknownDiskInformation, Number_GetsA500BytePlaceholder) {
     EXPECT_THAT(FactsOf(disk), ElementsAre(RowFacts{L"Unallocated", L"Unallocated", 0, 500, 0, L"", L""}));
 }
 
-// --- Disks that are there.
+// --- Existing disks.
 
 class AddExistingDiskInformationTest : public testing::Test {
 protected:
-    // The row of the only disk of a machine, size 10 GiB.
+    // The row of the only disk of a machine, which has 10 GiB.
     DiskRow RowOf(const std::string& style_and_partitions) {
         const machine::Session session(machine::ParseDescription(
             R"({"disks": [{"index": 3, "size": "10 GiB", )" + style_and_partitions + "}]}", "one disk"));
@@ -89,7 +89,7 @@ protected:
         return row;
     }
 
-    // The same, finished.
+    // The same row after FinishDiskRows.
     DiskRow FinishedRowOf(const std::string& style_and_partitions) {
         std::vector<DiskRow> rows = {RowOf(style_and_partitions)};
         orvane::FinishDiskRows(rows);
@@ -205,7 +205,7 @@ TEST_F(AddExistingDiskInformationTest, Disk_IsTraced) {
     EXPECT_THAT(trace, starts("Leaving function orvane::InfoGrabberV2::AddExistingDiskInformation line "));
 }
 
-// A disk with a table of a style that no system has.
+// A disk with an unknown partition style.
 class OddDisk : public bmr_common::DiskDriveManagerUnknown {
 public:
     OddDisk() : DiskDriveManagerUnknown(0) {}
@@ -227,13 +227,13 @@ TEST_F(AddExistingDiskInformationTest, OtherStyle_FailsWithALineThatShowsAnother
     EXPECT_NE(errors[0], "unsupported partition style 5");
 }
 
-// --- Volumes on rows.
+// --- Assigning volumes to rows.
 
 struct Placing {
     const char* name;
     std::int64_t offset;
     std::int64_t length;
-    int row;  // the row that takes the letter; -1: partly inside one; -2: in none
+    int row;  // index of the row that gets the letter; -1: partly inside a row; -2: outside all rows
 };
 
 void PrintTo(const Placing& placing, std::ostream* out) {
@@ -256,7 +256,7 @@ class SetPartitionVolumeLetterFileSystemPlace : public testing::TestWithParam<Pl
 TEST_P(SetPartitionVolumeLetterFileSystemPlace, Extent_IsJudgedByItsEnds) {
     const support::LoggerCapture log;
     std::vector<DiskRow> disks(1);
-    disks[0].partitions.resize(1);  // disk 0, which the volume does not lie on
+    disks[0].partitions.resize(1);  // disk 0; the volume is on another disk
     disks[0].partitions[0].length = 1000000;
     disks.push_back(TwoRows());
     const VolumeOnDisk volume{4, GetParam().offset, GetParam().length, L"C:\\", L"NTFS", L"the volume"};

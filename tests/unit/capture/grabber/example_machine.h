@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// A described machine of those that are shipped.
+// One of the example machines.
 inline machine::Description ExampleMachine(const std::string& name) {
     return machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/" + name + ".json");
 }
@@ -17,7 +17,7 @@ constexpr std::uint64_t MiB(std::uint64_t count) {
     return count << 20;
 }
 
-// A partition row by what tells it apart.
+// The fields that identify a partition row.
 struct RowFacts {
     std::wstring kind;
     std::wstring operation;
@@ -48,7 +48,7 @@ inline std::vector<RowFacts> FactsOf(const DiskRow& disk) {
     return facts;
 }
 
-// The row of the volume on that device; throws when there is none.
+// The row of the volume with that device name; throws std::out_of_range when it does not exist.
 inline const ::Volume& VolumeOn(const EnvInfo& record, const std::wstring& device) {
     const auto found = std::find_if(record.VolumeTable.begin(), record.VolumeTable.end(),
                                     [&](const ::Volume& volume) { return volume.DeviceName == device; });
@@ -66,7 +66,7 @@ inline std::vector<std::wstring> DevicesOf(const EnvInfo& record) {
     return devices;
 }
 
-// The document that the grabber writes of what it obtained.
+// The document that the grabber writes from the collected information.
 template <class Grabber>
 std::string DocumentOf(Grabber& grabber) {
     std::uint32_t length = 0;

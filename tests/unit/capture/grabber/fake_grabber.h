@@ -2,7 +2,7 @@
 
 #include "capture/grabber/info_grabber.h"
 
-// The base as it is, over a record that the test hands in.
+// The base class with stub overrides, on a record that the test passes in.
 class FakeGrabber : public orvane::InfoGrabber {
 public:
     explicit FakeGrabber(boost::shared_ptr<EnvInfo> environment = {})

@@ -34,7 +34,7 @@ TEST(CreateInfoGrabber, TypeTwo_IsTheVersion3Grabber) {
     ExpectGrabber<orvane::InfoGrabberV3>(2);
 }
 
-// Collecting is the caller's step.
+// Creating a grabber does not collect; the caller does that.
 TEST(CreateInfoGrabber, NewGrabber_HoldsAnEmptyRecordOfItsOwn) {
     for (const std::uint32_t type : {0U, 1U}) {
         const orvane::InfoGrabberPtr grabber = orvane::CreateInfoGrabber(type);

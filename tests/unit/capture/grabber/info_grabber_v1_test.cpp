@@ -49,7 +49,7 @@ TEST_F(InfoGrabberV1Laptop, Disk_IsDescribedWithTheFlatEnumeratorsRows) {
     EXPECT_EQ(disk.size, kDiskBytes);
     EXPECT_EQ(disk.bytes_per_sector, 512U);
     EXPECT_EQ(disk.interface_type, L"IDE");
-    EXPECT_EQ(disk.partition_style, 2);  // the enumerator never changes it
+    EXPECT_EQ(disk.partition_style, 2);  // the enumerator leaves this value unchanged
     EXPECT_TRUE(IsEqualGUID(disk.disk_guid, GUID{}));
     EXPECT_THAT(FactsOf(disk),
                 ElementsAre(RowFacts{L"Primary", L"Existing", MiB(1), MiB(500), 1, L"", L""},
@@ -94,7 +94,7 @@ TEST_F(InfoGrabberV1Laptop, Volume_IsDescribedWhole) {
     EXPECT_EQ(volume.m_DiskNumber, 0U);
     EXPECT_EQ(volume.m_PartitionNumber, 3);
     EXPECT_EQ(volume.BlockSize, 4096U);
-    // The file system leaves the partition's last sector alone, and with it a whole cluster.
+    // The file system does not use the partition's last sector, and therefore loses a whole cluster.
     EXPECT_EQ(volume.m_FileSystemUsedSpace, MiB(100000) - 4096 - MiB(57120));
     EXPECT_FALSE(volume.Dynamic);
     EXPECT_FALSE(volume.SystemVolume);
@@ -164,7 +164,7 @@ TEST(InfoGrabberV1, ObtainInformation_FailsWhereTheCollectionFails) {
     EXPECT_TRUE(log.Contains(support::kHostError, "InitEnvInfo Failed")) << log;
 }
 
-// A dynamic volume answers no question about "its" partition, and is left out.
+// The partition query fails for a dynamic volume, so the volume is left out.
 TEST(InfoGrabberV1, DynamicDisks_KeepTheirRowsAndLoseTheirVolumes) {
     const machine::Session session(ExampleMachine("spanned-dynamic"));
     const support::LoggerCapture log;

@@ -1,4 +1,4 @@
-// The records of the shipped machines, held against what their descriptions say.
+// Compares the records of the example machines with their descriptions.
 
 #include "capture/grabber/info_grabber_v2.h"
 #include "machine/text.h"
@@ -133,7 +133,7 @@ TEST_P(InfoGrabberV2Machine, Rows_CoverTheDiskWithoutHoles) {
 
 TEST_P(InfoGrabberV2Machine, Interfaces_AreThoseOfTheManagementInformation) {
     for (const machine::Disk& disk : described().disks) {
-        std::wstring expected = L"SCSI";  // what a description that says nothing stands for
+        std::wstring expected = L"SCSI";  // the default of a description
         for (const machine::WmiProperty& property : disk.wmi) {
             if (property.name == L"InterfaceType") {
                 expected = property.value.text;
@@ -159,7 +159,7 @@ TEST_P(InfoGrabberV2Machine, Volumes_AreTheFixedOnesAsDescribed) {
         EXPECT_EQ(row.FileSystem, volume.file_system);
         EXPECT_EQ(row.m_Size, volume.length);
         if (volume.file_system.empty()) {
-            continue;  // the file system could not be asked
+            continue;  // the query for the file system failed
         }
         EXPECT_EQ(row.Serial, volume.serial);
         EXPECT_EQ(row.Flags, volume.file_system_flags);

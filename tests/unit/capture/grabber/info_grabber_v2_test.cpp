@@ -1,4 +1,4 @@
-// The collection of format 2 step by step, and how each goes wrong; the check and the dump.
+// Format 2: each step of the collection and its failures; backup check and dump.
 
 #include "support/stub.h"
 #include "unit/capture/grabber/workstation_v2.h"
@@ -132,7 +132,7 @@ TEST_F(InfoGrabberV2Test, BootOptionsValueThatIsAbsent_FailsLastWithTheBootSecti
     EXPECT_EQ(record().BootConfig.m_strBootOptions, L"");
 }
 
-// --- Machines without disks, and with a number that is no machine's.
+// --- Machines without disks, and with an impossible disk number.
 
 TEST_F(InfoGrabberV2Test, DiskNumberThatIsAbsurd_FailsTheConversion) {
     machine::WmiInstance drive = Instances(L"Win32_DiskDrive").at(0);
@@ -175,7 +175,7 @@ TEST_F(InfoGrabberV2Test, CanBackup_ChecksAgainstItsOwnModel) {
     EXPECT_TRUE(grabber_.CanBackup({}, {}, false));
     EXPECT_TRUE(grabber_.CanBackup({kSystemVolume, kDataVolume}, {{0, MiB(1)}}, false)) << log_;
     EXPECT_FALSE(grabber_.CanBackup({kSystemVolume}, {{7, 0}}, false));
-    EXPECT_FALSE(grabber_.CanBackup({}, {}, true));  // the empty optical drive is among all volumes
+    EXPECT_FALSE(grabber_.CanBackup({}, {}, true));  // all volumes include the empty optical drive
 }
 
 TEST_F(InfoGrabberV2Test, SelectedVolumeThatIsMissing_IsRefused) {

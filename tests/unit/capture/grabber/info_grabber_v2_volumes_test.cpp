@@ -1,4 +1,4 @@
-// What the collection of format 2 makes of volumes that are out of the ordinary.
+// The collection of format 2 on unusual volumes.
 
 #include "unit/capture/grabber/workstation_v2.h"
 
@@ -108,7 +108,7 @@ TEST_F(InfoGrabberV2Volumes, ExtentInsideAPartitionButNotAtItsStart_HasNoNumber)
 }
 
 TEST_F(InfoGrabberV2Volumes, SpannedVolume_IsDynamicAndTouchesNoPartition) {
-    // Half of it lies where no partition starts, which a basic volume would fail for.
+    // The first extent does not start where a partition starts. For a basic volume this would be an error.
     DataVolume().extents = {{1, MiB(20), MiB(100)}, {0, MiB(200), MiB(50)}};
     ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
     const ::Volume& volume = VolumeOn(record(), L"\\Device\\HarddiskVolume6");
@@ -123,7 +123,7 @@ TEST_F(InfoGrabberV2Volumes, SpannedVolume_IsDynamicAndTouchesNoPartition) {
 }
 
 TEST_F(InfoGrabberV2Volumes, NumberOfABasicVolume_IsTheRowsAndItsExtentKeepsTheSystems) {
-    description().disks.at(1).partitions.at(1).number = 7;  // the second in the order of the disk
+    description().disks.at(1).partitions.at(1).number = 7;  // this is the second partition in disk order
     ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
     const ::Volume& volume = VolumeOn(record(), L"\\Device\\HarddiskVolume6");
     EXPECT_FALSE(volume.Dynamic);

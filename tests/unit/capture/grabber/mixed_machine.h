@@ -2,9 +2,13 @@
 
 #include "machine/session.h"
 
-// A machine with volumes that can be backed up and volumes that cannot, each for a reason of its own:
-// HarddiskVolume1 (GPT disk 0, C:), 2 (MBR disk 1, D: and a folder), 3 (removable, E:), 4 (on disk 4, which
-// is missing; no mount point), 5 (raw disk 2, F:), 6 (no GUID, as 1 but for its name).
+// A machine with volumes that can be backed up and volumes that cannot, each for a different reason:
+// HarddiskVolume1: GPT disk 0, C:
+// HarddiskVolume2: MBR disk 1, D: and a folder
+// HarddiskVolume3: removable, E:
+// HarddiskVolume4: on disk 4, which is missing; no mount point
+// HarddiskVolume5: raw disk 2, F:
+// HarddiskVolume6: no GUID; on the same partition as HarddiskVolume1
 inline constexpr char kMixedMachine[] = R"({
     "name": "mixed",
     "disks": [

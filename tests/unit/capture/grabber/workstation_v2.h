@@ -9,7 +9,7 @@
 
 #include <optional>
 
-// The grabber of format 2 on the described workstation, which a test may change before it collects.
+// A format 2 grabber on the example workstation. A test may change the machine before it collects.
 class InfoGrabberV2Test : public testing::Test {
 protected:
     InfoGrabberV2Test() { Describe(ExampleMachine("uefi-workstation")); }

@@ -6,10 +6,11 @@
 #include <utility>
 #include <vector>
 
-// What an object writes into a document, as a list that a test can compare.
+// The elements that an object writes into a document, as a list that a test can compare.
 namespace captured {
 
-// Of each child "Name=text", or "Name" where it has children, followed by theirs with "Name/" before them.
+// Appends "Name=text" for each child. For a child with children, appends "Name" and then its children,
+// prefixed with "Name/".
 inline void AppendChildren(std::vector<std::string>& elements, const XmlTree& parent,
                            const std::string& path) {
     for (const XmlTree& child : parent.children) {

@@ -23,7 +23,7 @@ using simulated_disks::Machine;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Disks that cannot be opened: nothing but their indexes matters.
+// A machine without disks, for tests in which only the disk indexes matter.
 constexpr const char* kNoDisks = R"({"disks": []})";
 
 std::vector<std::wstring> Keys(const DeviceManager& manager) {

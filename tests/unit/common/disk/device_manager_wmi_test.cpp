@@ -25,7 +25,7 @@ constexpr const char* kServer = R"({"disks": [
     {"index": 2, "size": "1 GiB"}, {"index": 10, "size": "1 GiB"}, {"index": 0, "size": "1 GiB"},
     {"index": 1, "size": "1 GiB"}]})";
 
-// Starts with a disk that no system lists, so that an emptied map shows.
+// Starts with a disk that no machine lists, so that a test notices when the map is cleared.
 class LiveDisks : public DeviceManager {
 public:
     LiveDisks() { disks_[L"77"] = boost::make_shared<DiskDriveManagerMBR>(77U); }
@@ -51,7 +51,7 @@ std::string ListingOf(const std::vector<std::string>& indexes) {
 
 class DeviceManagerWmiTest : public testing::Test {
 protected:
-    // Lets the manager ask the machine; nothing of the asking may be left over.
+    // Makes the manager list the machine's disks, and checks that no COM object leaks.
     bool Obtain(const std::string& json) {
         return Obtain(json, [](machine::Simulation&) {});
     }
@@ -65,7 +65,7 @@ protected:
         return obtained;
     }
 
-    // The keys that the indexes lead to.
+    // The map keys that these indexes result in.
     std::vector<std::wstring> KeysOf(const std::vector<std::string>& indexes) {
         disks_.Forget();
         EXPECT_TRUE(Obtain(ListingOf(indexes)));

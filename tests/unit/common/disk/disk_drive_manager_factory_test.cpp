@@ -91,7 +91,7 @@ TEST_F(DiskDriveManagerFactoryTest, CreateAndInitialize_AnyDisk_OpensQueriesAndC
     factory_.CreateAndInitialize(1);
 
     EXPECT_EQ(std::string("CreateFileW ") + kGeometryCall + " " + kLayoutCall + " CloseHandle ", [&] {
-        // The layout takes more than the first buffer.
+        // The layout may be queried twice, because it does not fit the first buffer.
         std::string names = machine.CallNames();
         const std::string twice = std::string(kLayoutCall) + " " + kLayoutCall;
         const std::size_t at = names.find(twice);

@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-// Every single call of reading a disk and of writing its table fails once, and once with all that follow it.
+// Makes each call of reading a disk and of writing its table fail, once alone and once with all later calls.
 namespace bmr_common {
 namespace {
 
 using simulated_disks::kGptDisk;
 using simulated_disks::Machine;
 
-// Whether the k-th call there is was made to fail. The machine itself looks for handles left open.
+// Returns true if a call with this number was made and failed. The Machine checks for leaked handles.
 bool ReadWithFault(std::size_t ordinal, bool from_there_on) {
     const support::LoggerCapture log;
     Machine machine(kGptDisk);
@@ -41,7 +41,8 @@ bool WriteWithFault(std::size_t ordinal, bool from_there_on) {
 
     const bool written = manager.DeletePartitionsAndWrite({simulated_disks::kMiB});
 
-    // The first two calls stand before anything reaches the disk; that closing fails is nobody's business.
+    // If one of the first two calls fails, nothing is written to the disk. The fifth closes it; its failure
+    // is ignored.
     const bool hit = machine.simulation().faults().hits() != 0;
     EXPECT_EQ(hit && ordinal <= 2 ? 3U : 2U, machine.disk().partitions.size()) << ordinal;
     EXPECT_EQ(!hit || ordinal == 5, written) << ordinal;

@@ -25,7 +25,7 @@ constexpr const char* kSourceDisk = R"({"disks": [{"index": 1, "size": 500107862
     "checksum": 305419896, "detection": {"type": "exint13", "exFlags": 7},
     "partitions": [{"offset": "1 MiB", "size": "1 GiB", "type": "ntfs"}]}]})";
 
-// Finds every id taken.
+// Reports every id as already in use.
 template <class Kind>
 class TakenDisk : public Kind {
 public:
@@ -40,7 +40,7 @@ protected:
         source_ = DiskDriveManagerFactory().CreateAndInitialize(1);
     }
 
-    // What every prepared disk takes over from the source, and what it must not.
+    // The properties that every prepared disk copies from the source, and those that it must not copy.
     void ExpectTheSourcesShape(const DiskDriveManager& disk) const {
         const win::ByteBuffer& bytes = disk.geometry().bytes();
         ASSERT_EQ(120U, bytes.size());

@@ -9,9 +9,9 @@
 namespace bmr_common {
 namespace {
 
-constexpr std::size_t kPartitionRecord = 32;  // behind the geometry and the disk's size
+constexpr std::size_t kPartitionRecord = 32;  // offset; the geometry and the disk size precede it
 
-// 32 bytes of geometry, a partition record of 24 and a detection record of 64.
+// 32 bytes of geometry and size, a partition record of 24 bytes, and a detection record of 64 bytes.
 win::ByteBuffer WholeAnswer(std::uint32_t partition_record_bytes = 24) {
     win::ByteBuffer bytes(kPartitionRecord + partition_record_bytes + sizeof(DISK_DETECTION_INFO));
     DISK_GEOMETRY geometry{};

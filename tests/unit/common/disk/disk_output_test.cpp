@@ -33,7 +33,7 @@ constexpr const char* kRawDisk = R"({"disks": [{"index": 5, "size": "8 GiB", "by
 constexpr const char* kDynamicNotImplemented =
     "bmr_common::DiskDriveManagerUnknown::is_dynamic not implemented for this disk type.";
 
-// What an 8 GiB disk says of its geometry.
+// The geometry lines of an 8 GiB disk.
 Lines GeometryLines() {
     return {Info("  Dynamic disk: False"),    Info("  Disk Size: 8589934592(8.00 GB)"),
             Info("  Cyclinders: 1044"),       Info("  MediaType: 12"),
@@ -61,7 +61,7 @@ protected:
         return log_.Messages();
     }
 
-    // The lines from `first` to the one before `next`.
+    // The lines from `first` up to, but not including, `next`.
     static Lines Between(const Lines& lines, const std::string& first, const std::string& next) {
         const auto begin = std::find(lines.begin(), lines.end(), Info(first));
         return {begin, std::find(begin, lines.end(), Info(next))};
@@ -71,7 +71,7 @@ protected:
         return captured::Elements([&](CMSXmlNode& node) { disk->CaptureInfo(node); });
     }
 
-    // The elements from `first` to the one before `next`.
+    // The elements from `first` up to, but not including, `next`.
     static std::vector<std::string> Between(const std::vector<std::string>& elements,
                                             const std::string& first, const std::string& next) {
         const auto begin = std::find(elements.begin(), elements.end(), first);

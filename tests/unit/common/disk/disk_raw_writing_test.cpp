@@ -29,7 +29,7 @@ constexpr const char* kFunction = "bmr_common::DiskDriveManager::InitializeRAWDi
 
 constexpr GUID kDiskId = {0x11111111, 0x2222, 0x3333, {0x44, 0x44, 0x55, 0x55, 0x55, 0x55, 0x55, 0x55}};
 
-// Disk 12 is raw.
+// Uses disk 12, which is raw.
 class DiskRawWritingTest : public testing::Test {
 protected:
     bool Initialize() { return DiskDriveManager::InitializeRAWDisk(12, description_); }

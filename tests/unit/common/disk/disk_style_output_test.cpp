@@ -1,5 +1,5 @@
-// What a disk writes of a partition style that no kind of disk which can be backed up has: a kind of its own,
-// judged as good as any, stands in.
+// Output of partition styles that no disk which can be backed up has. The tests use a disk class that can
+// always be backed up.
 
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "support/logger_capture.h"
@@ -26,7 +26,7 @@ public:
     bool is_dynamic() const override { return true; }
 };
 
-// An 8 GiB disk whose partition record bears the style, without a detection record.
+// An 8 GiB disk with this style in its partition record and without a detection record.
 win::ByteBuffer GeometryOfStyle(std::uint32_t style) {
     DISK_GEOMETRY_EX header{};
     header.Geometry.Cylinders.QuadPart = 1044;

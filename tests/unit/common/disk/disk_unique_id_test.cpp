@@ -22,7 +22,7 @@ using expected::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Counts the rounds, and finds its id taken in the first `taken` of them.
+// Counts the attempts, and reports its id as in use during the first `taken` attempts.
 class CountingDisk : public DiskDriveManagerMBR {
 public:
     CountingDisk(std::uint32_t index, int taken) : DiskDriveManagerMBR(index), taken_(taken) {}

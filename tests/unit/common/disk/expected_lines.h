@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-// Lines of the log as a test expects them.
+// Log lines to compare with.
 namespace expected {
 
 inline support::LogLine Info(std::string text) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// Device managers that learn from the test which disks there are.
+// Device managers whose list of disks the test sets.
 namespace listed {
 
 class Disks : public bmr_common::DeviceManager {

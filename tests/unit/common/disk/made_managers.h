@@ -6,7 +6,7 @@
 
 #include <initializer_list>
 
-// Partition managers that hold what a test gives them, without a disk.
+// Partition managers with the entries that a test passes in, without a disk.
 namespace made {
 
 inline constexpr std::uint32_t kDiskIndex = 3;

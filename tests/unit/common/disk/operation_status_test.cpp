@@ -29,7 +29,7 @@ protected:
         return errors;
     }
 
-    // The message of the exception that `misuse` throws; empty when it throws none.
+    // The message of the exception that `misuse` throws; empty if it does not throw.
     template <class Misuse>
     static std::string Thrown(Misuse&& misuse) {
         try {

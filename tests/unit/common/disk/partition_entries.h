@@ -8,7 +8,7 @@
 #include <iterator>
 #include <string_view>
 
-// Entries of partition tables as a driver reports them, and the type GUIDs that stand in them.
+// Partition table entries as a driver reports them, and the type GUIDs used in them.
 namespace entries {
 
 inline constexpr GUID kBasicData = {

@@ -200,7 +200,7 @@ TEST_F(PartitionManagerInitializeTest, LayoutWithoutEntries_MakesNoPartitions) {
     EXPECT_NE(nullptr, manager.layout());
 }
 
-// What a driver may answer though it is not a whole layout.
+// Driver answers that are not a complete layout.
 void CountMoreEntries(machine::Answer& answer) {
     const std::uint32_t count = 4;
     std::memcpy(answer.bytes.data() + offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionCount), &count,

@@ -43,7 +43,7 @@ const std::vector<support::LogLine> kUnusedSlotLines = {Info("    Partition Numb
 
 class PartitionManagerOutputTest : public testing::Test {
 protected:
-    // The manager's view of the only disk of the machine.
+    // Initialises the manager with the only disk of the machine.
     template <class Manager>
     static void Initialize(const char* json, Manager& manager) {
         Machine machine(json);

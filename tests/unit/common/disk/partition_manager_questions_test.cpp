@@ -27,7 +27,7 @@ constexpr std::int64_t kMiB = 1LL << 20;
 constexpr const char* kAllUnused = " All partitions are marked as unused entry - cannot backup disk 3";
 const std::wstring kAllUnusedReason = L" All partitions are marked as unused entry - cannot backup disk 3";
 
-// Refuses although it is in use, which no kind of ours does.
+// In use, but cannot be backed up. None of the library's partition classes behaves like this.
 class RefusingPartition : public PartitionMBR {
 public:
     bool can_backup(std::vector<std::wstring>& reasons) const override {

@@ -26,7 +26,7 @@ using testing::IsEmpty;
 
 constexpr std::int64_t kMiB = 1LL << 20;
 
-// A row in one line: what it is, where it lies, and its number.
+// A row as one line: kind, operation, offset, length and number.
 std::string Described(const PartitionRow& row) {
     return support::Ansi(row.kind) + "/" + support::Ansi(row.operation) + " " + std::to_string(row.offset) +
            "+" + std::to_string(row.length) + " #" + std::to_string(row.partition_number);

@@ -26,7 +26,7 @@ constexpr const char* kWriteFunction = "bmr_common::PartitionManager::WriteParti
 constexpr std::uint32_t kAlignment = 1U << 20;
 constexpr std::int64_t kDiskSize = 10LL << 30;
 
-// Keeps what is sent with the control code that sets a layout, for the life of the object.
+// While it lives, records the input of the control code that sets a layout.
 class LayoutSpy {
 public:
     LayoutSpy() : previous_(Kernel32DLL::Get().DeviceIoControl) {
@@ -59,7 +59,7 @@ private:
     decltype(Kernel32DLL::DeviceIoControl) previous_;
 };
 
-// Disk 3 with its table read; the log holds what the test itself does.
+// A manager with the table of disk 3. The log is cleared after the table was read.
 class PartitionManagerWritingTest : public testing::Test {
 protected:
     PartitionManagerWritingTest() {
@@ -75,7 +75,7 @@ protected:
                                              &used_start, &used_size);
     }
 
-    // The starts in MiB that the manager holds, as objects and as a layout, which say the same.
+    // The partition offsets in MiB that the manager holds. Its objects and its layout must agree.
     std::vector<std::uint64_t> StartsInMemory() const {
         std::vector<std::uint64_t> starts;
         std::vector<std::uint64_t> in_layout;
@@ -220,7 +220,7 @@ TEST_F(PartitionManagerWritingTest, SetRefused_LogsClosesAndLeavesTheDisk) {
                                   "of disk 3 error=19")));
 }
 
-// After a failed write the manager holds what the disk was to have, and only a new one what it has.
+// After a failed write the manager keeps the edits. Only a new manager has the table that is on the disk.
 TEST_F(PartitionManagerWritingTest, WriteRefused_ManagerKeepsTheEditsThatTheDiskDoesNotHave) {
     for (const char* const call : {"CreateFileW", kSetLayout}) {
         PartitionManagerGPT fresh(3);

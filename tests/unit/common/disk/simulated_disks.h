@@ -8,12 +8,12 @@
 #include <cstdint>
 #include <string>
 
-// Machines of one or two disks, and the way to open those.
+// Machines with one or two disks, and functions to open them.
 namespace simulated_disks {
 
 inline constexpr std::int64_t kMiB = 1LL << 20;
 
-// Disk 3, 10 GiB: an EFI system partition, a reserved one, a data partition of 4 GiB, and free space.
+// Disk 3, 10 GiB: EFI system partition, reserved partition, data partition of 4 GiB, free space.
 inline constexpr const char* kGptDisk = R"({"disks": [{
     "index": 3, "size": "10 GiB", "diskId": "{11111111-2222-3333-4444-555555555555}",
     "startingUsableOffset": 17408, "usableLength": 10737383936,
@@ -23,7 +23,7 @@ inline constexpr const char* kGptDisk = R"({"disks": [{
         {"offset": "117 MiB", "size": "4 GiB", "type": "basic-data", "id": "{00000003-0000-0000-0000-000000000000}"}
     ]}]})";
 
-// Disk 1, 8 GiB: an active partition, another one, two unused slots.
+// Disk 1, 8 GiB: an active partition, another partition, two unused slots.
 inline constexpr const char* kMbrDisk = R"({"disks": [{
     "index": 1, "size": "8 GiB", "signature": 439041101,
     "partitions": [
@@ -31,7 +31,7 @@ inline constexpr const char* kMbrDisk = R"({"disks": [{
         {"offset": "501 MiB", "size": "4 GiB", "type": "ntfs"}
     ]}]})";
 
-// The machine of a test: its simulation, and no handle left open when it ends.
+// The simulation of a test. The destructor checks that no handle is left open.
 class Machine {
 public:
     explicit Machine(const std::string& json) : simulation_(machine::ParseDescription(json, "machine")) {}
@@ -54,7 +54,7 @@ public:
         return drive;
     }
 
-    // The calls that stand for one system function, in order, each with a blank behind it.
+    // The names of all simulated calls, in order, each followed by a space.
     std::string CallNames() {
         std::string names;
         for (const machine::CallRecord& call : simulation_.calls().records()) {

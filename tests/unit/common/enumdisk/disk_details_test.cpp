@@ -1,4 +1,4 @@
-// The whole enumeration of physical disks, and the placeholders for the numbers that it leaves out.
+// The whole enumeration of physical disks, and the placeholder rows for unused disk numbers.
 
 #include "common/enumdisk/enum_disk.h"
 #include "unit/common/enumdisk/enum_machine.h"
@@ -37,7 +37,7 @@ protected:
         return sizes;
     }
 
-    // The steps of the log from this first one on, without the enumeration's own listings.
+    // The logged steps from `first` to `last`.
     std::vector<LogLine> StepsBetween(const LogLine& first, const LogLine& last) const {
         std::vector<LogLine> steps;
         bool within = false;
@@ -168,7 +168,7 @@ TEST_F(DiskDetails, DrivesGiven_AreAttachedToTheRowsWhereTheyStart) {
 
 TEST_F(DiskDetails, GeometryOpenFails_SkipsTheDisk) {
     Use(enum_machine::kTwoMbr);
-    // The third opening of the first disk: layout and length have been asked before.
+    // The third time the first disk is opened, after its layout and its length were queried.
     faults().Add({"CreateFileW", enum_machine::kDrive0, 3, false, {5, 0, 0}, {}});
     EXPECT_EQ(Get(), 1);
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
@@ -221,7 +221,7 @@ TEST_F(DiskDetails, LengthZero_SkipsTheDisk) {
 
 TEST_F(DiskDetails, LengthFails_EndsTheEnumeration) {
     Use(enum_machine::kTwoMbr);
-    // The second time the length of the first disk is asked.
+    // The second query for the length of the first disk.
     faults().Add({enum_machine::kLength, enum_machine::kDrive0, 2, false, {21, 0, 0}, {}});
     EXPECT_EQ(Get(), 0);
     EXPECT_THAT(disks_, IsEmpty());
@@ -229,7 +229,7 @@ TEST_F(DiskDetails, LengthFails_EndsTheEnumeration) {
         log_.Messages(),
         ElementsAre(LogLine{support::kHostError, "Get length of drive \\\\.\\PhysicalDrive0 failed error=21"},
                     LogLine{support::kHostError, kFailure}));
-    EXPECT_EQ(simulation().calls().Count("IWbemServices::ExecQuery"), 1U);  // no placeholders are looked for
+    EXPECT_EQ(simulation().calls().Count("IWbemServices::ExecQuery"), 1U);  // placeholders are not added
     EXPECT_EQ(Steps().at(Steps().size() - 1), Error(kFailure));
     EXPECT_EQ(Steps().at(Steps().size() - 2), Trace("Leaving GetDiskDetails"));
 }
@@ -313,7 +313,7 @@ TEST_F(DiskDetails, DiskNumberThatIsAbsurd_Fails) {
     Use(R"({"wmi": {"Win32_DiskDrive": [{"Index": 2147483647}]}})");
     EXPECT_EQ(Get(), 0);
     EXPECT_THAT(disks_, IsEmpty());
-    // Listed twice: for the disks, and for the highest number.
+    // The disks are listed twice: to read them, and to find the highest number.
     const std::string not_there =
         "GetDriveLayout: Opening the drive \\\\.\\PhysicalDrive2147483647 failed error=2 0x2";
     EXPECT_THAT(

@@ -1,4 +1,4 @@
-// What the disks tell the volumes on them: signature, identifier, and whether they are dynamic.
+// The details that volumes receive from their disks: signature, identifier, dynamic or not.
 
 #include "common/enumdisk/fixed_volumes.h"
 #include "unit/common/enumdisk/enum_machine.h"
@@ -29,7 +29,7 @@ constexpr GUID kLdmData = {0xAF9B60A0, 0x1431, 0x4F62, {0xBC, 0x68, 0x33, 0x11, 
 
 class DriveDetails : public enum_machine::EnumMachine {
 protected:
-    // Lets disk 0 turn into a GPT disk between the listing and its reading.
+    // Makes disk 0 a GPT disk between being listed and being read.
     void TurnIntoGpt(const std::vector<GUID>& types) {
         Use(enum_machine::kTwoMbr);
         faults().Add(
@@ -104,7 +104,7 @@ TEST_F(DriveDetails, GptDiskWithoutPartitions_IsNotDynamic) {
     EXPECT_FALSE(volumes_[0].Dynamic);
 }
 
-// A disk of which nothing is known: zeros, and a line for the volume and one for each of its extents on it.
+// Details of an unknown disk are zero, with an error line for the volume and for each of its extents on it.
 class UnknownDisk : public DriveDetails {
 protected:
     void ExpectUnknown(std::uint32_t number) {

@@ -1,4 +1,4 @@
-// What one physical drive is asked: its length, its layout, and whether it is a GPT disk.
+// The queries of one physical drive: length, layout, and whether it is a GPT disk.
 
 #include "common/enumdisk/enum_disk.h"
 #include "support/allocation_failure.h"
@@ -138,7 +138,7 @@ TEST_F(DriveQueries, LayoutThatNeverFits_FailsInTheEnd) {
 }
 
 TEST_F(DriveQueries, LayoutFails_IsLoggedWithTheErrorInBothBases) {
-    // The second is what a failed allocation is reported as, which has no line: the system's own has.
+    // Error 14 is also what a failed allocation is reported as. That one logs no line; a system error does.
     for (const auto& [error, told] : {std::pair{170U, "error=170 0xaa"}, std::pair{14U, "error=14 0xe"}}) {
         log_.Clear();
         faults().Clear();

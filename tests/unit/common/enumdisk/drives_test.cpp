@@ -1,4 +1,4 @@
-// The walk over the drives, one row for each fixed volume.
+// The enumeration of the drives, with one row for each fixed volume.
 
 #include "common/enumdisk/enum_disk.h"
 #include "unit/common/enumdisk/enum_machine.h"
@@ -50,7 +50,7 @@ TEST_F(Drives, FixedVolumes_AreRowsInTheSystemsOrder) {
     EXPECT_EQ(drives_[0].file_system, L"NTFS");
     EXPECT_EQ(drives_[0].disk_number, 0);
     EXPECT_EQ(drives_[0].offset, 1 * kMiB);
-    // The letter is the beginning of the first path, a folder's too.
+    // The letter is the start of the first path, even if that is a folder.
     EXPECT_EQ(drives_[1].volume, kSecond);
     EXPECT_EQ(drives_[1].letter, L"D:");
     EXPECT_EQ(drives_[1].offset, 101 * kMiB);
@@ -87,7 +87,7 @@ TEST_F(Drives, Workstation_LeavesOutWhatIsNotFixed) {
     EXPECT_EQ(drives_[1].letter, L"C:");
     EXPECT_EQ(drives_[2].letter, L"D:");
     EXPECT_EQ(drives_[3].letter, L"F:");
-    EXPECT_THAT(log_.Messages(), IsEmpty());  // the disc is left out without a line
+    EXPECT_THAT(log_.Messages(), IsEmpty());  // the optical drive is left out silently
     EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "is type 5")) << log_;
 }
 

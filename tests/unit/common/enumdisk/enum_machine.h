@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-// Described machines under the enumerator: the disks and volumes of the tests, and what the log says of them.
+// Described machines for the enumerator's tests, and the log of the enumeration.
 namespace enum_machine {
 
 inline support::LogLine Trace(std::string text) {
@@ -45,7 +45,8 @@ inline constexpr const char* kTwoMbr = R"({"disks": [
     {"index": 1, "size": "2000 MiB", "signature": 1002, "partitions": [
         {"offset": "1 MiB", "size": "200 MiB", "type": "ntfs"}]}]})";
 
-// A described machine under this thread, its log, and no handle or object left behind when the test ends.
+// Runs the enumerator on a described machine and captures its log. The destructor checks for leaked handles
+// and objects.
 class EnumMachine : public testing::Test {
 protected:
     ~EnumMachine() override {
@@ -66,7 +67,7 @@ protected:
     machine::Disk& disk(std::size_t position) { return simulation().description().disks.at(position); }
     machine::Volume& volume(std::size_t position) { return simulation().description().volumes.at(position); }
 
-    // All lines, without the entering and leaving lines that bear line numbers.
+    // All log lines except the entering and leaving lines, which contain line numbers.
     std::vector<support::LogLine> Steps() const {
         std::vector<support::LogLine> steps;
         for (const support::LogLine& line : log_.all()) {
@@ -77,7 +78,7 @@ protected:
         return steps;
     }
 
-    // Whether the log begins with the entering line of a function and ends with its leaving line.
+    // True if the log starts with the function's entering line and ends with its leaving line.
     bool IsTracedAs(const std::string& function) const {
         const auto& lines = log_.all();
         return lines.size() >= 2 && lines.front().level == support::kHostTrace &&
@@ -86,7 +87,7 @@ protected:
                lines.back().text.starts_with("Leaving function " + function + " line ");
     }
 
-    // The calls of one name with the object that each was made on, in order.
+    // The object of every call with this name, in order.
     std::vector<std::wstring> ObjectsOf(const std::string& call) {
         std::vector<std::wstring> objects;
         for (const machine::CallRecord& record : simulation().calls().records()) {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// A machine of two fixed volumes on one MBR disk: C: and one without a letter.
+// A machine with two fixed volumes on one MBR disk: C: and one without a letter.
 namespace fixed_machine {
 
 inline constexpr const wchar_t* kFirst = L"\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\";
@@ -43,7 +43,7 @@ protected:
         return names;
     }
 
-    // The paths that were opened, without the physical drives.
+    // The paths that were opened, except physical drives.
     std::vector<std::wstring> OpenedVolumes() {
         std::vector<std::wstring> paths = ObjectsOf("CreateFileW");
         std::erase_if(paths,

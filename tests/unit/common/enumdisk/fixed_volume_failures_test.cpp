@@ -1,4 +1,4 @@
-// Each thing that a fixed volume is asked, failing: the volume is left out, or the next best answer is taken.
+// Makes each query of a fixed volume fail. The volume is left out, or a fallback is used.
 
 #include "common/platform/system_library.h"
 #include "support/allocation_failure.h"
@@ -20,7 +20,7 @@ constexpr char kLeftOut[] =
 
 class FixedVolumeFailures : public fixed_machine::FixedMachine {
 protected:
-    // The first volume is left out after the line; the second one is there.
+    // Expects that the first volume is left out after this log line, and the second one is listed.
     void ExpectLeftOut(const std::string& line, support::HostLevel level = support::kHostWarning) {
         EXPECT_TRUE(Get());
         EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));

@@ -1,4 +1,4 @@
-// The listing of the fixed volumes, and what each is asked.
+// The enumeration of the fixed volumes, and the queries of each.
 
 #include "common/enumdisk/fixed_volumes.h"
 
@@ -135,7 +135,7 @@ TEST_F(FixedVolumes, DriveName_IsTheFirstLetterOfTheVolume) {
 
 TEST_F(FixedVolumes, DriveNames_AreAskedOfTheLettersThatExistOnly) {
     ASSERT_TRUE(Get());
-    // Once for each of the two volumes.
+    // One query for each of the two volumes.
     EXPECT_THAT(ObjectsOf("GetVolumeNameForVolumeMountPointW"), ElementsAre(L"C:\\", L"C:\\"));
 }
 
@@ -168,7 +168,7 @@ TEST_F(FixedVolumes, LetterWithoutVolume_IsLoggedAndTheNextOneTried) {
 
 TEST_F(FixedVolumes, SpannedVolume_HasAllItsExtents) {
     UseExample("spanned-dynamic.json");
-    // A dynamic volume is answered for by the partition that holds its first extent.
+    // The partition query of a dynamic volume is answered by the partition with its first extent.
     volume(2).partition = disk(1).partitions.front();
     ASSERT_TRUE(Get());
     const auto found = std::find_if(volumes_.begin(), volumes_.end(),
@@ -201,7 +201,7 @@ TEST_F(FixedVolumes, GptVolumes_AreTracedAndLeftOut) {
     UseExample("uefi-workstation.json");
     ASSERT_TRUE(Get());
     EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "getVolumeInfo GPT volume detected ")) << log_;
-    EXPECT_THAT(volumes_, IsEmpty());  // a GPT disk does not answer the classic partition control
+    EXPECT_THAT(volumes_, IsEmpty());  // the older partition query fails on a GPT disk
     EXPECT_TRUE(log_.ContainsPart(support::kHostWarning, "getFixedVolumes skipping volume ")) << log_;
 }
 

@@ -6,17 +6,17 @@
 #include <cstring>
 #include <vector>
 
-// The bytes of drive layouts, as a driver returns them.
+// Drive layouts in the binary form that a driver returns.
 namespace layout_bytes {
 
-// Gives a layout another count of entries, whatever it holds.
+// Sets the entry count of a layout, regardless of the entries that it contains.
 inline void SetCount(std::vector<unsigned char>& layout, bool extended, DWORD count) {
     const std::size_t offset = extended ? offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionCount)
                                         : offsetof(DRIVE_LAYOUT_INFORMATION, PartitionCount);
     std::memcpy(layout.data() + offset, &count, sizeof(count));
 }
 
-// A GPT layout of partitions of the given types.
+// A GPT layout with partitions of these types.
 inline std::vector<unsigned char> Gpt(const GUID& disk_id, const std::vector<GUID>& types) {
     constexpr std::size_t kHeader = offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry);
     DRIVE_LAYOUT_INFORMATION_EX header{};

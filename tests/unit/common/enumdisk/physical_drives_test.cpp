@@ -1,4 +1,4 @@
-// Which disks the enumerator lists: WMI's drives, and whether each is usable.
+// The disks that the enumerator lists: WMI's disk drives that are usable.
 
 #include "common/enumdisk/enum_disk.h"
 #include "support/stub.h"
@@ -16,7 +16,7 @@ class PhysicalDrivesIndexes : public enum_machine::EnumMachine {
 protected:
     int List() { return EnumDisk::GetPhysicalDrivesIndexes(indexes_, maximum_); }
 
-    // Fails a call on disk 0 of two, and lists.
+    // Makes a call on disk 0 of two fail, and lists the disks.
     int ListWithFailure(const char* call, DWORD error) {
         Use(enum_machine::kTwoMbr);
         faults().Fail(call, error, enum_machine::kDrive0);

@@ -1,4 +1,4 @@
-// Where a drive lies: the query of its extents, with its growing buffer and its second attempt to open.
+// The query of a drive's extents: the growing buffer and the second attempt to open.
 
 #include "common/enumdisk/enum_disk.h"
 #include "support/allocation_failure.h"
@@ -109,7 +109,7 @@ TEST_F(VolumeExtents, RefusedTwice_SkipsTheVolume) {
                                              LogLine{support::kHostWarning, kSkipping}));
 }
 
-// The sizes of the buffers that a volume with 234 for ever, or until the `last` call, is offered.
+// Records the buffer sizes of an extent query that returns error 234 until call number `last`.
 class GrowingExtents : public VolumeExtents {
 protected:
     BOOL Answer(void* output, DWORD size, DWORD* returned, std::size_t last) {

@@ -24,7 +24,7 @@ const std::wregex& StampPattern() {
     return pattern;
 }
 
-// The moment that a stamp names, in local time.
+// The time in a stamp, which is local time.
 std::time_t MomentOf(const std::wstring& stamp) {
     std::tm local{};
     wchar_t half[3] = {};
@@ -39,7 +39,7 @@ std::time_t MomentOf(const std::wstring& stamp) {
     return std::mktime(&local);
 }
 
-// The line of the only call, without its stamp.
+// The only line in the debugger output, without its stamp.
 std::wstring TextAfterStamp(const DebuggerCapture& debugger) {
     if (debugger.lines().size() != 1 || debugger.lines()[0].size() < kStampCharacters) {
         ADD_FAILURE() << "not one stamped line: " << testing::PrintToString(debugger.lines());

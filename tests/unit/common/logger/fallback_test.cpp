@@ -1,4 +1,5 @@
-// The process's logger without a callback: stamped lines in the debugger output, formatted a second time.
+// The process's logger without a callback: it writes stamped lines to the debugger output, and formats the
+// finished text a second time.
 
 #include "common/logger/orvane_logger.h"
 #include "support/debugger_capture.h"
@@ -17,7 +18,7 @@ using testing::SizeIs;
 
 constexpr std::size_t kStampCharacters = 23;
 
-// What the debugger is told of a message of level 2 with this finished text, without stamp and line end.
+// The debugger line of a level 2 message with this finished text, without stamp and line end.
 std::wstring Fallback(const std::wstring& finished) {
     const DebuggerCapture debugger;
     OrvaneLogger logger;
@@ -93,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(Table, FallbackFormats,
                                          SecondFormatting{L"100%%", L"100%"},   //
                                          SecondFormatting{L"%% and %d", L"% and 9"}));
 
-// A conversion that would follow a pointer has no argument to follow.
+// A conversion that would read a pointer argument is not expanded.
 class FallbackPointers : public testing::TestWithParam<const wchar_t*> {};
 
 TEST_P(FallbackPointers, Write_ConversionOfAPointerInTheFinishedText_StandsAsItIs) {

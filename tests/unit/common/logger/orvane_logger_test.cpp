@@ -18,10 +18,10 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
 
-// Before main, when nothing of this program has been initialised in any order to rely on.
+// Logged before main, while the order of static initialisation is undefined.
 const int early_result = GetLogger().Write(kLogTrace, L"before main");
 
-// The locale of the C runtime, for the length of a test.
+// Sets the C runtime's locale while it lives.
 class ScopedLocale {
 public:
     explicit ScopedLocale(const char* name)
@@ -76,7 +76,7 @@ TEST(OrvaneLogger, Output_LevelAboveFive_MapsToThree) {
     EXPECT_THAT(log.all(), ElementsAre(LogLine{3, "six"}, LogLine{3, "most"}));
 }
 
-// Every locale and every text has the same rule: the text ends at its terminator.
+// In every locale the text ends at its terminator, whatever the length argument says.
 TEST(OrvaneLogger, Output_LengthShorterThanTheText_CutsNothing) {
     LoggerCapture log;
 
@@ -106,7 +106,7 @@ TEST(OrvaneLogger, Output_TextLongerThanAMessage_BecomesTheAssertion) {
     EXPECT_THAT(log.all(), ElementsAre(LogLine{3, std::string(254, 'x')}, kConversionAssertion));
 }
 
-// What is ASCII stays what it is in every locale, two-byte and single-byte ones.
+// ASCII text is unchanged in every locale, with single-byte or double-byte characters.
 class OrvaneLoggerLocales : public testing::TestWithParam<const char*> {};
 
 TEST_P(OrvaneLoggerLocales, Write_AsciiText_IsTheSame) {
@@ -189,7 +189,7 @@ TEST(OrvaneLogger, Write_NarrowTextLongerThanItsBuffer_BecomesTheAssertion) {
     const ScopedLocale locale(".932");
     ASSERT_TRUE(locale.known());
     LoggerCapture log;
-    const std::wstring two_bytes_each(128, L'\x4E2D');  // 256 bytes, one more than the buffer
+    const std::wstring two_bytes_each(128, L'\x4E2D');  // 256 bytes, one more than fits
 
     GetLogger().Write(2, L"%s", two_bytes_each.substr(1).c_str());
     GetLogger().Write(2, L"%s", two_bytes_each.c_str());

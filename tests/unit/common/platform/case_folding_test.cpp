@@ -14,7 +14,7 @@ TEST(CaseFolding, EqualFolded_OtherCase_IsEqual) {
 TEST(CaseFolding, EqualFolded_OtherTextOrLength_IsNot) {
     EXPECT_FALSE(EqualFolded(L"HarddiskVolume1", L"HarddiskVolume2"));
     EXPECT_FALSE(EqualFolded(L"HarddiskVolume1", L"HarddiskVolume"));
-    EXPECT_FALSE(EqualFolded(L"@", L"`"));  // as far apart as a letter's two cases
+    EXPECT_FALSE(EqualFolded(L"@", L"`"));  // 0x20 apart, like the two cases of a letter
 }
 
 TEST(CaseFolding, StartsWithFolded_Prefix_IsFound) {

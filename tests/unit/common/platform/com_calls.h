@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-// COM's initialisation as the program imports it: every call is kept, and answered with the given results.
+// Replaces COM's initialisation functions in the program's imports. Records every call and returns the
+// results set here.
 class ComCalls {
 public:
     ComCalls();
@@ -17,13 +18,13 @@ public:
     HRESULT initialize_result = S_OK;
     HRESULT security_result = S_OK;
 
-    std::vector<DWORD> initialized;  // the flags of each CoInitializeEx
+    std::vector<DWORD> initialized;  // flags of each CoInitializeEx call
     bool reserved_passed = false;
     int security_calls = 0;
     int uninitialized = 0;
 
     struct Security {
-        bool pointers = true;  // whether any of the pointers was not null
+        bool pointers = true;  // any pointer argument was not null
         LONG services = 0;
         DWORD authentication = 99;
         DWORD impersonation = 99;

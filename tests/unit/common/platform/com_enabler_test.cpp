@@ -52,7 +52,7 @@ TEST_F(ComEnabler, InitializeCOM_ThreadIsMultithreaded_IsAcceptedWithATraceLine)
         EXPECT_TRUE(com.InitializeCOM(kCaller));
         EXPECT_EQ(com_.uninitialized, 0);
     }
-    EXPECT_EQ(com_.uninitialized, 1);  // paired even so
+    EXPECT_EQ(com_.uninitialized, 1);  // the call is paired even after this error
     EXPECT_THAT(log_.all(), ElementsAre(LogLine{support::kHostTrace,
                                                 "CoInitializeEx error=RPC_E_CHANGED_MODE calling function "
                                                 "orvane::Caller"}));
@@ -92,7 +92,7 @@ TEST_F(ComEnabler, Destruction_Initialized_UninitializesOnce) {
     EXPECT_EQ(com_.uninitialized, 1);
 }
 
-// Security belongs to the process: each of these needs one that has not set it yet.
+// COM security is set once per process, so each of these tests needs a process that has not set it.
 
 TEST_F(ComEnabler, InitializeCOM_FirstInTheProcess_SetsSecurityWithTheDefaults) {
     if (!InOwnProcess()) {
@@ -167,7 +167,7 @@ TEST_F(ComEnabler, InitializeCOM_SecurityFailedBefore_IsTriedAgain) {
 TEST(ComEnablerOnTheSystem, InitializeCOM_MultithreadedThread_IsAccepted) {
     LoggerCapture log;
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE);  // the enabler takes one of them away
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE);  // the enabler balances this one
     {
         COMEnabler com;
         EXPECT_TRUE(com.InitializeCOM(kCaller));

@@ -54,7 +54,7 @@ TEST_P(ComErrorTextWithMessage, SystemKnowsAMessage_IsGivenWithoutItsLineEnd) {
             const std::size_t bytes = (message.size() + 1) * sizeof(wchar_t);
             void* const copy = LocalAlloc(LMEM_FIXED, bytes);
             std::memcpy(copy, message.c_str(), bytes);
-            std::memcpy(buffer, &copy, sizeof(copy));  // the buffer is to be allocated
+            std::memcpy(buffer, &copy, sizeof(copy));  // as with FORMAT_MESSAGE_ALLOCATE_BUFFER
             return static_cast<DWORD>(message.size());
         });
 

@@ -7,8 +7,8 @@
 #include <functional>
 #include <vector>
 
-// A device behind DeviceIoControl: answers every control code with the same bytes, or the error 122 while
-// the buffer is smaller than they are, and keeps what it is asked. The public fields change its manners.
+// Replaces DeviceIoControl. Answers every control code with the same bytes, or with error 122 if the output
+// buffer is too small, and records the requests. The public fields change its behaviour.
 class ControlSystem {
 public:
     struct Request {
@@ -46,8 +46,8 @@ public:
     }
 
     win::ByteBuffer answer;
-    DWORD claimed_bytes = 0;      // not 0: told instead of the true length
-    DWORD always_fails_with = 0;  // not 0: every call fails so
+    DWORD claimed_bytes = 0;      // not 0: reported as the returned length
+    DWORD always_fails_with = 0;  // not 0: the error of every call
     DWORD last_error_on_success = 0;
     std::vector<Request> requests;
 
@@ -69,7 +69,7 @@ private:
     support::Stub<Function, std::function<std::remove_pointer_t<Function>>> stub_;
 };
 
-// Bytes of a plain structure.
+// The bytes of a plain structure.
 template <class Structure>
 win::ByteBuffer BytesOf(const Structure& structure) {
     win::ByteBuffer bytes(sizeof(structure));
@@ -77,9 +77,9 @@ win::ByteBuffer BytesOf(const Structure& structure) {
     return bytes;
 }
 
-// A layout record that counts `claimed` partitions and holds `held`.
+// A drive layout with a partition count of `claimed` and with `held` entries.
 win::ByteBuffer LayoutBytes(DWORD claimed, std::size_t held);
-// An extent list that counts `claimed` extents and holds `held`.
+// An extent list with a count of `claimed` and with `held` extents.
 win::ByteBuffer ExtentBytes(DWORD claimed, std::size_t held);
-// A geometry with its partition record and `more` bytes of whatever follows.
+// A geometry with its partition record, followed by `more` bytes.
 win::ByteBuffer GeometryBytes(std::size_t more);

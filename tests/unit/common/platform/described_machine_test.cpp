@@ -1,5 +1,4 @@
-// The wrappers on a described machine: the bound tables, the manners of the system, and no handle left
-// behind.
+// The wrappers on a described machine: bound function tables, results as on Windows, and no leaked handles.
 
 #include "common/platform/nt_api_wrapper.h"
 #include "common/platform/win_api_wrapper.h"

@@ -1,4 +1,4 @@
-// Answers of devices that contradict themselves, and the control codes with input or a fixed answer.
+// Inconsistent answers of devices, and the control codes with input or with an answer of fixed size.
 
 #include "common/platform/win_api_wrapper.h"
 #include "control_system.h"
@@ -23,7 +23,7 @@ class DeviceAnswers : public testing::Test {
 protected:
     ~DeviceAnswers() override { device_.Release(); }
 
-    // Everything but the trace of the wrapper itself.
+    // All lines except the wrapper's own entering and leaving lines.
     std::vector<LogLine> Inner() const { return {log_.all().begin() + 1, log_.all().end() - 1}; }
 
     UniqueFile device_{reinterpret_cast<HANDLE>(0x60)};
@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(Table, Layouts,
                          testing::Values(Counted{0, 0, true}, Counted{1, 1, true}, Counted{128, 128, true},
                                          Counted{1, 4, true}, Counted{1, 0, false}, Counted{5, 4, false},
                                          Counted{0xFFFFFFFF, 4, false}, Counted{0x80000000, 1, false},
-                                         Counted{29826162, 4, false}));  // times 144 is 32 in 32 bits
+                                         Counted{29826162, 4, false}));  // times 144 is 32 modulo 2^32
 
 class Extents : public DeviceAnswers, public testing::WithParamInterface<Counted> {};
 

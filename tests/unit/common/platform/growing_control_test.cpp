@@ -1,4 +1,4 @@
-// The three wrappers whose answer has no known length: one rule of growing, one way of trimming.
+// The three wrappers whose answer has no fixed length: they grow and trim their buffer in the same way.
 
 #include "common/platform/win_api_wrapper.h"
 #include "control_system.h"
@@ -27,8 +27,8 @@ struct GrowingCall {
     const char* name;
     DWORD code;
     std::function<bool(const UniqueFile& device, ByteBuffer& buffer, DWORD& error)> call;
-    std::function<ByteBuffer(std::size_t bytes)> answer;  // a whole one, of at least 200 bytes
-    std::string failure_line;                             // without the code
+    std::function<ByteBuffer(std::size_t bytes)> answer;  // a complete answer of at least 200 bytes
+    std::string failure_line;                             // without the error code
 };
 
 void PrintTo(const GrowingCall& call, std::ostream* out) {

@@ -14,7 +14,8 @@ inline std::wstring NullOr(const wchar_t* text) {
     return text == nullptr ? L"(null)" : text;
 }
 
-// A system that answers both calls with the same list, in the manner of each, and keeps what it is asked.
+// Replaces both functions that return lists. They return the same list, each in its own way, and record their
+// arguments.
 class ListingSystem {
 public:
     explicit ListingSystem(std::wstring list)
@@ -58,7 +59,7 @@ private:
     Answer<decltype(Kernel32DLL::QueryDosDeviceW)> dos_device_;
 };
 
-// A list of just so many characters, its two ends included.
+// A list of this many characters, including its two terminators.
 inline std::wstring ListOf(std::size_t characters) {
     return std::wstring(characters - 2, L'x') + std::wstring(2, L'\0');
 }

@@ -28,7 +28,7 @@ class NtApi : public testing::Test {
 protected:
     ~NtApi() override { directory_.Release(); }
 
-    // The lines that are not the trace of some function.
+    // All lines except entering and leaving lines.
     std::vector<LogLine> Told() const {
         std::vector<LogLine> told;
         for (const LogLine& line : log_.all()) {

@@ -21,7 +21,7 @@ struct Opening {
     DWORD share_mode = 0;
     DWORD disposition = 0;
     DWORD flags = 0;
-    bool others = false;  // security attributes or a template
+    bool others = false;  // security attributes or a template were passed
 
     bool operator==(const Opening&) const = default;
 };

@@ -32,7 +32,7 @@ TEST(EnableBackupPrivileges, PrivilegesThatAreHeld_AreEnabledAfterwards) {
     }
 }
 
-// A process whose token lacks the privilege: a copy of the own token without it is handed out as the own.
+// The process token is replaced by a copy that lacks one of the privileges.
 class PrivilegeNotHeld : public testing::TestWithParam<int> {};
 
 TEST_P(PrivilegeNotHeld, EnableBackupPrivileges_LeavesItAndEnablesTheOther) {
@@ -87,10 +87,10 @@ TEST(EnableBackupPrivileges, NoToken_AdjustsNothing) {
     EXPECT_FALSE(adjusted);
 }
 
-// Which privileges are looked up and adjusted, with stubs in place of both calls.
+// Replaces both privilege functions, and records which privileges are looked up and adjusted.
 class AdjustedPrivileges : public testing::Test {
 protected:
-    // `unknown` is the privilege that cannot be looked up; `adjusting` is what each adjusting returns.
+    // `unknown` is the privilege whose look-up fails; `adjusting` is the result of AdjustTokenPrivileges.
     void Enable(const wchar_t* unknown, BOOL adjusting) {
         const support::StubImport lookup("LookupPrivilegeValueW", &::LookupPrivilegeValueW,
                                          [&](LPCWSTR, LPCWSTR name, PLUID luid) -> BOOL {

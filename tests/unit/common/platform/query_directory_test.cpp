@@ -1,4 +1,4 @@
-// NtAPIWrapper::QueryDirectoryObject: one entry a call, out of a buffer that grows.
+// NtAPIWrapper::QueryDirectoryObject: one entry per call, with a growing buffer.
 
 #include "common/platform/nt_api_wrapper.h"
 #include "support/allocation_failure.h"
@@ -33,7 +33,7 @@ struct Record {
     UNICODE_STRING type;
 };
 
-// A directory with one entry that needs `needed` bytes; `damage` may garble the record of an answer.
+// A directory with one entry of `needed` bytes. `damage` may corrupt the returned record.
 class OneEntryDirectory {
 public:
     explicit OneEntryDirectory(ULONG needed = 100)

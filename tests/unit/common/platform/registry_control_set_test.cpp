@@ -1,5 +1,5 @@
-// The search for the current control set where the registry or the memory misbehaves. No hive is loaded: the
-// doors to it are played, and what was opened is counted.
+// The search for the current control set when the registry fails or memory runs out. No hive is loaded: the
+// functions that open and load are replaced, and open keys and hives are counted.
 
 #include "common/platform/registry.h"
 #include "common/text/listing_bound.h"
@@ -42,7 +42,7 @@ public:
     int open_keys = 0;
 };
 
-// What a search with so much memory ends in.
+// The result of a search with limited memory.
 struct Outcome {
     std::wstring name;
     std::wstring error;
@@ -64,8 +64,8 @@ Outcome SearchWith(CRegistry& registry, std::size_t allowed_allocations) {
     return outcome;
 }
 
-// Fails the first allocation and all after it, the second ..., until a search meets no failure, which it
-// returns.
+// Searches with the first allocation and all later ones failing, then from the second on, and so on. Returns
+// the first search in which no allocation failed.
 Outcome SweepAllocations(PlayedRegistry& registry) {
     constexpr std::size_t kFarBeyondAll = 100;
     for (std::size_t allowed = 0; allowed < kFarBeyondAll; ++allowed) {
@@ -85,8 +85,8 @@ Outcome SweepAllocations(PlayedRegistry& registry) {
 
 class RegistryControlSet : public testing::Test {
 protected:
-    // For its life every value of every key is the number `number` under `name`. The list has an end far
-    // behind where a search must give up: one that goes on fails its test instead of hanging it.
+    // While it lives, every value of every key has this name and number. The list ends far behind the limit
+    // at which a search must give up, so that a search without a limit fails its test instead of hanging.
     auto Listing(const wchar_t* name, DWORD number) {
         return support::StubImport(
             "RegEnumValueW", &::RegEnumValueW,

@@ -1,4 +1,5 @@
-// Hives, really loaded and unloaded: a scratch hive file below a directory that plays Windows.
+// Real hives: a temporary hive file is loaded and unloaded, in a directory that replaces the Windows
+// directory.
 
 #include "common/platform/privileges.h"
 #include "support/logger_capture.h"
@@ -22,7 +23,7 @@ const std::wstring kFound = L"\\system32\\config\\SYSTEM";
 constexpr wchar_t kHiveKey[] = L"ControlSetSearchHive";
 constexpr wchar_t kErrorIn[] = L"Error in CRegistry::GetCurrentControlSetName - ";
 
-// A directory with a place for a SYSTEM hive where Windows has it.
+// A directory with a folder for the SYSTEM hive in the same place as in the Windows directory.
 class RegistryHive : public testing::Test {
 protected:
     RegistryHive() : windows_(std::filesystem::temp_directory_path() / ("orvane-hive-" + ProcessId())) {
@@ -49,7 +50,7 @@ protected:
         return loaded;
     }
 
-    // The error that the search throws; empty when it throws none.
+    // The error that the search throws; empty if it does not throw.
     std::wstring ErrorOf(const std::wstring& windows) {
         try {
             registry_.GetCurrentControlSetName(windows);
@@ -64,7 +65,7 @@ protected:
     support::LoggerCapture log_;
 };
 
-// With a hive in its place, which takes the privileges of a backup program: to write it, and to load it.
+// Tests with a hive file. Writing and loading it needs the backup and restore privileges.
 class WrittenHive : public RegistryHive {
 protected:
     void SetUp() override {
@@ -73,7 +74,7 @@ protected:
         }
     }
 
-    // Writes a hive whose key "Select" is filled by `fill`.
+    // Writes a hive file. `fill` sets the values of its key "Select".
     void WriteHive(const std::function<void(const ScratchKey&)>& fill, const wchar_t* select = L"Select") {
         const ScratchKey root;
         {

@@ -1,4 +1,4 @@
-// Keys: creating, opening, closing, proving their existence, writing their values.
+// Keys: create, open, close, check for existence, write values.
 
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"
@@ -18,7 +18,7 @@ using testing::ElementsAre;
 
 class RegistryKeys : public testing::Test {
 protected:
-    // The lines of the log, all of them trace lines.
+    // The log lines, which must all be trace lines.
     std::vector<std::string> Trace() {
         EXPECT_TRUE(log_.Messages().empty()) << log_;
         return log_.Lines(kHostTrace);
@@ -177,7 +177,7 @@ TEST_F(RegistryKeys, EveryOperation_NoMemory_NeedsNone) {
     const std::wstring missing = L"Missing, and too long to lie in place as well";
     const std::vector<RegistryValue> values = {{L"Value", REG_DWORD, {1, 0, 0, 0}}};
     std::uint32_t number = 0;
-    GetLogger().SetCallback([](std::int32_t, const char*) {});  // one that keeps nothing
+    GetLogger().SetCallback([](std::int32_t, const char*) {});  // does not store lines, which would allocate
 
     bool known = false;
     bool unknown = true;

@@ -1,4 +1,4 @@
-// Values: the three ways to read one, and the cursor over all of a key's.
+// Values: the three functions that read one, and the cursor over all values of a key.
 
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"
@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 class RegistryValues : public testing::Test {
 protected:
-    // A failed reading: one line, the output as it was.
+    // Expects that reading fails with one log line and leaves the output unchanged.
     template <class Value>
     void ExpectFailure(const wchar_t* name, Value value, std::int32_t level, const std::string& text) {
         const Value before = value;
@@ -95,7 +95,7 @@ TEST_F(RegistryValues, Text_EachAllocationFails_IsLeftAloneOrReadWhole) {
     scratch_.SetText(L"Text", text);
     const std::wstring name = L"Text";
     log_.Clear();
-    GetLogger().SetCallback(nullptr);  // a log that is kept would take memory as well
+    GetLogger().SetCallback(nullptr);  // a callback that stores lines would allocate too
     std::size_t hits = 1;
     for (std::size_t allowed = 0; hits != 0; ++allowed) {
         ASSERT_LT(allowed, 10U);
@@ -119,7 +119,7 @@ TEST_F(RegistryValues, TextOfAnAbsurdSize_IsRefusedBeforeMemoryIsTaken) {
             *bytes = size;
             return ERROR_SUCCESS;
         });
-    // Room is made for the terminator too, so that 1 GiB is over the bound, and 4 bytes less is not.
+    // The buffer includes the terminator: 1 GiB exceeds the limit, 4 bytes less does not.
     for (const auto& [bytes, hits] : {std::pair{DWORD{0xFFFFFFFE}, 0U}, std::pair{DWORD{1} << 30, 0U},
                                       std::pair{(DWORD{1} << 30) - 4, 1U}}) {
         size = bytes;

@@ -7,13 +7,13 @@
 #include <string>
 #include <utility>
 
-// A key of the test's own below HKEY_CURRENT_USER, which goes with the object. Not volatile: a volatile
-// key would take no plain keys below it and would not be saved.
+// A temporary key below HKEY_CURRENT_USER, deleted with the object. It is not volatile, because a volatile
+// key cannot have non-volatile subkeys and is not saved.
 class ScratchKey {
 public:
     ScratchKey() : ScratchKey(L"Software\\OrvaneTest-" + std::to_wstring(GetCurrentProcessId())) {}
     explicit ScratchKey(std::wstring path) : path_(std::move(path)) {
-        RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());  // what a crashed run left behind
+        RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());  // left by a crashed run
         EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                   KEY_ALL_ACCESS, nullptr, &key_, nullptr),
                   ERROR_SUCCESS);

@@ -68,8 +68,8 @@ INSTANTIATE_TEST_SUITE_P(WesternEurope, ConvertWStrToStrByCodePage,
                                          CodePageText{1252,
                                                       L"a\x4E2D"
                                                       L"b",
-                                                      "a?b"},                   // none like it
-                                         CodePageText{1252, L"\x0100", "A"}));  // one that looks like it
+                                                      "a?b"},                   // no similar character
+                                         CodePageText{1252, L"\x0100", "A"}));  // a similar character
 
 struct Asked {
     UINT code_page;

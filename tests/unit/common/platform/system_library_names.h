@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-// The functions of the bound tables by name.
+// The names of the functions in the bound tables.
 using Names = std::vector<std::string>;
 
 inline const Names kKernelMembers = {"CreateWaitableTimerA",
@@ -72,6 +72,6 @@ inline const Names kKernelBindingOrder = {"CreateWaitableTimerA",
                                           "GetSystemDirectoryW",
                                           "WriteFile"};
 
-// In the order of the members as well.
+// The members have the same order.
 inline const Names kNtBindingOrder = {"ZwClose", "ZwQueryDirectoryObject", "ZwOpenDirectoryObject"};
 inline const Names kNtMembers = kNtBindingOrder;

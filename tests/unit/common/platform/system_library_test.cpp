@@ -38,7 +38,7 @@ HMODULE LibraryOf() {
     return GetModuleHandleW(kIsKernel<Table> ? L"kernel32.dll" : L"ntdll.dll");
 }
 
-// The table as it lies in memory: one pointer a member, in their order, then the module.
+// The table's memory as pointers: one per member, in order, then the module.
 template <class Table>
 std::vector<const void*> PointersOf(const Table& table) {
     std::vector<const void*> pointers(sizeof(Table) / sizeof(void*));
@@ -46,7 +46,7 @@ std::vector<const void*> PointersOf(const Table& table) {
     return pointers;
 }
 
-// What a whole binding leaves, with nulls from `first_null` of the binding order on and no module then.
+// The expected members: null for every function that is not in `bound`. The module is not included.
 template <class Table>
 std::vector<const void*> Expected(const Names& bound) {
     std::vector<const void*> pointers;
@@ -84,7 +84,7 @@ Description Lacking(const std::string& function) {
     return description;
 }
 
-// A table bound under a simulation, and what became of the library meanwhile.
+// Binds a table under a simulation, and records the log and the released modules.
 template <class Table>
 struct Bound {
     LoggerCapture log;
@@ -219,7 +219,7 @@ TEST(NtDLLBinding, Bind_LibraryDoesNotLoad_LogsAndStaysNull) {
     ExpectNoLibrary<NtDLL>(L"ntdll.dll", "NtDLL LoadLibrary failed error=0x7e");
 }
 
-// How often the library is released at the end of a table's life.
+// The number of times that a table's destructor releases the library.
 template <class Table>
 std::size_t ReleasedAtTheEnd(const Description& description) {
     const Simulation simulation(description);
@@ -262,7 +262,8 @@ TEST(Kernel32DLLBinding, Get_Twice_IsTheSameTableAndSilent) {
     EXPECT_NE(first_native.ZwClose, nullptr);
 }
 
-// Binds the process-wide table without a function, and then asks for it on a machine that has all of them.
+// Binds the process-wide table while one function is missing. Later calls must not bind it again, even when
+// all functions exist.
 template <class Table>
 void ExpectNoSecondBinding(const std::string& missing, const Names& order, const std::string& prefix) {
     std::vector<const void*> expected = Expected<Table>(UpTo(order, missing));

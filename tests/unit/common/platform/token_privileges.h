@@ -27,7 +27,7 @@ inline LUID ValueOf(const wchar_t* privilege) {
     return luid;
 }
 
-// The attributes of a privilege that the token holds; none where it does not hold it.
+// The attributes of a privilege; none if the token does not hold it.
 inline std::optional<DWORD> AttributesOf(HANDLE token, const wchar_t* privilege) {
     alignas(TOKEN_PRIVILEGES) unsigned char buffer[4096];
     DWORD bytes = 0;
@@ -51,7 +51,7 @@ inline bool IsEnabled(HANDLE token, const wchar_t* privilege) {
     return (AttributesOf(token, privilege).value_or(0) & SE_PRIVILEGE_ENABLED) != 0;
 }
 
-// Gives a privilege other attributes: 0 disables it, SE_PRIVILEGE_REMOVED takes it away for good.
+// Sets a privilege's attributes: 0 disables it, SE_PRIVILEGE_REMOVED removes it permanently.
 inline void Adjust(HANDLE token, const wchar_t* privilege, DWORD attributes) {
     TOKEN_PRIVILEGES privileges{};
     privileges.PrivilegeCount = 1;
@@ -60,7 +60,7 @@ inline void Adjust(HANDLE token, const wchar_t* privilege, DWORD attributes) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_SUCCESS});
 }
 
-// Whether this user may load and save hives at all: an administrator of Windows, anyone under Wine.
+// True if this user may load and save hives: administrators on Windows, every user under Wine.
 inline bool UserHoldsBackupPrivileges() {
     const Token token = OwnToken();
     return IsHeld(token.get(), SE_BACKUP_NAME) && IsHeld(token.get(), SE_RESTORE_NAME);

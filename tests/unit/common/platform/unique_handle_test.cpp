@@ -18,7 +18,7 @@ HANDLE Handle(std::uintptr_t number) {
     return reinterpret_cast<HANDLE>(number);
 }
 
-// A kind of handle that records what is closed, and disturbs the last error as a real closing may.
+// A handle type that records what is closed and changes the last error, as a real close may do.
 struct RecordedKind {
     static inline std::vector<HANDLE> closed;
 
@@ -88,7 +88,7 @@ TEST_F(UniqueHandleTest, Move_Construction_TakesTheHandleOver) {
         Recorded from(Handle(16));
         const Recorded to(std::move(from));
         EXPECT_EQ(to.get(), Handle(16));
-        EXPECT_FALSE(from);  // NOLINT(bugprone-use-after-move): what is left behind is the point
+        EXPECT_FALSE(from);  // NOLINT(bugprone-use-after-move): the moved-from state is tested
     }
     EXPECT_THAT(closed(), ElementsAre(Handle(16)));
 }

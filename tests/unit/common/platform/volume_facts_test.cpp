@@ -1,4 +1,4 @@
-// The wrappers that ask for facts of one volume: drive type, space, label and file system, the search.
+// The wrappers that query one volume: drive type, space, label and file system, the volume search.
 
 #include "common/platform/win_api_wrapper.h"
 #include "support/logger_capture.h"
@@ -35,7 +35,7 @@ TEST_P(DriveTypes, GetDriveTypeW_TypeBesideUnknown_IsGivenAsItIs) {
 
     EXPECT_EQ(type, GetParam());
     EXPECT_EQ(error_, 0U);
-    EXPECT_THAT(log_.all(), SizeIs(2)) << log_;  // just the trace
+    EXPECT_THAT(log_.all(), SizeIs(2)) << log_;  // only the trace lines
 }
 
 INSTANTIATE_TEST_SUITE_P(All, DriveTypes,

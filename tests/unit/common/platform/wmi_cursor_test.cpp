@@ -20,7 +20,7 @@ protected:
         wmi.Get(L"Name", name);
         return name;
     }
-    // The failures of the constructor, and what the cursor then says.
+    // Expects that construction fails with this log line, and that every later call fails.
     void ExpectFailed(const std::string& line, std::size_t queries) {
         {
             CWmi wmi(kQuery);
@@ -110,7 +110,7 @@ TEST_F(WmiCursor, FindFirstObject_NoObjects_IsFalse) {
     EXPECT_FALSE(wmi.FindNextObject());
 }
 
-// The query answers at once; that the class is unknown shows when the first object is asked for.
+// The query itself succeeds; the unknown class causes an error when the first object is fetched.
 TEST_F(WmiCursor, FindFirstObject_UnknownClass_IsFalse) {
     CWmi wmi(L"Select * from No_Such_Class");
     EXPECT_TRUE(wmi.initialized());
@@ -217,7 +217,7 @@ TEST_F(WmiCursor, Construction_Locator_IsCreatedAsAnUnknown) {
     EXPECT_FALSE(outer);
 }
 
-// Keeps what it is asked to connect to, and connects to nothing.
+// Records the arguments of ConnectServer and fails.
 class ListeningLocator final : public IWbemLocator {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID /*iid*/, void** /*object*/) override {

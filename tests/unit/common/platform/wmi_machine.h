@@ -8,8 +8,8 @@
 
 #include <string>
 
-// A session of a machine whose class Test_Class has the given instances (JSON); ends by looking for objects
-// that were not released.
+// A session with a machine whose class Test_Class has these instances (JSON). Checks at the end that all
+// objects were released.
 class WmiMachine : public testing::Test {
 protected:
     explicit WmiMachine(const std::string& instances)

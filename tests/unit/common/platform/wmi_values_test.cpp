@@ -12,7 +12,7 @@ struct Value {
     const char* name;
     const char* json;
     int whole;
-    int low;  // for the reading that keeps 16 bits of VT_UI4
+    int low;  // expected from the call that keeps 16 bits of VT_UI4
 };
 
 const Value kValues[] = {
@@ -59,7 +59,7 @@ protected:
     void SetUp() override { ASSERT_TRUE(found_) << log_; }
     void TearDown() override { wmi_.FindNextObject(); }
 
-    // Gives the property this value instead of its own; the value is handed over.
+    // Replaces the property's value. The simulation takes ownership of `value`.
     void Put(const wchar_t* property, const VARIANT& value) {
         simulation().faults().Alter(
             "IWbemClassObject::Get",
@@ -140,7 +140,7 @@ TEST_P(WmiUnreadable, Get_PropertyThatCannotBeRead_IsFalse) {
 
 INSTANTIATE_TEST_SUITE_P(MissingAndFailing, WmiUnreadable, testing::Values(L"NoSuchProperty", L"Broken"));
 
-// The simulated object refuses the reserved flags: no reading passes any.
+// The simulated object rejects the reserved flags, so every call must pass 0.
 TEST_F(WmiValues, Get_EveryForm_PassesNoFlags) {
     simulation().calls().Clear();
     int number = 0;

@@ -6,7 +6,7 @@ using win::WinAPIWrapper;
 
 constexpr int kError = 3;
 
-// A file that owns nothing: never closed.
+// A file handle that is not owned and never closed.
 class BorrowedFile {
 public:
     BorrowedFile() : file_(reinterpret_cast<HANDLE>(0x10)) {}

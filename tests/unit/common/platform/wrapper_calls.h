@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-// What every wrapper has in common is tested with this one call of each.
+// One call of each wrapper, for the tests of what all wrappers have in common.
 struct WrapperCall {
-    std::string name;                        // its qualified name, as it traces itself
-    std::function<bool(DWORD& error)> call;  // with handles 0x10 and outputs that are thrown away
-    std::string system_function;             // the member of the table behind it
-    std::string failure_line;                // what it logs of a failure with the code 1167
-    int failure_level = 0;                   // the host's
+    std::string name;                        // without the class; as in its trace lines
+    std::function<bool(DWORD& error)> call;  // with handles 0x10; outputs are discarded
+    std::string system_function;             // the member of the table that it calls
+    std::string failure_line;                // logged when the function fails with error 1167
+    int failure_level = 0;                   // host's log level
 };
 
 inline void PrintTo(const WrapperCall& call, std::ostream* out) {
@@ -23,5 +23,5 @@ inline void PrintTo(const WrapperCall& call, std::ostream* out) {
 
 inline constexpr DWORD kExampleError = 1167;  // ERROR_DEVICE_NOT_CONNECTED
 
-// All operations over kernel32.
+// All wrappers of kernel32 functions.
 const std::vector<WrapperCall>& KernelWrapperCalls();

@@ -1,4 +1,4 @@
-// What all the wrappers over kernel32 promise alike: trace lines, the error code, one failure line, no
+// The behaviour common to all wrappers of kernel32 functions: trace lines, error code, one failure line, no
 // exception.
 
 #include "support/logger_capture.h"
@@ -23,7 +23,7 @@ std::string Qualified(const WrapperCall& call) {
     return "win::WinAPIWrapper::" + call.name;
 }
 
-// All functions behind the wrappers fail with the same code.
+// Makes all functions behind the wrappers fail with the same error code.
 class FailingSystem {
 public:
     explicit FailingSystem(DWORD code)
@@ -79,7 +79,7 @@ private:
 
 class EachWrapper : public testing::TestWithParam<WrapperCall> {
 protected:
-    // Runs the call on a poisoned error code.
+    // Makes the call with an invalid value in the error code.
     bool Call() {
         error_ = 0xDEAD;
         return GetParam().call(error_);
@@ -113,7 +113,7 @@ TEST_P(EachWrapper, SystemFailsWithoutACode_StillReturnsOne) {
     EXPECT_THAT(log_.all(), SizeIs(3)) << log_;
 }
 
-// A table in which nothing could be bound.
+// The table is all null, as when nothing could be bound.
 TEST_P(EachWrapper, FunctionIsNotBound_FailsWithTheProcedureNotFound) {
     alignas(Kernel32DLL) unsigned char saved[sizeof(Kernel32DLL)];
     void* const table = &Kernel32DLL::Get();

@@ -34,7 +34,7 @@ void Build(const std::vector<PARTITION_INFORMATION>& entries, std::int64_t disk_
     BuildPartitionRows(entries, disk_length, rows);
 }
 
-// A row as the tables below state it: MiB, kind, operation, number.
+// A row as in the tables below: offset and length in MiB, kind, operation, number.
 struct Row {
     std::int64_t offset;
     std::int64_t length;
@@ -52,7 +52,7 @@ std::ostream& operator<<(std::ostream& out, const Row& row) {
 
 std::vector<Row> RowsOf(const std::vector<PARTITION_INFORMATION>& entries,
                         std::int64_t disk_length = kDiskLength) {
-    std::vector<PartitionRow> built(1);  // what was there before is replaced
+    std::vector<PartitionRow> built(1);  // previous content must be replaced
     BuildPartitionRows(entries, disk_length, built);
     std::vector<Row> rows;
     for (const PartitionRow& row : built) {

@@ -29,19 +29,19 @@ TEST_P(MultiStrings, Split_Block_GivesItsCompleteEntries) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, MultiStrings,
-    testing::Values(Block{{}, {}},                                      // nothing at all
-                    Block{{0}, {}},                                     // the end of an empty list
+    testing::Values(Block{{}, {}},                                      // empty block
+                    Block{{0}, {}},                                     // empty list
                     Block{{0, 0}, {}},                                  //
-                    Block{{0, L'a', 0, 0}, {}},                         // the empty entry ends the list
-                    Block{{L'a'}, {}},                                  // no terminator at all
-                    Block{{L'a', 0}, {L"a"}},                           // no end of the list
+                    Block{{0, L'a', 0, 0}, {}},                         // the empty first entry ends the list
+                    Block{{L'a'}, {}},                                  // not terminated
+                    Block{{L'a', 0}, {L"a"}},                           // list not terminated
                     Block{{L'a', 0, 0}, {L"a"}},                        //
                     Block{{L'a', 0, L'b', L'c', 0, 0}, {L"a", L"bc"}},  //
-                    Block{{L'a', 0, L'b', L'c', 0}, {L"a", L"bc"}},     // no end of the list
-                    Block{{L'a', 0, L'b', L'c'}, {L"a"}},               // the second is cut off
-                    Block{{L'a', 0, 0, L'b', 0, 0}, {L"a"}},            // what follows the end is none
-                    Block{{L'a', 0, L'a', 0, 0}, {L"a", L"a"}},         // twice the same
-                    Block{{L' ', 0, L'\n', 0, 0}, {L" ", L"\n"}},       // blanks are characters
+                    Block{{L'a', 0, L'b', L'c', 0}, {L"a", L"bc"}},     // list not terminated
+                    Block{{L'a', 0, L'b', L'c'}, {L"a"}},               // second entry truncated
+                    Block{{L'a', 0, 0, L'b', 0, 0}, {L"a"}},            // nothing is read after the end
+                    Block{{L'a', 0, L'a', 0, 0}, {L"a", L"a"}},         // duplicates are kept
+                    Block{{L' ', 0, L'\n', 0, 0}, {L" ", L"\n"}},       // white space is kept
                     Block{{0xD83D, 0xDE00, 0, 0xD83D, 0, 0}, {{0xD83D, 0xDE00}, {0xD83D}}}));
 
 TEST(MultiString, Split_NothingMayBeRead_ReadsNothing) {

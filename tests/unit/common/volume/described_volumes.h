@@ -5,14 +5,14 @@
 
 #include <string>
 
-// Volumes on one described disk, and the parts of the library that a volume asks.
+// Volumes on one described disk, and the library objects that a volume uses.
 namespace described {
 
 inline constexpr const wchar_t* kSystemId = L"\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\";
 inline constexpr const wchar_t* kDataId = L"\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\";
 inline constexpr const wchar_t* kDataDevice = L"\\Device\\HarddiskVolume2";
 
-// Disk 0 with an active partition of 500 MiB and one of 4 GiB; a volume on each.
+// Disk 0 with an active partition of 500 MiB and one of 4 GiB, with a volume on each.
 inline constexpr const char* kTwoVolumes = R"({"disks": [{
     "index": 0, "size": "8 GiB", "signature": 439041101,
     "partitions": [
@@ -29,7 +29,7 @@ inline constexpr const char* kTwoVolumes = R"({"disks": [{
          "freeBytesToCaller": 1073741824}
     ]})";
 
-// The machine, with its disk 0 known to the library.
+// A machine whose disk 0 the library knows.
 class Machine : public simulated_disks::Machine {
 public:
     explicit Machine(const std::string& json = kTwoVolumes) : simulated_disks::Machine(json) {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-// A system that never comes to an end is given up. Without a capture of the log, which would keep every line.
+// A listing without an end is aborted. The log is not captured, because that would store every line.
 namespace bmr_common {
 namespace {
 

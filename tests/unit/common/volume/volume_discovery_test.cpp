@@ -27,7 +27,7 @@ protected:
     }
     machine::FaultPlan& faults() { return machine_.simulation().faults(); }
 
-    // "device=GUID path" of every volume found.
+    // "device=GUID path" for every volume found.
     std::vector<std::string> Found() const {
         std::vector<std::string> found;
         for (const VolumePtr& volume : manager_.volumes()) {
@@ -36,7 +36,7 @@ protected:
         return found;
     }
 
-    // A discovery that fails leaves the reason as the only message in the log, and no volumes.
+    // Expects that discovery fails, logs the reason as its only message, and leaves no volumes.
     void ExpectFailureWith(const std::string& reason) {
         EXPECT_FALSE(Discover());
         EXPECT_TRUE(manager_.IsFailed(L"Find Volume"));

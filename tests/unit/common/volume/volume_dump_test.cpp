@@ -21,7 +21,7 @@ using testing::ElementsAreArray;
 constexpr const char* kLengthCall = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
 constexpr const char* kExtentsCall = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
 
-// What the data volume dumps when every query succeeds.
+// The lines of the data volume when every query succeeds.
 const std::vector<std::string> kDataLines = {
     "Volume ID: \\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\",
     "Volume GUID: \\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\",
@@ -61,7 +61,7 @@ protected:
         volume.Initialize(L"", L"\\Device\\HarddiskVolume2", machine_.disks());
     }
 
-    // The lines that the data volume dumps, all at the level of dumps.
+    // The dumped lines. All messages must be at the dump's level.
     std::vector<std::string> DumpOf(const Volume& volume) {
         log_.Clear();
         volume.DumpInfo();
@@ -86,8 +86,8 @@ TEST_F(VolumeDumpTest, EveryQuerySucceeded_WritesAllInOrder) {
 TEST_F(VolumeDumpTest, QueryFailed_SaysSoInThePlaceOfItsLines) {
     struct FailureCase {
         const char* call;
-        const char* first;  // of the lines that are replaced
-        const char* next;   // the one behind them
+        const char* first;  // first of the lines that are replaced
+        const char* next;   // the line after them
         const char* line;
     };
     const FailureCase cases[] = {
@@ -114,7 +114,7 @@ TEST_F(VolumeDumpTest, QueryFailed_SaysSoInThePlaceOfItsLines) {
 
         std::vector<std::string> dumped = DumpOfDataVolume();
 
-        // What the failure means for the backup is another matter.
+        // The reasons and the verdict that follow from the failure are tested elsewhere.
         std::erase_if(dumped, [](const std::string& line) { return line.starts_with("  Failure reason: "); });
         EXPECT_EQ(lines.size(), dumped.size()) << failure.call;
         std::erase_if(dumped, [](const std::string& line) { return line.starts_with("Volume available"); });

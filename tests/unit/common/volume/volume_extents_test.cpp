@@ -23,7 +23,7 @@ constexpr const char* kExtentsCall = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DI
 
 class VolumeExtentsTest : public testing::Test {
 protected:
-    // Gives the volume so many extents of one MiB on disk 0.
+    // Gives the volume this many extents of 1 MiB on disk 0.
     void Scatter(std::uint64_t count) {
         std::vector<machine::Extent> extents;
         for (std::uint64_t i = 0; i < count; ++i) {
@@ -148,7 +148,7 @@ TEST_F(VolumeExtentsTest, NegativeLength_IsARecordedError) {
     EXPECT_TRUE(volume_.IsFailed(L"Getting volume partition size"));
 }
 
-// Throws from one of the queries on the open volume.
+// A volume that throws from one of the queries that use its handle.
 class ThrowingVolume : public Volume {
 public:
     ThrowingVolume(bool size_throws, bool extents_throw)

@@ -6,11 +6,11 @@
 
 #include <cstddef>
 
-// Every single call of a discovery fails once, and once with all that follow it.
+// Makes each call of a discovery fail, once alone and once with all later calls.
 namespace bmr_common {
 namespace {
 
-// Whether the k-th call there is was made to fail. The machine itself looks for handles left open.
+// Returns true if a call with this number was made and failed. The Machine checks for leaked handles.
 bool DiscoverWithFault(std::size_t ordinal, bool from_there_on) {
     const support::LoggerCapture log;
     described::Machine machine;

@@ -15,7 +15,7 @@ using described::kDataId;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// What a volume is called, and whether that makes it the system or the boot volume.
+// A volume's names, and whether they make it the system or the boot volume.
 class VolumeIdentityTest : public testing::Test {
 protected:
     bool Initialize(Volume& volume, const std::wstring& system = {}, const std::wstring& boot = {}) {

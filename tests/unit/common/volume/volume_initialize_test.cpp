@@ -20,7 +20,7 @@ using testing::IsEmpty;
 constexpr const char* kLengthCall = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
 constexpr const char* kExtentsCall = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
 
-// A query: its operation, the system call behind it, and what is recorded when that fails.
+// A query: its operation, the system call it makes, and the error text recorded when that fails.
 struct QueryCase {
     const wchar_t* operation;
     const char* call;
@@ -190,11 +190,11 @@ TEST_F(VolumeInitializeTest, EachQueryRefused_IsRecordedAndTheOthersGoOn) {
 TEST_F(VolumeInitializeTest, EachQueryRefused_RecordsItsText) {
     for (const QueryCase& query : kQueries) {
         if (query.operation == std::wstring(L"Getting Drive Type")) {
-            continue;  // such a volume is refused for its type, and nothing tells the text
+            continue;  // the drive type is the reason for such a volume; the text does not appear
         }
         faults().Clear();
         faults().Fail(query.call, ERROR_NOT_READY);
-        faults().Fail(kExtentsCall, ERROR_NOT_READY);  // makes the texts of all failures reasons
+        faults().Fail(kExtentsCall, ERROR_NOT_READY);  // makes all recorded texts reasons
         faults().Fail("GetVolumeInformationW", ERROR_NOT_READY);
         Volume volume(kDataId);
 

@@ -20,7 +20,7 @@ using described::kDataId;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Answers as a test wants it, and keeps what it was asked.
+// Returns the answers that a test sets, and records its calls.
 class AnsweringDisk : public DiskDriveManagerUnknown {
 public:
     using DiskDriveManagerUnknown::DiskDriveManagerUnknown;

@@ -19,7 +19,7 @@ using expected::Info;
 using testing::ElementsAre;
 using testing::StartsWith;
 
-// Knows the two volumes of the machine.
+// A manager initialised with the machine's two volumes.
 class VolumeManagerTest : public testing::Test {
 protected:
     VolumeManagerTest() {
@@ -87,7 +87,7 @@ TEST_F(VolumeManagerTest, GetVolume_NoSuchName_IsTracedOnce) {
         {L"\\Device\\HarddiskVolume9", "\\Device\\HarddiskVolume9"},
         {L"\\Device\\HarddiskVolume", "\\Device\\HarddiskVolume"},
         {L"C:\\", "C:\\"},
-        // Holds the prefix already, and is therefore not completed.
+        // Already starts with the prefix, so nothing is added.
         {L"\\\\?\\Volume{00000000-0000-0000-0000-000000000002}",
          "\\\\?\\Volume{00000000-0000-0000-0000-000000000002}"},
     };

@@ -16,7 +16,7 @@ using testing::IsEmpty;
 constexpr const wchar_t* kDevice = L"\\Device\\HarddiskVolume2";
 constexpr const wchar_t* kDevicePath = L"\\\\?\\GLOBALROOT\\Device\\HarddiskVolume2\\";
 
-// Volumes that only their device name and drive letters tell.
+// Volumes that are identified only by their device name and drive letters.
 class VolumeWithoutGuidTest : public testing::Test {
 protected:
     void AddDosDevice(const wchar_t* name, const wchar_t* target) {

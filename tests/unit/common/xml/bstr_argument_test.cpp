@@ -1,4 +1,4 @@
-// Texts as the system's functions for BSTRs see them.
+// Texts as BSTR functions of the system see them.
 
 #include "common/xml/bstr_argument.h"
 

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <string>
 
-// Tests whose thread has COM.
+// Tests that initialise COM on their thread.
 class ComThread : public testing::Test {
 protected:
     ComThread() : initialized_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
@@ -25,7 +25,7 @@ private:
     bool initialized_;
 };
 
-// XML without the line ends and tabs that a DOM may put between elements.
+// XML without the line breaks and tabs that a DOM may insert between elements.
 inline std::wstring Flat(std::wstring_view xml) {
     std::wstring flat;
     for (std::size_t at = 0; at < xml.size();) {

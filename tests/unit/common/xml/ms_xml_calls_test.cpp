@@ -1,4 +1,4 @@
-// Each call of a node's interface, made to fail one at a time.
+// Makes each call to a node's interface fail in turn.
 
 #include "com_thread.h"
 #include "common/xml/ms_xml.h"
@@ -14,7 +14,7 @@ namespace {
 constexpr GUID kDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
 constexpr auto kFailure = static_cast<HRESULT>(0x80020009);
 
-// The methods of IXMLDOMNode by their place in the interface.
+// Methods of IXMLDOMNode by their index in the function table.
 enum NodeMethod : std::size_t {
     kAppendChild = 21,
     kGetOwnerDocument = 23,
@@ -34,7 +34,7 @@ HRESULT STDMETHODCALLTYPE GiveNothing(void* /*self*/, void** result) {
     return S_FALSE;
 }
 
-// Puts another method in the place of one of an object's own, for the life of this.
+// Replaces a method of one object while this lives.
 class ReplacedMethod {
 public:
     ReplacedMethod(IXMLDOMNode* node, NodeMethod place, Method method)

@@ -1,4 +1,4 @@
-// What the wrapper does when there is no document, no node, or an interface call fails.
+// The wrapper without a document, without a node, and when an interface call fails.
 
 #include "com_thread.h"
 #include "common/xml/ms_xml.h"
@@ -16,7 +16,7 @@ using support::LoggerCapture;
 using support::StubImport;
 using testing::IsEmpty;
 
-// The code of the COM error that `body` throws; none when it throws nothing.
+// The code of the COM error that `body` throws; none if it does not throw.
 template <class Body>
 std::optional<std::uint32_t> ComErrorOf(Body&& body) {
     try {
@@ -132,7 +132,8 @@ TEST_F(MsXmlCalls, AddChild_NoName_RaisesTheFailureAndAddsNothing) {
     EXPECT_THAT(log_.all(), IsEmpty());
 }
 
-// No memory for a text that is too long to be kept in place, while it lives.
+// While it lives, SysAllocStringLen is out of memory. It is called for texts too long for the built-in
+// buffer.
 class NoTextMemory {
 private:
     using Function = decltype(&::SysAllocStringLen);

@@ -152,7 +152,7 @@ struct AnsiText {
     std::wstring loaded;
 };
 
-// On a system whose ANSI code page is this one.
+// Simulates a system with this ANSI code page.
 class MsXmlAnsi : public MsXml, public testing::WithParamInterface<AnsiText> {};
 
 TEST_P(MsXmlAnsi, LoadXML_TextBeyondAscii_IsOfTheAnsiCodePage) {
