@@ -1,9 +1,9 @@
 #pragma once
 
 #include "common/platform/guid.h"
-#include "common/text/decimal_text.h"
 #include "common/windows.h"
 #include "common/xml/ms_xml.h"
+#include "common/xml/xml_values.h"
 
 #include <concepts>
 #include <cstdint>
@@ -33,20 +33,19 @@ struct Field {
     FieldMember<Record> member;
 };
 
-// The texts of the values: numbers in plain decimal, "1" or "0", a GUID in registry form, a text as it
-// stands.
+// One element with a value: a number in decimal, "1" or "0", a GUID in registry form, a text unchanged.
 template <std::integral Number>
-std::wstring ValueText(Number value) {
-    return DecimalText(value);
+void AddValue(CMSXmlNode& parent, const char* element, Number value) {
+    AddNumberElement(parent, element, value);
 }
-inline std::wstring_view ValueText(bool value) {
-    return value ? L"1" : L"0";
+inline void AddValue(CMSXmlNode& parent, const char* element, bool value) {
+    parent.AddTextChild(element, value ? L"1" : L"0");
 }
-inline std::wstring ValueText(const GUID& value) {
-    return GuidText(value);
+inline void AddValue(CMSXmlNode& parent, const char* element, const GUID& value) {
+    parent.AddTextChild(element, GuidText(value));
 }
-inline const std::wstring& ValueText(const std::wstring& value) {
-    return value;
+inline void AddValue(CMSXmlNode& parent, const char* element, const std::wstring& value) {
+    parent.AddTextChild(element, value);
 }
 
 template <class Record, class Value>
@@ -63,8 +62,7 @@ auto ValueOf(const Record& record, Signed<Record, Number> field) {
 template <class Record, class Fields>
 void WriteFields(CMSXmlNode& parent, const Record& record, const Fields& fields) {
     for (const auto& field : fields) {
-        std::visit(
-            [&](auto member) { parent.AddTextChild(field.element, ValueText(ValueOf(record, member))); },
-            field.member);
+        std::visit([&](auto member) { AddValue(parent, field.element, ValueOf(record, member)); },
+                   field.member);
     }
 }

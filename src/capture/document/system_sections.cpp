@@ -18,7 +18,7 @@ constexpr Field<SystemSections> kHeader[] = {
 
 template <class Value>
 void WriteFact(CMSXmlNode& section, const char* element, const Value& value) {
-    section.AddTextChild(element, ValueText(value));
+    AddValue(section, element, value);
 }
 
 void WriteFact(CMSXmlNode& section, const char* element, const std::vector<std::wstring>& texts) {

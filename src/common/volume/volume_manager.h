@@ -6,6 +6,7 @@
 #include "common/volume/volume.h"
 
 #include <map>
+#include <string_view>
 
 namespace bmr_common {
 
@@ -65,7 +66,8 @@ private:
 
     OperationStatus status_;
     std::vector<VolumePtr> volumes_;
-    std::map<std::wstring, VolumePtr, LessFolded> by_name_;  // by volume GUID path and by device name
+    // By volume GUID path and by device name. The keys point into the volumes.
+    std::map<std::wstring_view, VolumePtr, LessFolded> by_name_;
 };
 
 }  // namespace bmr_common

@@ -9,7 +9,7 @@
 template <std::integral Number>
 requires(!std::same_as<Number, bool>) void AddNumberElement(CMSXmlNode& parent, const char* name,
                                                             Number value) {
-    parent.AddTextChild(name, DecimalText(value));
+    parent.AddTextChild(name, DecimalDigits(value).view());
 }
 
 // A boolean as the disk model writes it: compatibility C89
