@@ -12,14 +12,14 @@
 #include <type_traits>
 #include <variant>
 
-// A number that the record keeps unsigned and the document gives as a signed one of the same width.
+// An unsigned member that the document shows as a signed number of the same width.
 template <class Record, class Number>
 struct Signed {
     Number Record::*member;
 };
 
-// A record's elements as a table: each row names an element and the member that fills it, in the order in
-// which they are written.
+// A table describes the elements of a record. Each row names an element and the member that holds its value,
+// in document order.
 
 template <class Record>
 using FieldMember =
@@ -33,8 +33,8 @@ struct Field {
     FieldMember<Record> member;
 };
 
-// The texts of the values: numbers in plain decimal, "1" or "0", a GUID in registry form, a text as it
-// stands.
+// Converts values to text: numbers to plain decimal, truth values to "1" or "0", GUIDs to registry form.
+// Strings do not change.
 template <std::integral Number>
 std::wstring ValueText(Number value) {
     return DecimalText(value);
