@@ -1,13 +1,13 @@
-# Everything from a fresh clone: each target installs what is missing, configures and builds what it needs.
+# Works from a fresh clone: each target installs missing packages, then configures and builds what it needs.
 #   make capture ARGS="..."   the environment document on standard output (ARGS=--help lists the arguments)
 #   make dump ARGS=disks      lines for support staff: wmi, disks, volumes or firmware
 #   make check ARGS="..."     what can be backed up, and why not
-#                             All three describe a workstation unless ARGS names a --machine.
+#                             These three describe an example workstation unless ARGS contains --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
-#   make faults ARGS="..."    everything that can go wrong goes wrong (ARGS=--help lists how to choose)
-#   make bench                ratios of time and memory against goals; ARGS=--help lists how to choose
-#   make lint                 format, clang-tidy, every source alone, the rooms, the oddities; make format mends
-#                             the first
+#   make faults ARGS="..."    fault injection, all cases (ARGS=--help lists the options)
+#   make bench                benchmarks of time and memory (ARGS=--help lists the options)
+#   make lint                 format, dependencies of the rooms, list of oddities, clang-tidy, warnings
+#   make format               corrects the format
 #   make coverage             line coverage per room
 #   make build, make clean, make setup
 
@@ -27,7 +27,7 @@ export JOBS
 setup:
 	@scripts/setup build test lint coverage
 
-# Standard output belongs to the command's own alone.
+# Only the command itself writes to standard output.
 capture dump check:
 	@scripts/setup build >&2
 	@scripts/build $(PRESET) --target Orvane orvane >&2

@@ -19,7 +19,7 @@ using Playback = CallTape::Playback;
 
 CallTape* tape = nullptr;
 
-// The simulated function behind a recorded one.
+// The simulated function that the recording function calls.
 template <class Function>
 Function Simulated(const wchar_t* library, const char* name) {
     return reinterpret_cast<Function>(
@@ -197,7 +197,7 @@ NTSTATUS NTAPI RecordZwClose(HANDLE handle) {
     return call(handle);
 }
 
-// What the library imports itself.
+// The functions that the library imports directly.
 
 HRESULT WINAPI RecordCoInitializeEx(LPVOID reserved, DWORD model) {
     tape->Add(0, [=](Playback&) { CoInitializeEx(nullptr, model); });
@@ -289,7 +289,7 @@ std::size_t CallTape::PlaceOf(HANDLE opened) {
 }
 
 std::size_t CallTape::Find(HANDLE handle) const {
-    // The latest: a value may be used again after it was closed.
+    // Searches backwards: a handle value may be reused after it was closed.
     const auto found = std::find(places_.rbegin(), places_.rend(), handle);
     if (found == places_.rend()) {
         throw std::logic_error("a call uses a handle that none opened");

@@ -9,15 +9,16 @@
 
 namespace bench {
 
-// The system calls of one capture, with their arguments, to be made again without the library. One thread.
+// Records the system calls of one capture with their arguments, and replays them without the library. Use it
+// on one thread only.
 class CallTape {
 public:
-    // What the calls are made with: nothing is made for a call while the tape plays.
+    // The handles and buffers of the calls, allocated in advance: the replay of a call allocates nothing.
     struct Playback {
-        std::vector<HANDLE> handles;  // that the calls open, by their place on the tape
+        std::vector<HANDLE> handles;  // opened by the calls, in the order of opening
         std::vector<std::uint64_t> scratch;
 
-        // For the answer of one call.
+        // The output buffer of one call.
         template <class Element>
         Element* Answer() {
             return reinterpret_cast<Element*>(scratch.data());
@@ -26,13 +27,13 @@ public:
     using Call = std::function<void(Playback&)>;
 
     void Clear();
-    // A call whose answer needs so many bytes.
+    // Appends a call with an output of at most `answer_bytes` bytes.
     void Add(std::size_t answer_bytes, Call call);
     std::size_t size() const { return calls_.size(); }
 
-    // A place for a handle that a call has just opened.
+    // Adds a handle that a call has just opened and returns its index.
     std::size_t PlaceOf(HANDLE opened);
-    // The place of a handle that is open.
+    // The index of an open handle.
     std::size_t Find(HANDLE handle) const;
 
     void Play();
@@ -43,7 +44,7 @@ private:
     std::vector<HANDLE> places_;
 };
 
-// From now on the module's system calls go to `tape` too. The module must not have been called before.
+// Records the module's system calls on `tape` from now on. Call this before any function of the module.
 void RecordCallsOf(HMODULE module, CallTape& tape);
 
 }  // namespace bench

@@ -8,7 +8,7 @@
 
 namespace bench {
 
-// A capture in the format, into a buffer that is large enough; throws when it fails.
+// Captures in one format, into a buffer that is large enough. Throws if a capture fails.
 class Captures {
 public:
     Captures(const host::OrvaneLibrary& library, std::uint32_t format);
@@ -23,10 +23,10 @@ private:
     std::uint32_t length_ = 0;
 };
 
-// Puts the library on the described machine of each session; throws when it cannot be put there.
+// Redirects the library to the described machine of each session. Throws if that fails.
 void PutOnSimulation(const host::OrvaneLibrary& library);
 
-// Receives the log and does nothing with it.
+// A log callback that does nothing.
 void IgnoreLog(std::int32_t level, const char* text);
 
 }  // namespace bench

@@ -41,7 +41,7 @@ void Require(HRESULT result) {
     }
 }
 
-// Made as the library makes it: that is the platform's part too.
+// Creates the document as the library does: this cost belongs to the platform.
 Document NewDocument(const std::wstring& root) {
     UnknownPtr unknown;
     Require(CoCreateInstance(kDomDocument30, nullptr, CLSCTX_SERVER, IID_IUnknown,

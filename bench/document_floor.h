@@ -10,13 +10,13 @@
 
 namespace bench {
 
-// A document, to be built again.
+// Rebuilds a document with the XML component alone.
 class DocumentFloor {
 public:
     explicit DocumentFloor(const XmlTree& root);
 
-    // Builds the document's nodes with the XML component, the shortest way, and turns it into bytes of the
-    // code page. Returns how many. COM must be initialised.
+    // Builds the document's nodes with as few calls as possible and converts the document to the ANSI code
+    // page. Returns the number of bytes. COM must be initialised.
     std::size_t Build() const;
 
 private:

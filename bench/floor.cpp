@@ -1,5 +1,5 @@
-// Captures against a floor: the same calls to the system, the same management calls, the same nodes of a
-// document, without a model, without checks, without a log.
+// Compares captures with their floor, the minimum cost: the same system calls, WMI calls and document nodes,
+// without the disk model, the checks and the log.
 
 #include "bench/call_tape.h"
 #include "bench/captures.h"
@@ -21,7 +21,7 @@ namespace bench {
 
 namespace {
 
-// The start options, as formats 1 and 2 look for them.
+// Reads the start options as formats 1 and 2 do.
 void ReadStartOptions() {
     HANDLE token = nullptr;
     OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token);
@@ -47,10 +47,10 @@ void ReadStartOptions() {
     RegCloseKey(key);
 }
 
-// What one capture costs the platform.
+// The platform's part of one capture.
 class Floor {
 public:
-    // Records a capture of a copy of the library, which is called for nothing else.
+    // Records a capture with a copy of the library that is used for nothing else.
     Floor(machine::Simulation& simulation, std::uint32_t format) : format_(format) {
         const ScratchCopy copy;
         const host::OrvaneLibrary recorded(copy.file());
@@ -66,7 +66,7 @@ public:
         document_.emplace(XmlTree::Of(captures.Document()));
     }
 
-    // In the order of a capture: what was asked last answers fastest.
+    // In the order of a capture, because a call is faster if its data was used shortly before.
     void Run() {
         wmi_->Play();
         tape_.Play();

@@ -1,4 +1,4 @@
-// The library's size, and whether a thousand captures leave it as it was.
+// Measures the size of the library, and whether its time and memory stay the same over thousands of captures.
 
 #include "bench/captures.h"
 #include "bench/memory_meter.h"
@@ -40,7 +40,7 @@ Imports ImportsOf(HMODULE module) {
     return imports;
 }
 
-// Bytes that the process has for itself: committed, and no part of a file.
+// The private memory of the process in bytes: committed pages that map no file.
 double PrivateBytes() {
     double bytes = 0;
     MEMORY_BASIC_INFORMATION pages{};
@@ -81,7 +81,8 @@ void MeasureSize(const host::OrvaneLibrary& /*library*/, std::size_t /*effort*/,
     report.Figure("private memory, after its first capture", (captured - before) / kKibibyte, "KiB");
 }
 
-// A thousand captures, again and again: other programs of the machine slow a hundred of them down at times.
+// Repeats the thousand captures and takes the median, because other programs may slow down a hundred
+// captures.
 void MeasureRepetition(const host::OrvaneLibrary& library, std::size_t effort, Report& report) {
     constexpr int kCaptures = 1000;
     constexpr int kPart = 100;
@@ -108,8 +109,8 @@ void MeasureRepetition(const host::OrvaneLibrary& library, std::size_t effort, R
         run(kCaptures - 2 * kPart);
         time.push_back(run(kPart) / first);
     }
-    // Beyond what was held after the first hundred: whatever a capture leaves behind is in it, thousands of
-    // times.
+    // The peak since the first hundred captures, beyond what was held then. Leaks of thousands of captures
+    // add up in it.
     const auto later_bytes = static_cast<double>(PeakBytes());
     report.Figure("memory that a capture of the workstation takes", first_bytes / kKibibyte, "KiB");
     report.Ratio("the last hundred in times of the first, time", MedianOf(std::move(time)), 1.10);

@@ -1,4 +1,4 @@
-// More of everything: whether time and memory grow as the number does.
+// Measures whether time and memory grow linearly with the number of objects.
 
 #include "bench/captures.h"
 #include "bench/machines.h"
@@ -16,12 +16,12 @@ namespace bench {
 
 namespace {
 
-// Ten times as many may take eleven times as long. Smaller steps are not judged: where the document of a
-// large machine leaves the processor's caches, one of four times as many takes 4.3 to 4.5 times as long, and
-// the platform alone takes that.
+// Allows 10 % more than linear growth: ten times as many objects may take eleven times as long. Four times as
+// many objects take 4.3 to 4.5 times as long once the document of a large machine exceeds the processor's
+// caches; the platform alone takes that time.
 constexpr double kSlack = 1.1;
 
-// A busy machine is slow for seconds: each step is measured for longer.
+// A busy machine can be slow for seconds, so each step is measured for longer.
 constexpr double kLeastSeconds = 8;
 
 enum class Selection { kNothing, kEverything };
@@ -34,13 +34,13 @@ std::wstring EveryVolume(const machine::Description& machine) {
     return list + L'\0';
 }
 
-// The library that is measured, and a copy of it whose memory is metered: that takes time.
+// The library whose time is measured, and a copy whose memory is metered, because metering takes time.
 struct Libraries {
     const host::OrvaneLibrary& timed;
     const host::OrvaneLibrary& metered;
 };
 
-// A machine of the size for a while, with its volumes selected or none.
+// Simulates the machine for the lifetime of the object, with all or none of its volumes selected.
 class SizedMachine {
 public:
     SizedMachine(const host::OrvaneLibrary& library, const machine::Description& description,
@@ -60,8 +60,8 @@ private:
     machine::Session session_;
 };
 
-// The mean of some captures. Not the fastest: short ones find a quiet moment of a busy machine, long ones do
-// not.
+// The mean of `count` captures. The minimum would favour short captures, which are more likely to run
+// undisturbed on a busy machine.
 double SecondsOfCapture(const host::OrvaneLibrary& library, const machine::Description& description,
                         std::uint32_t format, Selection selection, std::size_t count) {
     const SizedMachine machine(library, description, selection);
@@ -74,7 +74,7 @@ double SecondsOfCapture(const host::OrvaneLibrary& library, const machine::Descr
     return seconds / static_cast<double>(count);
 }
 
-// The most of its own memory that the library holds during a capture.
+// The peak of the library's own memory during a capture, in bytes.
 double BytesOfCapture(const host::OrvaneLibrary& library, const machine::Description& description,
                       std::uint32_t format, Selection selection) {
     const SizedMachine machine(library, description, selection);
@@ -88,8 +88,8 @@ struct Series {
     std::string name;
     Size small;
     Size large;
-    std::size_t times;    // as many
-    std::size_t objects;  // of the large one
+    std::size_t times;    // size of `large` relative to `small`
+    std::size_t objects;  // number of objects in `large`
     Selection selection = Selection::kNothing;
 };
 
@@ -101,7 +101,8 @@ void MeasureSeries(const Libraries& libraries, const Series& series, std::size_t
         std::vector<double> seconds;
         std::vector<double> times;
         const auto measure = [&] {
-            // As many captures as take about as long as the one of the larger machine.
+            // Captures the small machine so many times that it takes about as long as one capture of the
+            // large machine.
             const double few =
                 SecondsOfCapture(libraries.timed, small, format, series.selection, series.times);
             const double many = SecondsOfCapture(libraries.timed, large, format, series.selection, 1);

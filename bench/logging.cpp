@@ -1,4 +1,4 @@
-// What the log costs.
+// Measures the cost of the log.
 
 #include "bench/captures.h"
 #include "bench/sections.h"
@@ -14,9 +14,9 @@ namespace bench {
 
 namespace {
 
-constexpr int kCalls = 2'000;  // a round
+constexpr int kCalls = 2'000;  // per round
 
-// The two lines of a traced call: formatted, converted, handed over.
+// Formats, converts and delivers the two lines of a traced call.
 void FormatTwoLines() {
     for (const wchar_t* const format : {L"Entering function %s line %d", L"Leaving function %s line %d"}) {
         std::array<wchar_t, 255> line{};

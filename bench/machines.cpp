@@ -15,7 +15,7 @@ std::string Digits(std::size_t number) {
     return std::string(8 - digits.size(), '0') + digits;
 }
 
-// 255 is no disk's number where WMI is asked.
+// Skips 255: WMI reports this index for a drive without a disk number.
 std::size_t DiskNumber(std::size_t position) {
     return position < 255 ? position : position + 1;
 }

@@ -6,9 +6,9 @@
 
 namespace bench {
 
-// GPT disks of four partitions each, of more where the volumes need them, and volumes that lie on them,
-// evenly. A volume has `mount_points` mount points and `aliases` further GUIDs. The first volume is C:, the
-// system's.
+// GPT disks with four partitions each, or more if the volumes need them, and volumes spread evenly over them.
+// A volume has `mount_points` mount points and `aliases` additional GUIDs. The first volume is C:, the system
+// volume.
 struct Size {
     std::size_t disks = 1;
     std::size_t volumes = 4;

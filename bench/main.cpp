@@ -1,5 +1,4 @@
-// Prints the table of the benchmarks. Exit code 0 when every goal is met, 1 when not, 2 when it cannot be
-// measured.
+// Prints the table of the benchmarks. Exit code: 0 if every goal is met, 1 if not, 2 if a measurement fails.
 
 #include "bench/captures.h"
 #include "bench/sections.h"
@@ -17,8 +16,8 @@ struct Section {
     void (*measure)(const host::OrvaneLibrary& library, std::size_t effort, bench::Report& report);
 };
 
-// The size comes first, in a process that has done nothing yet; the repetition last: it meters the library's
-// memory from then on, which costs time.
+// The size is first because it needs a fresh process. The repetition is last because it starts metering the
+// library's memory, which takes time from then on.
 constexpr Section kSections[] = {{"size", &bench::MeasureSize},
                                  {"floor", &bench::MeasureFloor},
                                  {"logging", &bench::MeasureLogging},

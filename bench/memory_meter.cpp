@@ -10,7 +10,7 @@ namespace bench {
 namespace {
 
 std::size_t held = 0;
-std::size_t base = 0;  // held when it was last asked
+std::size_t base = 0;  // `held` at the last call of PeakBytes()
 std::size_t peak = 0;
 
 void* WINAPI MeteredHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
@@ -23,7 +23,7 @@ void* WINAPI MeteredHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
 }
 
 BOOL WINAPI MeteredHeapFree(HANDLE heap, DWORD flags, void* block) {
-    // What was allocated before the meter came is no part of it.
+    // The block may have been allocated before metering began.
     held -= block == nullptr ? 0 : std::min(held, HeapSize(heap, 0, block));
     return HeapFree(heap, flags, block);
 }

@@ -6,10 +6,11 @@
 
 namespace bench {
 
-// From now on the module's own memory is measured. One module at a time: there is one meter.
+// Meters the module's own memory from now on. There is one meter, so only one module at a time.
 void MeterMemoryOf(HMODULE module);
 
-// The most bytes that the module has held since the call before, beyond what it held then.
+// The peak of the bytes that the module held since the previous call, minus the bytes that it held at that
+// call.
 std::size_t PeakBytes();
 
 }  // namespace bench

@@ -4,13 +4,13 @@
 
 namespace bench {
 
-// One table of figures, printed row by row.
+// Prints a table of figures row by row.
 class Report {
 public:
     void Section(const std::string& title);
-    // A figure with a goal: at most `goal`.
+    // Prints a figure that should be at most `goal`.
     void Ratio(const std::string& name, double figure, double goal);
-    // A figure that is only told.
+    // Prints a figure without a goal.
     void Figure(const std::string& name, double figure, const std::string& unit);
 
     bool met() const { return missed_ == 0; }

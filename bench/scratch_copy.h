@@ -4,8 +4,7 @@
 
 namespace bench {
 
-// A copy of the library beside the one that is measured, for the lifetime of the object. It must not be
-// loaded any more when it goes.
+// A temporary copy of the library for the lifetime of the object. Unload the copy before its destruction.
 class ScratchCopy {
 public:
     ScratchCopy() : file_(std::filesystem::temp_directory_path() / L"Orvane-copy.dll") {

@@ -7,15 +7,15 @@
 
 namespace bench {
 
-// The sections of the table. `effort` multiplies how often each figure is measured.
+// The sections of the table. `effort` multiplies the number of measurements.
 
-// The file, and the memory that it takes in a fresh process.
+// The size of the file, and the memory that it takes in a fresh process.
 void MeasureSize(const host::OrvaneLibrary& library, std::size_t effort, Report& report);
-// Captures against what the platform itself costs.
+// Captures compared with the cost of the platform itself.
 void MeasureFloor(const host::OrvaneLibrary& library, std::size_t effort, Report& report);
-// A traced call against formatting and converting its lines; the dumps.
+// A traced call compared with formatting and converting its lines; the speed of the dumps.
 void MeasureLogging(const host::OrvaneLibrary& library, std::size_t effort, Report& report);
-// More disks, more volumes: time and memory.
+// Time and memory with more disks and more volumes.
 void MeasureGrowth(const host::OrvaneLibrary& library, std::size_t effort, Report& report);
 // A thousand captures in one process.
 void MeasureRepetition(const host::OrvaneLibrary& library, std::size_t effort, Report& report);

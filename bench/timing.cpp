@@ -21,7 +21,7 @@ double MedianOf(std::vector<double> figures) {
 double RatioOf(const Work& measured, const Work& reference, std::size_t rounds) {
     std::vector<double> ratios;
     for (std::size_t round = 0; round <= rounds; ++round) {
-        // Whoever comes second finds warmer caches: they take turns in that too.
+        // The one that runs second finds warmer caches, so the order alternates too.
         const bool reference_first = round % 2 == 0;
         const double before = reference_first ? SecondsOf(reference) : 0;
         const double seconds = SecondsOf(measured);

@@ -8,14 +8,14 @@ namespace bench {
 
 using Work = std::function<void()>;
 
-// Seconds that `work` takes, once.
+// Runs `work` once and returns the time in seconds.
 double SecondsOf(const Work& work);
 
-// The middle one of some figures, the upper of two; there must be one.
+// The median; of an even number of figures the upper middle one. There must be at least one figure.
 double MedianOf(std::vector<double> figures);
 
-// How many times as long `measured` takes as `reference`: both are run `rounds` times in turn, after one
-// round that does not count; the median of the rounds' ratios.
+// The time of `measured` divided by the time of `reference`. Runs both alternately, `rounds` times after one
+// warm-up round, and returns the median of the ratios.
 double RatioOf(const Work& measured, const Work& reference, std::size_t rounds);
 
 }  // namespace bench

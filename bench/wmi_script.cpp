@@ -20,7 +20,7 @@ using Object = ComPointer<IWbemClassObject, &IID_IWbemClassObject>;
 constexpr CLSID kAdministrativeLocator = {
     0xcb8555cc, 0x9128, 0x11d1, {0xad, 0x9b, 0x00, 0xc0, 0x4f, 0xd8, 0xfd, 0xff}};
 
-// What a query stands on, from its locator to the object that is read.
+// The objects of one query, from its locator to the current object.
 struct Cursor {
     Locator locator;
     Services services;
@@ -57,7 +57,7 @@ WmiScript::WmiScript(const std::vector<machine::CallRecord>& records)
         if (step == std::end(kSteps)) {
             throw std::logic_error("a call of another kind: " + record.name);
         }
-        // A property stands behind its class.
+        // A property is recorded as "CLASS.PROPERTY".
         const std::size_t dot = record.object.find(L'.');
         const std::wstring text = step->second == Step::kQuery ? L"Select * from " + record.object
                                   : dot == std::wstring::npos  ? record.object

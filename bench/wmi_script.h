@@ -7,10 +7,10 @@
 
 namespace bench {
 
-// The management calls of one capture, made again without the library. COM must be initialised.
+// Replays the WMI calls of one capture without the library. COM must be initialised.
 class WmiScript {
 public:
-    // Takes the management calls out of a recorded run.
+    // Takes the WMI calls from a recorded run.
     explicit WmiScript(const std::vector<machine::CallRecord>& records);
 
     void Play() const;
@@ -20,7 +20,7 @@ private:
 
     struct Call {
         Step step;
-        UniqueBstr text;  // the query, or the property
+        UniqueBstr text;  // the query or the property
     };
 
     UniqueBstr name_space_;

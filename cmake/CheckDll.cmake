@@ -1,12 +1,13 @@
-# What a loader and a reviewer would see of the built library: it exports what its definition file lists and nothing
-# else, imports the functions that a table lists and nothing else, and lets the loader randomise and protect its memory.
+# Checks the built library: it must export exactly the functions of its definition file, import exactly the
+# listed functions, and have the flags for address space randomisation and non-executable data.
 # cmake -DOBJDUMP=... -DDLL=... -DDEFINITION=... -DIMPORTS=... -DCOMPLETE=... -P CheckDll.cmake
-# COMPLETE is true for the build that is shipped. Others bring functions of their own, of which only those that no
-# build may import are looked for.
+# COMPLETE is true for the shipped build. Other builds import additional functions, so their imports are not
+# compared with the list, but only checked for forbidden functions and libraries.
 
 cmake_minimum_required(VERSION 3.25)
 
-# Control of threads, processes and the memory of others, and handlers ahead of the agent's own.
+# Functions that control threads, processes or the memory of other processes, functions that install handlers
+# ahead of the agent's, and the allocation functions of the C runtime.
 set(forbidden
     SuspendThread ResumeThread OpenThread CreateThread CreateRemoteThread CreateRemoteThreadEx _beginthread
     _beginthreadex TerminateThread QueueUserAPC GetThreadContext SetThreadContext SetThreadAffinityMask
@@ -16,7 +17,7 @@ set(forbidden
     SetUnhandledExceptionFilter SetWindowsHookExA SetWindowsHookExW
     malloc calloc realloc free _aligned_malloc _strdup _wcsdup)
 
-# Every Windows has these.
+# Every Windows has these libraries.
 set(allowed_libraries kernel32.dll msvcrt.dll ole32.dll oleaut32.dll advapi32.dll user32.dll)
 
 execute_process(COMMAND "${OBJDUMP}" -p "${DLL}" OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
@@ -27,8 +28,8 @@ macro(fault text)
     math(EXPR faults "${faults} + 1")
 endmacro()
 
-# The import tables: "DLL Name: X", then one function a line, "<address> <hint> <name>", with newer tools "<address>
-# <ordinal> <hint> <name>".
+# The import tables: "DLL Name: X", then one function per line: "<address> <hint> <name>", with newer tools
+# "<address> <ordinal> <hint> <name>".
 string(REGEX MATCHALL "DLL Name: [^\n]+|\n[ \t]+[0-9a-f]+[ \t]+([0-9]+|<none>)[ \t]+([0-9a-f]+[ \t]+)?[A-Za-z_][A-Za-z0-9_]*" lines "${dump}")
 set(imports "")
 foreach(line IN LISTS lines)
@@ -64,7 +65,8 @@ if(COMPLETE)
     endforeach()
 endif()
 
-# The export table's names stand after this line, one per line: "\t[   0] Name" (newer tools add "+base[   1]" and the hint).
+# The names of the export table follow this line, one per line: "\t[   0] Name" (newer tools add "+base[   1]"
+# and the hint).
 string(REGEX MATCH "\\[Ordinal/Name Pointer\\] Table[^\n]*\n(.*)" table "${dump}")
 set(table "${CMAKE_MATCH_1}")
 string(REGEX REPLACE "\n\n.*" "" table "${table}")

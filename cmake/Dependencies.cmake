@@ -1,5 +1,5 @@
-# Header-only libraries. When cross-compiling they live among the build machine's own headers, which must never be
-# found by the cross compiler: only the wanted folders are linked into a folder of the build.
+# Header-only libraries. In a cross-build they are among the build machine's own headers, which the cross
+# compiler must not find. So only the required folders are linked into a folder of the build.
 
 function(orvane_headers target probe)
     find_path(${target}_INCLUDE_DIR "${probe}" NO_CMAKE_FIND_ROOT_PATH)
@@ -18,7 +18,7 @@ function(orvane_headers target probe)
 endfunction()
 
 orvane_headers(orvane_boost boost/shared_ptr.hpp)
-# Numbers are converted without the host's locale, and without the part of the runtime that reads it.
+# Converts numbers without the host's locale, and without the part of the runtime that reads it.
 target_compile_definitions(orvane_boost INTERFACE BOOST_LEXICAL_CAST_ASSUME_C_LOCALE)
 orvane_headers(orvane_json nlohmann/json.hpp)
 orvane_headers(orvane_cli11 CLI/CLI.hpp)
@@ -35,10 +35,10 @@ if(BUILD_TESTING)
     add_subdirectory("${ORVANE_GOOGLETEST_DIR}" "${PROJECT_BINARY_DIR}/deps/googletest" EXCLUDE_FROM_ALL SYSTEM)
     foreach(library gtest gtest_main gmock gmock_main)
         target_compile_options(${library} PRIVATE -w -O0)
-        # The compiler has no thread library, so no test may assert outside its own thread.
+        # The compiler has no thread library, so tests must not use assertions on other threads.
         target_compile_definitions(${library} PUBLIC GTEST_IS_THREADSAFE=0)
         target_compile_options(${library} PRIVATE -include "${CMAKE_CURRENT_SOURCE_DIR}/cmake/gtest_without_death_tests.h")
-        # Its headers are ours to use, not to mend.
+        # No warnings from its headers.
         get_target_property(directories ${library} INTERFACE_INCLUDE_DIRECTORIES)
         set_target_properties(${library} PROPERTIES INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${directories}")
     endforeach()

@@ -18,7 +18,7 @@ install(FILES
     "${PROJECT_BINARY_DIR}/package/OrvaneConfigVersion.cmake"
     DESTINATION "${package_dir}")
 
-# In the folders of the source, so that the links from page to page hold.
+# The same folders as in the source, so that the links between pages work.
 set(documentation_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc/orvane")
 install(FILES README.md DESTINATION "${documentation_dir}")
 install(DIRECTORY docs DESTINATION "${documentation_dir}"

@@ -1,21 +1,22 @@
-# The ways this project makes a target. Sources are found by folder, so that a new file needs no list to be edited.
+# Functions that create this project's targets. They find sources by folder, so a new file needs no entry in a
+# list.
 
-# What every target of our own is compiled with.
+# The compile options of all our targets.
 add_library(orvane_options INTERFACE)
 target_compile_features(orvane_options INTERFACE cxx_std_20)
 target_compile_options(orvane_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
-# Templates of the JSON library without optimisation exceed the section count of the classic object format.
+# Without optimisation, templates of the JSON library exceed the section limit of the classic object format.
 target_compile_options(orvane_options INTERFACE -Wa,-mbig-obj)
-# The library tells nobody where it was built.
+# Keeps the path of the source folder out of the library.
 target_compile_options(orvane_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 target_compile_definitions(orvane_options INTERFACE UNICODE _UNICODE)
 
-# The room below all rooms: common/windows.h and the public header.
+# The base of all rooms: common/windows.h and the public header.
 add_library(orvane_base INTERFACE)
 target_include_directories(orvane_base INTERFACE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}/include")
 target_link_libraries(orvane_base INTERFACE orvane_boost)
 
-# Compiles a header once, for the targets that take it with orvane_precompile and are compiled with the same options.
+# Precompiles a header for the targets that use it with orvane_precompile. They need the same compile options.
 # orvane_precompiled_header(<name> <header> [<libraries and options>])
 function(orvane_precompiled_header name header)
     set(source "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
@@ -28,16 +29,16 @@ endfunction()
 
 function(orvane_precompile target name)
     target_precompile_headers(${target} REUSE_FROM ${name})
-    # A precompiled header of GCC 12 does not keep which warnings the system's headers suppress: these are then raised
-    # inside std::string. `make lint` compiles without it, and with them.
+    # A precompiled header of GCC 12 loses the warning suppressions of the system's headers, which causes
+    # warnings inside std::string. `make lint` compiles without precompiled headers and with these warnings.
     target_compile_options(${target} PRIVATE
         $<$<COMPILE_LANGUAGE:CXX>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>)
 endfunction()
 
 orvane_precompiled_header(orvane_precompiled cmake/precompiled.h)
 
-# See cmake/rooms.cmake. A folder that holds headers only becomes an interface library; a main.cpp is left to the
-# program that it belongs to.
+# Creates the library of a room, see cmake/rooms.cmake. A folder that contains only headers becomes an
+# interface library. A main.cpp is left out, because it belongs to a program.
 function(orvane_room)
     cmake_parse_arguments(PARSE_ARGV 0 ROOM "" "NAME;DIR;ROOT" "USES;PACKAGES;LINKS")
     foreach(used IN LISTS ROOM_USES)
@@ -65,18 +66,18 @@ function(orvane_room)
     endif()
 endfunction()
 
-# A program of our own, which needs no library of the compiler beside it.
+# Creates a program that needs no DLL of the compiler.
 function(orvane_program name)
     add_executable(${name} ${ARGN})
     target_link_libraries(${name} PRIVATE orvane_options)
     target_link_options(${name} PRIVATE -static)
 endfunction()
 
-# Tests are compiled often and run once: without optimisation.
+# No optimisation, because tests are compiled often and run once.
 add_library(orvane_test_options INTERFACE)
 target_compile_options(orvane_test_options INTERFACE -O0)
 
-# A program of tests.
+# Creates a test program.
 function(orvane_test_program name)
     orvane_program(${name} ${ARGN})
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
@@ -85,7 +86,8 @@ function(orvane_test_program name)
 endfunction()
 
 # orvane_test(NAME <target> DIRS <folders> [LINKS <libraries>] [DEFINES <definitions>])
-# One test program of all sources of the folders, and one CTest test that runs it; nothing where there are none.
+# Creates one test program from all sources of the folders, and one CTest test that runs it. Does nothing if
+# there are no sources.
 function(orvane_test)
     cmake_parse_arguments(PARSE_ARGV 0 TEST "" "NAME" "DIRS;LINKS;DEFINES")
     set(sources)
@@ -103,6 +105,6 @@ function(orvane_test)
         ${TEST_DEFINES})
     target_link_libraries(${TEST_NAME} PRIVATE ${TEST_LINKS} orvane_machine orvane_test_support)
     add_test(NAME ${TEST_NAME} COMMAND ${TEST_NAME})
-    # Wine takes its ANSI code page from the locale; this one's is the 1252 that some tests are written for.
+    # Wine derives its ANSI code page from the locale. For C.UTF-8 it is 1252, which some tests expect.
     set_tests_properties(${TEST_NAME} PROPERTIES TIMEOUT 600 ENVIRONMENT LC_ALL=C.UTF-8)
 endfunction()

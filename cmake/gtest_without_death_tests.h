@@ -1,6 +1,7 @@
 #pragma once
 
-// Included ahead of GoogleTest's own sources: its death tests do not compile without its thread support.
+// Included before GoogleTest's own sources, because its death tests do not compile without its thread
+// support.
 
 #include <gtest/internal/gtest-port.h>
 

@@ -1,8 +1,9 @@
-# Cross-compiling to 64-bit Windows with MinGW-w64. Not needed on Windows itself.
+# Toolchain file for cross-compiling to 64-bit Windows with MinGW-w64. Not needed on Windows itself.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
 
-# The win32 flavour: its thread library, which the other one links whole, would come with imports that control threads.
+# The win32 variant of the compiler. The posix variant links its whole thread library, which imports functions
+# that control threads.
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-win32)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-win32)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)

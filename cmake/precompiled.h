@@ -1,7 +1,7 @@
 #pragma once
 
-// The headers that most sources include, compiled once. Every source still names what it uses: `make lint` reads
-// each one without this file.
+// The headers that most sources include, compiled once. Every source must still include what it uses:
+// `make lint` compiles each source without this file.
 
 #include "common/windows.h"
 

@@ -1,9 +1,11 @@
-# The rooms of the house, from the ground up, and which rooms each may see. This is the one place where the
-# arrows are written down: CMake makes the libraries from it, scripts/check-rooms compares every #include with it.
+# The rooms, from the lowest to the highest, and the rooms that each may use. A room is a folder that becomes
+# one library. This is the only place that declares these dependencies: CMake creates the libraries from it,
+# and scripts/check-rooms compares every #include with it.
 #
-# orvane_room(NAME <target> DIR <folder> [ROOT <include root>] [USES <rooms>] [PACKAGES <headers>] [LINKS <system>])
-# A room may use only rooms that stand above it. "orvane_base" (common/windows.h, the public header, Boost) is
-# seen by all.
+# orvane_room(NAME <target> DIR <folder> [ROOT <include root>] [USES <rooms>] [PACKAGES <headers>]
+#             [LINKS <system>])
+# A room may use only rooms listed above it. Every room may use "orvane_base" (common/windows.h, the public
+# header, Boost).
 
 orvane_room(NAME orvane_text DIR src/common/text)
 orvane_room(NAME orvane_logger DIR src/common/logger)
@@ -30,14 +32,13 @@ orvane_room(NAME orvane_grabber DIR src/capture/grabber
 orvane_room(NAME orvane_exports DIR src/capture/exports
     USES orvane_grabber orvane_environment orvane_disk orvane_platform orvane_logger orvane_text)
 
-# The version stands in CMakeLists.txt alone.
+# The version is defined only in CMakeLists.txt.
 target_compile_definitions(orvane_environment PUBLIC ORVANE_VERSION="${PROJECT_VERSION}")
 
-# Around the library: its entry point, its heap and the memory of the C++ runtime. Only the finished DLL is linked
-# with it.
+# The library's entry point, its heap and the memory of the C++ runtime. Only the finished DLL links it.
 orvane_room(NAME orvane_runtime DIR src/runtime)
 
-# Beside the library: the described machine and the host. Neither sees any room of src/.
+# Not part of the library: the described machine and the host. Neither uses a room of src/.
 orvane_room(NAME orvane_machine DIR machine ROOT .
     PACKAGES orvane_json
     LINKS ole32 oleaut32 uuid wbemuuid advapi32)
@@ -45,7 +46,7 @@ orvane_room(NAME orvane_host DIR tools/orvane ROOT .
     USES orvane_machine
     PACKAGES orvane_json orvane_cli11)
 
-# These two are no part of the library: a quick build is worth more than quick code.
+# For these two, which are not part of the library, a fast build is more important than fast code.
 foreach(room orvane_machine orvane_host)
     target_compile_options(${room} PRIVATE $<$<CONFIG:Release>:-O1>)
 endforeach()

@@ -1,7 +1,7 @@
 /*
- * The smallest agent: writes the document of this machine to standard output, and what the library complains
- * of to standard error. Its arguments are the GUID paths of the volumes that a backup would contain.
- * Exit code: 0 when the document was written, else 1.
+ * A minimal agent: writes the document of this machine to standard output, and the library's errors to
+ * standard error. The arguments are the GUID paths of the volumes to be backed up.
+ * Exit code: 0 if the document was written, else 1.
  */
 
 #include <fcntl.h>
@@ -20,7 +20,7 @@ static void PrintError(int32_t level, const char* text) {
     }
 }
 
-/* Hands the volumes over as a multi-string: each ended by a zero character, the list by another one. */
+/* Passes the volumes as a multi-string: each is null-terminated, and another null character ends the list. */
 static int SelectVolumes(int count, char** volumes) {
     size_t length = 1;
     for (int i = 0; i < count; ++i) {
@@ -32,7 +32,7 @@ static int SelectVolumes(int count, char** volumes) {
     }
     size_t used = 0;
     for (int i = 0; i < count; ++i) {
-        /* A text never has more characters than bytes. An empty one would end the list. */
+        /* A string never has more characters than bytes. An empty entry would end the list. */
         const size_t characters = mbstowcs(list + used, volumes[i], length - used);
         if (characters == 0 || characters == (size_t)-1) {
             free(list);
@@ -45,11 +45,11 @@ static int SelectVolumes(int count, char** volumes) {
     return selected == count;
 }
 
-/* Returns the document, to be freed, and its length; NULL when it could not be had. */
+/* Returns the document, which the caller frees, and stores its length in `size`; NULL on failure. */
 static char* Capture(uint32_t* size) {
     char* document = NULL;
     uint32_t room = 0;
-    /* The first call asks for the size. Another one is needed where the document has grown since. */
+    /* The first call queries the size. Retry if the document has grown in between. */
     for (int attempt = 0; attempt < 5; ++attempt) {
         const uint32_t status = CaptureSystemRestorePointInfo(document, room, size);
         if (status == ORVANE_SUCCESS && document != NULL) {
@@ -77,14 +77,14 @@ static int Run(int volume_count, char** volumes) {
     if (document == NULL) {
         return EXIT_FAILURE;
     }
-    _setmode(_fileno(stdout), _O_BINARY); /* no carriage returns between the document's bytes */
+    _setmode(_fileno(stdout), _O_BINARY); /* no carriage returns in the document */
     const int written = fwrite(document, 1, size, stdout) == size && fflush(stdout) == 0;
     free(document);
     return written ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int main(int argc, char** argv) {
-    setlocale(LC_CTYPE, ""); /* the log's texts come in this locale */
+    setlocale(LC_CTYPE, ""); /* the log uses this locale */
     if (FAILED(CoInitializeEx(NULL, COINIT_APARTMENTTHREADED))) {
         fputs("error: COM cannot be initialised\n", stderr);
         return EXIT_FAILURE;

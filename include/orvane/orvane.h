@@ -66,8 +66,8 @@ uint32_t GetOrvaneVersion(void);
 void SetEventFunc(OrvaneEventCallback callback);
 
 /* Selects the format of the document:
- * 1: flat tables of disks, partitions and volumes, collected by the older enumerator. It describes MBR
- * disks    only and does not judge whether volumes can be backed up.
+ * 1: flat tables of disks, partitions and volumes, collected by the older enumerator, which describes MBR
+ *    disks only. Nothing is judged: every capture is made, whatever volumes are selected.
  * 2: the same tables for all disks. The default.
  * 3: every disk and every volume with all its own properties.
  * Any other value means 2. */

@@ -18,7 +18,7 @@ std::string Readable(const std::string& document) {
 }  // namespace
 
 std::optional<std::string> FetchDocument(const CaptureFunction& capture) {
-    constexpr int kMostCalls = 8;  // a document that grows for ever is given up
+    constexpr int kMostCalls = 8;  // gives up on a document that keeps growing
     std::string document;
     for (int call = 0; call < kMostCalls; ++call) {
         std::uint32_t needed = 0;
@@ -47,7 +47,7 @@ std::wstring MultiStringOf(const std::vector<std::wstring>& volumes) {
 int Capture(const CaptureOptions& options, std::ostream& out, std::ostream& errors) {
     const LibrarySession session(options.machine);
     const OrvaneLibrary& library = session.library();
-    // A capture is made of two calls, and the second has the same to complain about.
+    // FetchDocument captures more than once, and each call logs the same errors.
     MessagePrinter printer(errors, options.verbose);
     LogSink log(library.SetEventFunc, options.log,
                 [&](const LogMessage& message) { printer.PrintOnce(message); });

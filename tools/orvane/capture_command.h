@@ -13,14 +13,14 @@ namespace host {
 
 using CaptureFunction = std::function<std::uint32_t(char* buffer, std::uint32_t size, std::uint32_t* needed)>;
 
-// Asks for the size, then for the document, again when it has grown in between. None when a call failed.
+// Queries the size, then fetches the document; retries if it has grown in between. None if a call failed.
 std::optional<std::string> FetchDocument(const CaptureFunction& capture);
 
-// The volumes as the library takes them: each ended by a zero character, the list by another one.
+// The volumes as a multi-string: each entry is null-terminated, and another null character ends the list.
 std::wstring MultiStringOf(const std::vector<std::wstring>& volumes);
 
-// `orvane capture`: writes the document to `out` or the chosen file, the log's errors to `errors`. Returns
-// the exit code. Throws LibraryError, machine::DescriptionError and other std::exceptions.
+// `orvane capture`: writes the document to `out` or to the selected file, and the errors of the log to
+// `errors`. Returns the exit code. Throws LibraryError, machine::DescriptionError and other std::exceptions.
 int Capture(const CaptureOptions& options, std::ostream& out, std::ostream& errors);
 
 }  // namespace host

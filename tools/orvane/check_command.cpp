@@ -17,10 +17,11 @@ namespace host {
 
 namespace {
 
-// The format that collects what the dump of the volumes does: the one cannot succeed where the other fails.
+// VolumeDumpInfo collects as format 3 does: one cannot succeed where the other fails.
 constexpr std::uint32_t kJudgingFormat = 3;
 
-// The library's log during a check: read by the parser of the running call, and its errors kept.
+// Receives the library's log during a check: passes it to the parser of the current call and keeps the
+// errors.
 class CheckLog {
 public:
     CheckLog(const CheckOptions& options, const OrvaneLibrary& library, std::ostream& errors)
@@ -39,7 +40,7 @@ public:
 
     bool complained() const { return !complaints_.empty(); }
 
-    // With --verbose they were shown as they came.
+    // With --verbose they have already been printed.
     void ShowComplaints() {
         if (!verbose_) {
             for (const LogMessage& message : complaints_) {
@@ -78,7 +79,7 @@ std::optional<Verdict> Judge(const OrvaneLibrary& library, CheckLog& log, const 
     return parser.Result(status);
 }
 
-// The report, and whether something could not be found out.
+// Returns the report, and whether any part of it could not be determined.
 std::pair<CheckReport, bool> Inspect(const CheckOptions& options, const OrvaneLibrary& library,
                                      CheckLog& log) {
     CheckReport report;

@@ -6,9 +6,9 @@
 
 namespace host {
 
-// `orvane check`: writes the report to `out`, with a terminal's colours when `colour`, and what the library
-// complained about to `errors` where the check failed. Returns the exit code. Throws LibraryError,
-// machine::DescriptionError and other std::exceptions.
+// `orvane check`: writes the report to `out`, with terminal colours if `colour`. If the check failed, writes
+// the library's errors to `errors`. Returns the exit code. Throws LibraryError, machine::DescriptionError and
+// other std::exceptions.
 int Check(const CheckOptions& options, std::ostream& out, std::ostream& errors, bool colour);
 
 }  // namespace host

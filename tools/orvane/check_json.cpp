@@ -8,7 +8,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// The verdict's members behind those that tell what was judged.
+// Appends the members of the verdict to those that identify the disk or volume.
 Json WithVerdict(Json object, const Verdict* verdict) {
     object["canBackup"] = verdict == nullptr ? Json(nullptr) : Json(verdict->can_backup);
     object["reasons"] = verdict == nullptr ? Json::array() : Json(verdict->reasons);

@@ -6,10 +6,10 @@
 
 namespace host {
 
-// The report as tables for people, UTF-8; with the colours of a terminal when `colour`.
+// The report as human-readable tables in UTF-8, with terminal colours if `colour`.
 std::string TableOf(const CheckReport& report, bool colour);
 
-// The report as one JSON object for programs, UTF-8.
+// The report as one JSON object in UTF-8.
 std::string JsonOf(const CheckReport& report);
 
 }  // namespace host

@@ -10,7 +10,7 @@ namespace {
 using Cells = std::vector<std::string>;
 
 struct Row {
-    const Verdict* verdict = nullptr;  // none: unknown
+    const Verdict* verdict = nullptr;  // null: unknown
     Cells cells;
 };
 
@@ -22,7 +22,7 @@ constexpr std::string_view kGreen = "\x1b[32m";
 constexpr std::string_view kRed = "\x1b[31m";
 constexpr std::string_view kPlain = "\x1b[0m";
 
-// In characters: continuation bytes take no place.
+// The number of characters; UTF-8 continuation bytes do not count.
 std::size_t Width(std::string_view utf8) {
     return static_cast<std::size_t>(std::count_if(
         utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));

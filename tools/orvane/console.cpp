@@ -9,7 +9,7 @@ namespace host {
 
 namespace {
 
-// The variable by which people tell all programs: https://no-color.org
+// The NO_COLOR convention: https://no-color.org
 bool ColourIsUnwanted() {
     return _wgetenv(L"NO_COLOR") != nullptr;
 }
@@ -19,7 +19,7 @@ bool ColourIsUnwanted() {
 Console::Console()
     : output_(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stdout)))),
       former_code_page_(GetConsoleOutputCP()) {
-    // Everything is written as UTF-8, which a console has to be told.
+    // All output is UTF-8, so the console must use that code page.
     SetConsoleOutputCP(CP_UTF8);
     if (_isatty(_fileno(stdout)) != 0 && !ColourIsUnwanted() &&
         GetConsoleMode(output_, &former_mode_) != FALSE) {

@@ -4,7 +4,7 @@
 
 namespace host {
 
-// The console, if there is one, made ready for what this program writes, and left as it was found.
+// Sets up the console, if there is one, for UTF-8 and colours. The destructor restores its settings.
 class Console {
 public:
     Console();
@@ -12,7 +12,7 @@ public:
     Console(const Console&) = delete;
     Console& operator=(const Console&) = delete;
 
-    // Whether standard output is a terminal that shows colours to somebody who wants them.
+    // Whether standard output is a terminal that supports colours and the user has not disabled them.
     bool colour() const { return colour_; }
 
 private:

@@ -6,7 +6,7 @@
 
 namespace host {
 
-// Both throw std::runtime_error, which names `what` ("the document"), unless every byte arrived.
+// Both write the whole text, or throw std::runtime_error with `what` ("the document") in its message.
 void DeliverToFile(const std::filesystem::path& file, const std::string& text, const std::string& what);
 void DeliverToStream(std::ostream& out, const std::string& text, const std::string& what);
 

@@ -13,8 +13,8 @@ namespace {
 
 using DumpExport = void (*)();
 
-// How a dump is made, what the lines begin with that only a dump which found its subject has, and the error
-// that says that it broke off.
+// The export that makes a dump; the prefix of lines that appear only in a dump that found its subject; the
+// error line of a dump that failed with an exception.
 struct DumpRow {
     DumpKind kind;
     DumpExport OrvaneLibrary::*call;
@@ -61,7 +61,7 @@ int Dump(const DumpOptions& options, std::ostream& out, std::ostream& errors) {
             out << message.text << '\n';
         }
         if (printer.Shows(message)) {
-            out.flush();  // both may go to the same place, and the order tells
+            out.flush();  // keeps the order of the lines if both are the same file
             printer.Print(message);
         }
     });

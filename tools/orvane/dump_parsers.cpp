@@ -8,10 +8,10 @@ namespace {
 
 constexpr std::string_view kDiskHeading = "[Disk/Partition Information]";
 
-// The lines behind a volume's "Drive letter/Mount points: ".
+// The indent of the lines after "Drive letter/Mount points: ".
 constexpr std::string_view kMountPointIndent = "  ";
 
-// "512110190592(476.94 GB)": the part for people.
+// Extracts the readable size from the text, "476.94 GB" from "512110190592(476.94 GB)".
 std::string ReadableSize(std::string_view size) {
     const std::size_t begin = size.find('(');
     if (begin == std::string_view::npos || !size.ends_with(')')) {
@@ -52,7 +52,7 @@ void DiskDumpParser::TakeLine(std::string_view line) {
             }
             break;
         case Stage::kVerdict:
-            // The judgement itself may have something to say before.
+            // The backup check may log other lines first.
             if (const auto answer = After(line, "  Available for backup: ")) {
                 disks_.back().verdict.can_backup = *answer == "True";
                 ++judged_;
@@ -98,7 +98,8 @@ void VolumeDumpParser::TakeLine(std::string_view line) {
             }
             break;
         case Stage::kVolume:
-            // Any name in a volume's remaining lines stands behind a heading of its own.
+            // The remaining lines of a volume begin with labels, so that no name in them can start a new
+            // volume.
             if (NumberAfter(line, "Volume #")) {
                 volumes_.emplace_back();
                 stage_ = Stage::kIdentity;

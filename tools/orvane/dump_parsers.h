@@ -10,14 +10,14 @@
 
 namespace host {
 
-// Both read the verdicts out of a dump, message by message, by the known order of its lines: the names in
-// them may hold any text.
+// Both parse the verdicts from a dump, one message at a time. They rely on the order of the lines, because
+// names in the lines may contain any text.
 
 class DiskDumpParser {
 public:
     void Take(const LogMessage& message);
 
-    // None unless the dump told as many verdicts as it announced disks.
+    // None unless the dump contains as many verdicts as it announced disks.
     std::optional<std::vector<DiskVerdict>> Result() const;
 
 private:
@@ -36,7 +36,7 @@ class VolumeDumpParser {
 public:
     void Take(const LogMessage& message);
 
-    // None unless the dump told as many verdicts as it announced volumes.
+    // None unless the dump contains as many verdicts as it announced volumes.
     std::optional<std::vector<VolumeVerdict>> Result() const;
 
 private:

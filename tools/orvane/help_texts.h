@@ -2,7 +2,7 @@
 
 namespace host {
 
-// The help's texts beside the lists of arguments.
+// The help text before and after the list of arguments.
 struct HelpText {
     const char* description;
     const char* footer;

@@ -12,14 +12,14 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 
 struct Element {
-    std::string_view source;  // all of it
+    std::string_view source;  // the whole element
     std::string_view start_tag;
     std::string_view end_tag;  // empty for "<name/>"
     std::vector<Element> children;
-    bool has_text = false;  // other than blanks
+    bool has_text = false;  // other than whitespace
 };
 
-// Reads elements out of a text that has to outlive them.
+// Parses elements. They refer to the text, which must outlive them.
 class Reader {
 public:
     explicit Reader(std::string_view xml) : xml_(xml) {}
@@ -69,7 +69,8 @@ private:
         }
     }
 
-    // Whatever is no element: characters, a comment, a section, an instruction. Empty in front of an element.
+    // Reads what is not an element: characters, a comment, a CDATA section or a processing instruction. Empty
+    // before an element.
     std::string_view ReadText() {
         const std::size_t begin = position_;
         const auto section =
@@ -95,7 +96,7 @@ private:
         position_ = end + closing.size();
     }
 
-    // From "<" to the ">" that ends the tag; one within a quoted value does not.
+    // Reads from "<" to the ">" that ends the tag; a ">" in a quoted value does not end it.
     std::string_view ReadTag() {
         const std::size_t begin = position_;
         if (!Rest().starts_with('<')) {

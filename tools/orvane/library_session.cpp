@@ -34,7 +34,7 @@ std::optional<machine::Description> LoadMachine(const std::optional<std::filesys
 
 class LibrarySession::Parts {
 public:
-    // The library is put on the machine before its first export is called. It is as shipped.
+    // Redirects the shipped library to the described machine before the first call of an export.
     explicit Parts(std::optional<machine::Description> description) : library_(LibraryPath()) {
         if (description) {
             if (!machine::PutModuleOnSimulation(library_.module())) {

@@ -8,8 +8,9 @@
 
 namespace host {
 
-// The library, loaded, on the machine that it is to describe: that of the description, or without one the
-// system that this program runs on. This thread has COM for the lifetime of the object, as the library wants.
+// The loaded library. It describes the machine of the description or, without a description, the system that
+// this program runs on. COM is initialised on this thread for the lifetime of the object, as the library
+// requires.
 class LibrarySession {
 public:
     // Throws machine::DescriptionError, LibraryError and std::runtime_error.

@@ -8,13 +8,13 @@
 
 namespace host {
 
-// What follows `beginning` in the line; none when the line begins otherwise.
+// The rest of the line after `beginning`; none if the line begins with other text.
 std::optional<std::string_view> After(std::string_view line, std::string_view beginning);
 
-// The same for a line that ends in a decimal number, and in nothing else.
+// The same as a number; none if the rest is not just a decimal number.
 std::optional<std::uint32_t> NumberAfter(std::string_view line, std::string_view beginning);
 
-// Whether the message stands for another one that could not be converted.
+// Whether the message replaces another one that could not be converted.
 bool IsLostLine(const LogMessage& message);
 
 }  // namespace host

@@ -49,8 +49,7 @@ void LogSink::RequireWritten() {
 void LogSink::Receive(std::int32_t level, const char* text) {
     try {
         current_->Take({level, WithoutLineFeed(FromLocale(text))});
-    } catch (
-        ...) {  // NOLINT(bugprone-empty-catch): nothing may pass through the library, and nobody else listens
+    } catch (...) {  // NOLINT(bugprone-empty-catch): no exception may cross the library
     }
 }
 

@@ -11,26 +11,26 @@
 
 namespace host {
 
-// One message of the library's log: UTF-8, without the line feed that some messages end in.
+// One message of the library's log, in UTF-8, without a trailing line feed.
 struct LogMessage {
     std::int32_t level = ORVANE_LEVEL_TRACE;
     std::string text;
 };
 
-// The host's end of the library's log, for the lifetime of the object; one at a time. Every message goes to
-// the listener, and to the file as "error: TEXT".
+// Receives the library's log for the lifetime of the object; only one may exist at a time. Passes every
+// message to the listener and writes it to the file as "error: TEXT".
 class LogSink {
 public:
     using SetCallback = void (*)(OrvaneEventCallback);
     using Listener = std::function<void(const LogMessage& message)>;
 
-    // Throws UsageError when the file cannot be made.
+    // Throws UsageError if the file cannot be created.
     LogSink(SetCallback set_callback, const std::optional<std::filesystem::path>& file, Listener listener);
     ~LogSink();
     LogSink(const LogSink&) = delete;
     LogSink& operator=(const LogSink&) = delete;
 
-    // Throws std::runtime_error unless every line reached the file.
+    // Flushes the file. Throws std::runtime_error if a line could not be written.
     void RequireWritten();
 
 private:

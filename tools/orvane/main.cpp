@@ -13,9 +13,9 @@
 #include <vector>
 
 int wmain(int count, wchar_t** arguments) {
-    // The library's log comes in the locale of the C runtime, which has few letters to begin with.
+    // The library's log uses the locale of the C runtime, which supports few characters by default.
     std::setlocale(LC_CTYPE, "");
-    // The document's bytes are the library's: no line feed may turn into two characters.
+    // Binary mode keeps the document's bytes unchanged: no carriage return before a line feed.
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
     const host::Console console;

@@ -8,20 +8,20 @@
 
 namespace host {
 
-// "error: TEXT", with a line feed.
+// The message as "error: TEXT" and a line feed.
 std::string LineOf(const LogMessage& message);
 
-// Shows messages of the log to people: errors, or with `verbose` everything.
+// Prints messages of the log: errors only, or all messages if `verbose`.
 class MessagePrinter {
 public:
     MessagePrinter(std::ostream& out, bool verbose) : out_(out), verbose_(verbose) {}
 
-    // Whether a message of that level is shown at all.
+    // Whether a message of that level is printed at all.
     bool Shows(const LogMessage& message) const;
 
     void Print(const LogMessage& message);
 
-    // The same error is shown once; with `verbose` as often as it comes.
+    // Prints the same error only once; every time if `verbose`.
     void PrintOnce(const LogMessage& message);
 
 private:

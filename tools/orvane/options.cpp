@@ -13,7 +13,7 @@ namespace host {
 
 namespace {
 
-// Where the parser puts what it has no type for: it knows 8-bit texts only.
+// Receives the string arguments. The parser supports only 8-bit strings; these are UTF-8.
 struct Texts {
     std::vector<std::string> volumes;
     std::string machine;
@@ -116,7 +116,7 @@ Message Explain(const CLI::App& app, const CLI::ParseError& error) {
 Command ParseArguments(const std::vector<std::wstring>& arguments) {
     CLI::App app(kProgramHelp.description, "orvane");
     app.footer(kProgramHelp.footer);
-    // A path that begins with a slash is a path.
+    // Otherwise a path that begins with a slash would be an option.
     app.allow_windows_style_options(false);
     app.require_subcommand(1);
     CaptureOptions capture;
@@ -128,7 +128,7 @@ Command ParseArguments(const std::vector<std::wstring>& arguments) {
     AddCheck(app, check, texts);
     app.add_subcommand("version", "Shows the versions of the library and of its interface");
 
-    // The parser takes them from the back.
+    // The parser expects the arguments in reverse order.
     std::vector<std::string> reversed;
     std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(reversed),
                    [](const std::wstring& argument) { return machine::Narrow(argument); });

@@ -10,17 +10,17 @@
 
 namespace host {
 
-// What the program returns to its caller.
+// The exit codes of the program.
 enum ExitCode : int {
     kExitDone = 0,
-    kExitFailed = 1,    // nothing could be told or delivered, or something selected cannot be backed up
-    kExitBadUsage = 2,  // arguments or a machine description that cannot be used
+    kExitFailed = 1,    // no result, failed output, or a selected volume that cannot be backed up
+    kExitBadUsage = 2,  // unusable arguments or machine description
 };
 
-// The library's own.
+// The library's default.
 inline constexpr std::uint32_t kDefaultFormat = 2;
 
-// An argument that could be read and yet cannot be used. what() is UTF-8.
+// An argument that was parsed but cannot be used. what() is UTF-8.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -28,9 +28,9 @@ public:
 
 struct VersionOptions {};
 
-// What every command that looks at a machine takes.
+// The options of every command that describes a machine.
 struct MachineOptions {
-    std::optional<std::filesystem::path> machine;  // a description; none: the system that the program runs on
+    std::optional<std::filesystem::path> machine;  // description; none: the system that this program runs on
     std::optional<std::filesystem::path> log;
     bool verbose = false;
 };
@@ -54,15 +54,16 @@ struct CheckOptions : MachineOptions {
     bool json = false;
 };
 
-// The arguments ask for nothing but a text: the help, or what is wrong with them.
+// A text to print instead of a command: the help, or what is wrong with the arguments.
 struct Message {
     int exit_code = kExitDone;
-    std::string text;  // UTF-8, ends with a line feed; for standard error when `exit_code` is not kExitDone
+    std::string text;  // UTF-8, ends with a line feed; for standard error unless `exit_code` is kExitDone
 };
 
 using Command = std::variant<VersionOptions, CaptureOptions, DumpOptions, CheckOptions, Message>;
 
-// Reads the arguments, the program's name left out. Throws nothing of its own.
+// Parses the arguments, without the program name. Returns a Message, instead of throwing, if they are
+// invalid.
 Command ParseArguments(const std::vector<std::wstring>& arguments);
 
 }  // namespace host

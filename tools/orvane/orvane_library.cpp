@@ -10,7 +10,8 @@ namespace host {
 
 namespace {
 
-// Where the numbers stand in a version resource: behind three words, the key and the padding to 32 bits.
+// The offset of the version numbers in a version resource: after three words, the key and the padding to 32
+// bits.
 constexpr std::wstring_view kVersionKey = L"VS_VERSION_INFO";
 constexpr std::size_t kFixedInfoOffset =
     (3 * sizeof(WORD) + (kVersionKey.size() + 1) * sizeof(wchar_t) + 3) & ~3U;

@@ -9,7 +9,7 @@
 
 namespace host {
 
-// The library cannot be loaded, or is none that this program knows. what() is UTF-8.
+// The library cannot be loaded or lacks an export. what() is UTF-8.
 class LibraryError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -25,10 +25,10 @@ public:
     OrvaneLibrary& operator=(const OrvaneLibrary&) = delete;
 
     HMODULE module() const { return module_; }
-    // The product version in the file, "9.50.6732.0"; empty where there is none.
+    // The product version in the file, "9.50.6732.0"; empty if there is none.
     std::string FileVersion() const;
 
-    // NOLINTBEGIN: the exports, by their own names.
+    // NOLINTBEGIN: the members have the names of the exports.
     decltype(&::GetOrvaneVersion) GetOrvaneVersion = nullptr;
     decltype(&::SetEventFunc) SetEventFunc = nullptr;
     decltype(&::SetXmlFormat) SetXmlFormat = nullptr;
@@ -49,7 +49,7 @@ private:
     HMODULE module_;
 };
 
-// Where this program looks for the library: in its own folder.
+// The path of the library: in the folder of this program.
 std::filesystem::path LibraryPath();
 
 }  // namespace host

@@ -32,7 +32,7 @@ int Execute(const VersionOptions& /*options*/, const Terminal& terminal) {
     return kExitDone;
 }
 
-// Whoever tries the program out under Wine is told why it has so little to show.
+// After a failure under Wine without --machine, prints a hint that Wine has no disks. Returns `code`.
 int Explained(int code, const MachineOptions& options, std::ostream& errors) {
     if (code == kExitFailed && !options.machine && RunsUnderWine()) {
         errors

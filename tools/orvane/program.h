@@ -6,8 +6,8 @@
 
 namespace host {
 
-// The whole program, but for the process around it: arguments without the program's name, the two standard
-// streams (binary, UTF-8), whether the first shows colours; the exit code. Throws nothing.
+// Runs the program and returns its exit code. `arguments` lacks the program name, `out` and `errors` are the
+// standard streams (binary, UTF-8), and `colour` is whether `out` shows colours. Throws nothing.
 int Run(const std::vector<std::wstring>& arguments, std::ostream& out, std::ostream& errors, bool colour);
 
 }  // namespace host

@@ -4,14 +4,15 @@ namespace host {
 
 namespace {
 
-// The trace of the judgement: between them errors are about the volume, whatever its name does to them.
+// The trace lines of the backup check. All errors between them concern the volume, even if its name garbles
+// their text.
 constexpr std::string_view kEntering = "Entering function orvane::InfoGrabber::CanBackup ";
 constexpr std::string_view kLeaving = "Leaving function orvane::InfoGrabber::CanBackup ";
 
 constexpr std::string_view kRefusal =
     "CaptureSystemRestorePointInfo Env Exception: I cannot backup the needed information";
 
-// Where the reason names what the log cannot: the library then says nothing of it.
+// Used if the log could not express any line of the reason.
 constexpr const char* kUnspeakable = "The reason has letters that this system's locale lacks.";
 
 }  // namespace
@@ -34,7 +35,7 @@ std::optional<Verdict> RefusalParser::Result(std::uint32_t status) const {
         return std::nullopt;
     }
     Verdict verdict{.can_backup = false, .reasons = lines_};
-    // "Volume ... cannot be backed up because:" is no reason.
+    // "Volume ... cannot be backed up because:" is a heading, not a reason.
     if (verdict.reasons.size() > 1 && verdict.reasons.front().starts_with("Volume ")) {
         verdict.reasons.erase(verdict.reasons.begin());
     }

@@ -10,12 +10,13 @@
 
 namespace host {
 
-// Reads out of a capture with one selected volume what became of that volume.
+// Parses the verdict on a volume from the log of a capture that selects only that volume.
 class RefusalParser {
 public:
     void Take(const LogMessage& message);
 
-    // The verdict, given the status of the capture, a size query; none when it failed over something else.
+    // The verdict. `status` is the result of the capture, which must be a size query. None if the capture
+    // failed for another reason.
     std::optional<Verdict> Result(std::uint32_t status) const;
 
 private:

@@ -2,7 +2,7 @@
 
 namespace host {
 
-// Whether the system that this program runs on is Wine.
+// Whether this program runs under Wine.
 bool RunsUnderWine();
 
 }  // namespace host

@@ -7,7 +7,7 @@
 
 namespace host {
 
-// The library's judgement of one thing. All texts here are UTF-8.
+// The result of the library's backup check for one disk or volume. All strings in this file are UTF-8.
 struct Verdict {
     bool can_backup = false;
     std::vector<std::string> reasons;  // why not
@@ -17,7 +17,7 @@ struct Verdict {
 
 struct DiskVerdict {
     std::uint32_t index = 0;
-    std::string size;  // for people: "476.94 GB"; empty where the disk does not tell it
+    std::string size;  // human-readable, "476.94 GB"; empty if the dump has none
     Verdict verdict;
 
     bool operator==(const DiskVerdict&) const = default;
@@ -33,17 +33,16 @@ struct VolumeVerdict {
 };
 
 struct SelectedVerdict {
-    std::string volume;              // as it was given
-    std::optional<Verdict> verdict;  // none: it could not be judged
+    std::string volume;              // as given on the command line
+    std::optional<Verdict> verdict;  // none: the check failed
 
     bool operator==(const SelectedVerdict&) const = default;
 };
 
-// What stands for a text that the library could not deliver: its log knows the letters of the C runtime's
-// locale only.
+// Replaces a string that the library's log could not express in the C runtime's locale.
 inline constexpr const char* kLostText = "?";
 
-// Everything that a check found. None where the disks or the volumes could not be listed.
+// The result of a check. `disks` or `volumes` is none if they could not be listed.
 struct CheckReport {
     std::optional<std::vector<DiskVerdict>> disks;
     std::optional<std::vector<VolumeVerdict>> volumes;

@@ -8,7 +8,8 @@
 
 namespace {
 
-// Whether the code page puts markup in the place of a letter that it lacks: the full-width "<" becomes "<".
+// Whether the conversion to the code page turns the character into markup, as it turns the full-width "<"
+// into "<".
 bool BecomesMarkup(wchar_t letter) {
     const std::string narrow = ConvertWStrToStr({&letter, 1});
     return narrow == "<" || narrow == ">" || narrow == "&";
@@ -18,7 +19,7 @@ bool IsAscii(wchar_t letter) {
     return letter <= 0x7F;
 }
 
-// Letters that would become markup, and break the document, are written by their numbers.
+// Writes characters that would turn into markup, and break the document, as numeric character references.
 std::wstring WithoutFalseMarkup(std::wstring_view xml) {
     std::wstring safe;
     safe.reserve(xml.size());

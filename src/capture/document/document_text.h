@@ -4,10 +4,10 @@
 
 #include <string>
 
-// A document before its elements are written, and as text after that. Both throw _com_error.
+// Creates the empty document and converts the finished one to text. Both functions throw _com_error.
 
-// Loads the empty document, which has a root element. False where the XML component refuses it.
+// Loads a document that contains only a root element. Returns false if the XML component cannot load it.
 bool LoadEmptyDocument(CMSXmlDoc& document);
 
-// The root element and everything in it as text in the ANSI code page; empty where it could not be converted.
+// Returns the root element with all its content as text in the ANSI code page; empty if the conversion fails.
 std::string DocumentText(const CMSXmlNode& root);

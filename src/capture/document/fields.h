@@ -12,14 +12,14 @@
 #include <type_traits>
 #include <variant>
 
-// A number that the record keeps unsigned and the document gives as a signed one of the same width.
+// An unsigned member that the document shows as a signed number of the same width.
 template <class Record, class Number>
 struct Signed {
     Number Record::*member;
 };
 
-// A record's elements as a table: each row names an element and the member that fills it, in the order in
-// which they are written.
+// A table describes the elements of a record. Each row names an element and the member that holds its value,
+// in document order.
 
 template <class Record>
 using FieldMember =
@@ -33,7 +33,8 @@ struct Field {
     FieldMember<Record> member;
 };
 
-// One element with a value: a number in decimal, "1" or "0", a GUID in registry form, a text unchanged.
+// Appends one element with a value: numbers in decimal, truth values as "1" or "0", GUIDs in registry form,
+// texts unchanged.
 template <std::integral Number>
 void AddValue(CMSXmlNode& parent, const char* element, Number value) {
     AddNumberElement(parent, element, value);

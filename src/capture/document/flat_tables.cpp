@@ -5,9 +5,9 @@
 
 namespace {
 
-// Before the partitions of a disk.
+// The elements of a disk that precede its partitions.
 constexpr Field<DiskRow> kDisk[] = {
-    // Signed, as the size below: compatibility C114
+    // Signed, like the size below: compatibility C114
     {"index", Signed<DiskRow, std::uint32_t>{&DiskRow::disk_number}},
     {"partition_style", &DiskRow::partition_style},
     {"disk_guid", &DiskRow::disk_guid},
@@ -26,11 +26,11 @@ constexpr Field<PartitionRow> kPartition[] = {
     {"hidden", &PartitionRow::hidden},
     {"primary", &PartitionRow::active},
     {"partition", &PartitionRow::partition_number},
-    // Without its backslash in format 1: compatibility C105
+    // Without the trailing backslash in format 1: compatibility C105
     {"drive", &PartitionRow::drive},
     {"fs", &PartitionRow::file_system},
     {"parttype", &PartitionRow::kind},
-    // Filled in format 1 alone: compatibility C106
+    // Filled in format 1 only: compatibility C106
     {"volume", &PartitionRow::volume},
     {"operation", &PartitionRow::operation},
 };
@@ -38,7 +38,7 @@ constexpr Field<PartitionRow> kPartition[] = {
 constexpr Field<::Volume> kVolume[] = {
     {"m_dwDiskSignature", &::Volume::m_dwDiskSignature},
     {"disk_guid", &::Volume::disk_guid},
-    // A path in format 1, a fresh GUID in format 2: compatibility C107
+    // The volume GUID path in format 1, a new GUID in format 2: compatibility C107
     {"m_GUID", &::Volume::m_GUID},
     {"m_offsetPartition", &::Volume::m_offsetPartition},
     {"m_Size", &::Volume::m_Size},
@@ -52,7 +52,7 @@ constexpr Field<::Volume> kVolume[] = {
     {"Serial", &::Volume::Serial},
     {"FileSystem", &::Volume::FileSystem},
     {"Flags", &::Volume::Flags},
-    // Not the boot volume: compatibility C97
+    // The boot volume is not marked: compatibility C97
     {"SystemVolume", &::Volume::SystemVolume},
     {"Dynamic", &::Volume::Dynamic},
     {"BlockSize", &::Volume::BlockSize},
@@ -84,8 +84,8 @@ constexpr Field<BootConfig> kBootConfig[] = {
     {"product_type", &BootConfig::product_type},
 };
 
-// Appends an element for every record, named by `prefix` and its position from 0; `write_more` goes on where
-// the table ends. From 1 in the disk model: compatibility C88
+// Appends one element per record, named `prefix` plus the index of the record, and calls `write_more` after
+// the fields of each record. Indexes start at 0, those of the disk model at 1: compatibility C88
 template <class Record, class Fields, class WriteMore>
 void WriteRows(CMSXmlNode& parent, const char* prefix, const std::vector<Record>& records,
                const Fields& fields, WriteMore&& write_more) {
@@ -107,7 +107,7 @@ void WriteRows(CMSXmlNode& parent, const char* prefix, const std::vector<Record>
 
 void WriteDiskDrives(CMSXmlNode& environment, const std::vector<DiskRow>& disks) {
     CMSXmlNode table = environment.AddChild("DiskDrives");
-    // The names of both tables: compatibility C92
+    // The names of the counts and of the elements: compatibility C92
     AddNumberElement(table, "size_idx", disks.size());
     WriteRows(table, "x", disks, kDisk, [](CMSXmlNode& row, const DiskRow& disk) {
         AddNumberElement(row, "size_idy", disk.partitions.size());
@@ -119,7 +119,7 @@ void WriteVolumeTable(CMSXmlNode& environment, const std::vector<::Volume>& volu
     CMSXmlNode table = environment.AddChild("VolumeTable");
     AddNumberElement(table, "TotalVolumes", volumes.size());
     WriteRows(table, "volume", volumes, kVolume, [](CMSXmlNode& row, const ::Volume& volume) {
-        // No count before them: compatibility C94
+        // No count precedes the extents: compatibility C94
         WriteRows(row, "extent", volume.extents, kExtent);
     });
 }

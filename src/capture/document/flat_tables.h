@@ -4,7 +4,8 @@
 #include "common/record/rows.h"
 #include "common/xml/ms_xml.h"
 
-// The tables of the layout of formats 1 and 2, each one element under `environment`. They throw _com_error.
+// Each function appends one section of formats 1 and 2 to `environment`, as one element. They throw
+// _com_error.
 void WriteDiskDrives(CMSXmlNode& environment, const std::vector<DiskRow>& disks);
 void WriteVolumeTable(CMSXmlNode& environment, const std::vector<::Volume>& volumes);
 void WriteDriveLetterTable(CMSXmlNode& environment, const std::vector<DriveLetterEntry>& drives);

@@ -41,15 +41,15 @@ void CopyIdentity(const OSInfo& os, BootConfig& boot_config) {
     boot_config.m_OSArchitecture = os.OSArchitecture;
 }
 
-// The value's data as they are, a stored terminator included: compatibility C98
+// The value's data unchanged, including a stored null terminator: compatibility C98
 std::wstring TextOf(const RegistryValueCursor& cursor) {
     std::wstring text(cursor.data_length / sizeof(wchar_t), L'\0');
     std::memcpy(text.data(), cursor.data.data(), text.size() * sizeof(wchar_t));
     return text;
 }
 
-// Looks for the value through the key's values, with case; returns the system's last code:
-// compatibility C132
+// Enumerates the key's values until the name matches exactly. Returns the status of the last query, or
+// ERROR_INVALID_DATA if the key has too many values. The search and its case sensitivity: compatibility C132
 LSTATUS FindStartOptions(HKEY key, std::wstring& options) {
     constexpr std::size_t kDataBytes = 16383;
     RegistryValueCursor cursor(key, kDataBytes);
@@ -71,7 +71,7 @@ bool OpenControlKey(CRegistry& registry, HKEY& key) {
     }
 }
 
-// Closes the key.
+// Reads the options and closes the key.
 LSTATUS ReadStartOptions(CRegistry& registry, HKEY key, std::wstring& options) {
     const ScopeExit close([&] { registry.CloseKey(key); });
     try {
@@ -96,9 +96,9 @@ bool FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveL
     bool boot_found = false;
     drive_letters.reserve(volumes.size());
     for (::Volume& volume : volumes) {
-        // Without a letter too: compatibility C113
+        // Volumes without a letter get a row too: compatibility C113
         drive_letters.push_back({volume.m_GUID, volume.VolumeLetter});
-        // Compared with case; the last one stands: compatibility C133, C116
+        // The comparison is case-sensitive, and the last match wins: compatibility C133, C116
         if (volume.DeviceName == os.SystemDevice) {
             boot_config.m_guidSystemVolume = volume.m_GUID;
             volume.SystemVolume = true;
@@ -110,7 +110,7 @@ bool FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveL
             boot_found = true;
         }
     }
-    // The boot volume is not reported beside it: compatibility C41
+    // A missing boot volume is not reported in addition: compatibility C41
     if (!system_found) {
         return SystemVolumeNotFound(os);
     }
@@ -118,7 +118,7 @@ bool FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveL
 }
 
 bool GetBootOptions(std::wstring& options) {
-    // Not needed for this key: compatibility C131
+    // Reading this key needs no privilege: compatibility C131
     EnableBackupPrivileges();
     CRegistry registry;
     HKEY key = nullptr;

@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-// Recognises the system and the boot volume among the fixed volumes by their device names (the management
-// information's "system device" and "boot device"), marks them, appends a drive-letter row for every volume,
-// and fills `boot_config`, the boot options included. False after one level 2 line.
+// Finds the system and the boot volume among the fixed volumes by the device names that WMI reports
+// (`os.SystemDevice`, `os.BootDevice`) and marks them. Appends one row per volume to `drive_letters`. Fills
+// `boot_config`, including the boot options. On failure logs one error line and returns false.
 bool FindBootAndSystemVolumes(std::vector<::Volume>& volumes, std::vector<DriveLetterEntry>& drive_letters,
                               BootConfig& boot_config, const OSInfo& os);
 
-// Reads the options that the running system was started with. Enables the process's backup and restore
-// privileges. False after one level 2 line; memory running out is such a failure, nothing is thrown.
+// Reads the options that the running system was started with. Enables the backup and restore privileges of
+// the process. On failure, including out of memory, logs one error line and returns false. Throws nothing.
 bool GetBootOptions(std::wstring& options);
 
-// Puts the table in order of the drive letters; volumes without one come first.
+// Sorts the table by drive letter; volumes without a letter come first.
 void SortVolumeTable(std::vector<::Volume>& volumes);

@@ -2,10 +2,11 @@
 
 #include <string>
 
-// The product's version, "9.50.6732". The build defines it, once for the library's resource and for this.
+// The product version, "9.50.6732". The build defines it once, for the version resource and for this
+// constant.
 inline constexpr char kDllVersion[] = ORVANE_VERSION;
 
-// As the record has it, with a dot behind it: compatibility C61
+// The version as the record holds it, with a trailing dot: compatibility C61
 inline std::wstring RecordedDllVersion() {
     return L"" ORVANE_VERSION ".";
 }

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-// The environment record: one description of the machine in memory. The members carry the names of the
-// document's elements. What a collector could not fill keeps its initial value. Filled once, by one thread,
-// then written.
+// The environment record: a description of the machine in memory. The members have the names of the
+// document's elements. A member that its collector could not fill keeps its initial value. One thread fills
+// the record once and then writes it.
 
 struct ProcessorInfo {
     std::int32_t Architecture = 0;
@@ -18,7 +18,7 @@ struct ProcessorInfo {
     std::int32_t Family = 0;
     std::wstring Manufacturer;
     std::int32_t MaxClockSpeed = 0;  // MHz
-    std::int32_t ProcessorId = 0;    // a text at its source: compatibility C72
+    std::int32_t ProcessorId = 0;    // a string in WMI: compatibility C72
     std::int32_t ProcessorType = 0;
     std::int32_t UniqueId = 0;  // compatibility C72
 };
@@ -32,11 +32,11 @@ struct ComputerSystemInfo {
     std::uint32_t NumberOfProcessors = 0;
     std::vector<std::wstring> SystemStartupOptions;
     std::wstring SystemType;
-    std::wstring TotalPhysicalMemory;  // bytes, as the decimal text that is delivered
+    std::wstring TotalPhysicalMemory;  // bytes, the decimal text that WMI returns
     std::wstring UserName;
 };
 
-// Boot and system the other way round from Windows' terms: compatibility C96
+// "Boot" and "system" have the opposite of their meaning in Windows: compatibility C96
 struct OSInfo {
     std::wstring BootDevice;  // NT device name of the volume that the system started from
     std::wstring CountryCode;
@@ -67,11 +67,11 @@ struct BootConfigurationInfo {
     std::wstring LastDrive;
     std::wstring Name;
     std::wstring ScratchDirectory;
-    std::uint32_t SettingID = 0;  // a text at its source: compatibility C72
+    std::uint32_t SettingID = 0;  // a string in WMI: compatibility C72
     std::wstring TempDirectory;
 };
 
-// What every version of the record begins with.
+// The first part of every version of the record.
 struct SystemSections {
     std::uint32_t Version = 0;
     std::wstring DllVersion;
@@ -81,7 +81,7 @@ struct SystemSections {
     ProcessorInfo Processor;
 };
 
-// Identities of the boot and the system volume, boot options and the system's identity.
+// Identifies the boot volume, the system volume and the operating system, and holds the boot options.
 struct BootConfig {
     std::wstring m_guidSystemVolume;
     std::wstring m_guidBootVolume;
@@ -98,7 +98,7 @@ struct DriveLetterEntry {
     std::wstring m_strDrive;  // may be empty
 };
 
-// The record with the flat tables.
+// The record of formats 1 and 2, with the flat tables.
 struct EnvInfo : SystemSections {
     std::vector<DiskRow> DiskDrives;
     // Always empty: compatibility C95
@@ -108,7 +108,7 @@ struct EnvInfo : SystemSections {
     std::vector<::Volume> VolumeTable;
 };
 
-// The record that holds the disk model itself in the place of the tables.
+// The record of format 3, with the disk model instead of the tables.
 struct EnvInfoV3 : SystemSections {
     bmr_common::DeviceManager device_manager;
     bmr_common::VolumeManager volume_manager;

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The error's number is where the line begins in the text, and is not shown: compatibility C15
+// The error code is used as an offset into the text and is not shown: compatibility C15
 void LogUndecided(DWORD error) {
     constexpr wchar_t kText[] = L"GetFirmwareEnvironment function failed to find firmware type. Error code ";
     constexpr std::size_t kLength = std::size(kText) - 1;
@@ -36,7 +36,7 @@ bool DetectFirmwareType(std::uint32_t& type) {
         case ERROR_INVALID_FUNCTION:  // no such interface: started by a legacy BIOS
             type = kFirmwareBios;
             return true;
-        case ERROR_NOACCESS:  // the interface is there and refuses the null buffer
+        case ERROR_NOACCESS:  // the interface exists and rejects the null buffer
             type = kFirmwareUefi;
             return true;
         default:
@@ -52,6 +52,6 @@ bool FindFirmwareType(std::uint32_t& type) {
     }
     FIRMWARE_TYPE answer{};
     const bool known = get_firmware_type(&answer) == TRUE;
-    std::memcpy(&type, &answer, sizeof(type));  // may be none of the enumerators
+    std::memcpy(&type, &answer, sizeof(type));  // the value may match no enumerator
     return known;
 }

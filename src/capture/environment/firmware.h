@@ -2,17 +2,17 @@
 
 #include <cstdint>
 
-// How the machine was started.
+// The firmware that started the machine.
 enum FirmwareKind : std::uint32_t {
     kFirmwareUnknown = 0,
     kFirmwareBios = 1,
     kFirmwareUefi = 2,
 };
 
-// How the machine was started: the system's own answer where it can tell, even if that is a failure, else
-// that of DetectFirmwareType (compatibility C60). False where it is not known; `type` is then meaningless.
+// Finds the firmware type with GetFirmwareType, whose failure is final (compatibility C60), or with
+// DetectFirmwareType if the system lacks that function. Returns false on failure; `type` is then meaningless.
 bool FindFirmwareType(std::uint32_t& type);
 
-// Finds out by probing the firmware's variables, for systems that do not tell the firmware type themselves.
-// Writes `type` on every path; false, after one level 2 line, when the answer is not known.
+// Finds the firmware type by reading a firmware variable, for systems without GetFirmwareType. Always sets
+// `type`. If the type remains unknown, logs one error line and returns false.
 bool DetectFirmwareType(std::uint32_t& type);

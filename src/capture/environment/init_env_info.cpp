@@ -11,7 +11,7 @@
 
 namespace {
 
-// Not the number of the format: compatibility C71
+// Not the format number: compatibility C71
 constexpr std::uint32_t kRecordVersion = 3;
 
 bool Failed() {
@@ -19,7 +19,7 @@ bool Failed() {
     return false;
 }
 
-// The number of the first row that starts where the volume starts; 0 where no row does.
+// Returns the number of the first partition row that starts at the volume's offset; 0 if there is none.
 std::int32_t GetPartitionNumber(const std::vector<DiskRow>& disks, const ::Volume& volume) {
     return Traced(L"GetPartitionNumber", [&] {
         const PartitionRow* const row = FindRowAt(disks, volume.m_DiskNumber, volume.m_offsetPartition);
@@ -33,13 +33,14 @@ bool RepairPartitionNumbers(EnvInfo& environment) {
             continue;
         }
         const std::int32_t number = GetPartitionNumber(environment.DiskDrives, volume);
-        // The row of a whole disk too: compatibility C142
+        // The row of a whole disk has the number 0 too: compatibility C142
         if (number == 0) {
             GetLogger().Write(kLogError, L"InitEnvInfo failed to fix volume %s partition number",
                               volume.VolumeLetter.c_str());
             return false;
         }
-        // The line has the number of a fault report; extents stay: compatibility C16, C111
+        // The line contains the number of a fault report, and the extents do not change: compatibility C16,
+        // C111
         if (number != volume.m_PartitionNumber) {
             GetLogger().Write(
                 kLogTrace, L"DTS 19963 InitEnvInfo changing partition number from %d to %d for volume %s %s",
@@ -67,7 +68,7 @@ bool InitEnvInfo(EnvInfo& environment) {
     environment.DllVersion = RecordedDllVersion();
     EnumDisk enumerator;
     std::vector<DriveRow> drives;
-    // No "InitEnvInfo Failed" from here on: compatibility C42
+    // From here on, a failure does not log "InitEnvInfo Failed": compatibility C42
     if (!enumerator.GetDrives(drives) || !enumerator.GetDiskDetails(&drives, environment.DiskDrives)) {
         return false;
     }

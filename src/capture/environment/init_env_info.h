@@ -2,6 +2,6 @@
 
 #include "capture/environment/env_info.h"
 
-// Fills the record through the flat enumerator. False after lines in the log,
-// then with the record partly filled.
+// Fills the record with the flat enumerator. On failure logs the reason and returns false; the record is then
+// partly filled.
 bool InitEnvInfo(EnvInfo& environment);

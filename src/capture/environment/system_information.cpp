@@ -39,7 +39,7 @@ bool ReadFact(CWmi& wmi, const WmiFact<Section>& fact, Section& section) {
     const bool read =
         std::visit([&](auto member) { return ReadValue(wmi, fact.property, fact.reading, section.*member); },
                    fact.member);
-    // A null value, or one of another type, counts as read: compatibility C125
+    // A null value, or a value of another type, counts as read: compatibility C125
     if (!read && fact.reading == WmiReading::kMandatory) {
         GetLogger().Write(kLogError, fact.failure);
         return false;
@@ -58,8 +58,8 @@ int Collect(const WmiClass<Section>& wmi_class, Section& section) {
         GetLogger().Write(kLogError, wmi_class.find_first_failed);
         return 0;
     }
-    // The last instance stands, lists grow, and a walk that breaks off is no failure: compatibility C74,
-    // C75, C126
+    // The values of the last instance are kept, lists are appended to, and an enumeration that stops early is
+    // not a failure: compatibility C74, C75, C126
     do {
         for (const WmiFact<Section>& fact : wmi_class.facts) {
             if (!ReadFact(wmi, fact, section)) {
@@ -96,7 +96,7 @@ int GetBootConfiguration(BootConfigurationInfo& boot_configuration) {
     return Collect(kBootConfigurationClass, boot_configuration);
 }
 
-// In another order than GetWMIInfo below: compatibility C123
+// The order differs from GetWMIInfo below: compatibility C123
 bool CollectSystemSections(SystemSections& sections, SectionsRead& read) {
     bmr_common::COMEnabler com;
     if (!InitializeCom(com)) {

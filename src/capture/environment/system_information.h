@@ -2,15 +2,15 @@
 
 #include "capture/environment/env_info.h"
 
-// The collectors of the system sections. Each reads every instance of its management class, so that the last
-// one's values stand; returns non-zero when the section was read, 0 after one level 2 line. COM must be
-// initialised on the calling thread. Only running out of memory throws.
+// The collectors of the system sections. Each reads all instances of its WMI class; the values of the last
+// one are kept. They return non-zero on success. On failure they log one error line and return 0. COM must be
+// initialised on the calling thread. They throw only when out of memory.
 int GetProcessorInfo(ProcessorInfo& processor);
 int GetOSInfo(OSInfo& os);
 int GetComputerSystem(ComputerSystemInfo& computer_system);
 int GetBootConfiguration(BootConfigurationInfo& boot_configuration);
 
-// Which sections could be read.
+// The sections that were read successfully.
 struct SectionsRead {
     bool processor = false;
     bool boot_configuration = false;
@@ -20,9 +20,9 @@ struct SectionsRead {
     bool all() const { return processor && boot_configuration && computer_system && os; }
 };
 
-// Initialises COM for the length of the call and runs all four collectors in the order of the flat record,
-// whatever the earlier ones returned. False, with nothing read, when COM could not be initialised.
+// Initialises COM for the duration of the call and runs all four collectors in the order of the flat record,
+// even if an earlier one fails. Returns false, without reading anything, if COM cannot be initialised.
 bool CollectSystemSections(SystemSections& sections, SectionsRead& read);
 
-// The same in the order of the disk model's grabbers. True when all four succeeded.
+// The same in the order of formats 2 and 3. Returns true if all four collectors succeeded.
 bool GetWMIInfo(SystemSections& sections);

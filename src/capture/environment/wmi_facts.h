@@ -9,31 +9,31 @@
 #include <variant>
 #include <vector>
 
-// The facts that are read from WMI, a table a class. The collector, the document and the dump of the system
-// information walk these tables.
+// The properties that are read from WMI, one table per class. The collectors, the document and the dump of
+// the system information iterate over these tables.
 
-// How a property is read. A text and a list of texts have one way; a number has two.
+// How a property is read. Only numbers can be read in more than one way.
 enum class WmiReading {
-    kOptional,     // a number by the collectors' own rule
-    kMandatory,    // the same; the collector fails when the property cannot be read
-    kWholeNumber,  // a number by CWmi's integer operation
-    kConstant64,   // not read at all: compatibility C77
+    kOptional,     // numbers with CWmi::GetLowInteger
+    kMandatory,    // the same; the collector fails if the property cannot be read
+    kWholeNumber,  // numbers with CWmi::Get
+    kConstant64,   // not read, the value is 64: compatibility C77
 };
 
-// Where a fact stands in the document, counted from 1, and its element; 0 where it does not stand there.
+// The position of a property in its section of the document, from 1, and its element. 0: not in the document.
 struct PlaceInDocument {
     int place = 0;
     const char* element = nullptr;
 };
 
-// Where a fact stands in the dump, counted from 1, and the format of its line; 0 where it does not stand
-// there.
+// The position of a property in the dump of its section, from 1, and the format of its line. 0: not in the
+// dump.
 struct PlaceInDump {
     int place = 0;
     const wchar_t* line = nullptr;
 };
 
-// A row. The order of the rows is the order of reading.
+// One property. The collectors read the properties in the order of the rows.
 template <class Section>
 struct WmiFact {
     const wchar_t* property = nullptr;
@@ -43,19 +43,19 @@ struct WmiFact {
     PlaceInDocument document;
     PlaceInDump dump;
     WmiReading reading = WmiReading::kOptional;
-    const wchar_t* failure = nullptr;  // logged where a mandatory property cannot be read
+    const wchar_t* failure = nullptr;  // logged if a mandatory property cannot be read
 };
 
 template <class Section>
 struct WmiClass {
     const wchar_t* query;
-    const wchar_t* not_initialized;    // logged where WMI cannot be asked
-    const wchar_t* find_first_failed;  // logged where the class has no object
+    const wchar_t* not_initialized;    // logged if WMI cannot be queried
+    const wchar_t* find_first_failed;  // logged if no object can be fetched
     std::span<const WmiFact<Section>> facts;
 };
 
-// Calls `visit` with each fact that stands in the document (&WmiFact<Section>::document) or in the dump
-// (&WmiFact<Section>::dump), in its order.
+// Calls `visit` for each property in the document (`where` is &WmiFact<Section>::document) or in the dump
+// (`where` is &WmiFact<Section>::dump), in the order of that output.
 template <class Section, class Place, class Visit>
 constexpr void WalkInOrder(const WmiClass<Section>& wmi_class, Place WmiFact<Section>::*where, Visit visit) {
     for (int place = 1;; ++place) {
@@ -69,7 +69,7 @@ constexpr void WalkInOrder(const WmiClass<Section>& wmi_class, Place WmiFact<Sec
     }
 }
 
-// Whether the places are 1, 2, 3 and so on, none left out and none taken twice.
+// Whether the positions are 1, 2, 3 and so on, without gaps and without duplicates.
 template <class Section, class Place>
 constexpr bool PlacesAreWhole(const WmiClass<Section>& wmi_class, Place WmiFact<Section>::*where) {
     int walked = 0;
@@ -86,7 +86,8 @@ constexpr bool PlacesAreWhole(const WmiClass<Section>& wmi_class) {
 
 // clang-format off
 
-// Property, member, place and element in the document, place and line in the dump, how it is read.
+// Columns: property, member, position and element in the document, position and line in the dump, how the
+// property is read, failure line.
 
 inline constexpr WmiFact<ProcessorInfo> kProcessorFacts[] = {
     {L"Manufacturer", &ProcessorInfo::Manufacturer, {4, "Manufacturer"}, {4, L"Manufacturer: %s"}},

@@ -1,4 +1,4 @@
-// The export that captures the machine.
+// The export CaptureSystemRestorePointInfo.
 
 #include "capture/exports/orvane_main_exception.h"
 #include "capture/exports/process_settings.h"
@@ -11,7 +11,7 @@
 
 namespace {
 
-// Formats 1 and 3 have grabbers of their own, every other number means format 2: compatibility C118
+// Any number except 1 and 3 means format 2: compatibility C118
 std::uint32_t GrabberTypeOf(std::uint32_t format) {
     switch (format) {
         case 1:
@@ -33,7 +33,7 @@ std::uint32_t Capture(char* buffer, std::uint32_t buffer_size, std::uint32_t* re
         throw OrvaneMainException(L"Failed to obtain EnvInfo");
     }
     if (!grabber->CanBackup(SelectedVolumes(), RequestedDisks(), false)) {
-        // The wording: compatibility C31
+        // The wording is kept: compatibility C31
         throw OrvaneMainException(L"I cannot backup the needed information");
     }
     std::uint32_t size = 0;
@@ -48,7 +48,7 @@ std::uint32_t FailureStatus(std::uint32_t status) {
     return status != ORVANE_SUCCESS ? status : ORVANE_FAILED;
 }
 
-// The text may be what there is no memory for; the line is logged in any case.
+// Always logs the line; without the error text if there is no memory for it.
 void LogComError(HRESULT result) noexcept {
     constexpr const wchar_t* kLine = L"CaptureSystemRestorePointInfo COM Exception: %s";
     try {
@@ -58,7 +58,7 @@ void LogComError(HRESULT result) noexcept {
     }
 }
 
-// The exception boundary.
+// The exception boundary: turns every exception into a log line and a status.
 std::uint32_t CaptureSafely(char* buffer, std::uint32_t buffer_size, std::uint32_t* required_size) {
     std::uint32_t status = ORVANE_SUCCESS;
     try {
@@ -71,7 +71,7 @@ std::uint32_t CaptureSafely(char* buffer, std::uint32_t buffer_size, std::uint32
                           error.message().c_str());
         return FailureStatus(status);
     } catch (...) {
-        // A GrabberException too, without its message: compatibility C38
+        // Catches a GrabberException too and loses its message: compatibility C38
         GetLogger().Write(kLogError, L"CaptureSystemRestorePointInfo Exception");
         return FailureStatus(status);
     }

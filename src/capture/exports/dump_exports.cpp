@@ -1,4 +1,4 @@
-// The exports that write what the library finds into the log.
+// The exports that dump what the library finds to the log.
 
 #include "capture/environment/dll_version.h"
 #include "capture/environment/firmware.h"
@@ -12,8 +12,8 @@
 
 namespace {
 
-// The exception boundary of a dump: runs `dump` between its trace lines, and turns whatever it throws into a
-// line.
+// The exception boundary of a dump: runs `dump` between its trace lines and logs the error `failure` if it
+// throws.
 template <class Body>
 void DumpSafely(const wchar_t* function, const wchar_t* failure, Body&& dump) {
     Traced(function, [&] {
@@ -26,7 +26,7 @@ void DumpSafely(const wchar_t* function, const wchar_t* failure, Body&& dump) {
 }
 
 void DumpSystem() {
-    // The collectors initialise it again: compatibility C65
+    // The collectors initialise COM again: compatibility C65
     bmr_common::COMEnabler com;
     if (!com.InitializeCOM(L"WMIDumpInfo")) {
         GetLogger().Write(kLogError, L"WMIDumpInfo: Cannot initialize COM");
@@ -41,7 +41,7 @@ void DumpSystem() {
 
 void DumpDisks() {
     bmr_common::DeviceManager device_manager;
-    // Dumped even where it fails: compatibility C55
+    // Dumps even if the enumeration fails: compatibility C55
     device_manager.InitializeWithCurrentDisks();
     device_manager.DumpInfo();
 }
@@ -53,7 +53,7 @@ void DumpVolumes() {
                           L"VolumeDumpInfo");
         return;
     }
-    // Whatever the format: compatibility C66
+    // Ignores the selected format: compatibility C66
     const orvane::InfoGrabberPtr grabber = orvane::CreateInfoGrabber(orvane::kGrabberV3);
     if (!grabber) {
         GetLogger().Write(kLogError, L"Failed to obtain information grabber");
@@ -67,14 +67,14 @@ void DumpVolumes() {
         return;
     }
     grabber->DumpVolumeInfo();
-    // Twelve signs before, thirteen behind: compatibility C56
+    // Twelve equals signs before the words, thirteen after them: compatibility C56
     GetLogger().Write(kLogInformation, L"============ Volume(s) available for backup summary =============");
     GetLogger().Write(kLogInformation, grabber->CanBackup({}, RequestedDisks(), true)
                                            ? L"All volumes can be backed up"
                                            : L"Other volumes can be backed up except volumes with errors");
 }
 
-// The lines bring their line feeds: compatibility C58
+// The lines contain their own line feeds: compatibility C58
 void DumpFirmware() {
     GetLogger().Write(kLogInformation, L"Capture DLL Version: %S", kDllVersion);
     GetLogger().Write(kLogInformation, L"==========Firmware Detection==========\n");

@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-// An export that cannot go on.
+// Thrown by an export that cannot continue.
 class OrvaneMainException {
 public:
     explicit OrvaneMainException(std::wstring message) : message_(std::move(message)) {}

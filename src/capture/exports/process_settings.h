@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
-// What the setters of the interface leave for the calls after them. No locks: one thread calls at a time.
+// The process-wide settings that the setters store for later calls. No locks: only one thread calls at a
+// time.
 extern std::uint32_t gSaveXmlFormat;
 
 std::vector<std::wstring>& SelectedVolumes();
-// No export fills it.
+// Always empty: no export fills the list.
 const std::vector<orvane::RequestedDisk>& RequestedDisks();

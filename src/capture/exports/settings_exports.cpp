@@ -1,4 +1,4 @@
-// The exports that answer or change a setting.
+// The exports that return or change a setting.
 
 #include "capture/exports/process_settings.h"
 #include "common/logger/trace.h"
@@ -11,7 +11,7 @@ constexpr std::uint32_t kInterfaceVersion = 4;
 
 void TakeSelectedVolumes(const wchar_t* list, std::uint64_t count) {
     SelectedVolumes().clear();
-    // Errors of a call that succeeds: compatibility C40
+    // The call succeeds although it logs an error: compatibility C40
     if (list == nullptr) {
         GetLogger().Write(kLogError, L"SetupSelectedVolumesList: volume_guid_list is NULL");
         return;
@@ -20,7 +20,8 @@ void TakeSelectedVolumes(const wchar_t* list, std::uint64_t count) {
         GetLogger().Write(kLogError, L"SetupSelectedVolumesList: volume_guid_list is empty");
         return;
     }
-    // Left out, a volume would not be judged; cut short, it is found nowhere and the capture says so.
+    // Keeps an entry that is truncated at `count`: no volume has that name, so that the backup check reports
+    // it. Without the entry, the volume would not be checked.
     SelectedVolumes() = SplitMultiString(list, count, CutEntry::kTaken);
 }
 

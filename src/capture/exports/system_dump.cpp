@@ -22,7 +22,7 @@ void WriteLine(const wchar_t* format, const std::wstring& value) {
     GetLogger().Write(kLogInformation, format, value.c_str());
 }
 
-// The number of texts, then a line each.
+// Writes the number of strings, then one line for each.
 void WriteLine(const wchar_t* format, const std::vector<std::wstring>& texts) {
     WriteLine(format, static_cast<std::int32_t>(texts.size()));
     for (const std::wstring& text : texts) {
@@ -37,7 +37,7 @@ void WriteLines(const WmiClass<Section>& wmi_class, const Section& record) {
     });
 }
 
-// Begins a block; false, after its one line, where its section was not read.
+// Logs the header of a block, or its failure line if the section was not read. Returns `read`.
 bool BeginBlock(bool read, const wchar_t* header, const wchar_t* failure) {
     if (read) {
         GetLogger().Write(kLogInformation, header);
@@ -49,7 +49,7 @@ bool BeginBlock(bool read, const wchar_t* header, const wchar_t* failure) {
 
 }  // namespace
 
-// Not in the order of the document: compatibility C62
+// The order differs from the document: compatibility C62
 void DumpSystemSections(const SystemSections& sections, const SectionsRead& read) {
     if (BeginBlock(read.processor, L"[Processor Information]", L"WMIDumpInfo Processor Info Failed")) {
         WriteLines(kProcessorClass, sections.Processor);
@@ -58,7 +58,7 @@ void DumpSystemSections(const SystemSections& sections, const SectionsRead& read
                    L"WMIDumpInfo Boot Configuration Info Failed")) {
         WriteLines(kBootConfigurationClass, sections.BootConfiguration);
     }
-    // The failure line has half of the block's name: compatibility C64
+    // The failure line contains only a part of the block's name: compatibility C64
     if (BeginBlock(read.computer_system, L"[Computer System Information]",
                    L"WMIDumpInfo System Info Failed")) {
         WriteLines(kComputerSystemClass, sections.ComputerSystem);

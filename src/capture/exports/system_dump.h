@@ -2,6 +2,6 @@
 
 #include "capture/environment/system_information.h"
 
-// Writes the four system sections into the log, each as its lines at level 4 or, where it was not read, as
-// one line at level 2.
+// Writes the four system sections to the log: each as information lines, or as one error line if it was not
+// read.
 void DumpSystemSections(const SystemSections& sections, const SectionsRead& read);

@@ -13,7 +13,7 @@ namespace orvane {
 
 namespace {
 
-// Where a volume's run stands to a partition row.
+// The position of a volume's extent relative to a partition row.
 enum class Position { kInside, kPartial, kOutside };
 
 Position PositionIn(const PartitionRow& row, const VolumeOnDisk& volume) {
@@ -30,7 +30,7 @@ Position PositionIn(const PartitionRow& row, const VolumeOnDisk& volume) {
 
 }  // namespace
 
-// The lines name the device manager: compatibility C11
+// The log lines name the device manager: compatibility C11
 bool GetMaxPhysicalDiskId(const bmr_common::DeviceManager& device_manager, std::uint32_t& maximum) {
     bool found = false;
     maximum = 0;
@@ -69,7 +69,7 @@ bool AddExistingDiskInformation(const bmr_common::DiskDriveManager& disk, DiskRo
         if (disk.FillDiskRow(row)) {
             return true;
         }
-        // The name takes the place of the style: compatibility C23
+        // The function name is passed in place of the style: compatibility C23
         GetLogger().Write(kLogError, L"unsupported partition style %d", kFunction, style);
         return false;
     });
@@ -77,7 +77,7 @@ bool AddExistingDiskInformation(const bmr_common::DiskDriveManager& disk, DiskRo
 
 void FinishDiskRows(std::vector<DiskRow>& disks) {
     for (DiskRow& disk : disks) {
-        // The row of a whole disk is no partition: it keeps its 0.
+        // The row of a whole disk is not a partition and keeps the number 0.
         if (disk.partitions.size() != 1 || disk.partitions.front().partition_number != 0) {
             SortDiskPartitionNumbers(disk);
         }

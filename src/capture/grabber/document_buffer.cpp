@@ -24,11 +24,11 @@ void CopyDocument(const std::string& text, std::uint32_t buffer_size, char* buff
     }
     const auto length = static_cast<std::uint32_t>(text.size());
     if (buffer_size < length) {
-        // A size query is no error: compatibility C39
+        // A size query is not an error: compatibility C39
         GetLogger().Write(kLogTrace, L"InfoGrabber::CaptureInfo: output buffer too small");
         *status = ORVANE_BUFFER_TOO_SMALL;
     } else {
-        // No terminator follows: compatibility C119
+        // No null terminator follows: compatibility C119
         safe::MemoryCopy(buffer, buffer_size, text.data(), length);
         *status = ORVANE_SUCCESS;
     }

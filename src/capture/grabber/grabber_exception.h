@@ -5,7 +5,7 @@
 
 namespace orvane {
 
-// A capture that cannot go on.
+// Thrown by a capture that cannot continue.
 class GrabberException {
 public:
     explicit GrabberException(std::wstring message) : message_(std::move(message)) {}

@@ -16,7 +16,7 @@ constexpr wchar_t kCanBackup[] = L"orvane::InfoGrabber::CanBackup";
 
 using Lines = std::vector<std::wstring>;
 
-// Each line is a format: compatibility C2
+// Each line is used as a format string: compatibility C2
 void LogLines(const Lines& lines) {
     for (const std::wstring& line : lines) {
         GetLogger().WriteTextAsFormat(kLogError, line.c_str());
@@ -43,7 +43,7 @@ bool CheckDisk(const RequestedDisk& request, const bmr_common::DeviceManager& de
     const std::wstring number = DecimalText(request.disk_number);
     const bmr_common::DiskDriveManagerPtr disk = device_manager.GetDevice(request.disk_number);
     if (!disk) {
-        // At once, and again in the report: compatibility C37
+        // Logged here and again with the other disk errors: compatibility C37
         GetLogger().Write(kLogError, L"%s Can't find requested disk %u", kCanBackup, request.disk_number);
         errors.push_back(L"Backup cannot proceed. Failed to find any information about requested disk " +
                          number + L".");
@@ -67,7 +67,7 @@ bool CheckDisk(const RequestedDisk& request, const bmr_common::DeviceManager& de
 Lines IdentifiersOf(const bmr_common::VolumeManager& volume_manager) {
     Lines identifiers;
     for (const bmr_common::VolumePtr& volume : volume_manager.volumes()) {
-        // A device volume without a GUID is known by its device name.
+        // A device volume without a GUID is identified by its device name.
         identifiers.push_back(volume->volume_guid().empty() ? volume->device_name() : volume->volume_guid());
     }
     return identifiers;
@@ -87,7 +87,7 @@ bool InfoGrabber::CanBackup(const std::vector<std::wstring>& volumes, const std:
         }
         Lines disk_errors;
         const bool disks_ok = CanBackup(disks, device_manager, disk_errors);
-        // Not without a volume's: compatibility C36
+        // Only if a volume failed too: compatibility C36
         if (!volumes_ok) {
             LogLines(disk_errors);
         }

@@ -4,7 +4,7 @@
 
 namespace orvane {
 
-// Format 1: the flat record, filled by the flat enumerator. Judges nothing: compatibility C117
+// Format 1: the flat enumerator fills the flat record. No volume is checked: compatibility C117
 class InfoGrabberV1 : public InfoGrabber {
 public:
     explicit InfoGrabberV1(boost::shared_ptr<EnvInfo> environment);

@@ -18,13 +18,13 @@ namespace orvane {
 
 namespace {
 
-// Not the number of the format: compatibility C71
+// Not the format number: compatibility C71
 constexpr std::uint32_t kRecordVersion = 5;
 
-// The rows run to the largest disk number: one past this is no machine's, and the collection fails.
+// Every number up to the largest disk number gets a row. A disk number above this limit fails the collection.
 constexpr std::uint32_t kHighestDiskNumber = 65'535;
 
-// Whether the volume has a row: only fixed volumes whose place on the disks is known have one.
+// Whether the volume gets a row. Only fixed volumes with known extents do.
 bool HasRow(const bmr_common::Volume& volume) {
     constexpr const wchar_t* kFunction = L"orvane::InfoGrabberV2::AddVolumeInfo";
     if (volume.drive_type() != DRIVE_FIXED) {
@@ -147,7 +147,7 @@ bool InfoGrabberV2::FillExtent(const bmr_common::VolumeExtent& extent, DiskExten
             return false;
     }
     std::uint32_t number = 0;
-    // The system's number, which extents keep: compatibility C112
+    // Extents keep the system's partition number: compatibility C112
     if (disk->GetPartitionNumberAtOffset(extent.starting_offset, number)) {
         row.m_PartitionNumber = static_cast<std::int32_t>(number);
     }
@@ -218,7 +218,7 @@ bool InfoGrabberV2::AddDiskInformation() {
 bool InfoGrabberV2::AddVolumeInformationToPartitions() {
     return Traced(L"orvane::InfoGrabberV2::AddVolumeInformationToPartitions", [&] {
         const auto add = [&](const ::Volume& volume) {
-            // The extent's own length: the volume on it may be shorter.
+            // The length of the extent: the volume may be shorter.
             const DiskExtent& extent = volume.extents.front();
             return volume.Dynamic ||
                    SetPartitionVolumeLetterFileSystem(

@@ -5,7 +5,7 @@
 
 namespace orvane {
 
-// Format 2, the default: the disk model, converted into the flat record.
+// Format 2, the default: converts the disk model to the flat record.
 class InfoGrabberV2 : public InfoGrabber {
 public:
     InfoGrabberV2();

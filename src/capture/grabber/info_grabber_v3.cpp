@@ -18,7 +18,7 @@ namespace orvane {
 
 namespace {
 
-// Not the number of the format: compatibility C71
+// Not the format number: compatibility C71
 constexpr std::uint32_t kRecordVersion = 7;
 
 }  // namespace
@@ -41,7 +41,7 @@ bool InfoGrabberV3::Collect() {
            SetVolumeInfoGUID();
 }
 
-// Makes identifiers and drops them: compatibility C122
+// Creates GUIDs and discards them: compatibility C122
 bool InfoGrabberV3::SetVolumeInfoGUID() const {
     return Traced(L"orvane::InfoGrabberV3::SetVolumeInfoGUID", [&] {
         const auto& volumes = environment_->volume_manager.volumes();
@@ -71,11 +71,11 @@ void InfoGrabberV3::CaptureInfo(std::uint32_t buffer_size, char* buffer, std::ui
         if (!environment_) {
             throw GrabberException(L"InfoGrabberV3::CaptureInfo: Cannot get BMREnvInfoV3");
         }
-        // COM is the calling thread's: compatibility C120
+        // Needs COM initialised by the caller: compatibility C120
         CMSXmlDoc document;
         CMSXmlNode root = NewDocument(document);
         WriteEnvironment(root, *environment_);
-        // An empty text is delivered too: compatibility C121
+        // Delivers an empty text too: compatibility C121
         CopyDocument(DocumentText(root), buffer_size, buffer, required_size, status);
     });
 }

@@ -4,12 +4,11 @@
 
 namespace orvane {
 
-// Format 3: the disk model itself, in its own fragments. CaptureInfo relies on COM being initialised on the
-// calling thread.
+// Format 3: the disk model writes its own elements. CaptureInfo needs COM initialised on the calling thread.
 class InfoGrabberV3 : public InfoGrabber {
 public:
     InfoGrabberV3();
-    // For a record that was filled elsewhere; may be empty.
+    // Uses a record that was filled elsewhere. An empty pointer makes CaptureInfo fail.
     explicit InfoGrabberV3(boost::shared_ptr<EnvInfoV3> environment);
 
     using InfoGrabber::CanBackup;
@@ -17,7 +16,7 @@ public:
     bool ObtainInformation() override;
     bool CanBackup(const std::vector<std::wstring>& volumes, const std::vector<RequestedDisk>& disks,
                    bool all_volumes) override;
-    // Always empty.
+    // Always returns an empty pointer.
     boost::shared_ptr<EnvInfo> GetEnvInfo() override;
     void DumpVolumeInfo() override;
     void CaptureInfo(std::uint32_t buffer_size, char* buffer, std::uint32_t* required_size,

@@ -8,11 +8,11 @@
 
 namespace orvane {
 
-// A volume and a GUID text that is made for this capture alone.
+// A volume and the text of a GUID that is created for this capture.
 using NamedVolume = std::pair<bmr_common::VolumePtr, std::wstring>;
 
-// Appends every volume of the manager, in its order, with a fresh GUID text. False, after a level 2 line,
-// when the system cannot make one.
+// Appends every volume of the manager, in the manager's order, with a new GUID. If the system cannot create a
+// GUID, logs one error line and returns false.
 bool NameVolumes(const bmr_common::VolumeManager& volume_manager, std::vector<NamedVolume>& volumes);
 
 }  // namespace orvane
