@@ -20,5 +20,5 @@ XmlTree Written(Write&& write) {
     }
     CMSXmlNode root = document.GetRoot();
     write(root);
-    return XmlTree::Of(support::Utf8(std::wstring(TextOf(root.GetXML()))));
+    return XmlTree::Of(support::Utf8(std::wstring(::TextOf(root.GetXML()))));
 }
