@@ -10,9 +10,10 @@
  *    calling thread, before the function returns.
  *
  * 2. State. The callback, the format and the selected volumes belong to the process and last from call to
- *    call. Everything that is described is collected anew by each call. Two changes stay behind in the
- *    process: COM security, which is set where nobody has set it before, and the backup and restore
- *    privileges, which captures in formats 1 and 2 enable where the process holds them.
+ *    call. Every call queries the machine again. Calls leave three changes in the process: COM security is
+ *    set, unless the process has set it already; captures in formats 1 and 2 enable the backup and restore
+ *    privileges, if the process holds them; and captures and dumps of disks seed the random numbers of the
+ *    C runtime msvcrt.dll (srand) on the calling thread.
  *
  * 3. Ownership. Memory that you pass stays yours. The library keeps no pointer to it, except the
  *    callback. The library hands out no memory, so there is nothing to free.
@@ -20,8 +21,8 @@
  * 4. Null. A pointer may be null only where this header says so.
  *
  * 5. Failure. No exception leaves a function. The status and lines in the log report failures. A capture
- *    that fails stores nothing. The library allocates from one heap of its own; loading the library
- *    fails where the system cannot provide that heap.
+ *    that fails stores nothing. The library allocates from one heap of its own. Loading the
+ *    library fails if the system cannot provide that heap.
  *
  * 6. Text. Wide texts are UTF-16. The document is 8-bit text in the system's ANSI code page; a letter
  *    that the code page lacks is replaced by the system's best fit or substitute. The callback's text is
@@ -67,7 +68,7 @@ void SetEventFunc(OrvaneEventCallback callback);
 
 /* Selects the format of the document:
  * 1: flat tables of disks, partitions and volumes, collected by the older enumerator, which describes MBR
- *    disks only. Nothing is judged: every capture is made, whatever volumes are selected.
+ *    disks only. The selected volumes are not checked.
  * 2: the same tables for all disks. The default.
  * 3: every disk and every volume with all its own properties.
  * Any other value means 2. */
@@ -80,10 +81,10 @@ void SetXmlFormat(uint32_t format);
  * The entries are stored as they are. The capture finds their volumes, without regard to case as the
  * system compares its own names, and judges them.
  * Compare the returned number with the number that you passed: without enough memory the list is empty,
- * and a capture then judges no volume. */
+ * and a capture then checks no volume. */
 int64_t SetupSelectedVolumesList(const wchar_t* volume_guid_list, uint64_t count);
 
-/* Describes the machine as an XML document. In formats 2 and 3 it first judges whether every selected volume
+/* Describes the machine as an XML document. In formats 2 and 3 it first checks whether every selected volume
  * can be backed up, and fails if one cannot.
  * `buffer` receives the document, without a terminator, if it fits into `buffer_size` bytes.
  * `required_size` (may be NULL) receives the document's length in bytes with ORVANE_SUCCESS and

@@ -78,7 +78,7 @@ TEST(Loading, FunctionsLookedUpAtRunTime_AreThoseOfTheTable) {
     EXPECT_THAT(looked_up, testing::ContainerEq(expected));
 }
 
-// While it lives, the system's HeapCreate returns null, as when out of memory.
+// During its lifetime, the system's HeapCreate returns null, as when out of memory.
 class NoHeap {
 public:
     NoHeap()

@@ -57,23 +57,23 @@ void AddOptions(CLI::App& app, Choice& choice) {
     app.add_option("--entry", choice.entry, "capture1, capture2, capture3, wmi, disks, volumes, firmware");
     app.add_option("--part", choice.part)
         ->check(CLI::IsMember({"sweep", "lies", "changes", "cold", "reload", "long"}));
-    app.add_option("--call", choice.call, "One call alone: 117, import:5, dom:12, alloc:900");
-    app.add_option("--fault", choice.fault, "One fault alone: device-gone");
+    app.add_option("--call", choice.call, "Only this call: 117, import:5, dom:12, alloc:900");
+    app.add_option("--fault", choice.fault, "Only this fault: device-gone");
     app.add_flag_callback(
-        "--once", [&] { choice.from_there_on = false; }, "The call alone fails");
+        "--once", [&] { choice.from_there_on = false; }, "Only the call itself fails");
     app.add_flag_callback(
-        "--from-there-on", [&] { choice.from_there_on = true; }, "It fails with all after it");
-    app.add_option("--seed", choice.seed, "Of everything random");
-    app.add_option("--stride", choice.stride, "One case in so many")->check(CLI::PositiveNumber);
+        "--from-there-on", [&] { choice.from_there_on = true; }, "The call and all later calls fail");
+    app.add_option("--seed", choice.seed, "The seed of the random values");
+    app.add_option("--stride", choice.stride, "Run one case in this many")->check(CLI::PositiveNumber);
     app.add_option("--loads", choice.loads, "How often the library is loaded again");
-    app.add_option("--from", choice.from, "The case to begin with, as a crash tells it");
+    app.add_option("--from", choice.from, "The first case, as printed after a crash");
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
     Choice choice;
-    CLI::App app("The library with one thing after the other going wrong.", "faults");
+    CLI::App app("Runs the library while one thing after another fails.", "faults");
     AddOptions(app, choice);
     try {
         app.parse(count, arguments);

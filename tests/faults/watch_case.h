@@ -12,7 +12,7 @@ inline constexpr unsigned kCrashedExitCode = 87;
 // codes and a line that names the case: "CRASH <index> <name>" or "HANG <index> <name>".
 void WatchCases(unsigned seconds);
 
-// Marks a case as running while it lives.
+// Marks a case as running for its lifetime.
 class WatchedCase {
 public:
     WatchedCase(const std::string& name, std::size_t index);

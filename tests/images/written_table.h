@@ -94,7 +94,7 @@ private:
 // Reads the table of disk 0 into the manager.
 void Read(bmr_common::PartitionManager& manager);
 
-// While it lives, CoCreateGuid returns these GUIDs to the library, in this order. Fails the test when it
+// During its lifetime, CoCreateGuid returns these GUIDs to the library, in this order. Fails the test when it
 // needs more, or fewer.
 class IssuedGuids {
 public:

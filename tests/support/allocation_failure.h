@@ -4,7 +4,7 @@
 
 namespace support {
 
-// While it lives, allocations of at least this many bytes throw std::bad_alloc, in the test program and in
+// During its lifetime, allocations of at least this many bytes throw std::bad_alloc, in the test program and in
 // the libraries linked into it. A program that uses this class gets a replaced operator new. One at a time.
 class AllocationFailure {
 public:

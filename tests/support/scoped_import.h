@@ -8,7 +8,7 @@
 
 namespace support {
 
-// While it lives, a module (by default the test program) calls `replacement` instead of the imported
+// During its lifetime, a module (by default the test program) calls `replacement` instead of the imported
 // `function`. The replacement is a plain function pointer, so its state must be static. Throws
 // std::runtime_error if the module does not import the function, because such a test would test nothing.
 template <class Function>

@@ -6,7 +6,7 @@
 
 namespace support {
 
-// Replaces a function pointer with a lambda, which may have captures, while it lives:
+// Replaces a function pointer with a lambda, which may have captures for its lifetime:
 //     const Stub stub(Kernel32DLL::Get().DeviceIoControl, [&](HANDLE, DWORD code, ...) -> BOOL { ... });
 // Each lambda expression can be installed only once at a time.
 template <class Result, class Body, class... Arguments>
@@ -45,7 +45,7 @@ private:
 template <class Result, class Body, class... Arguments>
 Stub(Result(WINAPI*& function)(Arguments...), Body body) -> Stub<Result(WINAPI*)(Arguments...), Body>;
 
-// Replaces a function that the test program imports, while it lives:
+// Replaces a function that the test program imports for its lifetime:
 //     const StubImport stub("CoCreateGuid", &::CoCreateGuid, [&](GUID*) { return E_FAIL; });
 template <class Function, class Body>
 class StubImport;
@@ -70,7 +70,7 @@ template <class Result, class Body, class... Arguments>
 StubImport(const char* name, Result(WINAPI* prototype)(Arguments...), Body body)
     -> StubImport<Result(WINAPI*)(Arguments...), Body>;
 
-// Sets a variable, such as a function pointer of a table, while it lives. Restores its value at the end.
+// Sets a variable, such as a function pointer of a table for its lifetime. Restores its value at the end.
 template <class Value>
 class ScopedValue {
 public:

@@ -23,7 +23,7 @@ struct XmlTree {
     // The only child with that name. Throws std::out_of_range if there is none or more than one.
     const XmlTree& Child(std::string_view wanted) const {
         if (std::count_if(children.begin(), children.end(), Named{wanted}) != 1) {
-            throw std::out_of_range(name + " has not one " + std::string(wanted));
+            throw std::out_of_range(name + " has none or several of " + std::string(wanted));
         }
         return *std::find_if(children.begin(), children.end(), Named{wanted});
     }
@@ -90,7 +90,7 @@ public:
 
     void End() const {
         if (Rest().find_first_not_of("\r\n") != std::string_view::npos) {
-            Fail("something behind the document");
+            Fail("text after the document");
         }
     }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "capture/environment/env_info.h"
+#include "capture/environment/env_info_v3.h"
 #include "common/xml/ms_xml.h"
 
 // Both functions append the record to `root` as the element "BMREnvInfo". They throw _com_error.

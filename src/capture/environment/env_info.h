@@ -1,8 +1,6 @@
 #pragma once
 
-#include "common/disk/device_manager.h"
 #include "common/record/rows.h"
-#include "common/volume/volume_manager.h"
 
 #include <cstdint>
 #include <string>
@@ -106,10 +104,4 @@ struct EnvInfo : SystemSections {
     struct BootConfig BootConfig;
     std::vector<DriveLetterEntry> DriveLetterTable;
     std::vector<::Volume> VolumeTable;
-};
-
-// The record of format 3, with the disk model instead of the tables.
-struct EnvInfoV3 : SystemSections {
-    bmr_common::DeviceManager device_manager;
-    bmr_common::VolumeManager volume_manager;
 };

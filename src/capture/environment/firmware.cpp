@@ -2,8 +2,8 @@
 
 #include "common/logger/orvane_logger.h"
 #include "common/platform/system_library.h"
+#include "common/text/raw_value.h"
 
-#include <cstring>
 #include <iterator>
 #include <string>
 
@@ -52,6 +52,6 @@ bool FindFirmwareType(std::uint32_t& type) {
     }
     FIRMWARE_TYPE answer{};
     const bool known = get_firmware_type(&answer) == TRUE;
-    std::memcpy(&type, &answer, sizeof(type));  // the value may match no enumerator
+    type = RawValue(answer);  // the value may match no enumerator
     return known;
 }

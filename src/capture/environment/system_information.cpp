@@ -5,6 +5,7 @@
 #include "common/platform/com_enabler.h"
 #include "common/platform/wmi.h"
 
+#include <algorithm>
 #include <variant>
 
 namespace {
@@ -48,26 +49,20 @@ bool ReadFact(CWmi& wmi, const WmiFact<Section>& fact, Section& section) {
 }
 
 template <class Section>
-int Collect(const WmiClass<Section>& wmi_class, Section& section) {
-    CWmi wmi(wmi_class.query);
-    if (!wmi.initialized()) {
-        GetLogger().Write(kLogError, wmi_class.not_initialized);
-        return 0;
-    }
-    if (!wmi.FindFirstObject()) {
-        GetLogger().Write(kLogError, wmi_class.find_first_failed);
-        return 0;
-    }
+bool Collect(const WmiClass<Section>& wmi_class, Section& section) {
     // The values of the last instance are kept, lists are appended to, and an enumeration that stops early is
     // not a failure: compatibility C74, C75, C126
-    do {
-        for (const WmiFact<Section>& fact : wmi_class.facts) {
-            if (!ReadFact(wmi, fact, section)) {
-                return 0;
-            }
-        }
-    } while (wmi.FindNextObject());
-    return 1;
+    const WmiVisit visit = VisitWmiObjects(wmi_class.query, [&](CWmi& instance) {
+        return std::all_of(wmi_class.facts.begin(), wmi_class.facts.end(),
+                           [&](const auto& fact) { return ReadFact(instance, fact, section); });
+    });
+    if (visit == WmiVisit::kNotConnected) {
+        GetLogger().Write(kLogError, wmi_class.not_initialized);
+    }
+    if (visit == WmiVisit::kNoneFound) {
+        GetLogger().Write(kLogError, wmi_class.find_first_failed);
+    }
+    return visit == WmiVisit::kAllVisited;
 }
 
 bool InitializeCom(bmr_common::COMEnabler& com) {
@@ -80,19 +75,19 @@ bool InitializeCom(bmr_common::COMEnabler& com) {
 
 }  // namespace
 
-int GetProcessorInfo(ProcessorInfo& processor) {
+bool GetProcessorInfo(ProcessorInfo& processor) {
     return Collect(kProcessorClass, processor);
 }
 
-int GetOSInfo(OSInfo& os) {
+bool GetOSInfo(OSInfo& os) {
     return Collect(kOSClass, os);
 }
 
-int GetComputerSystem(ComputerSystemInfo& computer_system) {
+bool GetComputerSystem(ComputerSystemInfo& computer_system) {
     return Collect(kComputerSystemClass, computer_system);
 }
 
-int GetBootConfiguration(BootConfigurationInfo& boot_configuration) {
+bool GetBootConfiguration(BootConfigurationInfo& boot_configuration) {
     return Collect(kBootConfigurationClass, boot_configuration);
 }
 
@@ -102,10 +97,10 @@ bool CollectSystemSections(SystemSections& sections, SectionsRead& read) {
     if (!InitializeCom(com)) {
         return false;
     }
-    read.processor = GetProcessorInfo(sections.Processor) != 0;
-    read.boot_configuration = GetBootConfiguration(sections.BootConfiguration) != 0;
-    read.computer_system = GetComputerSystem(sections.ComputerSystem) != 0;
-    read.os = GetOSInfo(sections.OS) != 0;
+    read.processor = GetProcessorInfo(sections.Processor);
+    read.boot_configuration = GetBootConfiguration(sections.BootConfiguration);
+    read.computer_system = GetComputerSystem(sections.ComputerSystem);
+    read.os = GetOSInfo(sections.OS);
     return true;
 }
 
@@ -115,9 +110,9 @@ bool GetWMIInfo(SystemSections& sections) {
     if (!InitializeCom(com)) {
         return false;
     }
-    read.processor = GetProcessorInfo(sections.Processor) != 0;
-    read.os = GetOSInfo(sections.OS) != 0;
-    read.computer_system = GetComputerSystem(sections.ComputerSystem) != 0;
-    read.boot_configuration = GetBootConfiguration(sections.BootConfiguration) != 0;
+    read.processor = GetProcessorInfo(sections.Processor);
+    read.os = GetOSInfo(sections.OS);
+    read.computer_system = GetComputerSystem(sections.ComputerSystem);
+    read.boot_configuration = GetBootConfiguration(sections.BootConfiguration);
     return read.all();
 }

@@ -3,12 +3,12 @@
 #include "capture/environment/env_info.h"
 
 // The collectors of the system sections. Each reads all instances of its WMI class; the values of the last
-// one are kept. They return non-zero on success. On failure they log one error line and return 0. COM must be
+// one are kept. On failure they log one error line and return false. COM must be
 // initialised on the calling thread. They throw only when out of memory.
-int GetProcessorInfo(ProcessorInfo& processor);
-int GetOSInfo(OSInfo& os);
-int GetComputerSystem(ComputerSystemInfo& computer_system);
-int GetBootConfiguration(BootConfigurationInfo& boot_configuration);
+bool GetProcessorInfo(ProcessorInfo& processor);
+bool GetOSInfo(OSInfo& os);
+bool GetComputerSystem(ComputerSystemInfo& computer_system);
+bool GetBootConfiguration(BootConfigurationInfo& boot_configuration);
 
 // The sections that were read successfully.
 struct SectionsRead {

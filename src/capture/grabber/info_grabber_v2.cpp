@@ -8,11 +8,13 @@
 #include "common/enumdisk/enum_disk.h"
 #include "common/logger/trace.h"
 #include "common/record/find_rows.h"
+#include "common/record/partition_rows.h"
 #include "common/text/byte_range.h"
 
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace orvane {
 
@@ -20,9 +22,6 @@ namespace {
 
 // Not the format number: compatibility C71
 constexpr std::uint32_t kRecordVersion = 5;
-
-// Every number up to the largest disk number gets a row. A disk number above this limit fails the collection.
-constexpr std::uint32_t kHighestDiskNumber = 65'535;
 
 // Whether the volume gets a row. Only fixed volumes with known extents do.
 bool HasRow(const bmr_common::Volume& volume) {
@@ -201,7 +200,7 @@ bool InfoGrabberV2::AddDiskInformation() {
         if (!GetMaxPhysicalDiskId(*device_manager_, maximum)) {
             return false;
         }
-        if (maximum > kHighestDiskNumber) {
+        if (std::cmp_greater(maximum, kHighestDiskNumber)) {
             GetLogger().Write(kLogError, L"%s disk number %u is too large",
                               L"orvane::InfoGrabberV2::AddDiskInformation", maximum);
             return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/environment/env_info_v3.h"
 #include "capture/grabber/info_grabber.h"
 
 namespace orvane {

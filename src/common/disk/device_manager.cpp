@@ -32,7 +32,7 @@ bool DeviceManager::ReadIndexes() {
     if (!com.InitializeCOM(L"DeviceManager::ObtainPhysicalDrivesIndexes")) {
         return false;
     }
-    const DriveListing listing = VisitDiskDrives([&](CWmi& drive) {
+    const WmiVisit visit = VisitWmiObjects(kDiskDriveQuery, [&](CWmi& drive) {
         int index = 0;
         if (!drive.Get(L"Index", index)) {
             // The indexes read so far are kept: compatibility C54
@@ -44,13 +44,13 @@ bool DeviceManager::ReadIndexes() {
         }
         return true;
     });
-    if (listing == DriveListing::kNotConnected) {
+    if (visit == WmiVisit::kNotConnected) {
         GetLogger().Write(kLogError, L"DeviceManager::ObtainPhysicalDrivesIndexes wmi not initialized");
     }
-    if (listing == DriveListing::kNoneFound) {
+    if (visit == WmiVisit::kNoneFound) {
         GetLogger().Write(kLogError, L"DeviceManager::ObtainPhysicalDrivesIndexes FindFirstObject failed");
     }
-    return listing == DriveListing::kWhole;
+    return visit == WmiVisit::kAllVisited;
 }
 
 bool DeviceManager::InitializeWithCurrentDisks() {

@@ -7,12 +7,6 @@
 
 namespace bmr_common {
 
-namespace {
-
-constexpr DWORD kUsualPartitionCount = 128;
-
-}  // namespace
-
 DiskDriveManagerGPT::DiskDriveManagerGPT(std::uint32_t disk_index)
     : PartitionedDiskDriveManager(disk_index),
       partition_manager_(boost::make_shared<PartitionManagerGPT>(disk_index)) {}

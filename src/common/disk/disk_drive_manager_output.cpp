@@ -3,10 +3,9 @@
 #include "common/disk/disk_drive_manager.h"
 #include "common/disk/sizes.h"
 #include "common/logger/trace.h"
+#include "common/platform/guid.h"
 #include "common/text/decimal_text.h"
 #include "common/xml/xml_values.h"
-
-#include <objbase.h>
 
 #include <array>
 #include <cwchar>
@@ -73,8 +72,7 @@ void DumpGeometry(const DiskGeometry& disk) {
 
 // Writes the address of the GUID's text instead of the text: compatibility C78
 void CaptureGuidAddress(CMSXmlNode& parent, const GUID& disk_id) {
-    std::array<wchar_t, 39> text{};
-    StringFromGUID2(disk_id, text.data(), static_cast<int>(text.size()));
+    const std::wstring text = GuidText(disk_id);
     std::array<wchar_t, 20> address{};
     _snwprintf(address.data(), address.size() - 1, L"%p", static_cast<const void*>(text.data()));
     parent.AddTextChild("GUID", address.data());

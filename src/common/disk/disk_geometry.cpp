@@ -1,6 +1,6 @@
 #include "common/disk/disk_geometry.h"
 
-#include "common/disk/raw_value.h"
+#include "common/text/raw_value.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,9 +1,9 @@
 #include "common/disk/partition.h"
 
-#include "common/disk/raw_value.h"
 #include "common/disk/sizes.h"
 #include "common/logger/trace.h"
 #include "common/text/byte_range.h"
+#include "common/text/raw_value.h"
 #include "common/text/safe.h"
 #include "common/xml/xml_values.h"
 

@@ -3,6 +3,7 @@
 #include "common/disk/partition_gpt.h"
 #include "common/logger/trace.h"
 #include "common/platform/guid.h"
+#include "common/record/partition_rows.h"
 #include "common/text/byte_range.h"
 
 #include <boost/make_shared.hpp>
@@ -14,19 +15,16 @@ namespace bmr_common {
 
 namespace {
 
-// The lowest offset of the first gap: compatibility C103
-constexpr std::int64_t kFirstMegabyte = 0x100000;
 // The protective MBR, both headers and both arrays of 128 entries.
 constexpr std::int64_t kGptOverheadBytes = 34304;
-constexpr DWORD kUsualPartitionCount = 128;
 
 PartitionRow FreeSpaceRow(std::int64_t offset, std::int64_t length) {
     PartitionRow row;
     row.offset = offset;
     row.length = length;
     row.length_copy = length;
-    row.kind = L"Unallocated";
-    row.operation = L"Unallocated";
+    row.kind = kUnallocated;
+    row.operation = kUnallocated;
     return row;
 }
 
@@ -35,8 +33,8 @@ PartitionRow RowOf(const PartitionGPT& partition, std::int32_t number) {
     row.offset = partition.starting_offset();
     row.length = partition.length();
     row.length_copy = partition.length();
-    row.kind = L"Primary";
-    row.operation = L"Existing";
+    row.kind = kPrimary;
+    row.operation = kExisting;
     row.partition_number = number;
     row.active = partition.is_bootable();
     row.gpt_type = partition.entry().Gpt.PartitionType;

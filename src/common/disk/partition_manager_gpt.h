@@ -5,6 +5,9 @@
 
 namespace bmr_common {
 
+// The number of entries in the array of a fresh table.
+inline constexpr DWORD kUsualPartitionCount = 128;
+
 // The partition table of a GPT disk. The editing functions change only the copy in memory. They require a
 // successful Initialize. On failure (an alignment of 0, for example) they log at level 2, return false and
 // leave the copy unchanged. The functions that write to the disk differ: after a failed write, partitions()

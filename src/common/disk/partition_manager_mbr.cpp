@@ -2,16 +2,11 @@
 
 #include "common/disk/partition_mbr.h"
 #include "common/logger/trace.h"
+#include "common/record/partition_rows.h"
 
 #include <boost/make_shared.hpp>
 
 namespace bmr_common {
-
-namespace {
-
-constexpr DWORD kPrimarySlots = 4;
-
-}  // namespace
 
 PartitionPtr PartitionManagerMBR::CreatePartition() const {
     return boost::make_shared<PartitionMBR>();

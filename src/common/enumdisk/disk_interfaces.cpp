@@ -13,7 +13,7 @@ void AssignInterfaceTypes(std::vector<DiskRow>& disks) {
             return;
         }
         std::map<std::uint32_t, std::wstring> types;
-        VisitDiskDrives([&](CWmi& drive) {
+        VisitWmiObjects(kDiskDriveQuery, [&](CWmi& drive) {
             int index = 0;
             std::wstring type;
             if (drive.GetLowInteger(L"Index", index) && index != kNoDiskIndex &&

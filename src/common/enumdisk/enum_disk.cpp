@@ -17,10 +17,6 @@ void Trace(const wchar_t* text) {
     GetLogger().Write(kLogTrace, text);
 }
 
-// The highest valid disk number; the enumeration fails for a higher one. Limits the number of placeholders.
-// No real machine has a higher number.
-constexpr std::int32_t kHighestDiskNumber = 65'535;
-
 // Copies the drive letter, file system and volume name to the partition row that starts at the same offset.
 void AttachDrive(const DriveRow& drive, std::vector<DiskRow>& disks) {
     VisitRowsOf(disks, drive.disk_number, [&](PartitionRow& row) {
@@ -74,7 +70,7 @@ bool EnumDisk::ListUsableDisks(std::vector<std::uint32_t>& indexes, std::int32_t
         return false;
     }
     maximum = -1;
-    const DriveListing listing = VisitDiskDrives([&](CWmi& drive) {
+    const WmiVisit visit = VisitWmiObjects(kDiskDriveQuery, [&](CWmi& drive) {
         int index = 0;
         if (!drive.GetLowInteger(L"Index", index)) {
             GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes wmi.Get failed");
@@ -83,13 +79,13 @@ bool EnumDisk::ListUsableDisks(std::vector<std::uint32_t>& indexes, std::int32_t
         maximum = std::max(maximum, index);
         return index == kNoDiskIndex || AddIfUsable(static_cast<std::uint32_t>(index), indexes);
     });
-    if (listing == DriveListing::kNotConnected) {
+    if (visit == WmiVisit::kNotConnected) {
         GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes wmi not initialized");
     }
-    if (listing == DriveListing::kNoneFound) {
+    if (visit == WmiVisit::kNoneFound) {
         GetLogger().Write(kLogError, L"GetPhysicalDrivesIndexes FindFirstObject failed");
     }
-    return listing == DriveListing::kWhole;
+    return visit == WmiVisit::kAllVisited;
 }
 
 bool EnumDisk::AddIfUsable(std::uint32_t disk_number, std::vector<std::uint32_t>& indexes) {
@@ -193,7 +189,8 @@ bool EnumDisk::GetPartitionInfo(DiskRow& disk) {
         GetLogger().Write(kLogError, L"GetPartitionInfo: GetDriveLayout failed");
         return false;
     }
-    BuildPartitionRows(win::PartitionsIn(buffer), static_cast<std::int64_t>(disk.size), disk.partitions);
+    BuildPartitionRows(win::ClassicPartitionsIn(buffer), static_cast<std::int64_t>(disk.size),
+                       disk.partitions);
     Trace(L"Leaving GetPartitionInfo");
     return true;
 }

@@ -28,34 +28,34 @@ void ReportThrowingOutput(const wchar_t* given) noexcept {
 // write the last element, so that a truncated message is null-terminated. `given` is the format or text that
 // the caller passed, for the report of an exception.
 template <class Compose>
-int CLogger::Deliver(int level, const wchar_t* given, Compose&& compose) {
+bool CLogger::Deliver(int level, const wchar_t* given, Compose&& compose) {
     try {
         if (level > GetLevel()) {
-            return 0;
+            return false;
         }
         if (IsSeen(level)) {
             MessageBuffer message{};
             compose(message);
             Output(level, message.data(), wcsnlen(message.data(), message.size()));
         }
-        return 1;
+        return true;
     } catch (...) {
         ReportThrowingOutput(given);
-        return 0;
+        return false;
     }
 }
 
-int CLogger::Write(int level, const wchar_t* format, ...) {
+bool CLogger::Write(int level, const wchar_t* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    const int delivered = Deliver(level, format, [&](MessageBuffer& message) {
+    const bool delivered = Deliver(level, format, [&](MessageBuffer& message) {
         _vsnwprintf(message.data(), message.size() - 1, format, arguments);
     });
     va_end(arguments);
     return delivered;
 }
 
-int CLogger::WriteTextAsFormat(int level, const wchar_t* text, std::size_t argument) {
+bool CLogger::WriteTextAsFormat(int level, const wchar_t* text, std::size_t argument) {
     return Deliver(level, text, [&](MessageBuffer& message) {
         FormatBuffer format{};
         EscapeUnsafeConversions(text, format);

@@ -30,14 +30,14 @@ public:
     virtual bool IsSeen(int /*level*/) const { return true; }
 
     // Formats like the platform's wide printf (%s wide, %S narrow), truncates to 254 characters and outputs
-    // the result. Returns 0 if the level is too high or an exception was thrown, otherwise 1.
-    int Write(int level, const wchar_t* format, ...);
+    // the result. Returns false if the level is too high or an exception was thrown.
+    bool Write(int level, const wchar_t* format, ...);
 
     // Outputs a text that is itself used as a format: "%d" prints `argument`, "%%" prints one percent sign.
     // Conversions that would read a missing pointer argument ("%s", "%n") are output unchanged.
-    int WriteTextAsFormat(int level, const wchar_t* text, std::size_t argument = 0);
+    bool WriteTextAsFormat(int level, const wchar_t* text, std::size_t argument = 0);
 
 private:
     template <class Compose>
-    int Deliver(int level, const wchar_t* given, Compose&& compose);
+    bool Deliver(int level, const wchar_t* given, Compose&& compose);
 };

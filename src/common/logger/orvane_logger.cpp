@@ -12,7 +12,10 @@ constexpr std::size_t kNarrowBytes = 255;  // including the terminator
 constexpr int kConversionAssertionLine = 79;
 
 std::int32_t HostLevel(int level) {
-    constexpr std::array<std::int32_t, 6> kHostLevels = {3, 4, 3, 2, 1, 0};  // by level; compatibility C3
+    // By level; the reserved level 1 has a host level that no macro names: compatibility C3
+    constexpr std::array kHostLevels = {ORVANE_LEVEL_ERROR,       4,
+                                        ORVANE_LEVEL_ERROR,       ORVANE_LEVEL_WARNING,
+                                        ORVANE_LEVEL_INFORMATION, ORVANE_LEVEL_TRACE};
     const bool known = level >= 1 && level <= kLogTrace;
     return kHostLevels[known ? static_cast<std::size_t>(level) : 0];
 }
@@ -27,7 +30,7 @@ void LogAssertionFailure(const wchar_t* source, int line, const wchar_t* conditi
     GetLogger().Write(kLogWarning, L"ASSERTION FAILED, %s:%d %s", source, line, condition);
 }
 
-void OrvaneLogger::SetCallback(EventCallback callback) {
+void OrvaneLogger::SetCallback(OrvaneEventCallback callback) {
     callback_ = callback;
 }
 

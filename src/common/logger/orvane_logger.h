@@ -1,12 +1,7 @@
 #pragma once
 
 #include "common/logger/debug_logger.h"
-
-#include <cstdint>
-
-// The host's event callback. Receives a host level (4 most severe, 0 trace) and a null-terminated narrow
-// text.
-using EventCallback = void (*)(std::int32_t host_level, const char* text);
+#include "orvane/orvane.h"
 
 // Passes every message to the host's callback, or to the debugger output if no callback is set.
 class OrvaneLogger final : public CLogger {
@@ -19,11 +14,11 @@ public:
     bool IsSeen(int level) const override { return callback_ != nullptr || level <= fallback_.GetLevel(); }
 
     // Replaces the callback; null restores the debugger output.
-    void SetCallback(EventCallback callback);
+    void SetCallback(OrvaneEventCallback callback);
 
 private:
     CDebugLogger fallback_;
-    EventCallback callback_ = nullptr;
+    OrvaneEventCallback callback_ = nullptr;
 };
 
 // The process-wide logger. It exists from load to unload.

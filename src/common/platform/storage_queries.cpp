@@ -10,7 +10,7 @@ namespace win {
 
 namespace {
 
-// For one name. Callers may use a part of it only.
+// A buffer for one name. Callers may tell the system a smaller size.
 using NameBuffer = std::array<wchar_t, kNameCharacters>;
 
 // For a list of names.
@@ -89,7 +89,7 @@ const DRIVE_LAYOUT_INFORMATION_EX& LayoutExIn(const ByteBuffer& buffer) {
     return *reinterpret_cast<const DRIVE_LAYOUT_INFORMATION_EX*>(buffer.data());
 }
 
-std::span<const PARTITION_INFORMATION> PartitionsIn(const ByteBuffer& layout) {
+std::span<const PARTITION_INFORMATION> ClassicPartitionsIn(const ByteBuffer& layout) {
     const auto& list = *reinterpret_cast<const DRIVE_LAYOUT_INFORMATION*>(layout.data());
     return {list.PartitionEntry, list.PartitionCount};
 }

@@ -12,10 +12,10 @@
 #include <vector>
 
 // All storage queries that the library makes. They log nothing; their callers do: WinAPIWrapper logs trace
-// lines, the flat enumerator its own lines. Each function returns a Win32 error code (0 for success) and
-// changes its output only on success. Counts, lengths and offsets in an answer are checked against the number
-// of bytes returned; an inconsistent answer fails with ERROR_INVALID_DATA. Queries whose answer has no fixed
-// size may throw std::bad_alloc.
+// lines, the flat enumerator its own lines. Each function returns a Win32 error code (0 for success) and,
+// unless it says otherwise, changes its output only on success. Counts, lengths and offsets in an answer are
+// checked against the number of bytes returned; an inconsistent answer fails with ERROR_INVALID_DATA. Queries
+// whose answer has no fixed size may throw std::bad_alloc.
 namespace win {
 
 struct DiskFreeSpace {
@@ -74,7 +74,7 @@ DWORD ReadVolumeExtents(const UniqueFile& volume, const Growth& growth, ByteBuff
 // Access to the contents of a complete answer; valid as long as the buffer.
 
 const DRIVE_LAYOUT_INFORMATION_EX& LayoutExIn(const ByteBuffer& buffer);
-std::span<const PARTITION_INFORMATION> PartitionsIn(const ByteBuffer& layout);
+std::span<const PARTITION_INFORMATION> ClassicPartitionsIn(const ByteBuffer& layout);
 std::span<const PARTITION_INFORMATION_EX> PartitionsIn(const DRIVE_LAYOUT_INFORMATION_EX& layout);
 std::span<const DISK_EXTENT> ExtentsIn(const ByteBuffer& buffer);
 

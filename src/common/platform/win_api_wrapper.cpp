@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t kFirstPathNamesCharacters = 512;
 
-// `path` itself where it has one; else `longer`, which is made so.
+// Returns `path` if it ends in a backslash; otherwise builds that text in `longer`.
 const std::wstring& WithTrailingBackslash(const std::wstring& path, std::wstring& longer) {
     return path.ends_with(L'\\') ? path : longer.assign(path).append(1, L'\\');
 }

@@ -50,3 +50,24 @@ private:
     bool initialized_ = false;
     unsigned fetched_ = 0;
 };
+
+// How a visit of all objects of a query ended.
+enum class WmiVisit { kNotConnected, kNoneFound, kStopped, kAllVisited };
+
+// Queries and calls `visit(object)` for every object until it returns false. `object` is the cursor, a CWmi.
+template <class Visit>
+WmiVisit VisitWmiObjects(const wchar_t* query, Visit&& visit) {
+    CWmi objects(query);
+    if (!objects.initialized()) {
+        return WmiVisit::kNotConnected;
+    }
+    if (!objects.FindFirstObject()) {
+        return WmiVisit::kNoneFound;
+    }
+    do {
+        if (!visit(objects)) {
+            return WmiVisit::kStopped;
+        }
+    } while (objects.FindNextObject());
+    return WmiVisit::kAllVisited;
+}

@@ -9,14 +9,8 @@
 
 namespace {
 
-// The lowest offset of the first gap: compatibility C103
-constexpr std::int64_t kFirstMegabyte = 0x100000;
-// The number of primary slots. The logical partitions of an extended partition use every fourth slot after
-// them.
-constexpr std::size_t kPrimarySlots = 4;
 // The size of a placeholder: compatibility C99
 constexpr std::uint64_t kFakeDiskBytes = 500;
-constexpr wchar_t kUnallocated[] = L"Unallocated";
 constexpr wchar_t kFreeSpace[] = L"Free space";
 
 bool IsExtended(const PARTITION_INFORMATION& entry) {
@@ -35,14 +29,14 @@ public:
         : entries_(entries), rows_(rows) {}
 
     void AddPrimarySlots() {
-        for (std::size_t slot = 0; slot < std::min(entries_.size(), kPrimarySlots); ++slot) {
+        for (std::size_t slot = 0; slot < std::min<std::size_t>(entries_.size(), kPrimarySlots); ++slot) {
             const PARTITION_INFORMATION& entry = entries_[slot];
             if (entry.PartitionNumber == 0 && !IsExtended(entry)) {
                 continue;
             }
             AddGap(kUnallocated, entry.StartingOffset.QuadPart);
             if (entry.PartitionNumber != 0) {
-                AddPartition(L"Primary", entry);
+                AddPartition(kPrimary, entry);
             } else {
                 AddLogicalPartitions();
                 AddGap(kFreeSpace, EntryEnd(entry));
@@ -81,7 +75,7 @@ private:
         row.offset = entry.StartingOffset.QuadPart;
         row.length = row.length_copy = entry.PartitionLength.QuadPart;
         row.kind = kind;
-        row.operation = L"Existing";
+        row.operation = kExisting;
         row.active = entry.BootIndicator == 1;
         row.partition_number = static_cast<std::int32_t>(entry.PartitionNumber);
         row.mbr_type = entry.PartitionType;

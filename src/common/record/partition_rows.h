@@ -6,6 +6,22 @@
 #include <span>
 #include <vector>
 
+// The kinds and operations of rows that are built in more than one place.
+inline constexpr wchar_t kUnallocated[] = L"Unallocated";
+inline constexpr wchar_t kPrimary[] = L"Primary";
+inline constexpr wchar_t kExisting[] = L"Existing";
+
+// The lowest offset of the first gap: compatibility C103
+inline constexpr std::int64_t kFirstMegabyte = 0x100000;
+
+// The number of primary slots in a master boot record. The logical partitions of an extended partition use
+// every fourth slot after them.
+inline constexpr std::uint32_t kPrimarySlots = 4;
+
+// Disk lists contain a row for every number up to the highest. No machine has a higher number than this; an
+// enumeration that finds one fails.
+inline constexpr std::int32_t kHighestDiskNumber = 65'535;
+
 // Creates and numbers partition rows.
 
 // Creates the rows of a classic layout: the partitions, and the gaps between them from the first megabyte to

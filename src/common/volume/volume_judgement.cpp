@@ -16,7 +16,7 @@ std::uint32_t Volume::volume_block_size() const {
 // Whether a query that is required for a backup failed. The free-space queries are not required:
 // compatibility C35
 bool Volume::MissesQuery() const {
-    const std::array<const std::wstring*, 7> needed = {
+    const std::array needed = {
         &kGettingDriveType,   &kGettingDeviceName,  &kGettingVolumeInformation,  &kOpeningVolume,
         &kGettingMountPoints, &kGettingDiskExtents, &kGettingVolumePartitionSize};
     return std::any_of(needed.begin(), needed.end(),

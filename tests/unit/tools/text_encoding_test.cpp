@@ -25,7 +25,7 @@ TEST(FromAnsi, Nothing_IsNothing) {
     EXPECT_EQ(host::FromAnsi(""), "");
 }
 
-// Sets the C runtime's locale while it lives.
+// Sets the C runtime's locale for its lifetime.
 class Locale {
 public:
     explicit Locale(const char* name) : former_(std::setlocale(LC_CTYPE, nullptr)) {

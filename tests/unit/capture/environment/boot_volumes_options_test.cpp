@@ -29,7 +29,7 @@ machine::Description MachineWith(std::vector<machine::RegistryValue> values,
 }
 
 struct Answer {
-    int result;
+    bool result;
     std::wstring options;
     std::vector<LogLine> messages;
     std::vector<std::string> trace;
@@ -39,7 +39,7 @@ Answer BootOptionsOf(machine::Description description) {
     const machine::Session session(std::move(description));
     const support::LoggerCapture log;
     std::wstring options = kUntouched;
-    const int result = GetBootOptions(options);
+    const bool result = GetBootOptions(options);
     return {result, options, log.Messages(), log.Lines(support::kHostTrace)};
 }
 
@@ -88,7 +88,7 @@ class GetBootOptionsAbsent : public testing::TestWithParam<const wchar_t*> {};
 
 TEST_P(GetBootOptionsAbsent, Value_IsReportedWithTheEndOfTheList) {
     const Answer answer = BootOptionsOf(MachineWith({Value(GetParam(), L"DEBUG")}));
-    EXPECT_EQ(answer.result, 0);
+    EXPECT_FALSE(answer.result);
     EXPECT_EQ(answer.options, kUntouched);
     EXPECT_THAT(answer.messages,
                 ElementsAre(LogLine{support::kHostError,
@@ -108,7 +108,7 @@ TEST(GetBootOptions, KeyWithoutValues_IsReportedWithTheEndOfTheList) {
 TEST(GetBootOptions, DataLongerThanTheBuffer_EndTheSearchWithTheirError) {
     const Answer answer =
         BootOptionsOf(MachineWith({Value(L"SystemStartOptions", std::wstring(8192, L'x'), REG_BINARY)}));
-    EXPECT_EQ(answer.result, 0);
+    EXPECT_FALSE(answer.result);
     EXPECT_EQ(answer.options, kUntouched);
     EXPECT_THAT(answer.messages,
                 ElementsAre(LogLine{support::kHostError,
@@ -117,7 +117,7 @@ TEST(GetBootOptions, DataLongerThanTheBuffer_EndTheSearchWithTheirError) {
 
 TEST(GetBootOptions, NoKey_IsReported) {
     const Answer answer = BootOptionsOf(MachineWith({}, L"SYSTEM\\Select"));
-    EXPECT_EQ(answer.result, 0);
+    EXPECT_FALSE(answer.result);
     EXPECT_EQ(answer.options, kUntouched);
     EXPECT_THAT(answer.messages,
                 ElementsAre(LogLine{support::kHostError, "GetBootOptions Failed to open registry"}));
@@ -146,13 +146,13 @@ TEST(GetBootOptions, EachAllocationFails_FailsOrReadsAllWithoutThrowing) {
     for (std::size_t allowed = 0; hits != 0; ++allowed) {
         ASSERT_LT(allowed, 50U);
         std::wstring options = kUntouched;
-        int result = -1;
+        bool result = false;
         EXPECT_NO_THROW({
             const auto failing = support::AllocationFailure::After(allowed);
             result = GetBootOptions(options);
             hits = failing.hits();
         }) << allowed;
-        EXPECT_EQ(result, hits == 0 ? 1 : 0) << allowed;
+        EXPECT_EQ(result, hits == 0) << allowed;
         EXPECT_EQ(options, hits == 0 ? L"DEBUG=ON" : kUntouched) << allowed;
     }
 }
@@ -187,7 +187,7 @@ TEST(GetBootOptions, AbsentValue_IsReportedOnceTheKeyIsClosed) {
 
 class BootOptionsPrivileges : public testing::Test {
 protected:
-    int Read() {
+    bool Read() {
         std::wstring options;
         return GetBootOptions(options);
     }
@@ -220,7 +220,7 @@ TEST_F(BootOptionsPrivileges, BackupAndRestore_AreEnabledEachByItself) {
             adjusted_.push_back(state->Privileges[0].Luid.LowPart);
             return FALSE;
         });
-    EXPECT_NE(Read(), 0);
+    EXPECT_TRUE(Read());
     EXPECT_THAT(looked_up_, ElementsAre(L"SeBackupPrivilege", L"SeRestorePrivilege"));
     EXPECT_THAT(adjusted_, ElementsAre(1U, 2U));
     EXPECT_EQ(access_, static_cast<DWORD>(TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY));
@@ -238,14 +238,14 @@ TEST_F(BootOptionsPrivileges, OneThatIsUnknown_IsSkipped) {
             adjusted_.push_back(state->Privileges[0].Luid.LowPart);
             return TRUE;
         });
-    EXPECT_NE(Read(), 0);
+    EXPECT_TRUE(Read());
     EXPECT_THAT(adjusted_, ElementsAre(9U));
 }
 
 TEST_F(BootOptionsPrivileges, TokenThatCannotBeOpened_IsNoFailure) {
     const support::StubImport open("OpenProcessToken", &::OpenProcessToken,
                                    [](HANDLE, DWORD, HANDLE*) -> BOOL { return FALSE; });
-    EXPECT_NE(Read(), 0);
+    EXPECT_TRUE(Read());
 }
 
 }  // namespace

@@ -46,7 +46,7 @@ class FindBootAndSystemVolumesTest : public testing::Test {
 protected:
     FindBootAndSystemVolumesTest() { session_.emplace(machine::ParseDescription("{}", "boot volumes")); }
 
-    int Find() { return FindBootAndSystemVolumes(volumes_, letters_, boot_, os_); }
+    bool Find() { return FindBootAndSystemVolumes(volumes_, letters_, boot_, os_); }
 
     // Switches to another machine, with this registry.
     void Describe(std::vector<machine::RegistryKey> registry) {
@@ -68,7 +68,7 @@ protected:
 
 TEST_F(FindBootAndSystemVolumesTest, BothFound_FillsTheWholeSection) {
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot"), VolumeOf(L"{2}", L"\\Device\\System", L"C:\\")};
-    EXPECT_NE(Find(), 0);
+    EXPECT_TRUE(Find());
     EXPECT_EQ(boot_.m_guidBootVolume, L"{1}");
     EXPECT_EQ(boot_.m_guidSystemVolume, L"{2}");
     EXPECT_EQ(boot_.m_strBootFolder, L"C:\\WINDOWS");
@@ -83,7 +83,7 @@ TEST_F(FindBootAndSystemVolumesTest, BothFound_FillsTheWholeSection) {
 TEST_F(FindBootAndSystemVolumesTest, BothFound_MarksEachByItsOwnFlag) {
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot"), VolumeOf(L"{2}", L"\\Device\\System"),
                 VolumeOf(L"{3}", L"\\Device\\Other")};
-    EXPECT_NE(Find(), 0);
+    EXPECT_TRUE(Find());
     EXPECT_TRUE(volumes_[0].BootVolume);
     EXPECT_FALSE(volumes_[0].SystemVolume);
     EXPECT_FALSE(volumes_[1].BootVolume);
@@ -95,7 +95,7 @@ TEST_F(FindBootAndSystemVolumesTest, BothFound_MarksEachByItsOwnFlag) {
 TEST_F(FindBootAndSystemVolumesTest, OneVolume_MayBeBoth) {
     os_.BootDevice = os_.SystemDevice;
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\System")};
-    EXPECT_NE(Find(), 0);
+    EXPECT_TRUE(Find());
     EXPECT_EQ(boot_.m_guidBootVolume, L"{1}");
     EXPECT_EQ(boot_.m_guidSystemVolume, L"{1}");
     EXPECT_TRUE(volumes_[0].BootVolume);
@@ -105,7 +105,7 @@ TEST_F(FindBootAndSystemVolumesTest, OneVolume_MayBeBoth) {
 TEST_F(FindBootAndSystemVolumesTest, TwoWithTheSameDevice_LaterGuidStandsAndBothAreMarked) {
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\System"), VolumeOf(L"{2}", L"\\Device\\Boot"),
                 VolumeOf(L"{3}", L"\\Device\\System"), VolumeOf(L"{4}", L"\\Device\\Boot")};
-    EXPECT_NE(Find(), 0);
+    EXPECT_TRUE(Find());
     EXPECT_EQ(boot_.m_guidSystemVolume, L"{3}");
     EXPECT_EQ(boot_.m_guidBootVolume, L"{4}");
     EXPECT_TRUE(volumes_[0].SystemVolume);
@@ -117,7 +117,7 @@ TEST_F(FindBootAndSystemVolumesTest, TwoWithTheSameDevice_LaterGuidStandsAndBoth
 TEST_F(FindBootAndSystemVolumesTest, DriveLetters_GetARowForEveryVolumeInOrder) {
     letters_ = {{L"{0}", L"A:\\"}};
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot"), VolumeOf(L"{2}", L"\\Device\\System", L"C:\\")};
-    EXPECT_NE(Find(), 0);
+    EXPECT_TRUE(Find());
     ASSERT_EQ(letters_.size(), 3U);
     EXPECT_EQ(letters_[0].m_guidVolume, L"{0}");
     EXPECT_EQ(letters_[1].m_guidVolume, L"{1}");
@@ -127,7 +127,7 @@ TEST_F(FindBootAndSystemVolumesTest, DriveLetters_GetARowForEveryVolumeInOrder) 
 }
 
 TEST_F(FindBootAndSystemVolumesTest, NoVolumes_ReportsTheSystemVolumeAndKeepsTheIdentity) {
-    EXPECT_EQ(Find(), 0);
+    EXPECT_FALSE(Find());
     EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoSystemVolume}));
     EXPECT_THAT(letters_, IsEmpty());
     EXPECT_EQ(boot_.m_strBootFolder, L"C:\\WINDOWS");
@@ -137,7 +137,7 @@ TEST_F(FindBootAndSystemVolumesTest, NoVolumes_ReportsTheSystemVolumeAndKeepsThe
 
 TEST_F(FindBootAndSystemVolumesTest, SystemVolumeMissing_ReportsItAloneEvenWhenBootIsFound) {
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot")};
-    EXPECT_EQ(Find(), 0);
+    EXPECT_FALSE(Find());
     EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoSystemVolume}));
     EXPECT_EQ(boot_.m_guidBootVolume, L"{1}");
     EXPECT_TRUE(volumes_[0].BootVolume);
@@ -146,13 +146,13 @@ TEST_F(FindBootAndSystemVolumesTest, SystemVolumeMissing_ReportsItAloneEvenWhenB
 
 TEST_F(FindBootAndSystemVolumesTest, NeitherFound_ReportsTheSystemVolumeAlone) {
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\Other")};
-    EXPECT_EQ(Find(), 0);
+    EXPECT_FALSE(Find());
     EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoSystemVolume}));
 }
 
 TEST_F(FindBootAndSystemVolumesTest, BootVolumeMissing_IsReportedAndNoOptionsAreRead) {
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\System")};
-    EXPECT_EQ(Find(), 0);
+    EXPECT_FALSE(Find());
     EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoBootVolume}));
     EXPECT_EQ(boot_.m_guidSystemVolume, L"{1}");
     EXPECT_EQ(boot_.m_strBootOptions, L"");
@@ -163,7 +163,7 @@ TEST_F(FindBootAndSystemVolumesTest, StartOptionsAbsent_FailsWithTheVolumesMarke
     Describe({{L"SYSTEM\\CurrentControlSet\\Control", {}}});
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot", L"C:\\"), VolumeOf(L"{2}", L"\\Device\\System")};
 
-    EXPECT_EQ(Find(), 0);
+    EXPECT_FALSE(Find());
 
     EXPECT_THAT(
         log_.all(),
@@ -188,7 +188,7 @@ TEST_F(FindBootAndSystemVolumesTest, NoControlKey_FailsWithItsLine) {
     Describe({});
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot"), VolumeOf(L"{2}", L"\\Device\\System")};
 
-    EXPECT_EQ(Find(), 0);
+    EXPECT_FALSE(Find());
 
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(LogLine{support::kHostError, "GetBootOptions Failed to open registry"}));
@@ -200,7 +200,7 @@ class FindBootAndSystemVolumesName : public FindBootAndSystemVolumesTest,
 
 TEST_P(FindBootAndSystemVolumesName, NotQuiteTheSame_IsAnotherVolume) {
     volumes_ = {VolumeOf(L"{1}", GetParam()), VolumeOf(L"{2}", L"\\Device\\Boot")};
-    EXPECT_EQ(Find(), 0);
+    EXPECT_FALSE(Find());
     EXPECT_FALSE(volumes_[0].SystemVolume);
     EXPECT_EQ(boot_.m_guidSystemVolume, L"");
 }

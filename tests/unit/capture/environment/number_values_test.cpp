@@ -19,14 +19,14 @@ struct NumberMember {
 };
 
 template <class Section, class Members>
-void ExpectNumbers(WmiMachine& machine, const wchar_t* class_name, int (*collect)(Section&),
+void ExpectNumbers(WmiMachine& machine, const wchar_t* class_name, bool (*collect)(Section&),
                    const Members& members) {
     std::int32_t number = 100;
     for (const auto& row : members) {
         machine.Set(class_name, row.property, WmiNumber(VT_I4, ++number));
     }
     Section section;
-    EXPECT_EQ(collect(section), 1);
+    EXPECT_TRUE(collect(section));
     number = 100;
     for (const auto& row : members) {
         EXPECT_EQ(section.*row.member, ++number);
@@ -103,7 +103,7 @@ TEST_P(IntegerRule, CollectorsOwnNumber_TakesTheValueByItsType) {
     machine_.Set(L"Win32_Processor", L"Family", GetParam().value);
     ProcessorInfo processor;
     processor.Family = 77;
-    EXPECT_EQ(GetProcessorInfo(processor), 1);
+    EXPECT_TRUE(GetProcessorInfo(processor));
     EXPECT_EQ(processor.Family, GetParam().low);
 }
 
@@ -111,7 +111,7 @@ TEST_P(IntegerRule, NumberOfProcessors_TakesTheValueByItsType) {
     machine_.Set(L"Win32_ComputerSystem", L"NumberOfProcessors", GetParam().value);
     ComputerSystemInfo computer_system;
     computer_system.NumberOfProcessors = 77;
-    EXPECT_EQ(GetComputerSystem(computer_system), 1);
+    EXPECT_TRUE(GetComputerSystem(computer_system));
     EXPECT_EQ(computer_system.NumberOfProcessors, static_cast<std::uint32_t>(GetParam().low));
 }
 
@@ -128,7 +128,7 @@ TEST_F(NumberValues, NumberThatCannotBeRead_LeavesTheMemberAsItWas) {
     machine_.Set(L"Win32_Processor", L"Family", WmiFailure());
     ProcessorInfo processor;
     processor.Family = 77;
-    EXPECT_EQ(GetProcessorInfo(processor), 1);
+    EXPECT_TRUE(GetProcessorInfo(processor));
     EXPECT_EQ(processor.Family, 77);
 }
 

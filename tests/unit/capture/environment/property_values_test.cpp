@@ -67,14 +67,14 @@ const TextMember<BootConfigurationInfo> kBootConfigurationTexts[] = {
 const TextMember<ProcessorInfo> kProcessorTexts[] = {{L"Manufacturer", &ProcessorInfo::Manufacturer}};
 
 template <class Section, class Members>
-void ExpectTexts(WmiMachine& machine, const wchar_t* class_name, int (*collect)(Section&),
+void ExpectTexts(WmiMachine& machine, const wchar_t* class_name, bool (*collect)(Section&),
                  const Members& members) {
     for (const auto& text : members) {
         machine.Set(class_name, text.property, WmiText(std::wstring(L"<") + text.property + L">"));
     }
     machine.Set(class_name, L"Name", WmiText(L"<Name>"));
     Section section;
-    EXPECT_EQ(collect(section), 1);
+    EXPECT_TRUE(collect(section));
     for (const auto& text : members) {
         EXPECT_EQ(section.*text.member, std::wstring(L"<") + text.property + L">");
     }
@@ -93,7 +93,7 @@ TEST_F(PropertyValues, TextThatIsNoText_LeavesTheMemberAsItWas) {
         Set(L"Manufacturer", value);
         ProcessorInfo processor;
         processor.Manufacturer = L"before";
-        EXPECT_EQ(GetProcessorInfo(processor), 1);
+        EXPECT_TRUE(GetProcessorInfo(processor));
         EXPECT_EQ(processor.Manufacturer, L"before");
     }
 }
@@ -103,7 +103,7 @@ TEST_F(PropertyValues, EmptyText_ReplacesTheMember) {
     Set(L"Manufacturer", WmiText(L""));
     ProcessorInfo processor;
     processor.Manufacturer = L"before";
-    EXPECT_EQ(GetProcessorInfo(processor), 1);
+    EXPECT_TRUE(GetProcessorInfo(processor));
     EXPECT_EQ(processor.Manufacturer, L"");
 }
 
@@ -112,7 +112,7 @@ TEST_F(PropertyValues, EmptyText_ReplacesTheMember) {
 TEST_F(PropertyValues, StartupOptions_ComeInTheOrderOfTheArray) {
     machine_.Set(L"Win32_ComputerSystem", L"SystemStartupOptions", WmiTexts({L"second", L"", L"first"}));
     ComputerSystemInfo computer_system;
-    EXPECT_EQ(GetComputerSystem(computer_system), 1);
+    EXPECT_TRUE(GetComputerSystem(computer_system));
     EXPECT_THAT(computer_system.SystemStartupOptions, ElementsAre(L"second", L"", L"first"));
 }
 
@@ -120,7 +120,7 @@ TEST_F(PropertyValues, StartupOptionsThatAreNoList_GiveNone) {
     for (const machine::WmiValue& value : {WmiNull(), WmiText(L"a"), WmiTexts({}), WmiFailure()}) {
         machine_.Set(L"Win32_ComputerSystem", L"SystemStartupOptions", value);
         ComputerSystemInfo computer_system;
-        EXPECT_EQ(GetComputerSystem(computer_system), 1);
+        EXPECT_TRUE(GetComputerSystem(computer_system));
         EXPECT_THAT(computer_system.SystemStartupOptions, IsEmpty());
     }
 }
@@ -131,7 +131,7 @@ TEST_F(PropertyValues, StartupOptionsOfTwoInstances_AreAllCollected) {
     machine::SetProperty(systems.instances[0], {L"SystemStartupOptions", WmiTexts({L"first", L"both"})});
     machine::SetProperty(systems.instances[1], {L"SystemStartupOptions", WmiTexts({L"both", L"second"})});
     ComputerSystemInfo computer_system;
-    EXPECT_EQ(GetComputerSystem(computer_system), 1);
+    EXPECT_TRUE(GetComputerSystem(computer_system));
     EXPECT_THAT(computer_system.SystemStartupOptions, ElementsAre(L"first", L"both", L"both", L"second"));
 }
 
@@ -143,7 +143,7 @@ TEST_F(PropertyValues, SecondProcessor_OverwritesTheFirst) {
     machine::SetProperty(processors.instances[1], {L"Manufacturer", WmiText(L"second")});
     machine::SetProperty(processors.instances[1], {L"Family", WmiNumber(VT_I4, 2)});
     ProcessorInfo processor;
-    EXPECT_EQ(GetProcessorInfo(processor), 1);
+    EXPECT_TRUE(GetProcessorInfo(processor));
     EXPECT_EQ(processor.Manufacturer, L"second");
     EXPECT_EQ(processor.Family, 2);
 }
@@ -154,7 +154,7 @@ TEST_F(PropertyValues, MandatoryFailureOfTheSecondInstance_KeepsWhatWasRead) {
     machine::SetProperty(systems.instances[0], {L"LastDrive", WmiText(L"X:")});
     machine::SetProperty(systems.instances[1], {L"BootDirectory", WmiFailure()});
     BootConfigurationInfo boot_configuration;
-    EXPECT_EQ(GetBootConfiguration(boot_configuration), 0);
+    EXPECT_FALSE(GetBootConfiguration(boot_configuration));
     EXPECT_EQ(boot_configuration.LastDrive, L"X:");
 }
 
@@ -163,7 +163,7 @@ TEST_F(PropertyValues, NoInstance_LeavesTheSectionUntouched) {
     ProcessorInfo processor;
     processor.Family = 77;
     processor.Manufacturer = L"before";
-    EXPECT_EQ(GetProcessorInfo(processor), 0);
+    EXPECT_FALSE(GetProcessorInfo(processor));
     EXPECT_EQ(processor.Family, 77);
     EXPECT_EQ(processor.Manufacturer, L"before");
 }
@@ -171,7 +171,7 @@ TEST_F(PropertyValues, NoInstance_LeavesTheSectionUntouched) {
 TEST_F(PropertyValues, NullBootDevice_KeepsItsTextAndGoesOn) {
     machine_.Set(L"Win32_OperatingSystem", L"BootDevice", WmiNull());
     OSInfo os;
-    EXPECT_EQ(GetOSInfo(os), 1);
+    EXPECT_TRUE(GetOSInfo(os));
     EXPECT_EQ(os.BootDevice, L"");
     EXPECT_FALSE(os.SystemDrive.empty());
 }
@@ -180,14 +180,14 @@ TEST_F(PropertyValues, Architecture_IsSetRightAfterTheBootDevice) {
     machine_.Set(L"Win32_OperatingSystem", L"OSArchitecture", WmiText(L"32-bit"));
     machine_.Set(L"Win32_OperatingSystem", L"SystemDevice", WmiFailure());
     OSInfo os;
-    EXPECT_EQ(GetOSInfo(os), 0);
+    EXPECT_FALSE(GetOSInfo(os));
     EXPECT_EQ(os.OSArchitecture, 64U);
 }
 
 TEST_F(PropertyValues, Architecture_IsNotSetWithoutTheBootDevice) {
     machine_.Set(L"Win32_OperatingSystem", L"BootDevice", WmiFailure());
     OSInfo os;
-    EXPECT_EQ(GetOSInfo(os), 0);
+    EXPECT_FALSE(GetOSInfo(os));
     EXPECT_EQ(os.OSArchitecture, 0U);
 }
 
@@ -196,7 +196,7 @@ TEST_F(PropertyValues, Caption_IsTheNameOfTheRecord) {
                  WmiText(L"caption|C:\\Windows|\\Device\\Harddisk0\\Partition3"));
     machine_.Set(L"Win32_OperatingSystem", L"Caption", WmiText(L"caption"));
     OSInfo os;
-    EXPECT_EQ(GetOSInfo(os), 1);
+    EXPECT_TRUE(GetOSInfo(os));
     EXPECT_EQ(os.Name, L"caption");
 }
 

@@ -26,7 +26,7 @@ constexpr const char* kWriteFunction = "bmr_common::PartitionManager::WriteParti
 constexpr std::uint32_t kAlignment = 1U << 20;
 constexpr std::int64_t kDiskSize = 10LL << 30;
 
-// While it lives, records the input of the control code that sets a layout.
+// During its lifetime, records the input of the control code that sets a layout.
 class LayoutSpy {
 public:
     LayoutSpy() : previous_(Kernel32DLL::Get().DeviceIoControl) {

@@ -18,7 +18,7 @@ constexpr char kFailure[] = "Error occurred in EnumDisk::GetDiskDetails";
 
 class DiskDetails : public enum_machine::EnumMachine {
 protected:
-    int Get(const std::vector<DriveRow>* drives = nullptr) {
+    bool Get(const std::vector<DriveRow>* drives = nullptr) {
         return EnumDisk().GetDiskDetails(drives, disks_);
     }
 
@@ -74,7 +74,7 @@ std::vector<Row> RowsOf(const DiskRow& disk) {
 
 TEST_F(DiskDetails, MbrAndGpt_AreTheMbrDiskAndAPlaceholder) {
     Use(enum_machine::kMbrAndGpt);
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     ASSERT_THAT(disks_, SizeIs(2));
     EXPECT_EQ(disks_[0].size, 1000U * kMiB);
     EXPECT_EQ(disks_[0].disk_number, 0U);
@@ -98,7 +98,7 @@ TEST_F(DiskDetails, MbrAndGpt_AreTheMbrDiskAndAPlaceholder) {
 
 TEST_F(DiskDetails, Laptop_NumbersItsLogicalPartitionsAfterThePrimaries) {
     UseExample("bios-laptop.json");
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     ASSERT_THAT(disks_, SizeIs(1));
     EXPECT_THAT(RowsOf(disks_[0]),
                 ElementsAre(Row{L"Primary", 1, 500, 1}, Row{L"Primary", 501, 150000, 2},
@@ -109,7 +109,7 @@ TEST_F(DiskDetails, Laptop_NumbersItsLogicalPartitionsAfterThePrimaries) {
 
 TEST_F(DiskDetails, ManyDisks_AreOneRowForEachNumber) {
     UseExample("server-many-disks.json");
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(Numbers(), ElementsAre(0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U));
     EXPECT_THAT(Sizes(),
                 ElementsAre(500U, 500U, 1000204886016U, 500U, 500U, 500U, 500U, 500U, 500U, 500U, 500U));
@@ -118,7 +118,7 @@ TEST_F(DiskDetails, ManyDisks_AreOneRowForEachNumber) {
 TEST_F(DiskDetails, Index255_MakesTheList256Long) {
     Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "mbr"}], "wmi": {"Win32_DiskDrive": [
         {"Index": 0}, {"Index": 255}]}})");
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     ASSERT_THAT(disks_, SizeIs(256));
     EXPECT_EQ(disks_.front().size, 1U << 30);
     EXPECT_EQ(disks_.back().disk_number, 255U);
@@ -128,13 +128,13 @@ TEST_F(DiskDetails, Index255_MakesTheList256Long) {
 TEST_F(DiskDetails, UnavailableDisk_IsAPlaceholder) {
     Use(enum_machine::kTwoMbr);
     faults().Fail(enum_machine::kLayoutEx, 21, enum_machine::kDrive0);
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
 }
 
 TEST_F(DiskDetails, OneDisk_IsReadInOrder) {
     Use(R"({"disks": [{"index": 0, "size": "4 MiB", "style": "mbr"}]})");
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(
         StepsBetween(Trace("GetDiskDetails: No Of Disks: 1"), Trace("Leaving GetDiskDetails")),
         ElementsAre(Trace("GetDiskDetails: No Of Disks: 1"), Trace("Entering Get Drive Geometry"),
@@ -155,7 +155,7 @@ TEST_F(DiskDetails, DrivesGiven_AreAttachedToTheRowsWhereTheyStart) {
     const std::vector<DriveRow> drives = {{0, 101 * kMiB, L"VOLUME2", L"D:", L"NTFS"},
                                           {1, 1 * kMiB, L"OTHER", L"E:", L"NTFS"},
                                           {-1, -1, L"SPANNED", L"S:", L"NTFS"}};
-    EXPECT_EQ(Get(&drives), 1);
+    EXPECT_TRUE(Get(&drives));
     const PartitionRow& first = disks_.at(0).partitions.at(0);
     const PartitionRow& second = disks_.at(0).partitions.at(1);
     EXPECT_EQ(first.volume + first.drive + first.file_system, L"");
@@ -170,7 +170,7 @@ TEST_F(DiskDetails, GeometryOpenFails_SkipsTheDisk) {
     Use(enum_machine::kTwoMbr);
     // The third time the first disk is opened, after its layout and its length were queried.
     faults().Add({"CreateFileW", enum_machine::kDrive0, 3, false, {5, 0, 0}, {}});
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
     EXPECT_THAT(
         log_.Messages(),
@@ -181,7 +181,7 @@ TEST_F(DiskDetails, GeometryOpenFails_SkipsTheDisk) {
 TEST_F(DiskDetails, GeometryOpenFails_LogsNoLeavingLine) {
     Use(enum_machine::kTwoMbr);
     faults().Add({"CreateFileW", enum_machine::kDrive0, 3, false, {5, 0, 0}, {}});
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     const LogLine last = Error("EnumDisk::GetDiskDetails GetDriveGeometry failed");
     EXPECT_THAT(
         StepsBetween(Trace("Entering Get Drive Geometry"), last),
@@ -192,7 +192,7 @@ TEST_F(DiskDetails, GeometryOpenFails_LogsNoLeavingLine) {
 TEST_F(DiskDetails, GeometryFails_SkipsTheDisk) {
     Use(enum_machine::kTwoMbr);
     faults().Fail(enum_machine::kGeometry, 87, enum_machine::kDrive0);
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
     EXPECT_THAT(StepsBetween(Error("GetDriveGeometry on 0 IOCTL_DISK_GET_DRIVE_GEOMETRY 0x57"),
                              Error("EnumDisk::GetDiskDetails GetDriveGeometry failed")),
@@ -206,14 +206,14 @@ TEST_F(DiskDetails, GeometryTooShort_SkipsTheDisk) {
     Use(enum_machine::kTwoMbr);
     faults().Alter(
         enum_machine::kGeometry, [](machine::Answer& answer) { answer.returned = 8; }, enum_machine::kDrive0);
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
 }
 
 TEST_F(DiskDetails, LengthZero_SkipsTheDisk) {
     Use(enum_machine::kTwoMbr);
     disk(0).size = 0;
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
     EXPECT_TRUE(log_.Contains(support::kHostTrace, "GetDiskDetails disk 0 has size 0 - ignoring")) << log_;
     EXPECT_THAT(log_.Messages(), IsEmpty());
@@ -223,7 +223,7 @@ TEST_F(DiskDetails, LengthFails_EndsTheEnumeration) {
     Use(enum_machine::kTwoMbr);
     // The second query for the length of the first disk.
     faults().Add({enum_machine::kLength, enum_machine::kDrive0, 2, false, {21, 0, 0}, {}});
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_THAT(disks_, IsEmpty());
     EXPECT_THAT(
         log_.Messages(),
@@ -238,7 +238,7 @@ TEST_F(DiskDetails, ClassicLayoutFails_EndsTheEnumeration) {
     Use(enum_machine::kTwoMbr);
     faults().Add(
         {"DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT", enum_machine::kDrive1, 0, false, {1, 0, 0}, {}});
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_THAT(Numbers(), ElementsAre(0U));
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(LogLine{support::kHostError,
@@ -250,7 +250,7 @@ TEST_F(DiskDetails, ClassicLayoutFails_EndsTheEnumeration) {
 TEST_F(DiskDetails, ClassicLayoutFails_LogsNoLeavingLine) {
     Use(enum_machine::kTwoMbr);
     faults().Fail(enum_machine::kLayout, 1);
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_THAT(StepsBetween(Trace("Entering GetPartitionInfo"), Error(kFailure)),
                 ElementsAre(Trace("Entering GetPartitionInfo"), Trace("Entering GetDriveLayout"),
                             Error("Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=1 0x1"),
@@ -262,14 +262,14 @@ TEST_F(DiskDetails, ClassicLayoutThatLies_EndsTheEnumeration) {
     Use(enum_machine::kTwoMbr);
     faults().Alter(enum_machine::kLayout,
                    [](machine::Answer& answer) { layout_bytes::SetCount(answer.bytes, false, 0xFFFFFFFF); });
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_TRUE(log_.Contains(support::kHostError, "GetPartitionInfo: GetDriveLayout failed")) << log_;
 }
 
 TEST_F(DiskDetails, ListingFails_EndsWithTheCountOfTheDisksFoundSoFar) {
     Use(enum_machine::kTwoMbr);
     faults().Fail(enum_machine::kLayoutEx, 5, enum_machine::kDrive1);
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_TRUE(log_.Contains(support::kHostTrace, "GetDiskDetails: No Of Disks: 1")) << log_;
     EXPECT_EQ(simulation().calls().Count(enum_machine::kGeometry), 0U);
     EXPECT_EQ(Steps().at(Steps().size() - 2), Trace("Leaving GetDiskDetails"));
@@ -279,14 +279,14 @@ TEST_F(DiskDetails, ListingFails_EndsWithTheCountOfTheDisksFoundSoFar) {
 TEST_F(DiskDetails, SecondListingFails_IsAFailureWithTheDisksKept) {
     Use(enum_machine::kTwoMbr);
     faults().Add({"IWbemServices::ExecQuery", {}, 2, false, {}, {}});
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_THAT(Numbers(), ElementsAre(0U, 1U));
     EXPECT_EQ(Steps().back(), Error(kFailure));
 }
 
 TEST_F(DiskDetails, NoDisks_FailLikeTheListing) {
     UseExample("no-disks.json");
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_THAT(disks_, IsEmpty());
     EXPECT_EQ(Steps().back(), Error(kFailure));
 }
@@ -311,7 +311,7 @@ TEST_F(DiskDetails, MissingDisksWhoseListingFails_ChangeNothing) {
 
 TEST_F(DiskDetails, DiskNumberThatIsAbsurd_Fails) {
     Use(R"({"wmi": {"Win32_DiskDrive": [{"Index": 2147483647}]}})");
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_THAT(disks_, IsEmpty());
     // The disks are listed twice: to read them, and to find the highest number.
     const std::string not_there =

@@ -27,7 +27,7 @@ constexpr char kTwoVolumes[] = R"({"disks": [{"index": 0, "size": "1000 MiB", "s
 
 class Drives : public enum_machine::EnumMachine {
 protected:
-    int Get() { return EnumDisk().GetDrives(drives_); }
+    bool Get() { return EnumDisk().GetDrives(drives_); }
 
     std::vector<std::wstring> Volumes() const {
         std::vector<std::wstring> volumes;
@@ -43,7 +43,7 @@ protected:
 TEST_F(Drives, FixedVolumes_AreRowsInTheSystemsOrder) {
     Use(kTwoVolumes);
     faults().Fail("GetVolumeInformationW", 5, L"D:\\");
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     ASSERT_THAT(drives_, SizeIs(2));
     EXPECT_EQ(drives_[0].volume, kFirst);
     EXPECT_EQ(drives_[0].letter, L"C:");
@@ -59,7 +59,7 @@ TEST_F(Drives, FixedVolumes_AreRowsInTheSystemsOrder) {
 TEST_F(Drives, Rows_AreAppendedToWhatIsThere) {
     Use(kTwoVolumes);
     drives_.resize(1);
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(drives_, SizeIs(3));
 }
 
@@ -80,7 +80,7 @@ TEST_F(Drives, FixedVolume_IsTraced) {
 
 TEST_F(Drives, Workstation_LeavesOutWhatIsNotFixed) {
     UseExample("bios-laptop.json");
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     ASSERT_THAT(drives_, SizeIs(4));
     EXPECT_EQ(drives_[0].letter, L"");
     EXPECT_EQ(drives_[0].file_system, L"");
@@ -94,7 +94,7 @@ TEST_F(Drives, Workstation_LeavesOutWhatIsNotFixed) {
 TEST_F(Drives, VolumeWithoutLetter_HasNoFileSystemAndItsLine) {
     Use(kTwoVolumes);
     volume(0).mount_points.clear();
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_EQ(drives_.at(0).letter, L"");
     EXPECT_EQ(drives_.at(0).file_system, L"");
     EXPECT_TRUE(log_.Contains(support::kHostTrace,
@@ -106,7 +106,7 @@ TEST_F(Drives, VolumeWithoutLetter_HasNoFileSystemAndItsLine) {
 TEST_F(Drives, PathsNotReadable_GoOnWithoutALetter) {
     Use(kTwoVolumes);
     faults().Fail("GetVolumePathNamesForVolumeNameW", 87, kFirst);
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     ASSERT_THAT(drives_, SizeIs(2));
     EXPECT_EQ(drives_[0].letter, L"");
     EXPECT_TRUE(log_.Contains(support::kHostWarning, std::string("EnumDisk::GetDrives on ") + kFirstText +
@@ -117,7 +117,7 @@ TEST_F(Drives, PathsNotReadable_GoOnWithoutALetter) {
 TEST_F(Drives, PathsLongerThanTheBuffer_GoOnWithoutALetter) {
     Use(kTwoVolumes);
     volume(0).mount_points = {L"C:\\", L"D:\\" + std::wstring(4100, L'x') + L"\\"};
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_EQ(drives_.at(0).letter, L"");
     EXPECT_TRUE(log_.Contains(support::kHostWarning, std::string("EnumDisk::GetDrives on ") + kFirstText +
                                                          " GetVolumePathNamesForVolumeNameW error=0xea 234"))
@@ -127,7 +127,7 @@ TEST_F(Drives, PathsLongerThanTheBuffer_GoOnWithoutALetter) {
 TEST_F(Drives, UnknownType_IsSkippedWithItsLine) {
     Use(kTwoVolumes);
     volume(0).drive_type = DRIVE_UNKNOWN;
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(Volumes(), ElementsAre(kSecond));
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(LogLine{support::kHostWarning, std::string("EnumDisk::GetDrives ") + kFirstText +
@@ -137,7 +137,7 @@ TEST_F(Drives, UnknownType_IsSkippedWithItsLine) {
 TEST_F(Drives, NoRootDirectory_IsSkippedWithItsLine) {
     Use(kTwoVolumes);
     volume(0).drive_type = DRIVE_NO_ROOT_DIR;
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_THAT(Volumes(), ElementsAre(kSecond));
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(LogLine{support::kHostWarning, std::string("EnumDisk::GetDrives ") + kFirstText +
@@ -149,7 +149,7 @@ TEST_F(Drives, OtherTypes_AreSkippedWithoutALine) {
         Use(kTwoVolumes);
         volume(0).drive_type = type;
         drives_.clear();
-        EXPECT_EQ(Get(), 1);
+        EXPECT_TRUE(Get());
         EXPECT_THAT(Volumes(), ElementsAre(kSecond)) << type;
         EXPECT_EQ(simulation().calls().Count("CreateFileW"), 1U);
     }
@@ -159,7 +159,7 @@ TEST_F(Drives, OtherTypes_AreSkippedWithoutALine) {
 TEST_F(Drives, InformationNotReadable_LeavesTheFileSystemEmpty) {
     Use(kTwoVolumes);
     faults().Fail("GetVolumeInformationW", 1005, L"C:\\");
-    EXPECT_EQ(Get(), 1);
+    EXPECT_TRUE(Get());
     EXPECT_EQ(drives_.at(0).file_system, L"");
     EXPECT_TRUE(log_.Contains(support::kHostTrace,
                               "EnumDisk::GetVolumeInfo GetVolumeInformation of C:\\ error=0x3ed 1005"))
@@ -170,7 +170,7 @@ TEST_F(Drives, InformationNotReadable_LeavesTheFileSystemEmpty) {
 TEST_F(Drives, SearchDoesNotBegin_Fails) {
     Use(kTwoVolumes);
     faults().Fail("FindFirstVolumeW", 5);
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_THAT(drives_, IsEmpty());
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(LogLine{support::kHostError,
@@ -181,7 +181,7 @@ TEST_F(Drives, SearchDoesNotBegin_Fails) {
 TEST_F(Drives, SearchBreaksOff_FailsWithTheRowsSoFar) {
     Use(kTwoVolumes);
     faults().Fail("FindNextVolumeW", 5);
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_THAT(Volumes(), ElementsAre(kFirst));
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(LogLine{support::kHostError,
@@ -198,7 +198,7 @@ TEST_F(Drives, SearchThatNeverEnds_Fails) {
         answer.failed = false;
         answer.error = 0;
     });
-    EXPECT_EQ(Get(), 0);
+    EXPECT_FALSE(Get());
     EXPECT_THAT(drives_, IsEmpty());
 }
 

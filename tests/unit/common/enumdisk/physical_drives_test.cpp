@@ -14,10 +14,10 @@ using testing::IsEmpty;
 
 class PhysicalDrivesIndexes : public enum_machine::EnumMachine {
 protected:
-    int List() { return EnumDisk::GetPhysicalDrivesIndexes(indexes_, maximum_); }
+    bool List() { return EnumDisk::GetPhysicalDrivesIndexes(indexes_, maximum_); }
 
     // Makes a call on disk 0 of two fail, and lists the disks.
-    int ListWithFailure(const char* call, DWORD error) {
+    bool ListWithFailure(const char* call, DWORD error) {
         Use(enum_machine::kTwoMbr);
         faults().Fail(call, error, enum_machine::kDrive0);
         return List();
@@ -29,7 +29,7 @@ protected:
 
 TEST_F(PhysicalDrivesIndexes, MbrDisks_AreAllUsable) {
     Use(enum_machine::kTwoMbr);
-    EXPECT_EQ(List(), 1);
+    EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(0U, 1U));
     EXPECT_EQ(maximum_, 1);
     EXPECT_THAT(log_.Messages(), IsEmpty());
@@ -37,7 +37,7 @@ TEST_F(PhysicalDrivesIndexes, MbrDisks_AreAllUsable) {
 
 TEST_F(PhysicalDrivesIndexes, GptDisk_IsUnavailableWithoutAMessageAndCountsForTheMaximum) {
     Use(enum_machine::kMbrAndGpt);
-    EXPECT_EQ(List(), 1);
+    EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(0U));
     EXPECT_EQ(maximum_, 1);
     EXPECT_EQ(simulation().calls().Count(enum_machine::kLength, enum_machine::kDrive1), 0U);
@@ -45,20 +45,20 @@ TEST_F(PhysicalDrivesIndexes, GptDisk_IsUnavailableWithoutAMessageAndCountsForTh
 
 TEST_F(PhysicalDrivesIndexes, RawDisk_IsUsable) {
     Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "raw"}]})");
-    EXPECT_EQ(List(), 1);
+    EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(0U));
 }
 
 TEST_F(PhysicalDrivesIndexes, SeveralDisks_KeepTheOrderOfWmi) {
     UseExample("server-many-disks.json");
-    EXPECT_EQ(List(), 1);
+    EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(2U));  // the others are GPT
     EXPECT_EQ(maximum_, 10);
 }
 
 TEST_F(PhysicalDrivesIndexes, ReversedByWmi_StayReversed) {
     Use(R"({"disks": [{"index": 3, "size": "1 GiB", "style": "mbr"}, {"index": 1, "size": "1 GiB", "style": "mbr"}]})");
-    EXPECT_EQ(List(), 1);
+    EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(3U, 1U));
     EXPECT_EQ(maximum_, 3);
 }
@@ -66,7 +66,7 @@ TEST_F(PhysicalDrivesIndexes, ReversedByWmi_StayReversed) {
 TEST_F(PhysicalDrivesIndexes, Index255_IsSkippedButCountsForTheMaximum) {
     Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "mbr"}], "wmi": {"Win32_DiskDrive": [
         {"Index": 0}, {"Index": 255}]}})");
-    EXPECT_EQ(List(), 1);
+    EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(0U));
     EXPECT_EQ(maximum_, 255);
     EXPECT_EQ(simulation().calls().Count("CreateFileW", L"\\\\.\\PhysicalDrive255"), 0U);
@@ -75,20 +75,20 @@ TEST_F(PhysicalDrivesIndexes, Index255_IsSkippedButCountsForTheMaximum) {
 TEST_F(PhysicalDrivesIndexes, EarlierContent_IsAppendedTo) {
     Use(enum_machine::kTwoMbr);
     indexes_ = {9};
-    EXPECT_EQ(List(), 1);
+    EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(9U, 0U, 1U));
 }
 
 TEST_F(PhysicalDrivesIndexes, IndexOfUnsigned32Bits_IsItsLow16Bits) {
     Use(R"({"wmi": {"Win32_DiskDrive": [{"Index": {"type": "VT_UI4", "value": 65791}}]}})");  // 0x100FF
-    EXPECT_EQ(List(), 1);
+    EXPECT_TRUE(List());
     EXPECT_EQ(maximum_, 255);
 }
 
 TEST_F(PhysicalDrivesIndexes, IndexNull_IsZero) {
     Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "mbr"}],
             "wmi": {"Win32_DiskDrive": [{"Index": null}]}})");
-    EXPECT_EQ(List(), 1);
+    EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(0U));
     EXPECT_EQ(maximum_, 0);
 }
@@ -100,7 +100,7 @@ TEST_F(PhysicalDrivesIndexes, LayoutNotReadable_IsUnavailableForThreeErrors) {
             faults().Fail(call, error, enum_machine::kDrive0);
             indexes_.clear();
             log_.Clear();
-            EXPECT_EQ(List(), 1) << error;
+            EXPECT_TRUE(List()) << error;
             EXPECT_THAT(indexes_, ElementsAre(1U));
             EXPECT_TRUE(
                 log_.Contains(support::kHostWarning,
@@ -111,7 +111,7 @@ TEST_F(PhysicalDrivesIndexes, LayoutNotReadable_IsUnavailableForThreeErrors) {
 }
 
 TEST_F(PhysicalDrivesIndexes, LayoutNotReadableOtherwise_EndsTheListingWithError) {
-    EXPECT_EQ(ListWithFailure(enum_machine::kLayoutEx, 5), 0);
+    EXPECT_FALSE(ListWithFailure(enum_machine::kLayoutEx, 5));
     EXPECT_THAT(indexes_, IsEmpty());
     EXPECT_EQ(maximum_, 0);
     EXPECT_EQ(simulation().calls().Count("CreateFileW", enum_machine::kDrive1), 0U);
@@ -123,7 +123,7 @@ TEST_F(PhysicalDrivesIndexes, LayoutNotReadableOtherwise_EndsTheListingWithError
 }
 
 TEST_F(PhysicalDrivesIndexes, DriveThatCannotBeOpened_EndsTheListingWithError) {
-    EXPECT_EQ(ListWithFailure("CreateFileW", 5), 0);
+    EXPECT_FALSE(ListWithFailure("CreateFileW", 5));
     EXPECT_THAT(
         log_.Messages(),
         ElementsAre(
@@ -133,7 +133,7 @@ TEST_F(PhysicalDrivesIndexes, DriveThatCannotBeOpened_EndsTheListingWithError) {
 }
 
 TEST_F(PhysicalDrivesIndexes, LengthNotReady_IsUnavailableAndItsFailureATrace) {
-    EXPECT_EQ(ListWithFailure(enum_machine::kLength, 21), 1);
+    EXPECT_TRUE(ListWithFailure(enum_machine::kLength, 21));
     EXPECT_THAT(indexes_, ElementsAre(1U));
     EXPECT_TRUE(
         log_.Contains(support::kHostTrace, "Get length of drive \\\\.\\PhysicalDrive0 failed error=21"))
@@ -145,7 +145,7 @@ TEST_F(PhysicalDrivesIndexes, LengthNotReady_IsUnavailableAndItsFailureATrace) {
 TEST_F(PhysicalDrivesIndexes, LengthFailsOtherwise_EndsTheListingWithError) {
     for (const DWORD error : {170, 2, 5}) {
         log_.Clear();
-        EXPECT_EQ(ListWithFailure(enum_machine::kLength, error), 0) << error;
+        EXPECT_FALSE(ListWithFailure(enum_machine::kLength, error)) << error;
         EXPECT_THAT(log_.Messages(),
                     ElementsAre(LogLine{
                         support::kHostWarning,
@@ -156,7 +156,7 @@ TEST_F(PhysicalDrivesIndexes, LengthFailsOtherwise_EndsTheListingWithError) {
 TEST_F(PhysicalDrivesIndexes, ErrorOfALaterDisk_KeepsTheEarlierOnes) {
     Use(enum_machine::kTwoMbr);
     faults().Fail(enum_machine::kLayoutEx, 5, enum_machine::kDrive1);
-    EXPECT_EQ(List(), 0);
+    EXPECT_FALSE(List());
     EXPECT_THAT(indexes_, ElementsAre(0U));
     EXPECT_EQ(maximum_, 1);
 }
@@ -164,7 +164,7 @@ TEST_F(PhysicalDrivesIndexes, ErrorOfALaterDisk_KeepsTheEarlierOnes) {
 TEST_F(PhysicalDrivesIndexes, WmiWithoutConnection_FailsWithItsLine) {
     Use(enum_machine::kTwoMbr);
     faults().Fail("IWbemLocator::ConnectServer", 0x80041003);
-    EXPECT_EQ(List(), 0);
+    EXPECT_FALSE(List());
     EXPECT_EQ(maximum_, -1);
     EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes wmi not initialized")) << log_;
 }
@@ -174,7 +174,7 @@ TEST_F(PhysicalDrivesIndexes, ResetOrFirstFetchFails_FailsWithItsLine) {
         Use(enum_machine::kTwoMbr);
         faults().Fail(call, 0x80041003);
         log_.Clear();
-        EXPECT_EQ(List(), 0);
+        EXPECT_FALSE(List());
         EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError,
                                                          "GetPhysicalDrivesIndexes FindFirstObject failed"}));
     }
@@ -182,7 +182,7 @@ TEST_F(PhysicalDrivesIndexes, ResetOrFirstFetchFails_FailsWithItsLine) {
 
 TEST_F(PhysicalDrivesIndexes, NoDrives_FailLikeAFailingFirstFetch) {
     UseExample("no-disks.json");
-    EXPECT_EQ(List(), 0);
+    EXPECT_FALSE(List());
     EXPECT_EQ(maximum_, -1);
     EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes FindFirstObject failed"))
         << log_;
@@ -191,7 +191,7 @@ TEST_F(PhysicalDrivesIndexes, NoDrives_FailLikeAFailingFirstFetch) {
 TEST_F(PhysicalDrivesIndexes, IndexNotReadable_FailsWithItsLine) {
     Use(enum_machine::kTwoMbr);
     faults().Add({"IWbemClassObject::Get", L"Win32_DiskDrive.Index", 2, false, {}, {}});
-    EXPECT_EQ(List(), 0);
+    EXPECT_FALSE(List());
     EXPECT_THAT(indexes_, ElementsAre(0U));
     EXPECT_THAT(log_.Messages(),
                 ElementsAre(LogLine{support::kHostError, "GetPhysicalDrivesIndexes wmi.Get failed"}));
@@ -201,7 +201,7 @@ TEST_F(PhysicalDrivesIndexes, ComRefuses_FailsWithItsLine) {
     Use(enum_machine::kTwoMbr);
     const support::StubImport refused("CoInitializeEx", &::CoInitializeEx,
                                       [](void*, DWORD) -> HRESULT { return E_OUTOFMEMORY; });
-    EXPECT_EQ(List(), 0);
+    EXPECT_FALSE(List());
     EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes InitializeCOM error")) << log_;
     EXPECT_TRUE(log_.Contains(support::kHostError,
                               "CoInitializeEx failed error=0x8007000e calling function "

@@ -21,7 +21,7 @@ using testing::IsEmpty;
 // Logged before main, while the order of static initialisation is undefined.
 const int early_result = GetLogger().Write(kLogTrace, L"before main");
 
-// Sets the C runtime's locale while it lives.
+// Sets the C runtime's locale for its lifetime.
 class ScopedLocale {
 public:
     explicit ScopedLocale(const char* name)

@@ -34,7 +34,7 @@ HRESULT STDMETHODCALLTYPE GiveNothing(void* /*self*/, void** result) {
     return S_FALSE;
 }
 
-// Replaces a method of one object while this lives.
+// Replaces a method of one object for the lifetime of this one.
 class ReplacedMethod {
 public:
     ReplacedMethod(IXMLDOMNode* node, NodeMethod place, Method method)

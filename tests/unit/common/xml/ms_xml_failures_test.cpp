@@ -132,7 +132,7 @@ TEST_F(MsXmlCalls, AddChild_NoName_RaisesTheFailureAndAddsNothing) {
     EXPECT_THAT(log_.all(), IsEmpty());
 }
 
-// While it lives, SysAllocStringLen is out of memory. It is called for texts too long for the built-in
+// During its lifetime, SysAllocStringLen is out of memory. It is called for texts too long for the built-in
 // buffer.
 class NoTextMemory {
 private:

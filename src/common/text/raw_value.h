@@ -4,8 +4,6 @@
 #include <cstring>
 #include <type_traits>
 
-namespace bmr_common {
-
 // Reads the number in an enumeration field that the system filled in. The number may match no enumerator; the
 // language does not allow reading such a field as the enumeration.
 template <class Enumeration>
@@ -23,5 +21,3 @@ requires(std::is_enum_v<Enumeration> &&
                                                                         std::uint32_t value) {
     std::memcpy(&field, &value, sizeof(value));
 }
-
-}  // namespace bmr_common
