@@ -13,6 +13,9 @@ namespace orvane {
 
 namespace {
 
+// Every number up to the largest disk number gets a row. WMI gives a drive without a disk such a number.
+constexpr std::uint32_t kHighestDiskNumber = 65'535;
+
 // The position of a volume's extent relative to a partition row.
 enum class Position { kInside, kPartial, kOutside };
 
@@ -41,7 +44,14 @@ bool GetMaxPhysicalDiskId(const bmr_common::DeviceManager& device_manager, std::
                               index.c_str());
             continue;
         }
-        maximum = std::max(maximum, boost::lexical_cast<std::uint32_t>(index));
+        const auto number = boost::lexical_cast<std::uint32_t>(index);
+        if (number > kHighestDiskNumber) {
+            GetLogger().Write(kLogWarning,
+                              L"DeviceManager::GetMaxPhysicalDiskId disk number %u is too large - ignoring",
+                              number);
+            continue;
+        }
+        maximum = std::max(maximum, number);
         found = true;
     }
     if (!found) {

@@ -21,9 +21,6 @@ namespace {
 // Not the format number: compatibility C71
 constexpr std::uint32_t kRecordVersion = 5;
 
-// Every number up to the largest disk number gets a row. A disk number above this limit fails the collection.
-constexpr std::uint32_t kHighestDiskNumber = 65'535;
-
 // Whether the volume gets a row. Only fixed volumes with known extents do.
 bool HasRow(const bmr_common::Volume& volume) {
     constexpr const wchar_t* kFunction = L"orvane::InfoGrabberV2::AddVolumeInfo";
@@ -199,11 +196,6 @@ bool InfoGrabberV2::AddDiskInformation() {
     return Traced(L"orvane::InfoGrabberV2::AddDiskInformation", [&] {
         std::uint32_t maximum = 0;
         if (!GetMaxPhysicalDiskId(*device_manager_, maximum)) {
-            return false;
-        }
-        if (maximum > kHighestDiskNumber) {
-            GetLogger().Write(kLogError, L"%s disk number %u is too large",
-                              L"orvane::InfoGrabberV2::AddDiskInformation", maximum);
             return false;
         }
         for (std::uint32_t number = 0; number <= maximum; ++number) {
