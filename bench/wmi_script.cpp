@@ -28,6 +28,16 @@ struct Cursor {
     Object object;
 };
 
+// Secures the services before the query, and its enumerator after it.
+void Secure(const Cursor& cursor) {
+    IUnknown* proxy = cursor.services;
+    if (cursor.enumerator != nullptr) {
+        proxy = cursor.enumerator;
+    }
+    CoSetProxyBlanket(proxy, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
+                      RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
+}
+
 void Get(const Cursor& cursor, const wchar_t* property) {
     VARIANT value;
     VariantInit(&value);
@@ -81,8 +91,7 @@ void WmiScript::Play() const {
                                               nullptr, &cursor.services);
                 break;
             case Step::kBlanket:
-                CoSetProxyBlanket(cursor.services, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
-                                  RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
+                Secure(cursor);
                 break;
             case Step::kQuery:
                 cursor.services->ExecQuery(language_.get(), call.text.get(), WBEM_FLAG_RETURN_IMMEDIATELY,

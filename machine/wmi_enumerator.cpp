@@ -29,6 +29,13 @@ WmiEnumerator::WmiEnumerator(std::shared_ptr<const WmiResult> result, std::uint3
       forward_only_(forward_only),
       position_(position) {}
 
+void* WmiEnumerator::Offer(REFIID iid) {
+    if (IsEqualIID(iid, IID_IClientSecurity)) {
+        return static_cast<IClientSecurity*>(&security_);
+    }
+    return ComObject::Offer(iid);
+}
+
 HRESULT STDMETHODCALLTYPE WmiEnumerator::Reset() {
     return PerformCom("IEnumWbemClassObject::Reset", result_->class_name, errors(), [&] {
         if (forward_only_) {

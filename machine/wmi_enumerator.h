@@ -1,6 +1,7 @@
 #pragma once
 
 #include "machine/wmi_instance.h"
+#include "machine/wmi_security.h"
 
 #include <cstdint>
 #include <memory>
@@ -21,6 +22,9 @@ public:
     HRESULT STDMETHODCALLTYPE Clone(IEnumWbemClassObject** copy) override;
     HRESULT STDMETHODCALLTYPE Skip(LONG timeout, ULONG count) override;
 
+protected:
+    void* Offer(REFIID iid) override;
+
 private:
     const CallErrors* errors() const { return &result_->found.errors; }
     std::size_t left() const { return result_->found.instances.size() - position_; }
@@ -29,6 +33,7 @@ private:
     std::uint32_t error_;
     bool forward_only_;
     std::size_t position_;
+    ProxySecurity security_{*this};
 };
 
 }  // namespace machine

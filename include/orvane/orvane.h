@@ -7,7 +7,8 @@
  * Rules for every function:
  *
  * 1. Threads. Call from one thread at a time. The library starts no thread. The callback is called on the
- *    calling thread, before the function returns.
+ *    calling thread, before the function returns. While a capture or a dump asks the system, the thread's
+ *    error mode includes SEM_FAILCRITICALERRORS; the callback runs in the mode that the caller set.
  *
  * 2. State. The callback, the format and the selected volumes belong to the process and last from call to
  *    call. Every call queries the machine again. Calls leave three changes in the process: COM security is

@@ -3,6 +3,7 @@
 #include "export/capture_fixture.h"
 #include "export/expected_document.h"
 #include "export/expected_sections.h"
+#include "machine/wmi_defaults.h"
 #include "support/text.h"
 #include "unit/capture/grabber/mixed_machine.h"
 
@@ -104,6 +105,25 @@ TEST_F(DocumentTexts, LettersBeyondTheCodePage_LeaveTheDocumentWhole) {
 TEST_F(DocumentTexts, LettersThatTheCodePageTakesForMarkup_AreWrittenByTheirNumbers) {
     simulation().description().volumes.at(2).label = L"\xFF1C\xFF1E\xFF06";
     EXPECT_THAT(Document(), testing::HasSubstr("<VolumeLabel>&#65308;&#65310;&#65286;</VolumeLabel>"));
+}
+
+// A control character, which may come from a firmware, and half of a pair; other characters stay.
+TEST_F(DocumentTexts, CharactersThatXmlForbids_AreReplacedInEveryFormat) {
+    simulation().description().volumes.at(2).label = L"a\x0001\tz\xD83D";
+    machine::WmiValue model;
+    model.type = VT_BSTR;
+    model.text = L"Disk\x001F";
+    machine::SetProperty(
+        simulation().description().wmi.at(machine::WmiClassKey(L"Win32_ComputerSystem")).instances.at(0),
+        {L"Model", model});
+    const std::string label = support::Ansi(L"a\xFFFD\tz\xFFFD");
+    for (const std::uint32_t format : {2U, 3U}) {
+        library_.SetXmlFormat(format);
+        const std::string document = Document();
+        EXPECT_THAT(document, testing::HasSubstr(format == 2 ? "<Label>" + label + "</Label>"
+                                                             : "<VolumeLabel>" + label + "</VolumeLabel>"));
+        EXPECT_THAT(document, testing::HasSubstr("<Model>" + support::Ansi(L"Disk\xFFFD") + "</Model>"));
+    }
 }
 
 TEST_F(DocumentTexts, TextsAsLongAsTheyMayBe_AreKept) {

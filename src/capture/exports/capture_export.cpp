@@ -5,6 +5,7 @@
 #include "capture/grabber/info_grabber_factory.h"
 #include "common/logger/orvane_logger.h"
 #include "common/platform/com_error_text.h"
+#include "common/platform/critical_error_mode.h"
 #include "orvane/orvane.h"
 
 #include <comdef.h>
@@ -81,6 +82,7 @@ std::uint32_t CaptureSafely(char* buffer, std::uint32_t buffer_size, std::uint32
 
 std::uint32_t CaptureSystemRestorePointInfo(char* buffer, std::uint32_t buffer_size,
                                             std::uint32_t* required_size) {
+    const FailCriticalErrors mode;
     GetLogger().Write(kLogTrace, L"Entering CaptureSystemRestorePointInfo");
     GetLogger().Write(kLogTrace, L"CaptureSystemRestorePointInfo gSaveXmlFormat=%u", gSaveXmlFormat);
     const std::uint32_t status = CaptureSafely(buffer, buffer_size, required_size);

@@ -8,14 +8,16 @@
 #include "common/disk/device_manager.h"
 #include "common/logger/trace.h"
 #include "common/platform/com_enabler.h"
+#include "common/platform/critical_error_mode.h"
 #include "orvane/orvane.h"
 
 namespace {
 
 // The exception boundary of a dump: runs `dump` between its trace lines and logs the error `failure` if it
-// throws.
+// throws. No critical error waits for a user meanwhile.
 template <class Body>
 void DumpSafely(const wchar_t* function, const wchar_t* failure, Body&& dump) {
+    const FailCriticalErrors mode;
     Traced(function, [&] {
         try {
             dump();

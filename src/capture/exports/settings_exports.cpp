@@ -1,5 +1,6 @@
 // The exports that return or change a setting.
 
+#include "capture/exports/host_callback.h"
 #include "capture/exports/process_settings.h"
 #include "common/logger/trace.h"
 #include "common/text/multi_string.h"
@@ -32,7 +33,7 @@ std::uint32_t GetOrvaneVersion() {
 }
 
 void SetEventFunc(OrvaneEventCallback callback) {
-    GetLogger().SetCallback(callback);
+    UseHostCallback(callback);
 }
 
 void SetXmlFormat(std::uint32_t format) {

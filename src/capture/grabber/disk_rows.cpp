@@ -8,6 +8,7 @@
 #include <boost/lexical_cast.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace orvane {
 
@@ -41,7 +42,14 @@ bool GetMaxPhysicalDiskId(const bmr_common::DeviceManager& device_manager, std::
                               index.c_str());
             continue;
         }
-        maximum = std::max(maximum, boost::lexical_cast<std::uint32_t>(index));
+        const auto number = boost::lexical_cast<std::uint32_t>(index);
+        if (std::cmp_greater(number, kHighestDiskNumber)) {
+            GetLogger().Write(kLogWarning,
+                              L"DeviceManager::GetMaxPhysicalDiskId disk number %u is too large - ignoring",
+                              number);
+            continue;
+        }
+        maximum = std::max(maximum, number);
         found = true;
     }
     if (!found) {

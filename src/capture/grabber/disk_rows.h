@@ -11,7 +11,8 @@ namespace orvane {
 
 // Converts the disks of the disk model to rows of the flat record.
 
-// Stores the largest disk number in `maximum`. If there is no disk, logs an error line and returns false.
+// Stores the largest disk number up to 65,535 in `maximum`; logs one warning for each larger number. If there
+// is no other disk, logs an error line and returns false.
 bool GetMaxPhysicalDiskId(const bmr_common::DeviceManager& device_manager, std::uint32_t& maximum);
 
 // Fills the row of an existing disk; its partitions have the system's numbers. If the partition style is not

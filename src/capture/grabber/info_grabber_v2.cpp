@@ -8,7 +8,6 @@
 #include "common/enumdisk/enum_disk.h"
 #include "common/logger/trace.h"
 #include "common/record/find_rows.h"
-#include "common/record/partition_rows.h"
 #include "common/text/byte_range.h"
 
 #include <boost/make_shared.hpp>
@@ -198,11 +197,6 @@ bool InfoGrabberV2::AddDiskInformation() {
     return Traced(L"orvane::InfoGrabberV2::AddDiskInformation", [&] {
         std::uint32_t maximum = 0;
         if (!GetMaxPhysicalDiskId(*device_manager_, maximum)) {
-            return false;
-        }
-        if (std::cmp_greater(maximum, kHighestDiskNumber)) {
-            GetLogger().Write(kLogError, L"%s disk number %u is too large",
-                              L"orvane::InfoGrabberV2::AddDiskInformation", maximum);
             return false;
         }
         for (std::uint32_t number = 0; number <= maximum; ++number) {

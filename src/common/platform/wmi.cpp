@@ -23,6 +23,12 @@ HRESULT Checked(HRESULT result, const wchar_t* message) {
     return result;
 }
 
+// Sets how the calls of a proxy are authenticated.
+HRESULT SetSecurity(IUnknown* proxy) {
+    return CoSetProxyBlanket(proxy, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
+                             RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
+}
+
 // Turns a success with a null pointer into a failure.
 template <class Pointer>
 HRESULT Delivered(HRESULT result, const Pointer& pointer) {
@@ -116,6 +122,11 @@ CWmi::CWmi(const wchar_t* query) {
         result = Checked(Delivered(result, enumerator_), L"CWmi::CWmi ExecQuery failed error 0x%x");
     }
     initialized_ = SUCCEEDED(result);
+    if (initialized_) {
+        // The enumerator is a proxy of its own, with the security of the process. If this fails, a system
+        // that needs it refuses the first object.
+        SetSecurity(enumerator_);
+    }
 }
 
 HRESULT CWmi::Connect() {
@@ -135,9 +146,7 @@ HRESULT CWmi::Connect() {
     if (FAILED(result)) {
         return result;
     }
-    return Checked(CoSetProxyBlanket(services_, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
-                                     RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE),
-                   L"CWmi::CWmi CoSetProxyBlanket failed error 0x%x");
+    return Checked(SetSecurity(services_), L"CWmi::CWmi CoSetProxyBlanket failed error 0x%x");
 }
 
 bool CWmi::Fetch() {

@@ -18,8 +18,7 @@ inline constexpr std::int64_t kFirstMegabyte = 0x100000;
 // every fourth slot after them.
 inline constexpr std::uint32_t kPrimarySlots = 4;
 
-// Disk lists contain a row for every number up to the highest. No machine has a higher number than this; an
-// enumeration that finds one fails.
+// Disk lists contain a row for every number up to the highest. No machine has a higher number than this.
 inline constexpr std::int32_t kHighestDiskNumber = 65'535;
 
 // Creates and numbers partition rows.

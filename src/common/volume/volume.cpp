@@ -4,6 +4,7 @@
 #include "common/platform/case_folding.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace bmr_common {
 
@@ -27,6 +28,10 @@ void Record(OperationStatus& status, const std::wstring& operation, bool succeed
         status.SetError(operation, failure);
     }
 }
+
+// What the first query of the extents has room for. Windows reports a buffer that is too small by an error on
+// which the buffer does not grow.
+constexpr std::size_t kFirstExtents = 1000;
 
 bool IsDriveName(const std::wstring& dos_name) {
     return dos_name.size() >= 2 && dos_name[1] == L':';
@@ -217,7 +222,7 @@ void Volume::InitializeVolumePartitionSize(const UniqueFile& volume) {
 }
 
 void Volume::InitializeDiskExtents(const UniqueFile& volume) {
-    win::ByteBuffer buffer;
+    win::ByteBuffer buffer(offsetof(VOLUME_DISK_EXTENTS, Extents) + kFirstExtents * sizeof(DISK_EXTENT));
     DWORD error = 0;
     // The buffer grows only on error 122: compatibility C140
     const bool known = win::WinAPIWrapper::GetVolumeDiskExtents(volume, device_name_, buffer, error);

@@ -1,5 +1,7 @@
 #include "common/xml/bstr_argument.h"
 
+#include "common/xml/xml_characters.h"
+
 #include <comdef.h>
 
 #include <algorithm>
@@ -22,7 +24,12 @@ void BstrArgument::Assign(std::basic_string_view<Letter> text) {
 }
 
 BstrArgument::BstrArgument(std::wstring_view text) {
-    Assign(text.substr(0, text.find(L'\0')));
+    // Most texts are plain and need only this scan.
+    const std::size_t plain = PlainLength(text);
+    Assign(text.substr(0, text.find(L'\0', plain)));
+    if (plain < text.size()) {
+        ReplaceForbiddenCharacters({get(), SysStringLen(get())});
+    }
 }
 
 BstrArgument::BstrArgument(const char* text) {

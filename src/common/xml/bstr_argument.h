@@ -10,7 +10,8 @@
 // the object; a longer one is allocated by the system. Throws _com_error (E_OUTOFMEMORY) if that fails.
 class BstrArgument {
 public:
-    // Uses the text up to the first null character, which XML cannot contain.
+    // Uses the text up to the first null character. Every other character that XML cannot contain becomes
+    // U+FFFD.
     explicit BstrArgument(std::wstring_view text);
     // Expects ASCII. Other bytes become the character with that number, regardless of the code page.
     explicit BstrArgument(const char* text);

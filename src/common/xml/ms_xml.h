@@ -8,8 +8,9 @@
 #include <string_view>
 
 // A wrapper for the platform's DOM, with the functions needed to build documents. Use it on one thread only,
-// with COM initialised on that thread. A text ends at its first null character, which XML cannot contain. A
-// failed interface call throws _com_error; a call on an empty node throws E_POINTER as _com_error.
+// with COM initialised on that thread. A text ends at its first null character; every other character that
+// XML cannot contain becomes U+FFFD. A failed interface call throws _com_error; a call on an empty node
+// throws E_POINTER as _com_error.
 
 using XmlDocumentPtr = ComPointer<IXMLDOMDocument, &IID_IXMLDOMDocument>;
 using XmlElementPtr = ComPointer<IXMLDOMElement, &IID_IXMLDOMElement>;

@@ -28,6 +28,15 @@ TEST_F(Wmi, ProxyBlanket_IsAccepted) {
     EXPECT_EQ(simulation().calls().Count("IClientSecurity::SetBlanket"), 1u);
 }
 
+TEST_F(Wmi, ProxyBlanketOfTheEnumerator_IsAccepted) {
+    Start("{}");
+    ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_Processor"), S_OK);
+    EXPECT_EQ(CoSetProxyBlanket(enumerator_, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
+                                RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE),
+              S_OK);
+    EXPECT_EQ(simulation().calls().Count("IClientSecurity::SetBlanket"), 1u);
+}
+
 TEST_F(Wmi, Security_HasTheIdentityOfTheServices) {
     Start("{}");
     IClientSecurity* security = nullptr;

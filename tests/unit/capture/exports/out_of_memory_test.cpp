@@ -1,6 +1,7 @@
 // The exports in a program that links the library statically, so that its allocations can be made to fail.
 
 #include "machine/session.h"
+#include "machine/wmi_defaults.h"
 #include "orvane/orvane.h"
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"
@@ -36,8 +37,19 @@ TEST_F(OutOfMemory, SelectedVolumes_AreNoneAndALineSaysSo) {
     EXPECT_EQ(log_.Messages().size(), 1U) << log_;
 }
 
+// The mixed machine with so many texts that its document is larger than every buffer of a query.
+machine::Description TalkativeMachine() {
+    machine::Description machine = MixedMachine();
+    machine::WmiValue options;
+    options.type = VT_ARRAY | VT_BSTR;
+    options.texts.assign(300, std::wstring(100, L'x'));
+    machine::SetProperty(machine.wmi.at(machine::WmiClassKey(L"Win32_ComputerSystem")).instances.at(0),
+                         {L"SystemStartupOptions", options});
+    return machine;
+}
+
 TEST_F(OutOfMemory, Capture_FailsWithoutWriting) {
-    machine::Session session(MixedMachine());
+    machine::Session session(TalkativeMachine());
     session.simulation().calls().SetKept(false);  // recorded calls would take more memory than the document
     SetXmlFormat(3);
     std::uint32_t length = 0;

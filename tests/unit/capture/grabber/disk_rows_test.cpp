@@ -39,6 +39,35 @@ TEST(GetMaxPhysicalDiskId, Numbers_AreComparedAsNumbers) {
     EXPECT_THAT(log.Messages(), IsEmpty());
 }
 
+TEST(GetMaxPhysicalDiskId, NumberThatIsTooLarge_IsPassedOverWithALine) {
+    const support::LoggerCapture log;
+    ListedDisks disks;
+    disks.Put(L"65535", AnyDisk(65'535));
+    disks.Put(L"65536", AnyDisk(65'536));
+    disks.Put(L"4294967295", AnyDisk(4'294'967'295));
+    std::uint32_t maximum = 77;
+    EXPECT_TRUE(orvane::GetMaxPhysicalDiskId(disks, maximum));
+    EXPECT_EQ(maximum, 65'535U);
+    // In the order of the map, which compares the numbers as texts.
+    EXPECT_THAT(log.all(),
+                ElementsAre(LogLine{support::kHostWarning,
+                                    "DeviceManager::GetMaxPhysicalDiskId disk number 4294967295 is too large "
+                                    "- ignoring"},
+                            LogLine{support::kHostWarning,
+                                    "DeviceManager::GetMaxPhysicalDiskId disk number 65536 is too large - "
+                                    "ignoring"}));
+}
+
+TEST(GetMaxPhysicalDiskId, OnlyNumbersThatAreTooLarge_FailAsWithoutDisks) {
+    const support::LoggerCapture log;
+    ListedDisks disks;
+    disks.Put(L"65536", AnyDisk(65'536));
+    std::uint32_t maximum = 77;
+    EXPECT_FALSE(orvane::GetMaxPhysicalDiskId(disks, maximum));
+    EXPECT_THAT(log.Lines(support::kHostError),
+                ElementsAre("DeviceManager::GetMaxPhysicalDiskId no devices so no maximum id"));
+}
+
 TEST(GetMaxPhysicalDiskId, NoDisks_FailWithALine) {
     const support::LoggerCapture log;
     std::uint32_t maximum = 77;

@@ -134,19 +134,22 @@ TEST_F(InfoGrabberV2Test, BootOptionsValueThatIsAbsent_FailsLastWithTheBootSecti
 
 // --- Machines without disks, and with an impossible disk number.
 
-TEST_F(InfoGrabberV2Test, DiskNumberThatIsAbsurd_FailsTheConversion) {
+TEST_F(InfoGrabberV2Test, DiskNumberThatIsAbsurd_StaysADiskWithoutARow) {
     machine::WmiInstance drive = Instances(L"Win32_DiskDrive").at(0);
     machine::WmiValue index;
-    index.type = VT_I4;
-    index.number = 65'536;
+    index.type = VT_I4;  // so WMI passes its unsigned numbers
+    index.number = -1;
     machine::SetProperty(drive, {L"Index", index});
     Instances(L"Win32_DiskDrive").push_back(drive);
 
-    EXPECT_FALSE(grabber_.ObtainInformation());
+    EXPECT_TRUE(grabber_.ObtainInformation()) << log_;
 
-    EXPECT_THAT(log_.Lines(support::kHostError),
-                ElementsAre("orvane::InfoGrabberV2::AddDiskInformation disk number 65536 is too large"));
-    EXPECT_THAT(record().DiskDrives, IsEmpty());
+    EXPECT_TRUE(log_.Contains(support::kHostWarning,
+                              "DeviceManager::GetMaxPhysicalDiskId disk number 4294967295 is too large - "
+                              "ignoring"))
+        << log_;
+    EXPECT_EQ(record().DiskDrives.size(), 2U);
+    EXPECT_EQ(simulation().calls().Count("CreateFileW", L"\\\\.\\PhysicalDrive4294967295"), 1U);
 }
 
 TEST_F(InfoGrabberV2Test, NoDisks_CannotBeCaptured) {

@@ -257,23 +257,57 @@ TEST_F(WmiCursor, Construction_Connection_IsToTheNamespaceAndNothingElse) {
     EXPECT_EQ(locator.references, 0U);
 }
 
-TEST_F(WmiCursor, Construction_Blanket_HasTheAgreedLevels) {
+// Both proxies: that of the services, then that of the enumerator.
+TEST_F(WmiCursor, Construction_Blankets_HaveTheAgreedLevels) {
     std::vector<DWORD> numbers;
-    bool pointers = true;
+    bool pointers = false;
+    std::vector<bool> enumerators;
     const StubImport blanket(
         "CoSetProxyBlanket", &::CoSetProxyBlanket,
-        [&](IUnknown*, DWORD authentication, DWORD authorisation, OLECHAR* principal, DWORD level,
+        [&](IUnknown* proxy, DWORD authentication, DWORD authorisation, OLECHAR* principal, DWORD level,
             DWORD impersonation, RPC_AUTH_IDENTITY_HANDLE identity, DWORD capabilities) -> HRESULT {
-            numbers = {authentication, authorisation, level, impersonation, capabilities};
-            pointers = principal != nullptr || identity != nullptr;
+            numbers.insert(numbers.end(),
+                           {authentication, authorisation, level, impersonation, capabilities});
+            pointers = pointers || principal != nullptr || identity != nullptr;
+            enumerators.push_back(WbemEnumeratorPtr(proxy) != nullptr);
             return S_OK;
         });
 
     const CWmi wmi(kQuery);
 
     EXPECT_TRUE(wmi.initialized());
-    EXPECT_THAT(numbers, ElementsAre(10U, 0U, 3U, 3U, 0U));
+    EXPECT_THAT(numbers, ElementsAre(10U, 0U, 3U, 3U, 0U, 10U, 0U, 3U, 3U, 0U));
     EXPECT_FALSE(pointers);
+    EXPECT_THAT(enumerators, ElementsAre(false, true));
+}
+
+TEST_F(WmiCursor, Construction_EnumeratorsBlanket_ReachesItBeforeItsFirstCall) {
+    CWmi wmi(kQuery);
+    EXPECT_TRUE(wmi.FindFirstObject());
+
+    std::vector<std::string> names;
+    for (const machine::CallRecord& record : simulation().calls().records()) {
+        names.push_back(record.name);
+    }
+    EXPECT_THAT(names, ElementsAre("IClassFactory::CreateInstance", "IWbemLocator::ConnectServer",
+                                   "IClientSecurity::SetBlanket", "IWbemServices::ExecQuery",
+                                   "IClientSecurity::SetBlanket", "IEnumWbemClassObject::Reset",
+                                   "IEnumWbemClassObject::Next"));
+}
+
+TEST_F(WmiCursor, Construction_EnumeratorsBlanketFails_IsIgnoredWithoutALine) {
+    machine::FaultRule second;
+    second.name = "IClientSecurity::SetBlanket";
+    second.ordinal = 2;
+    second.codes.com = 0x80004002;
+    simulation().faults().Add(second);
+
+    CWmi wmi(kQuery);
+
+    EXPECT_EQ(simulation().faults().hits(), 1U);
+    EXPECT_TRUE(wmi.initialized());
+    EXPECT_TRUE(wmi.FindFirstObject());
+    EXPECT_THAT(log_.all(), IsEmpty());
 }
 
 TEST_F(WmiCursor, Construction_CreationGivesNoPointer_FailsWithoutACrash) {

@@ -62,26 +62,33 @@ TEST_F(VolumeExtentsTest, NoExtents_IsASuccess) {
 }
 
 TEST_F(VolumeExtentsTest, AsManyAsTheFirstBufferHolds_AreReadAtOnce) {
-    Scatter(21);
+    // 21 fit into 512 bytes, with which every growing buffer begins; a thousand into this one.
+    for (const std::uint64_t count : {21U, 22U, 1000U}) {
+        machine_.simulation().calls().Clear();
+        Scatter(count);
+        machine_.volume(1).extents_short_error = ERROR_MORE_DATA;
+        Volume volume(kDataId, kDataDevice);
 
-    EXPECT_TRUE(volume_.Initialize(L"", L"", machine_.disks()));
+        EXPECT_TRUE(volume.Initialize(L"", L"", machine_.disks()));
 
-    EXPECT_EQ(21U, volume_.extents().size());
-    EXPECT_EQ(1U, machine_.simulation().calls().Count(kExtentsCall));
+        ASSERT_EQ(count, volume.extents().size());
+        EXPECT_EQ((count - 1) << 21, static_cast<std::uint64_t>(volume.extents().back().starting_offset));
+        EXPECT_EQ(1U, machine_.simulation().calls().Count(kExtentsCall));
+    }
 }
 
 TEST_F(VolumeExtentsTest, MoreThanTheBufferHolds_BufferTooSmall_DoublesIt) {
-    Scatter(50);
+    Scatter(3000);
     machine_.volume(1).extents_short_error = ERROR_INSUFFICIENT_BUFFER;
 
     EXPECT_TRUE(volume_.Initialize(L"", L"", machine_.disks()));
 
-    EXPECT_EQ(50U, volume_.extents().size());
-    EXPECT_EQ(3U, machine_.simulation().calls().Count(kExtentsCall)) << "512, 1024 and 2048 bytes";
+    EXPECT_EQ(3000U, volume_.extents().size());
+    EXPECT_EQ(3U, machine_.simulation().calls().Count(kExtentsCall)) << "24,008, 48,016 and 96,032 bytes";
 }
 
 TEST_F(VolumeExtentsTest, MoreThanTheBufferHolds_AnyOtherError_IsRecorded) {
-    Scatter(22);
+    Scatter(1001);
     machine_.volume(1).extents_short_error = ERROR_MORE_DATA;
 
     EXPECT_FALSE(volume_.Initialize(L"", L"", machine_.disks()));
@@ -103,7 +110,7 @@ void ReturnNothing(machine::Answer& answer) {
     answer.returned = 0;
 }
 void ReturnMoreThanTheBuffer(machine::Answer& answer) {
-    answer.returned = 513;
+    answer.returned = 24'009;  // a thousand extents have 24,008 bytes
 }
 void CutTheExtent(machine::Answer& answer) {
     --answer.returned;

@@ -55,6 +55,18 @@ TEST(BstrArgument, ZeroCharacter_EndsTheText) {
     EXPECT_EQ(std::wstring(argument.get()), L"be");
 }
 
+TEST(BstrArgument, CharactersThatXmlForbids_AreReplacedBeforeTheFirstZero) {
+    BstrArgument argument{std::wstring_view(L"\x0001\tx\xD83D\0\xDE00", 6)};
+    EXPECT_EQ(SysStringLen(argument.get()), 4U);
+    EXPECT_EQ(std::wstring(argument.get()), L"\xFFFD\tx\xFFFD");
+}
+
+TEST(BstrArgument, CharactersThatXmlForbids_AreReplacedInALongTextToo) {
+    const std::wstring plain(BstrArgument::kShort, L'x');
+    BstrArgument argument{std::wstring_view(plain + L"\xFFFE\xD83D\xDE00" + plain)};
+    EXPECT_EQ(std::wstring(argument.get()), plain + L"\xFFFD\xD83D\xDE00" + plain);
+}
+
 TEST(BstrArgument, ByteBeyondAscii_IsNotWidenedWithASign) {
     BstrArgument argument("\x80z\xFF");
     EXPECT_EQ(std::wstring(argument.get()), L"\x80z\xFF");

@@ -11,6 +11,8 @@ namespace {
 
 using testing::AnyOf;
 
+constexpr GUID kDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+
 class MsXml : public ComThread {
 protected:
     void SetUp() override {
@@ -102,6 +104,39 @@ TEST_F(MsXml, SetText_TextWithAZeroCharacter_EndsThere) {
     root_.SetText(std::wstring_view(L"be\0fore", 7));
     EXPECT_EQ(Xml(), L"<root>be</root>");
 }
+
+// One character of each class that XML forbids, and a text as a machine's firmware may report it.
+class MsXmlForbidden : public MsXml, public testing::WithParamInterface<Text> {};
+
+TEST_P(MsXmlForbidden, AddTextChild_DocumentCanBeLoadedAgain) {
+    root_.AddTextChild("Value", GetParam().given);
+
+    XmlDocumentPtr again;
+    ASSERT_EQ(CoCreateInstance(kDocument30, nullptr, CLSCTX_ALL, IID_IXMLDOMDocument,
+                               reinterpret_cast<void**>(&again)),
+              S_OK);
+    VARIANT_BOOL loaded = VARIANT_FALSE;
+    ASSERT_EQ(again->loadXML(root_.GetXML().get(), &loaded), S_OK);
+    ASSERT_EQ(loaded, VARIANT_TRUE) << "not well-formed";
+    XmlElementPtr element;
+    ASSERT_EQ(again->get_documentElement(&element), S_OK);
+    BSTR text = nullptr;
+    ASSERT_EQ(element->get_text(&text), S_OK);
+    const UniqueBstr owner(text);
+    EXPECT_EQ(TextOf(owner), GetParam().written);
+}
+
+INSTANTIATE_TEST_SUITE_P(Classes, MsXmlForbidden,
+                         testing::Values(Text{L"x\x0001y", L"x\xFFFDy"},                //
+                                         Text{L"x\x001Fy", L"x\xFFFDy"},                //
+                                         Text{L"x\x000By\x000Cz", L"x\xFFFDy\xFFFDz"},  //
+                                         Text{L"x\xD83Dy", L"x\xFFFDy"},                //
+                                         Text{L"x\xDE00y", L"x\xFFFDy"},                //
+                                         Text{L"x\xFFFEy", L"x\xFFFDy"},                //
+                                         Text{L"x\xFFFFy", L"x\xFFFDy"},                //
+                                         Text{L"x\ty", L"x\ty"},                        //
+                                         Text{L"x\xD83D\xDE00y", L"x\xD83D\xDE00y"},    //
+                                         Text{L"Disk\x0001\x0002 A", L"Disk\xFFFD\xFFFD A"}));
 
 TEST_F(MsXml, AddTextChild_Thrice_AreChildrenInOrder) {
     root_.AddTextChild("B", L"1 < 2");
