@@ -4,8 +4,9 @@
 
 namespace support {
 
-// During its lifetime, allocations of at least this many bytes throw std::bad_alloc, in the test program and in
-// the libraries linked into it. A program that uses this class gets a replaced operator new. One at a time.
+// During its lifetime, allocations of at least this many bytes throw std::bad_alloc, in the test program and
+// in the libraries linked into it. A program that uses this class gets a replaced operator new. One at a
+// time.
 class AllocationFailure {
 public:
     explicit AllocationFailure(std::size_t smallest_failing);

@@ -25,10 +25,10 @@ struct LogLine {
 };
 std::ostream& operator<<(std::ostream& out, const LogLine& line);
 
-// Collects the lines sent to the log callback for its lifetime. Captures nest: only the innermost one collects.
-// Destroying it restores the capture around it, or no callback. One thread at a time. Independent of the
-// library: `set` is any function that installs a callback, such as the library's export. Unit tests use
-// LoggerCapture (logger_capture.h).
+// Collects the lines sent to the log callback for its lifetime. Captures nest: only the innermost one
+// collects. Destroying it restores the capture around it, or no callback. One thread at a time. Independent
+// of the library: `set` is any function that installs a callback, such as the library's export. Unit tests
+// use LoggerCapture (logger_capture.h).
 class LogCapture {
 public:
     using Callback = void (*)(std::int32_t level, const char* text);

@@ -85,8 +85,9 @@ Outcome SweepAllocations(PlayedRegistry& registry) {
 
 class RegistryControlSet : public testing::Test {
 protected:
-    // During its lifetime, every value of every key has this name and number. The list ends far behind the limit
-    // at which a search must give up, so that a search without a limit fails its test instead of hanging.
+    // During its lifetime, every value of every key has this name and number. The list ends far behind the
+    // limit at which a search must give up, so that a search without a limit fails its test instead of
+    // hanging.
     auto Listing(const wchar_t* name, DWORD number) {
         return support::StubImport(
             "RegEnumValueW", &::RegEnumValueW,
