@@ -111,6 +111,9 @@ struct Extent {
     std::uint64_t length = 0;  // bytes
 };
 
+// What the extents control puts into a buffer that holds an extent, but not all.
+enum class ShortExtents { kFirst, kFitting, kNone };
+
 // An additional GUID name of a volume.
 struct VolumeAlias {
     std::wstring guid;
@@ -144,7 +147,8 @@ struct Volume {
     std::uint64_t length = 0;                          // bytes, as the length control returns it
     std::optional<std::vector<Extent>> extents;        // none: the extents control is not supported
     std::optional<std::uint32_t> extents_short_error;  // if the buffer cannot hold all extents
-    std::optional<Partition> partition;                // what the partition controls return
+    ShortExtents short_extents = ShortExtents::kFirst;
+    std::optional<Partition> partition;  // what the partition controls return
     CallErrors errors;
 };
 
