@@ -97,6 +97,9 @@ struct Disk {
     std::uint64_t usable_length = 0;
     std::uint32_t max_partition_count = 128;
     std::vector<Partition> partitions;
+    bool blank = false;           // no table, but reported as style 0 with a zeroed partition record
+    bool offline = false;         // the older layout control fails
+    bool recognizes_all = false;  // every used MBR entry but a container is recognised, whatever its type
 
     bool hidden_from_wmi = false;
     WmiInstance wmi;  // properties that override those derived from the disk

@@ -28,7 +28,10 @@ Answer DriveGeometryEx(Disk& disk, const ControlRequest& request) {
 }
 
 Answer DriveLayout(Disk& disk, const ControlRequest& request) {
-    if (disk.style == PARTITION_STYLE_GPT) {
+    if (disk.offline) {
+        return Answer::Failure(ERROR_NOT_READY);
+    }
+    if (disk.style != PARTITION_STYLE_MBR || disk.blank) {
         return Answer::Failure(ERROR_INVALID_FUNCTION);
     }
     return BytesOrTooSmall(DriveLayoutBytes(disk), request);

@@ -45,6 +45,7 @@ WmiInstance DiskDrive(const Disk& disk) {
     const std::uint64_t sectors = tracks * disk.sectors_per_track;
     const auto used = std::count_if(disk.partitions.begin(), disk.partitions.end(),
                                     [](const Partition& partition) { return partition.number != 0; });
+    const bool has_signature = disk.style == PARTITION_STYLE_MBR && !disk.blank;
     WmiInstance instance = {
         {L"BytesPerSector", Number(disk.bytes_per_sector)},
         {L"Caption", Text(L"Generic Disk")},
@@ -70,7 +71,7 @@ WmiInstance DiskDrive(const Disk& disk) {
         {L"SCSITargetId", Number(disk.index, VT_I4)},
         {L"SectorsPerTrack", Number(disk.sectors_per_track)},
         {L"SerialNumber", Text(L"0000-0000-" + number)},
-        {L"Signature", disk.style == PARTITION_STYLE_MBR ? Number(disk.signature, VT_UI4) : Null()},
+        {L"Signature", has_signature ? Number(disk.signature, VT_UI4) : Null()},
         {L"Size", LongNumber(sectors * disk.bytes_per_sector)},
         {L"Status", Text(L"OK")},
         {L"SystemCreationClassName", Text(L"Win32_ComputerSystem")},
