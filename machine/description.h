@@ -200,7 +200,8 @@ struct Description {
     std::map<std::wstring, WmiClass> wmi;  // key: class name in upper case
     std::vector<RegistryKey> registry;
     Firmware firmware;
-    std::set<std::string> missing;  // functions that kernel32 and ntdll do not export
+    std::set<std::string> missing;         // functions that kernel32 and ntdll do not export
+    std::uint32_t enumerator_refusal = 0;  // HRESULT of fetching from a WMI enumerator without security
     CallErrors errors;
 };
 

@@ -197,9 +197,6 @@ WmiInstance OperatingSystem(const SystemPlaces& places) {
 }
 
 WmiInstance ComputerSystem() {
-    WmiValue options;
-    options.type = VT_ARRAY | VT_BSTR;
-    options.texts = {L"Windows 11"};
     return {
         {L"BootupState", Text(L"Normal boot")},
         {L"Caption", Text(L"WORKSTATION")},
@@ -215,7 +212,7 @@ WmiInstance ComputerSystem() {
         {L"NumberOfProcessors", Number(1)},
         {L"PartOfDomain", Flag(false)},
         {L"Status", Text(L"OK")},
-        {L"SystemStartupOptions", options},
+        {L"SystemStartupOptions", Null()},
         {L"SystemType", Text(L"x64-based PC")},
         {L"TotalPhysicalMemory", Text(L"17060651008")},
         {L"UserName", Text(L"WORKSTATION\\Administrator")},

@@ -113,42 +113,4 @@ HRESULT STDMETHODCALLTYPE WmiServices::ExecQuery(const BSTR language, const BSTR
     });
 }
 
-HRESULT STDMETHODCALLTYPE WmiServices::Security::QueryInterface(REFIID iid, void** object) {
-    return owner_.QueryInterface(iid, object);
-}
-
-HRESULT STDMETHODCALLTYPE WmiServices::Security::QueryBlanket(IUnknown* /*proxy*/, DWORD* authentication,
-                                                              DWORD* authorisation, OLECHAR** principal,
-                                                              DWORD* level, DWORD* impersonation,
-                                                              void** identity, DWORD* capabilities) {
-    for (DWORD* number : {authentication, authorisation, level, impersonation, capabilities}) {
-        if (number != nullptr) {
-            *number = 0;
-        }
-    }
-    if (principal != nullptr) {
-        *principal = nullptr;
-    }
-    if (identity != nullptr) {
-        *identity = nullptr;
-    }
-    return S_OK;
-}
-
-HRESULT STDMETHODCALLTYPE WmiServices::Security::SetBlanket(IUnknown* /*proxy*/, DWORD /*authentication*/,
-                                                            DWORD /*authorisation*/, OLECHAR* /*principal*/,
-                                                            DWORD /*level*/, DWORD /*impersonation*/,
-                                                            void* /*identity*/, DWORD /*capabilities*/) {
-    return PerformCom("IClientSecurity::SetBlanket", {}, nullptr, [] { return Answer{}; });
-}
-
-HRESULT STDMETHODCALLTYPE WmiServices::Security::CopyProxy(IUnknown* proxy, IUnknown** copy) {
-    if (proxy == nullptr || copy == nullptr) {
-        return E_INVALIDARG;
-    }
-    proxy->AddRef();
-    *copy = proxy;
-    return S_OK;
-}
-
 }  // namespace machine
