@@ -124,8 +124,9 @@ struct VolumeAlias {
 };
 
 struct Volume {
-    std::wstring guid;    // "{...}"; empty: no mount manager name
-    std::wstring device;  // "\Device\HarddiskVolume3"
+    std::wstring guid;         // "{...}"; empty: no mount manager name
+    std::wstring device;       // "\Device\HarddiskVolume3"
+    std::wstring link_target;  // the device that the volume names link to; empty: `device`
     std::vector<VolumeAlias> aliases;
     bool linked = true;                      // \GLOBAL?? contains its "Volume{...}" link
     bool enumerated = true;                  // the volume search returns it
@@ -169,6 +170,7 @@ struct ObjectDirectory {
     std::wstring path;
     std::optional<std::vector<DirectoryEntry>> entries;  // none: derived from disks, volumes and DOS devices
     CallErrors errors;
+    std::uint32_t other_names = 0;  // names of other drivers, added to the derived entries in no order
 };
 
 struct RegistryValue {

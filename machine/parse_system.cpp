@@ -93,6 +93,10 @@ std::vector<DirectoryEntry> Entries(const JsonCursor& cursor, const std::wstring
     return entries;
 }
 
+bool IsDerivedDirectory(const std::wstring& path) {
+    return EqualNames(path, L"\\Device") || EqualNames(path, L"\\GLOBAL??");
+}
+
 }  // namespace
 
 std::vector<DosDevice> DosDevices(const JsonCursor& cursor) {
@@ -117,6 +121,10 @@ std::vector<ObjectDirectory> Directories(const JsonCursor& cursor) {
         directory.path = Widen(path);
         if (const auto entries = object.Find("entries")) {
             directory.entries = Entries(*entries, directory.path);
+        }
+        directory.other_names = object.Number32("otherNames", 0);
+        if (directory.other_names != 0 && (directory.entries || !IsDerivedDirectory(directory.path))) {
+            object.Require("otherNames").Refuse("needs the derived entries of \\Device or \\GLOBAL??");
         }
         directory.errors = ErrorsOf(object, CallScope::kDirectory);
         object.RefuseOthers();
