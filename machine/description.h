@@ -159,6 +159,7 @@ struct Volume {
 struct DosDevice {
     std::wstring name;  // "C:", "PhysicalDrive0"
     std::wstring target;
+    CallErrors errors{};
 };
 
 struct DirectoryEntry {
