@@ -62,7 +62,8 @@ machine::Description MachineOf(const Size& size) {
     for (std::size_t i = 0; i < size.volumes; ++i) {
         json += (i == 0 ? "" : ", ") + Volume(i, size);
     }
-    return machine::ParseDescription(json + "]}", "generated");
+    json += R"(], "wmi": {"Win32_ComputerSystem": [{"SystemStartupOptions": ["Windows 11"]}]}})";
+    return machine::ParseDescription(json, "generated");
 }
 
 }  // namespace bench

@@ -1,5 +1,7 @@
 #include "machine/control_codes.h"
 
+#include "machine/fault_plan.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -38,53 +40,62 @@ constexpr std::string_view kControl = "DeviceIoControl";
 
 struct NamedCall {
     std::string_view name;
-    unsigned scopes;  // in addition to kMachine, which accepts every call
+    unsigned scopes;      // in addition to kMachine, which accepts every call
+    bool blocks = false;  // does not return if the object does not answer
 };
 
 constexpr unsigned kDisk = static_cast<unsigned>(CallScope::kDisk);
 constexpr unsigned kVolume = static_cast<unsigned>(CallScope::kVolume);
 constexpr unsigned kDirectory = static_cast<unsigned>(CallScope::kDirectory);
 constexpr unsigned kWmiClass = static_cast<unsigned>(CallScope::kWmiClass);
+constexpr unsigned kDosDevice = static_cast<unsigned>(CallScope::kDosDevice);
 
 constexpr NamedCall kCalls[] = {
     {"CloseHandle", kDisk | kVolume},
-    {"CreateFileW", kDisk | kVolume},
-    {kControl, kDisk | kVolume},
+    {"CreateFileW", kDisk | kVolume, true},
+    {kControl, kDisk | kVolume, true},
     {"FindFirstVolumeW", kVolume},
     {"FindNextVolumeW", kVolume},
     {"FindVolumeClose", 0},
-    {"FlushFileBuffers", kDisk | kVolume},
-    {"GetDiskFreeSpaceExW", kVolume},
-    {"GetDiskFreeSpaceW", kVolume},
+    {"FlushFileBuffers", kDisk | kVolume, true},
+    {"GetDiskFreeSpaceExW", kVolume, true},
+    {"GetDiskFreeSpaceW", kVolume, true},
     {"GetDriveTypeW", kVolume},
     {"GetFirmwareEnvironmentVariableW", 0},
     {"GetFirmwareType", 0},
     {"GetLogicalDrives", 0},
     {"GetProcAddress", 0},
-    {"GetVolumeInformationW", kVolume},
+    {"GetVolumeInformationW", kVolume, true},
     {"GetVolumeNameForVolumeMountPointW", kVolume},
     {"GetVolumePathNameW", kVolume},
     {"GetVolumePathNamesForVolumeNameW", kVolume},
-    {"QueryDosDeviceW", kDisk | kVolume},
-    {"WriteFile", kDisk | kVolume},
+    {"QueryDosDeviceW", kDisk | kVolume | kDosDevice},
+    {"WriteFile", kDisk | kVolume, true},
     {"ZwClose", kDirectory},
-    {"ZwOpenDirectoryObject", kDirectory},
-    {"ZwQueryDirectoryObject", kDirectory},
+    {"ZwOpenDirectoryObject", kDirectory, true},
+    {"ZwQueryDirectoryObject", kDirectory, true},
     {"IClassFactory::CreateInstance", 0},
     {"IClientSecurity::SetBlanket", 0},
     {"IEnumWbemClassObject::Clone", kWmiClass},
-    {"IEnumWbemClassObject::Next", kWmiClass},
+    {"IEnumWbemClassObject::Next", kWmiClass, true},
     {"IEnumWbemClassObject::Reset", kWmiClass},
-    {"IEnumWbemClassObject::Skip", kWmiClass},
+    {"IEnumWbemClassObject::Skip", kWmiClass, true},
     {"IWbemClassObject::Get", kWmiClass},
     {"IWbemLocator::ConnectServer", 0},
-    {"IWbemServices::ExecQuery", kWmiClass},
+    {"IWbemServices::ExecQuery", kWmiClass, true},
 };
 
 bool IsControlKind(const std::string& kind) {
     return std::any_of(std::begin(kCodes), std::end(kCodes),
                        [&](const NamedCode& named) { return named.name == kind; }) ||
            (kind.size() == 10 && kind.compare(0, 2, "0x") == 0);
+}
+
+CallFamily FamilyOf(const std::string& name) {
+    if (name.find("::") != std::string::npos) {
+        return CallFamily::kCom;
+    }
+    return name.compare(0, 2, "Zw") == 0 ? CallFamily::kNative : CallFamily::kWin32;
 }
 
 }  // namespace
@@ -102,6 +113,21 @@ std::string ControlName(DWORD code) {
 
 std::string ControlCallName(DWORD code) {
     return std::string(kControl) + ":" + ControlName(code);
+}
+
+std::vector<std::string> BlockingCalls(CallScope scope) {
+    std::vector<std::string> calls;
+    for (const NamedCall& call : kCalls) {
+        if (call.blocks && (call.scopes & static_cast<unsigned>(scope)) != 0) {
+            calls.emplace_back(call.name);
+        }
+    }
+    return calls;
+}
+
+std::uint32_t BlockedCode(const std::string& name) {
+    constexpr FaultCodes kTimedOut = {ERROR_SEM_TIMEOUT, 0xC00000B5, 0x80070079};
+    return kTimedOut.For(FamilyOf(name));
 }
 
 bool IsCallOf(CallScope scope, const std::string& name) {

@@ -106,6 +106,7 @@ Description Parsed(const JsonCursor& root, const std::filesystem::path& director
     if (const auto missing = object.Find("missing")) {
         description.missing = parsing::Missing(*missing);
     }
+    description.enumerator_refusal = object.Number32("enumeratorRefusal", 0);
     description.errors = parsing::ErrorsOf(object, CallScope::kMachine);
     AddDerivedWmi(description);
     if (const auto wmi = object.Find("wmi")) {

@@ -97,6 +97,9 @@ struct Disk {
     std::uint64_t usable_length = 0;
     std::uint32_t max_partition_count = 128;
     std::vector<Partition> partitions;
+    bool blank = false;           // no table, but reported as style 0 with a zeroed partition record
+    bool offline = false;         // the older layout control fails
+    bool recognizes_all = false;  // every used MBR entry but a container is recognised, whatever its type
 
     bool hidden_from_wmi = false;
     WmiInstance wmi;  // properties that override those derived from the disk
@@ -111,6 +114,9 @@ struct Extent {
     std::uint64_t length = 0;  // bytes
 };
 
+// What the extents control puts into a buffer that holds an extent, but not all.
+enum class ShortExtents { kFirst, kFitting, kNone };
+
 // An additional GUID name of a volume.
 struct VolumeAlias {
     std::wstring guid;
@@ -118,8 +124,9 @@ struct VolumeAlias {
 };
 
 struct Volume {
-    std::wstring guid;    // "{...}"; empty: no mount manager name
-    std::wstring device;  // "\Device\HarddiskVolume3"
+    std::wstring guid;         // "{...}"; empty: no mount manager name
+    std::wstring device;       // "\Device\HarddiskVolume3"
+    std::wstring link_target;  // the device that the volume names link to; empty: `device`
     std::vector<VolumeAlias> aliases;
     bool linked = true;                      // \GLOBAL?? contains its "Volume{...}" link
     bool enumerated = true;                  // the volume search returns it
@@ -144,13 +151,15 @@ struct Volume {
     std::uint64_t length = 0;                          // bytes, as the length control returns it
     std::optional<std::vector<Extent>> extents;        // none: the extents control is not supported
     std::optional<std::uint32_t> extents_short_error;  // if the buffer cannot hold all extents
-    std::optional<Partition> partition;                // what the partition controls return
+    ShortExtents short_extents = ShortExtents::kFirst;
+    std::optional<Partition> partition;  // what the partition controls return
     CallErrors errors;
 };
 
 struct DosDevice {
     std::wstring name;  // "C:", "PhysicalDrive0"
     std::wstring target;
+    CallErrors errors{};
 };
 
 struct DirectoryEntry {
@@ -162,6 +171,7 @@ struct ObjectDirectory {
     std::wstring path;
     std::optional<std::vector<DirectoryEntry>> entries;  // none: derived from disks, volumes and DOS devices
     CallErrors errors;
+    std::uint32_t other_names = 0;  // names of other drivers, added to the derived entries in no order
 };
 
 struct RegistryValue {
@@ -193,7 +203,8 @@ struct Description {
     std::map<std::wstring, WmiClass> wmi;  // key: class name in upper case
     std::vector<RegistryKey> registry;
     Firmware firmware;
-    std::set<std::string> missing;  // functions that kernel32 and ntdll do not export
+    std::set<std::string> missing;         // functions that kernel32 and ntdll do not export
+    std::uint32_t enumerator_refusal = 0;  // HRESULT of fetching from a WMI enumerator without security
     CallErrors errors;
 };
 

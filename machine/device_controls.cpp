@@ -28,7 +28,10 @@ Answer DriveGeometryEx(Disk& disk, const ControlRequest& request) {
 }
 
 Answer DriveLayout(Disk& disk, const ControlRequest& request) {
-    if (disk.style == PARTITION_STYLE_GPT) {
+    if (disk.offline) {
+        return Answer::Failure(ERROR_NOT_READY);
+    }
+    if (disk.style != PARTITION_STYLE_MBR || disk.blank) {
         return Answer::Failure(ERROR_INVALID_FUNCTION);
     }
     return BytesOrTooSmall(DriveLayoutBytes(disk), request);
@@ -88,26 +91,15 @@ const DiskControlRow kDiskControls[] = {
      [](Disk& disk, const ControlRequest&) { return DeleteDriveLayout(disk); }},
 };
 
-Answer DiskExtents(const Volume& volume, const ControlRequest& request) {
-    if (!volume.extents) {
-        return Answer::Failure(ERROR_INVALID_FUNCTION);
-    }
-    // The structure includes one extent, so a buffer without room for one is too small.
-    if (request.output_size < sizeof(VOLUME_DISK_EXTENTS)) {
-        return Answer::Failure(ERROR_INSUFFICIENT_BUFFER);
-    }
-    const std::size_t count = volume.extents->size();
-    const std::size_t room =
-        (request.output_size - offsetof(VOLUME_DISK_EXTENTS, Extents)) / sizeof(DISK_EXTENT);
-    const std::size_t given = std::min(count, room);
-
+// Returns the header with the full count and the first `given` extents.
+Answer ExtentList(const std::vector<Extent>& extents, std::size_t given) {
     VOLUME_DISK_EXTENTS header{};
-    header.NumberOfDiskExtents = static_cast<DWORD>(count);
+    header.NumberOfDiskExtents = static_cast<DWORD>(extents.size());
     Answer answer;
     answer.bytes = BytesOf(header);
     answer.bytes.resize(offsetof(VOLUME_DISK_EXTENTS, Extents));
     for (std::size_t i = 0; i < given; ++i) {
-        const Extent& described = (*volume.extents)[i];
+        const Extent& described = extents[i];
         DISK_EXTENT extent{};
         extent.DiskNumber = described.disk;
         extent.StartingOffset.QuadPart = static_cast<LONGLONG>(described.offset);
@@ -116,10 +108,29 @@ Answer DiskExtents(const Volume& volume, const ControlRequest& request) {
         answer.bytes.insert(answer.bytes.end(), bytes.begin(), bytes.end());
     }
     answer.returned = answer.bytes.size();
-    if (given < count) {
-        answer.failed = true;
-        answer.error = volume.extents_short_error.value_or(ERROR_MORE_DATA);
+    return answer;
+}
+
+Answer DiskExtents(const Volume& volume, const ControlRequest& request) {
+    if (!volume.extents) {
+        return Answer::Failure(ERROR_INVALID_FUNCTION);
     }
+    // The structure includes one extent.
+    if (request.output_size < sizeof(VOLUME_DISK_EXTENTS)) {
+        return Answer::Failure(ERROR_INVALID_PARAMETER);
+    }
+    const std::size_t count = volume.extents->size();
+    const std::size_t room =
+        (request.output_size - offsetof(VOLUME_DISK_EXTENTS, Extents)) / sizeof(DISK_EXTENT);
+    if (room >= count) {
+        return ExtentList(*volume.extents, count);
+    }
+    Answer answer;
+    if (volume.short_extents != ShortExtents::kNone) {
+        answer = ExtentList(*volume.extents, volume.short_extents == ShortExtents::kFitting ? room : 1);
+    }
+    answer.failed = true;
+    answer.error = volume.extents_short_error.value_or(ERROR_MORE_DATA);
     return answer;
 }
 

@@ -76,8 +76,10 @@ Bytes DriveGeometryExBytes(const Disk& disk) {
     FullGeometry full{};
     full.geometry = Geometry(disk);
     full.disk_size.QuadPart = static_cast<LONGLONG>(disk.size);
-    full.partition.SizeOfPartitionInfo = sizeof(full.partition);
-    StoreNumber(full.partition.PartitionStyle, disk.style);
+    if (!disk.blank) {
+        full.partition.SizeOfPartitionInfo = sizeof(full.partition);
+        StoreNumber(full.partition.PartitionStyle, disk.style);
+    }
     if (disk.style == PARTITION_STYLE_GPT) {
         full.partition.Gpt.DiskId = disk.disk_id;
     } else if (disk.style == PARTITION_STYLE_MBR) {

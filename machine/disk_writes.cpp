@@ -84,7 +84,7 @@ Answer SetMbr(Disk& disk, const DRIVE_LAYOUT_INFORMATION_EX& header, std::vector
     }
     changed.signature = header.Mbr.Signature;
     changed.partitions = std::move(entries);
-    NumberMbrEntries(changed.partitions);
+    NumberMbrEntries(changed);
     return Commit(disk, std::move(changed));
 }
 
@@ -116,6 +116,7 @@ void MakeEmpty(Disk& disk, std::uint32_t style) {
     disk.checksum = 0;
     disk.disk_id = GUID{};
     disk.partitions.clear();
+    disk.blank = false;
 }
 
 }  // namespace

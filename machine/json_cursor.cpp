@@ -66,7 +66,11 @@ bool JsonCursor::is_null() const noexcept {
 }
 
 bool JsonCursor::is_text() const noexcept {
-    return value_->is_string();
+    return value_->is_string() || is_utf16();
+}
+
+bool JsonCursor::is_utf16() const noexcept {
+    return value_->is_object() && value_->contains("utf16");
 }
 
 bool JsonCursor::is_object() const noexcept {
@@ -104,7 +108,21 @@ std::string JsonCursor::Utf8() const {
 }
 
 std::wstring JsonCursor::Text() const {
-    return Widen(Utf8());
+    if (!is_utf16()) {
+        return Widen(Utf8());
+    }
+    JsonObject object = Object();
+    const JsonCursor digits = object.Require("utf16");
+    object.RefuseOthers();
+    const Bytes bytes = digits.HexBytes();
+    if (bytes.size() % 2 != 0) {
+        digits.Refuse("must be code units of four hexadecimal digits like \"0041 D800\"");
+    }
+    std::wstring text;
+    for (std::size_t i = 0; i < bytes.size(); i += 2) {
+        text += static_cast<wchar_t>(bytes[i] << 8 | bytes[i + 1]);
+    }
+    return text;
 }
 
 std::uint64_t JsonCursor::Number(std::uint64_t limit) const {

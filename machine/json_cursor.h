@@ -25,7 +25,8 @@ public:
     const std::string& path() const noexcept { return path_; }
     const nlohmann::json& value() const noexcept { return *value_; }
     bool is_null() const noexcept;
-    bool is_text() const noexcept;
+    bool is_text() const noexcept;   // in either form
+    bool is_utf16() const noexcept;  // text as {"utf16": "..."}
     bool is_object() const noexcept;
     bool is_array() const noexcept;
     bool is_bool() const noexcept;
@@ -34,7 +35,7 @@ public:
 
     bool Bool() const;
     std::string Utf8() const;
-    std::wstring Text() const;
+    std::wstring Text() const;  // plain, or {"utf16": "0041 D800"} for text that is not valid Unicode
 
     // An integer from 0 to `limit`, as a JSON integer or as hexadecimal text ("0x1F").
     std::uint64_t Number(std::uint64_t limit = UINT64_MAX) const;

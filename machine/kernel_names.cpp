@@ -69,6 +69,11 @@ Answer DosTargets(const NameIndex& names, LPCWSTR device, DWORD size) {
 }
 
 const CallErrors* ErrorsOfDosDevice(Simulation& simulation, LPCWSTR device) {
+    for (const DosDevice& described : simulation.machine().dos_devices) {
+        if (device != nullptr && !described.errors.codes.empty() && EqualNames(described.name, device)) {
+            return &described.errors;
+        }
+    }
     const std::wstring* target = device == nullptr ? nullptr : simulation.names().FindDosDevice(device);
     return target == nullptr ? nullptr : ErrorsOf(simulation, simulation.names().FindDevice(*target));
 }

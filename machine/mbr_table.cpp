@@ -72,7 +72,7 @@ void ReadMbrTable(Disk& disk, ImageFile& image, const Bytes& boot_sector) {
     if (container != disk.partitions.end()) {
         ReadChain(disk, image, container->offset);
     }
-    NumberMbrEntries(disk.partitions);
+    NumberMbrEntries(disk);
 }
 
 void WriteMbrTable(const Disk& disk, ImageFile& image) {

@@ -1,5 +1,6 @@
 #include "machine/name_index.h"
 
+#include "machine/other_names.h"
 #include "machine/text.h"
 
 namespace machine {
@@ -28,9 +29,18 @@ const DirectoryEntry kUsualDevices[] = {
 
 constexpr std::wstring_view kDevicePrefix = L"\\Device\\";
 constexpr std::wstring_view kGlobalRoot = L"GLOBALROOT\\";
+constexpr std::wstring_view kDeviceDirectory = L"\\Device";
+constexpr std::wstring_view kLinkDirectory = L"\\GLOBAL??";
 
 bool HasDevicePrefix(std::wstring_view path) {
     return path.size() > 4 && (path.substr(0, 4) == L"\\\\?\\" || path.substr(0, 4) == L"\\\\.\\");
+}
+
+// The name of a device that lies in \Device itself; otherwise empty.
+std::wstring NameInDirectory(std::wstring_view device) {
+    const std::wstring_view name =
+        StartsWith(device, kDevicePrefix) ? device.substr(kDevicePrefix.size()) : std::wstring_view();
+    return name.find(L'\\') == std::wstring_view::npos ? std::wstring(name) : std::wstring();
 }
 
 std::wstring_view WithoutBackslash(std::wstring_view path) {
@@ -63,6 +73,7 @@ NameIndex::NameIndex(const Description& description) : current_drive_(descriptio
     for (const DosDevice& device : description.dos_devices) {
         AddDosDevice(device.name, device.target);
     }
+    AddOtherLinks(description);
     AddDirectories(description);
 }
 
@@ -76,9 +87,12 @@ void NameIndex::AddDisk(const Disk& disk, std::size_t position) {
 
 void NameIndex::AddVolume(const Volume& volume, std::size_t position) {
     devices_.emplace(Folded(volume.device), Target{Target::Kind::kVolume, position, false});
-    const std::wstring_view device = volume.device;
-    if (StartsWith(device, kDevicePrefix)) {
-        AddDosDevice(std::wstring(device.substr(kDevicePrefix.size())), volume.device);
+    if (!volume.link_target.empty()) {
+        devices_.emplace(Folded(volume.link_target), Target{Target::Kind::kVolume, position, false});
+    }
+    const std::wstring name = NameInDirectory(volume.device);
+    if (!name.empty()) {
+        AddDosDevice(name, volume.device);
     }
     if (!volume.guid.empty()) {
         AddVolumeName(volume.guid, volume, position, volume.enumerated);
@@ -99,7 +113,7 @@ void NameIndex::AddVolumeName(const std::wstring& guid, const Volume& volume, st
                               bool enumerated) {
     guids_.emplace(Folded(guid), position);
     if (volume.linked) {
-        AddDosDevice(L"Volume" + guid, volume.device);
+        AddDosDevice(L"Volume" + guid, volume.link_target.empty() ? volume.device : volume.link_target);
     }
     if (enumerated) {
         volume_names_.push_back(L"\\\\?\\Volume" + guid + L"\\");
@@ -112,15 +126,40 @@ void NameIndex::AddDosDevice(const std::wstring& name, const std::wstring& targe
     }
 }
 
+// Adds a device to the listing of \Device or, if it lies deeper, of its own directory.
+void NameIndex::AddDevice(std::vector<DirectoryEntry>& devices, const std::wstring& path) {
+    const std::wstring name = NameInDirectory(path);
+    if (!name.empty()) {
+        devices.push_back({name, L"Device"});
+        return;
+    }
+    const std::size_t last = path.rfind(L'\\');
+    const std::size_t first = path.find(L'\\', kDevicePrefix.size());
+    std::vector<DirectoryEntry>& own = directories_[Folded(path.substr(0, last))];
+    if (own.empty() && first == last) {
+        devices.push_back({path.substr(kDevicePrefix.size(), last - kDevicePrefix.size()), L"Directory"});
+    }
+    own.push_back({path.substr(last + 1), L"Device"});
+}
+
+void NameIndex::AddOtherLinks(const Description& description) {
+    for (const ObjectDirectory& directory : description.directories) {
+        for (const std::wstring& name : OtherNames(directory, kLinkDirectory)) {
+            AddDosDevice(name,
+                         std::wstring(kDevicePrefix) + Widen(std::to_string(DerivedNumber(Narrow(name)))));
+        }
+    }
+}
+
 void NameIndex::AddDirectories(const Description& description) {
     std::vector<DirectoryEntry> devices(std::begin(kUsualDevices), std::end(kUsualDevices));
     for (const Disk& disk : description.disks) {
         devices.push_back({L"Harddisk" + std::to_wstring(disk.index), L"Directory"});
     }
     for (const Volume& volume : description.volumes) {
-        const std::wstring_view device = volume.device;
-        if (StartsWith(device, kDevicePrefix)) {
-            devices.push_back({std::wstring(device.substr(kDevicePrefix.size())), L"Device"});
+        AddDevice(devices, volume.device);
+        if (!volume.link_target.empty()) {
+            AddDevice(devices, volume.link_target);
         }
     }
     std::vector<DirectoryEntry> links;
@@ -128,8 +167,16 @@ void NameIndex::AddDirectories(const Description& description) {
     for (const DosDevice& device : dos_devices_) {
         links.push_back({device.name, L"SymbolicLink"});
     }
-    directories_[Folded(L"\\Device")] = std::move(devices);
-    directories_[Folded(L"\\GLOBAL??")] = std::move(links);
+    for (const ObjectDirectory& directory : description.directories) {
+        for (const std::wstring& name : OtherNames(directory, kDeviceDirectory)) {
+            devices.push_back({name, L"Device"});
+        }
+        if (directory.other_names != 0) {
+            Shuffle(EqualNames(directory.path, kLinkDirectory) ? links : devices);
+        }
+    }
+    directories_[Folded(kDeviceDirectory)] = std::move(devices);
+    directories_[Folded(kLinkDirectory)] = std::move(links);
     for (const ObjectDirectory& directory : description.directories) {
         if (directory.entries) {
             directories_[Folded(directory.path)] = *directory.entries;

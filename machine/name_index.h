@@ -53,6 +53,8 @@ private:
     void AddVolumeName(const std::wstring& guid, const Volume& volume, std::size_t position, bool enumerated);
     void AddDosDevice(const std::wstring& name, const std::wstring& target);
     void AddDirectories(const Description& description);
+    void AddDevice(std::vector<DirectoryEntry>& devices, const std::wstring& path);
+    void AddOtherLinks(const Description& description);
 
     std::unordered_map<std::uint32_t, std::size_t> disks_;
     std::unordered_map<std::wstring, Target> devices_;

@@ -15,7 +15,9 @@ constexpr NamedNumber kStyles[] = {
     {"mbr", PARTITION_STYLE_MBR}, {"gpt", PARTITION_STYLE_GPT}, {"raw", PARTITION_STYLE_RAW}};
 constexpr NamedNumber kMediaTypes[] = {{"unknown", 0}, {"removable", 11}, {"fixed", 12}};
 constexpr NamedNumber kDetectionTypes[] = {{"none", 0}, {"int13", 1}, {"exint13", 2}};
+constexpr NamedNumber kRecognitions[] = {{"type", 0}, {"used", 1}};
 constexpr std::uint32_t kSectorSizes[] = {512, 1024, 2048, 4096};
+constexpr std::uint32_t kSuperFloppySignature = 1;
 
 std::uint32_t SectorSize(JsonObject& object) {
     const auto size = object.Find("bytesPerSector");
@@ -70,10 +72,24 @@ void Geometry(JsonObject& disk_object, Disk& disk) {
     }
 }
 
+constexpr const char* kTableKeys[] = {"style",        "signature",         "checksum",
+                                      "diskId",       "partitions",        "startingUsableOffset",
+                                      "usableLength", "maxPartitionCount", "unchecked"};
+
+// Refuses the keys of a partition table, but not `allowed`, beside the key `other`.
+void RefuseTableKeys(JsonObject& object, const char* other, const std::string& allowed) {
+    for (const char* key : kTableKeys) {
+        const auto given = key == allowed ? std::nullopt : object.Find(key);
+        if (given) {
+            given->Refuse("cannot be given with \"" + std::string(other) + "\", which says it");
+        }
+    }
+}
+
 void UseImage(JsonObject& object, const JsonCursor& cursor, Disk& disk,
               const std::filesystem::path& directory) {
-    for (const char* key : {"style", "signature", "diskId", "partitions", "startingUsableOffset",
-                            "usableLength", "maxPartitionCount", "size"}) {
+    RefuseTableKeys(object, "image", "");
+    for (const char* key : {"size", "blank", "superFloppy"}) {
         if (const auto given = object.Find(key)) {
             given->Refuse("cannot be given with \"image\", which says it");
         }
@@ -106,6 +122,19 @@ std::uint32_t Style(JsonObject& object) {
 }
 
 void Table(JsonObject& object, Disk& disk) {
+    disk.blank = object.Bool("blank", false);
+    if (disk.blank) {
+        RefuseTableKeys(object, "blank", "");
+        disk.style = PARTITION_STYLE_MBR;
+        return;
+    }
+    if (const auto floppy = object.Find("superFloppy")) {
+        RefuseTableKeys(object, "superFloppy", "signature");
+        disk.style = PARTITION_STYLE_MBR;
+        disk.signature = object.Number32("signature", kSuperFloppySignature);
+        SuperFloppy(*floppy, disk);
+        return;
+    }
     disk.style = Style(object);
     const std::string seed = "disk " + std::to_string(disk.index);
     const auto partitions = object.Find("partitions");
@@ -136,6 +165,10 @@ Disk DiskOf(const JsonCursor& cursor, const std::filesystem::path& directory) {
     Disk disk;
     disk.index = object.Require("index").Number32();
     disk.bytes_per_sector = SectorSize(object);
+    disk.offline = object.Bool("offline", false);
+    if (const auto recognition = object.Find("recognition")) {
+        disk.recognizes_all = NamedOrNumber(*recognition, kRecognitions) != 0;
+    }
     if (const auto image = object.Find("image")) {
         UseImage(object, *image, disk, directory);
     } else {

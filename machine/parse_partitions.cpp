@@ -42,16 +42,19 @@ void Place(JsonObject& object, Partition& partition) {
     partition.rewrite = object.Bool("rewrite", false);
 }
 
+std::uint8_t MbrType(const JsonCursor& cursor) {
+    const std::uint32_t number = NamedOrNumber(cursor, kMbrTypes);
+    if (number == 0 || number > 0xFF) {
+        cursor.Refuse("must be a partition type from 0x01 to 0xFF");
+    }
+    return static_cast<std::uint8_t>(number);
+}
+
 Partition MbrPartition(JsonObject& object, std::uint32_t bytes_per_sector, std::uint64_t record_offset) {
     Partition partition;
     partition.style = PARTITION_STYLE_MBR;
     Place(object, partition);
-    const JsonCursor type = object.Require("type");
-    const std::uint32_t number = NamedOrNumber(type, kMbrTypes);
-    if (number == 0 || number > 0xFF) {
-        type.Refuse("must be a partition type from 0x01 to 0xFF");
-    }
-    partition.mbr_type = static_cast<std::uint8_t>(number);
+    partition.mbr_type = MbrType(object.Require("type"));
     partition.active = object.Bool("active", false);
     const std::uint64_t distance = partition.offset >= record_offset ? partition.offset - record_offset : 0;
     partition.hidden_sectors =
@@ -87,7 +90,7 @@ public:
     }
 
     void Finish() {
-        NumberMbrEntries(disk_.partitions);
+        NumberMbrEntries(disk_);
         for (const Override& given : overrides_) {
             Partition& partition = disk_.partitions[given.entry];
             partition.number = given.number.value_or(partition.number);
@@ -198,6 +201,19 @@ void Partitions(const JsonCursor& cursor, Disk& disk) {
         disk.partitions.push_back(
             GptPartition(element, disk, static_cast<std::uint32_t>(disk.partitions.size() + 1)));
     }
+}
+
+void SuperFloppy(const JsonCursor& cursor, Disk& disk) {
+    JsonObject object = cursor.Object();
+    Partition whole;
+    whole.length = disk.size;
+    whole.recognized = true;
+    const auto type = object.Find("type");
+    whole.mbr_type = type ? MbrType(*type) : PARTITION_FAT_16;
+    const auto number = object.Find("number");
+    whole.number = number ? static_cast<std::uint32_t>(number->Number(1)) : 0;
+    object.RefuseOthers();
+    disk.partitions.assign(1, whole);
 }
 
 void CheckPartitions(const JsonCursor& cursor, const Disk& disk) {

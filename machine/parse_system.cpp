@@ -58,7 +58,7 @@ Bytes DataOf(const JsonCursor& value, std::uint32_t type) {
 RegistryValue Value(const std::string& name, const JsonCursor& cursor) {
     RegistryValue value;
     value.name = Widen(name);
-    if (!cursor.is_object()) {
+    if (!cursor.is_object() || cursor.is_utf16()) {
         value.type = cursor.is_array() ? REG_MULTI_SZ : cursor.is_text() ? REG_SZ : REG_DWORD;
         value.data = DataOf(cursor, value.type);
         return value;
@@ -93,6 +93,27 @@ std::vector<DirectoryEntry> Entries(const JsonCursor& cursor, const std::wstring
     return entries;
 }
 
+bool IsDerivedDirectory(const std::wstring& path) {
+    return EqualNames(path, L"\\Device") || EqualNames(path, L"\\GLOBAL??");
+}
+
+// The code of a described error, or {"blocks": true} for a call that never returns.
+std::uint32_t CodeOf(const JsonCursor& cursor, const std::string& call) {
+    if (!cursor.is_object()) {
+        const std::uint32_t code = cursor.Number32();
+        if (code == 0) {
+            cursor.Refuse("must not be 0, which is success");
+        }
+        return code;
+    }
+    JsonObject object = cursor.Object();
+    if (!object.Require("blocks").Bool()) {
+        object.Require("blocks").Refuse("must be true");
+    }
+    object.RefuseOthers();
+    return BlockedCode(call);
+}
+
 }  // namespace
 
 std::vector<DosDevice> DosDevices(const JsonCursor& cursor) {
@@ -101,7 +122,14 @@ std::vector<DosDevice> DosDevices(const JsonCursor& cursor) {
         if (name.empty() || name.find('\\') != std::string::npos) {
             target.Refuse("must have a device name without a backslash");
         }
-        devices.push_back({Widen(name), target.Text()});
+        if (target.is_text()) {
+            devices.push_back({Widen(name), target.Text()});
+            continue;
+        }
+        JsonObject object = target.Object();
+        devices.push_back(
+            {Widen(name), object.Require("target").Text(), ErrorsOf(object, CallScope::kDosDevice)});
+        object.RefuseOthers();
     }
     return devices;
 }
@@ -117,6 +145,10 @@ std::vector<ObjectDirectory> Directories(const JsonCursor& cursor) {
         directory.path = Widen(path);
         if (const auto entries = object.Find("entries")) {
             directory.entries = Entries(*entries, directory.path);
+        }
+        directory.other_names = object.Number32("otherNames", 0);
+        if (directory.other_names != 0 && (directory.entries || !IsDerivedDirectory(directory.path))) {
+            object.Require("otherNames").Refuse("needs the derived entries of \\Device or \\GLOBAL??");
         }
         directory.errors = ErrorsOf(object, CallScope::kDirectory);
         object.RefuseOthers();
@@ -165,19 +197,19 @@ std::set<std::string> Missing(const JsonCursor& cursor) {
 
 CallErrors ErrorsOf(JsonObject& object, CallScope scope) {
     CallErrors errors;
-    const auto cursor = object.Find("errors");
-    if (!cursor) {
-        return errors;
+    if (const auto cursor = object.Find("errors")) {
+        for (const auto& [call, code] : cursor->Object().Others()) {
+            if (!IsCallOf(scope, call)) {
+                code.Refuse("is no call that can fail here");
+            }
+            errors.codes[call] = CodeOf(code, call);
+        }
     }
-    for (const auto& [call, code] : cursor->Object().Others()) {
-        if (!IsCallOf(scope, call)) {
-            code.Refuse("is no call that can fail here");
+    const std::vector<std::string> blocking = BlockingCalls(scope);
+    if (!blocking.empty() && object.Bool("blocks", false)) {
+        for (const std::string& call : blocking) {
+            errors.codes.emplace(call, BlockedCode(call));
         }
-        const std::uint32_t number = code.Number32();
-        if (number == 0) {
-            code.Refuse("must not be 0, which is success");
-        }
-        errors.codes[call] = number;
     }
     return errors;
 }

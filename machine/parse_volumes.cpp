@@ -3,6 +3,7 @@
 #include "machine/text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <set>
 #include <string>
 #include <utility>
@@ -122,14 +123,18 @@ private:
     std::set<std::wstring> names_;
 };
 
+std::wstring DeviceName(const JsonCursor& cursor) {
+    std::wstring text = cursor.Text();
+    if (!StartsWith(text, kDevicePrefix) || text.back() == L'\\') {
+        cursor.Refuse("must be a device name like \"\\\\Device\\\\HarddiskVolume1\"");
+    }
+    return text;
+}
+
 std::wstring Device(JsonObject& object, std::uint32_t drive_type, const Names& names,
                     std::uint32_t& next_number) {
     if (const auto device = object.Find("device")) {
-        std::wstring text = device->Text();
-        if (!StartsWith(text, kDevicePrefix) || text.back() == L'\\') {
-            device->Refuse("must be a device name like \"\\\\Device\\\\HarddiskVolume1\"");
-        }
-        return text;
+        return DeviceName(*device);
     }
     const bool cdrom = drive_type == DRIVE_CDROM;
     std::wstring name;
@@ -142,12 +147,42 @@ std::wstring Device(JsonObject& object, std::uint32_t drive_type, const Names& n
     return name;
 }
 
-std::wstring Guid(JsonObject& object, const std::wstring& device) {
-    const auto guid = object.Find("guid");
-    if (!guid) {
-        return Widen(GuidText(DerivedGuid("volume " + Narrow(device))));
+// The GUID of a volume on an MBR disk: the signature, then the offset of its partition. None for a disk
+// without a signature, a dynamic disk, a disk without a table, and a volume that is no partition.
+std::optional<GUID> PlaceGuid(const Volume& volume, const std::vector<Disk>& disks) {
+    if (!volume.extents || volume.extents->size() != 1) {
+        return std::nullopt;
     }
-    return guid->is_null() ? std::wstring() : GuidName(*guid);
+    const Extent& extent = volume.extents->front();
+    const auto disk = std::find_if(disks.begin(), disks.end(),
+                                   [&](const Disk& candidate) { return candidate.index == extent.disk; });
+    if (disk == disks.end() || disk->style != PARTITION_STYLE_MBR || disk->signature == 0 ||
+        extent.offset == 0) {
+        return std::nullopt;
+    }
+    const bool partition =
+        std::any_of(disk->partitions.begin(), disk->partitions.end(), [&](const Partition& candidate) {
+            return candidate.number != 0 && candidate.mbr_type != PARTITION_LDM &&
+                   candidate.offset == extent.offset;
+        });
+    GUID guid{};
+    guid.Data1 = disk->signature;
+    std::memcpy(guid.Data4, &extent.offset, sizeof(guid.Data4));
+    return partition ? std::optional(guid) : std::nullopt;
+}
+
+std::wstring Guid(JsonObject& object, const Volume& volume, const std::vector<Disk>& disks,
+                  const Names& names) {
+    if (const auto guid = object.Find("guid")) {
+        return guid->is_null() ? std::wstring() : GuidName(*guid);
+    }
+    if (const auto place = PlaceGuid(volume, disks)) {
+        const std::wstring name = Widen(GuidText(*place));
+        if (!names.Taken(name)) {
+            return name;
+        }
+    }
+    return Widen(GuidText(DerivedGuid("volume " + Narrow(volume.device))));
 }
 
 Volume VolumeOf(const JsonCursor& cursor, const std::vector<Disk>& disks, Names& names,
@@ -158,7 +193,6 @@ Volume VolumeOf(const JsonCursor& cursor, const std::vector<Disk>& disks, Names&
         volume.drive_type = NamedOrNumber(*type, kDriveTypes);
     }
     volume.device = Device(object, volume.drive_type, names, next_number);
-    volume.guid = Guid(object, volume.device);
     if (const auto aliases = object.Find("aliases")) {
         volume.aliases = Aliases(*aliases);
     }
@@ -167,7 +201,11 @@ Volume VolumeOf(const JsonCursor& cursor, const std::vector<Disk>& disks, Names&
     }
     volume.linked = object.Bool("linked", true);
     volume.enumerated = object.Bool("enumerated", true);
+    if (const auto target = object.Find("linkTarget")) {
+        volume.link_target = DeviceName(*target);
+    }
     volume.extents = Extents(object, disks);
+    volume.guid = Guid(object, volume, disks, names);
     CompleteVolume(object, volume, disks);
     if (!object.Bool("unchecked", false)) {
         CheckExtents(object, volume, disks);
@@ -176,6 +214,9 @@ Volume VolumeOf(const JsonCursor& cursor, const std::vector<Disk>& disks, Names&
     object.RefuseOthers();
 
     names.Claim(object, volume.device);
+    if (!volume.link_target.empty()) {
+        names.Claim(object, volume.link_target);
+    }
     if (!volume.guid.empty()) {
         names.Claim(object, volume.guid);
     }

@@ -112,7 +112,7 @@ VARTYPE NaturalType(const JsonCursor& cursor) {
 }
 
 WmiValue ValueOf(const JsonCursor& cursor) {
-    if (!cursor.is_object()) {
+    if (!cursor.is_object() || cursor.is_utf16()) {
         return Typed(cursor, NaturalType(cursor));
     }
     JsonObject object = cursor.Object();

@@ -16,6 +16,10 @@ std::vector<Disk> Disks(const JsonCursor& cursor, const std::filesystem::path& d
 // Parses the partitions of an MBR or GPT disk. Its size, sector size and style must be set.
 void Partitions(const JsonCursor& cursor, Disk& disk);
 
+// Parses the file system of a disk without a table, which the layout reports as one partition: the whole
+// disk.
+void SuperFloppy(const JsonCursor& cursor, Disk& disk);
+
 // Refuses partitions that extend beyond the disk or overlap.
 void CheckPartitions(const JsonCursor& cursor, const Disk& disk);
 

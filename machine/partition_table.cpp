@@ -12,12 +12,12 @@ bool IsRecognizedType(std::uint8_t mbr_type) {
     return IsRecognizedPartition(mbr_type);
 }
 
-void NumberMbrEntries(std::vector<Partition>& entries) {
+void NumberMbrEntries(Disk& disk) {
     std::uint32_t number = 0;
-    for (Partition& entry : entries) {
-        entry.recognized = IsRecognizedType(entry.mbr_type);
+    for (Partition& entry : disk.partitions) {
         const bool used = entry.mbr_type != PARTITION_ENTRY_UNUSED && !IsContainerType(entry.mbr_type);
         entry.number = used ? ++number : 0;
+        entry.recognized = disk.recognizes_all ? used : IsRecognizedType(entry.mbr_type);
     }
 }
 

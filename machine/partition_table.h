@@ -17,8 +17,9 @@ bool IsContainerType(std::uint8_t mbr_type);
 bool IsRecognizedType(std::uint8_t mbr_type);
 
 // Numbers the used entries as the system does: the primary slots in slot order, then the logical partitions
-// in chain order. Extended partitions, links and unused entries get 0. Sets the recognised flag by type.
-void NumberMbrEntries(std::vector<Partition>& entries);
+// in chain order. Extended partitions, links and unused entries get 0. Sets the recognised flags: by type or,
+// if the disk says so, of every numbered entry.
+void NumberMbrEntries(Disk& disk);
 
 // Appends the four entries of one extended boot record: the logical partition, the link to the next record,
 // and two unused entries.

@@ -8,6 +8,10 @@
 namespace machine::parsing {
 namespace {
 
+constexpr NamedNumber kShortExtents[] = {{"first", static_cast<std::uint32_t>(ShortExtents::kFirst)},
+                                         {"fitting", static_cast<std::uint32_t>(ShortExtents::kFitting)},
+                                         {"none", static_cast<std::uint32_t>(ShortExtents::kNone)}};
+
 struct FileSystemFacts {
     const wchar_t* name;
     std::uint32_t flags;
@@ -141,6 +145,9 @@ void CompleteVolume(JsonObject& object, Volume& volume, const std::vector<Disk>&
     }
     if (const auto error = object.Find("extentsShortError")) {
         volume.extents_short_error = error->Number32();
+    }
+    if (const auto answer = object.Find("extentsShortAnswer")) {
+        volume.short_extents = static_cast<ShortExtents>(NamedOrNumber(*answer, kShortExtents));
     }
 }
 

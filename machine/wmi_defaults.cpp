@@ -45,6 +45,7 @@ WmiInstance DiskDrive(const Disk& disk) {
     const std::uint64_t sectors = tracks * disk.sectors_per_track;
     const auto used = std::count_if(disk.partitions.begin(), disk.partitions.end(),
                                     [](const Partition& partition) { return partition.number != 0; });
+    const bool has_signature = disk.style == PARTITION_STYLE_MBR && !disk.blank;
     WmiInstance instance = {
         {L"BytesPerSector", Number(disk.bytes_per_sector)},
         {L"Caption", Text(L"Generic Disk")},
@@ -70,7 +71,7 @@ WmiInstance DiskDrive(const Disk& disk) {
         {L"SCSITargetId", Number(disk.index, VT_I4)},
         {L"SectorsPerTrack", Number(disk.sectors_per_track)},
         {L"SerialNumber", Text(L"0000-0000-" + number)},
-        {L"Signature", disk.style == PARTITION_STYLE_MBR ? Number(disk.signature, VT_UI4) : Null()},
+        {L"Signature", has_signature ? Number(disk.signature, VT_UI4) : Null()},
         {L"Size", LongNumber(sectors * disk.bytes_per_sector)},
         {L"Status", Text(L"OK")},
         {L"SystemCreationClassName", Text(L"Win32_ComputerSystem")},
@@ -196,9 +197,6 @@ WmiInstance OperatingSystem(const SystemPlaces& places) {
 }
 
 WmiInstance ComputerSystem() {
-    WmiValue options;
-    options.type = VT_ARRAY | VT_BSTR;
-    options.texts = {L"Windows 11"};
     return {
         {L"BootupState", Text(L"Normal boot")},
         {L"Caption", Text(L"WORKSTATION")},
@@ -214,7 +212,7 @@ WmiInstance ComputerSystem() {
         {L"NumberOfProcessors", Number(1)},
         {L"PartOfDomain", Flag(false)},
         {L"Status", Text(L"OK")},
-        {L"SystemStartupOptions", options},
+        {L"SystemStartupOptions", Null()},
         {L"SystemType", Text(L"x64-based PC")},
         {L"TotalPhysicalMemory", Text(L"17060651008")},
         {L"UserName", Text(L"WORKSTATION\\Administrator")},

@@ -36,6 +36,13 @@ void* WmiEnumerator::Offer(REFIID iid) {
     return ComObject::Offer(iid);
 }
 
+// The error of fetching objects; 0 if there is none.
+std::uint32_t WmiEnumerator::Refusal() const {
+    const Simulation* simulation = Simulation::Current();
+    const std::uint32_t refusal = simulation == nullptr ? 0 : simulation->machine().enumerator_refusal;
+    return refusal != 0 && !security_.is_set() ? refusal : error_;
+}
+
 HRESULT STDMETHODCALLTYPE WmiEnumerator::Reset() {
     return PerformCom("IEnumWbemClassObject::Reset", result_->class_name, errors(), [&] {
         if (forward_only_) {
@@ -55,8 +62,8 @@ HRESULT STDMETHODCALLTYPE WmiEnumerator::Next(LONG timeout, ULONG count, IWbemCl
     std::fill_n(objects, count, nullptr);
     std::vector<IWbemClassObject*> found;
     const HRESULT result = PerformCom("IEnumWbemClassObject::Next", result_->class_name, errors(), [&] {
-        if (error_ != 0) {
-            return Answer::Failure(error_);
+        if (const std::uint32_t refusal = Refusal(); refusal != 0) {
+            return Answer::Failure(refusal);
         }
         // Objects arrive only for an infinite timeout; with any other timeout the call times out.
         if (timeout != static_cast<LONG>(WBEM_INFINITE)) {
@@ -100,8 +107,8 @@ HRESULT STDMETHODCALLTYPE WmiEnumerator::Clone(IEnumWbemClassObject** copy) {
 
 HRESULT STDMETHODCALLTYPE WmiEnumerator::Skip(LONG /*timeout*/, ULONG count) {
     return PerformCom("IEnumWbemClassObject::Skip", result_->class_name, errors(), [&] {
-        if (error_ != 0) {
-            return Answer::Failure(error_);
+        if (const std::uint32_t refusal = Refusal(); refusal != 0) {
+            return Answer::Failure(refusal);
         }
         Answer answer;
         answer.error = left() < count ? kFalse : 0;

@@ -9,7 +9,8 @@
 namespace machine {
 
 // The result of a query. If `error` is not 0, fetching objects fails with it: a semisynchronous query
-// reports its errors only when objects are fetched.
+// reports its errors only when objects are fetched. It is a proxy of its own: its security is set apart from
+// that of the services, and until then a described machine may refuse to hand out objects.
 class WmiEnumerator final : public ComObject<IEnumWbemClassObject> {
 public:
     WmiEnumerator(std::shared_ptr<const WmiResult> result, std::uint32_t error, bool forward_only,
@@ -26,6 +27,7 @@ protected:
     void* Offer(REFIID iid) override;
 
 private:
+    std::uint32_t Refusal() const;
     const CallErrors* errors() const { return &result_->found.errors; }
     std::size_t left() const { return result_->found.instances.size() - position_; }
 

@@ -30,7 +30,9 @@ HRESULT STDMETHODCALLTYPE ProxySecurity::SetBlanket(IUnknown* /*proxy*/, DWORD /
                                                     DWORD /*authorisation*/, OLECHAR* /*principal*/,
                                                     DWORD /*level*/, DWORD /*impersonation*/,
                                                     void* /*identity*/, DWORD /*capabilities*/) {
-    return PerformCom("IClientSecurity::SetBlanket", {}, nullptr, [] { return Answer{}; });
+    const HRESULT result = PerformCom("IClientSecurity::SetBlanket", {}, nullptr, [] { return Answer{}; });
+    is_set_ = is_set_ || SUCCEEDED(result);
+    return result;
 }
 
 HRESULT STDMETHODCALLTYPE ProxySecurity::CopyProxy(IUnknown* proxy, IUnknown** copy) {

@@ -7,10 +7,13 @@
 namespace machine {
 
 // The IClientSecurity interface of a simulated proxy. Uses the proxy's reference count and QueryInterface.
-// Security settings are accepted but have no effect.
+// Accepts all settings and keeps only that some were set.
 class ProxySecurity final : public IClientSecurity {
 public:
     explicit ProxySecurity(IUnknown& owner) : owner_(owner) {}
+
+    bool is_set() const noexcept { return is_set_; }
+
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
     ULONG STDMETHODCALLTYPE AddRef() override { return owner_.AddRef(); }
     ULONG STDMETHODCALLTYPE Release() override { return owner_.Release(); }
@@ -24,6 +27,7 @@ public:
 
 private:
     IUnknown& owner_;
+    bool is_set_ = false;
 };
 
 }  // namespace machine

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -69,6 +71,83 @@ bool Contains(const Listing& listing, const wchar_t* name, const wchar_t* type) 
         }
     }
     return false;
+}
+
+std::string WithOtherNames(const std::string& path) {
+    std::string json = SmallMachine();
+    json.erase(json.rfind('}'));
+    return json + R"(, "directories": {")" + path + R"(": {"otherNames": 300}}})";
+}
+
+// The number of names in the listing that are longer than `length`.
+std::size_t LongerThan(const Listing& listing, std::size_t length) {
+    return static_cast<std::size_t>(std::count_if(
+        listing.begin(), listing.end(), [&](const auto& entry) { return entry.first.size() > length; }));
+}
+
+TEST(NativeDirectory, OtherNamesInDevice_StandBetweenTheOthersAndManyAreLong) {
+    const Native native;
+    const auto list = [&](const std::string& json) {
+        Machine machine(json);
+        HANDLE directory = nullptr;
+        EXPECT_EQ(native.Open(L"\\Device", &directory), kDone);
+        Listing listing = ListAll(native, directory);
+        EXPECT_EQ(native.close(directory), kDone);
+        return listing;
+    };
+    const Listing usual = list(SmallMachine());
+    const Listing full = list(WithOtherNames(R"(\\Device)"));
+    EXPECT_EQ(full.size(), usual.size() + 300);
+    EXPECT_EQ(std::set(full.begin(), full.end()).size(), full.size()) << "all different";
+    EXPECT_EQ(LongerThan(usual, 100), 0u);
+    EXPECT_EQ(LongerThan(full, 100), 100u);
+    EXPECT_FALSE(std::is_sorted(full.begin(), full.end()));
+    for (const auto& entry : usual) {
+        EXPECT_NE(std::find(full.begin(), full.end(), entry), full.end());
+    }
+    EXPECT_FALSE(std::is_sorted(full.begin(), full.end(), [&](const auto& left, const auto& right) {
+        return std::find(usual.begin(), usual.end(), left) < std::find(usual.begin(), usual.end(), right);
+    })) << "the usual entries are no block";
+    EXPECT_EQ(list(WithOtherNames(R"(\\Device)")), full) << "the same at each run";
+}
+
+TEST(NativeDirectory, OtherNamesInGlobal_AreDosDevicesToo) {
+    Machine machine(WithOtherNames(R"(\\GLOBAL??)"));
+    const Native native;
+    HANDLE directory = nullptr;
+    ASSERT_EQ(native.Open(L"\\GLOBAL??", &directory), kDone);
+    const Listing listing = ListAll(native, directory);
+    EXPECT_EQ(native.close(directory), kDone);
+    EXPECT_TRUE(Contains(listing, L"C:", L"SymbolicLink"));
+    EXPECT_EQ(LongerThan(listing, 100), 100u);
+    for (const auto& [name, type] : listing) {
+        EXPECT_EQ(type, L"SymbolicLink");
+        EXPECT_EQ(name.find(L'\\'), std::wstring::npos);
+        wchar_t target[200];
+        EXPECT_GT(machine.kernel.QueryDosDeviceW(name.c_str(), target, 200), 0u);
+    }
+}
+
+TEST(NativeDirectory, OtherNamesWithoutDerivedEntries_AreRefused) {
+    EXPECT_THROW(Parse(R"({"directories": {"\\KernelObjects": {"otherNames": 3}}})"),
+                 machine::DescriptionError);
+    EXPECT_THROW(Parse(R"({"directories": {"\\Device": {"otherNames": 3, "entries": []}}})"),
+                 machine::DescriptionError);
+}
+
+TEST(NativeDirectory, DeviceOfADirectoryBelow_IsListedThere) {
+    Machine machine(R"({"volumes": [{"guid": null, "device": "\\Device\\Sample\\Volume7", "extents": []},
+                                    {"guid": null, "device": "\\Device\\Sample\\Volume8", "extents": []}]})");
+    const Native native;
+    HANDLE directory = nullptr;
+    ASSERT_EQ(native.Open(L"\\Device", &directory), kDone);
+    const Listing listing = ListAll(native, directory);
+    EXPECT_EQ(native.close(directory), kDone);
+    EXPECT_TRUE(Contains(listing, L"Sample", L"Directory"));
+    EXPECT_FALSE(Contains(listing, L"Volume7", L"Device"));
+    ASSERT_EQ(native.Open(L"\\Device\\Sample", &directory), kDone);
+    EXPECT_EQ(ListAll(native, directory), (Listing{{L"Volume7", L"Device"}, {L"Volume8", L"Device"}}));
+    EXPECT_EQ(native.close(directory), kDone);
 }
 
 TEST(NativeDirectory, Device_ListsTheVolumesAmongOthers) {

@@ -17,7 +17,7 @@ protected:
                      {"disk": 1, "offset": "3 MiB", "length": "1 GiB"},
                      {"disk": 0, "offset": "5 GiB", "length": "1 GiB"}]},
                     {"extents": [{"disk": 0, "offset": 0, "length": 512}, {"disk": 1, "offset": 0, "length": 512}],
-                     "mountPoints": ["T:\\"], "extentsShortError": 122},
+                     "mountPoints": ["T:\\"], "extentsShortError": 122, "extentsShortAnswer": "none"},
                     {"extents": [], "mountPoints": ["U:\\"]}]})";
     }
 };
@@ -37,29 +37,50 @@ TEST_F(VolumeControls, Extents_ComeInOrder) {
     machine.kernel.CloseHandle(handle);
 }
 
-TEST_F(VolumeControls, ExtentsTooSmall_Is122Below32BytesAnd234Above) {
+TEST_F(VolumeControls, ExtentsBelow32Bytes_IsAnInvalidParameter) {
     Machine machine(Spanned());
     const HANDLE handle = machine.kernel.Open(L"\\\\.\\S:");
-    auto answer = machine.kernel.Ask(handle, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, 31);
+    const auto answer = machine.kernel.Ask(handle, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, 31);
     EXPECT_FALSE(answer.done);
-    EXPECT_EQ(answer.error, DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(answer.error, DWORD{ERROR_INVALID_PARAMETER});
     EXPECT_EQ(answer.returned, 0u);
-    answer = machine.kernel.Ask(handle, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, 32);
-    EXPECT_FALSE(answer.done);
-    EXPECT_EQ(answer.error, DWORD{ERROR_MORE_DATA});
-    EXPECT_EQ(answer.As<VOLUME_DISK_EXTENTS>().NumberOfDiskExtents, 3u);
-    EXPECT_EQ(answer.As<DISK_EXTENT>(8).ExtentLength.QuadPart, 2LL << 30);
-    answer = machine.kernel.Ask(handle, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, 79);
-    EXPECT_EQ(answer.error, DWORD{ERROR_MORE_DATA});
+    machine.kernel.CloseHandle(handle);
+}
+
+TEST_F(VolumeControls, ExtentsTooSmall_GivesTheCountAndTheFirstWithError234) {
+    Machine machine(Spanned());
+    const HANDLE handle = machine.kernel.Open(L"\\\\.\\S:");
+    for (const DWORD size : {32u, 56u, 79u}) {
+        const auto answer = machine.kernel.Ask(handle, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, size);
+        EXPECT_FALSE(answer.done) << size;
+        EXPECT_EQ(answer.error, DWORD{ERROR_MORE_DATA}) << size;
+        EXPECT_EQ(answer.returned, 32u) << size;
+        EXPECT_EQ(answer.As<VOLUME_DISK_EXTENTS>().NumberOfDiskExtents, 3u) << size;
+        EXPECT_EQ(answer.As<DISK_EXTENT>(8).ExtentLength.QuadPart, 2LL << 30) << size;
+        EXPECT_EQ(answer.bytes.back(), size == 32 ? 0x00 : 0xAA) << size;
+    }
     EXPECT_TRUE(machine.kernel.Ask(handle, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, 80).done);
     machine.kernel.CloseHandle(handle);
 }
 
-TEST_F(VolumeControls, DescribedShortError_IsGivenInstead) {
+TEST_F(VolumeControls, ExtentsTooSmall_DescribedAsFitting_GivesAllThatFit) {
+    Machine machine(Spanned());
+    machine.simulation.description().volumes[0].short_extents = machine::ShortExtents::kFitting;
+    const HANDLE handle = machine.kernel.Open(L"\\\\.\\S:");
+    const auto answer = machine.kernel.Ask(handle, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, 79);
+    EXPECT_EQ(answer.error, DWORD{ERROR_MORE_DATA});
+    EXPECT_EQ(answer.returned, 8u + 2u * 24u);
+    EXPECT_EQ(answer.As<DISK_EXTENT>(32).DiskNumber, 1u);
+    machine.kernel.CloseHandle(handle);
+}
+
+TEST_F(VolumeControls, ExtentsTooSmall_DescribedErrorAndNone_AreGivenInstead) {
     Machine machine(Spanned());
     const HANDLE handle = machine.kernel.Open(L"\\\\.\\T:");
-    EXPECT_EQ(machine.kernel.Ask(handle, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, 40).error,
-              DWORD{ERROR_INSUFFICIENT_BUFFER});
+    const auto answer = machine.kernel.Ask(handle, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, 40);
+    EXPECT_EQ(answer.error, DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(answer.returned, 0u);
+    EXPECT_EQ(answer.bytes.front(), 0xAA);
     machine.kernel.CloseHandle(handle);
 }
 

@@ -51,6 +51,60 @@ TEST_F(Wmi, Security_HasTheIdentityOfTheServices) {
     security->Release();
 }
 
+HRESULT SetSecurity(Enumerator& enumerator) {
+    return CoSetProxyBlanket(enumerator, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
+                             RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
+}
+
+TEST_F(Wmi, Enumerator_TakesSecurityOfItsOwn) {
+    Start("{}");
+    ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_Processor"), S_OK);
+    EXPECT_EQ(SetSecurity(enumerator_), S_OK);
+    EXPECT_EQ(simulation().calls().Count("IClientSecurity::SetBlanket"), 1u);
+    EXPECT_EQ(Fetch(enumerator_, instance_), S_OK);
+}
+
+TEST_F(Wmi, Enumerator_IsNotRefusedByDefault) {
+    Start("{}");
+    ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_Processor"), S_OK);
+    EXPECT_EQ(Fetch(enumerator_, instance_), S_OK);
+}
+
+TEST_F(Wmi, EnumeratorRefusal_EndsWithItsSecurityNotWithThatOfTheServices) {
+    Start(R"({"enumeratorRefusal": "0x80070005"})");
+    EXPECT_EQ(CoSetProxyBlanket(services_, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
+                                RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE),
+              S_OK);
+    ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_Processor"), S_OK);
+    EXPECT_EQ(enumerator_->Reset(), S_OK);
+    EXPECT_EQ(Fetch(enumerator_, instance_), E_ACCESSDENIED);
+    EXPECT_EQ(enumerator_->Skip(-1, 1), E_ACCESSDENIED);
+    ASSERT_EQ(SetSecurity(enumerator_), S_OK);
+    IEnumWbemClassObject* copy = nullptr;
+    ASSERT_EQ(enumerator_->Clone(&copy), S_OK);
+    Enumerator cloned(copy, false);
+    EXPECT_EQ(Fetch(cloned, instance_), E_ACCESSDENIED) << "a clone is a proxy of its own";
+    EXPECT_EQ(Fetch(enumerator_, instance_), S_OK);
+}
+
+TEST_F(Wmi, EnumeratorRefusal_StaysIfSettingTheSecurityFails) {
+    Start(R"({"enumeratorRefusal": "0x80070005", "errors": {"IClientSecurity::SetBlanket": "0x80070057"}})");
+    ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_Processor"), S_OK);
+    EXPECT_EQ(SetSecurity(enumerator_), E_INVALIDARG);
+    EXPECT_EQ(Fetch(enumerator_, instance_), E_ACCESSDENIED);
+}
+
+TEST_F(Wmi, DriveWithoutNumber_HasTheIndexThatEitherPageNames) {
+    Start(R"({"disks": [{"index": 0, "size": "1 GiB"}],
+              "wmi": {"Win32_DiskDrive": [{"Index": 0}, {"Index": 255}, {"Index": -1}]}})");
+    ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_DiskDrive"), S_OK);
+    for (const ULONG index : {0ul, 0xFFul, 0xFFFFFFFFul}) {
+        ASSERT_EQ(Fetch(enumerator_, instance_), S_OK);
+        EXPECT_EQ(Value(L"Index").vt, VT_I4);
+        EXPECT_EQ(Value(L"Index").ulVal, index);
+    }
+}
+
 TEST_F(Wmi, OtherNamespace_IsRefused) {
     Start("{}");
     Services other;
