@@ -17,7 +17,7 @@ PRESET ?= release
 BUILD := build/$(PRESET)
 JOBS ?= $(shell nproc)
 ARGS ?=
-DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/uefi-workstation.json)
+DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/uefi-workstation)
 
 export JOBS
 

@@ -22,9 +22,8 @@ std::vector<std::string> CapturableExamples() {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(ORVANE_SOURCE_DIR "/examples/machines")) {
         // A machine without disks cannot be captured.
-        if (entry.path().extension() == ".json" &&
-            !ListedDisks(machine::LoadDescription(entry.path())).empty()) {
-            names.push_back(entry.path().stem().string());
+        if (entry.is_directory() && !ListedDisks(machine::LoadDescription(entry.path())).empty()) {
+            names.push_back(entry.path().filename().string());
         }
     }
     return names;

@@ -18,14 +18,14 @@ void PrintTo(const DumpCase& dump_case, std::ostream* out) {
     *out << dump_case.kind << " of " << dump_case.machine;
 }
 
-const std::filesystem::path kFolder = ORVANE_SOURCE_DIR "/tests/dumps";
+const std::filesystem::path kFolder = ORVANE_SOURCE_DIR "/examples/machines";
 
 std::vector<DumpCase> AllDumps() {
     std::vector<DumpCase> cases;
-    for (const auto& entry : std::filesystem::directory_iterator(ORVANE_SOURCE_DIR "/examples/machines")) {
-        if (entry.path().extension() == ".json") {
+    for (const auto& entry : std::filesystem::directory_iterator(kFolder)) {
+        if (entry.is_directory()) {
             for (const char* kind : {"wmi", "disks", "volumes", "firmware"}) {
-                cases.push_back({entry.path().stem().string(), kind});
+                cases.push_back({entry.path().filename().string(), kind});
             }
         }
     }
@@ -65,7 +65,7 @@ protected:
 };
 
 TEST_P(DumpLines, EveryLine_IsAsExpected) {
-    const std::filesystem::path file = kFolder / (GetParam().machine + "-" + GetParam().kind + ".txt");
+    const std::filesystem::path file = kFolder / GetParam().machine / "expected" / (GetParam().kind + ".txt");
     std::ifstream expected(file, std::ios::binary);
     ASSERT_TRUE(expected) << file;
     std::ostringstream text;

@@ -57,8 +57,8 @@ protected:
 };
 
 TEST_P(FlatDocument, EveryElement_IsAsExpected) {
-    const std::string file = std::string(ORVANE_SOURCE_DIR "/tests/documents/") + GetParam().machine +
-                             "-format" + std::to_string(GetParam().format) + ".xml";
+    const std::string file = std::string(ORVANE_SOURCE_DIR "/examples/machines/") + GetParam().machine +
+                             "/expected/format" + std::to_string(GetParam().format) + ".xml";
     const XmlTree document = XmlTree::Of(support::Utf8(support::Wide(Document())));
     // Compared as indented lines, so that a failure shows only the differences.
     EXPECT_EQ(Lines(GeneratedGuids().Without(document)), Lines(XmlTree::Of(Contents(file))));

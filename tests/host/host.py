@@ -15,7 +15,8 @@ import xml.etree.ElementTree as ElementTree
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLES = ROOT / "examples/machines"
 PROGRAM = pathlib.Path(os.environ["ORVANE_EXE"])
-WORKSTATION = EXAMPLES / "uefi-workstation.json"
+MACHINES = sorted(file.parent for file in EXAMPLES.glob("*/machine.json"))
+WORKSTATION = EXAMPLES / "uefi-workstation"
 
 # Elements of the flat formats that can contain a volume's GUID.
 GUID_TEXTS = {"m_GUID", "m_guidVolume", "m_guidBootVolume", "m_guidSystemVolume"}

@@ -4,7 +4,7 @@
 import json
 import unittest
 
-from host import EXAMPLES, HostTest, run, run_described
+from host import EXAMPLES, MACHINES, HostTest, run, run_described
 
 DRIVE_TYPES = {"cdrom": 5, "ramdisk": 6}
 
@@ -86,8 +86,8 @@ class Check(HostTest):
         return file
 
     def test_every_example_with_disks_is_judged_as_described(self):
-        for machine in sorted(EXAMPLES.glob("*.json")):
-            description = json.loads(machine.read_text(encoding="utf-8"))
+        for machine in MACHINES:
+            description = json.loads((machine / "machine.json").read_text(encoding="utf-8"))
             if description["disks"]:
                 with self.subTest(machine=machine.name):
                     result = run("check", "--machine", machine, "--json")
@@ -127,7 +127,7 @@ class Check(HostTest):
     def test_machine_without_disks_cannot_be_checked(self):
         errors = ["error: DeviceManager::ObtainPhysicalDrivesIndexes FindFirstObject failed",
                   "error: Failed to obtain environment information"]
-        machine = EXAMPLES / "no-disks.json"
+        machine = EXAMPLES / "no-disks"
         table = run("check", "--machine", machine)
         self.assertEqual((table.code, table.errors), (1, [*errors, "orvane: the check failed"]))
         self.assertEqual(table.out, b"Disks\n  none found\n\nVolumes\n  could not be listed\n")

@@ -4,7 +4,7 @@
 import json
 import unittest
 
-from host import ANSI, EXAMPLES, HostTest, capture, content, run, run_described
+from host import ANSI, EXAMPLES, MACHINES, HostTest, capture, content, run, run_described
 
 DECLARATION = b'<?xml version="1.0" encoding="UTF-8"?>\n'
 
@@ -41,8 +41,8 @@ class Document(HostTest):
         self.assertEqual(child(content(result.out), "BMREnvInfo", "OS", "CSName")[1], "WS-2207")
 
     def test_every_example_is_captured_in_the_formats_with_a_judgement(self):
-        for machine in sorted(EXAMPLES.glob("*.json")):
-            disks = json.loads(machine.read_text(encoding="utf-8")).get("disks", [])
+        for machine in MACHINES:
+            disks = json.loads((machine / "machine.json").read_text(encoding="utf-8")).get("disks", [])
             # Format 2 has a row for every disk number up to the largest; format 3 has an element for every disk.
             rows = 1 + max((disk["index"] for disk in disks), default=-1)
             for number, counter, count in ((2, ("DiskDrives", "size_idx"), rows),
@@ -58,7 +58,7 @@ class Document(HostTest):
                         self.assertEqual(result.out, b"")
 
     def test_format_chooses_the_layout(self):
-        laptop = EXAMPLES / "bios-laptop.json"
+        laptop = EXAMPLES / "bios-laptop"
         for number, version, sections in ((0, "5", FLAT), (1, "3", FLAT), (2, "5", FLAT), (3, "7", MODEL),
                                           (4, "5", FLAT), (7, "5", FLAT)):
             with self.subTest(format=number):
@@ -71,7 +71,7 @@ class Document(HostTest):
     def test_raw_document_has_the_same_content(self):
         for machine in ("uefi-workstation", "spanned-dynamic"):
             with self.subTest(machine=machine):
-                file = EXAMPLES / f"{machine}.json"
+                file = EXAMPLES / machine
                 readable = capture("--machine", file, "--format", 3)
                 raw = capture("--machine", file, "--format", 3, "--raw")
                 self.assertEqual((raw.code, raw.errors), (readable.code, readable.errors))
