@@ -59,6 +59,13 @@ def run(*arguments, program=PROGRAM, folder=ROOT, joined=False):
         return Result(process.returncode, contents(out), contents(errors))
 
 
+def selected(machine):
+    """The arguments that select the volumes of the case."""
+    file = machine / "selected.txt"
+    volumes = file.read_text(encoding="utf-8").split("\n") if file.exists() else []
+    return [argument for volume in volumes if volume for argument in ("--volume", volume)]
+
+
 def run_described(*arguments, **options):
     """Runs on the example workstation, unless the arguments name another machine."""
     machine = [] if "--machine" in arguments else ["--machine", WORKSTATION]

@@ -2,7 +2,6 @@
 """The XML schemas accept every document, and reject invalid ones."""
 
 import copy
-import json
 import pathlib
 import re
 import subprocess
@@ -133,8 +132,7 @@ class Schemas(HostTest):
         self.assert_taken(FLAT, documents)
 
     def test_model_documents_are_taken(self):
-        machines = [machine for machine in MACHINES
-                    if json.loads((machine / "machine.json").read_text("utf-8")).get("disks")]
+        machines = [machine for machine in MACHINES if (machine / "expected/format3.xml").exists()]
         self.assertGreater(len(machines), 1)
         documents = [self.captured("--machine", machine, "--format", 3) for machine in [*machines, ODD_MACHINE]]
         self.assert_taken(MODEL, documents)

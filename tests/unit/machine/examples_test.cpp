@@ -192,10 +192,6 @@ INSTANTIATE_TEST_SUITE_P(Machines, Example, testing::ValuesIn(ExampleFolders()),
                              return name;
                          });
 
-machine::Description Load(const char* name) {
-    return machine::LoadDescription(std::string(ORVANE_SOURCE_DIR "/examples/machines/") + name);
-}
-
 // The JSON blocks of the README are whole machines, and must load like the files.
 TEST(Examples, Readme_ShowsMachinesThatLoad) {
     std::ifstream stream(ORVANE_SOURCE_DIR "/examples/machines/README.md", std::ios::binary);
@@ -211,63 +207,6 @@ TEST(Examples, Readme_ShowsMachinesThatLoad) {
         ++blocks;
     }
     EXPECT_EQ(blocks, 2u);
-}
-
-TEST(Examples, AllMachines_AreThere) {
-    std::set<std::string> names;
-    for (const auto& folder : ExampleFolders()) {
-        names.insert(folder.filename().string());
-    }
-    for (const char* name : {"uefi-workstation", "bios-laptop", "server-many-disks", "spanned-dynamic",
-                             "large-4kn", "no-disks"}) {
-        EXPECT_TRUE(names.count(name) != 0) << name;
-    }
-}
-
-TEST(Examples, Workstation_StartsFromTheEfiSystemPartition) {
-    const machine::Description description = Load("uefi-workstation");
-    EXPECT_EQ(description.firmware.type, 2u);
-    EXPECT_EQ(description.volumes[0].file_system, L"FAT32");
-    EXPECT_TRUE(description.volumes[0].mount_points.empty());
-    EXPECT_EQ(description.volumes.back().drive_type, std::uint32_t{DRIVE_CDROM});
-}
-
-TEST(Examples, Laptop_HasAnActivePartitionAndTwoLogicals) {
-    const machine::Description description = Load("bios-laptop");
-    ASSERT_EQ(description.disks[0].partitions.size(), 12u);
-    EXPECT_TRUE(description.disks[0].partitions[0].active);
-    EXPECT_EQ(description.disks[0].partitions[4].number, 3u);
-    EXPECT_EQ(description.disks[0].partitions[8].number, 4u);
-    EXPECT_EQ(description.firmware.type, 1u);
-}
-
-TEST(Examples, Server_HasDisks0And1And2And10) {
-    std::vector<std::uint32_t> indexes;
-    for (const machine::Disk& disk : Load("server-many-disks").disks) {
-        indexes.push_back(disk.index);
-    }
-    EXPECT_EQ(indexes, (std::vector<std::uint32_t>{0, 1, 2, 10}));
-}
-
-TEST(Examples, Spanned_HasAVolumeOverTwoDisksAndAFolderMount) {
-    const machine::Description description = Load("spanned-dynamic");
-    EXPECT_EQ(description.volumes[2].extents->size(), 2u);
-    EXPECT_EQ(description.volumes[2].mount_points.back(), L"C:\\Data\\Archive\\");
-    EXPECT_FALSE(description.volumes[2].partition.has_value());
-}
-
-TEST(Examples, Large_HasLargeSectorsBeyondTwoTerabytes) {
-    for (const machine::Disk& disk : Load("large-4kn").disks) {
-        EXPECT_EQ(disk.bytes_per_sector, 4096u);
-        EXPECT_GT(disk.size, 2ULL << 40);
-        EXPECT_EQ(disk.starting_usable_offset, 6u * 4096);
-    }
-}
-
-TEST(Examples, NoDisks_HasNone) {
-    const machine::Description description = Load("no-disks");
-    EXPECT_TRUE(description.disks.empty());
-    EXPECT_TRUE(description.wmi.at(machine::WmiClassKey(L"Win32_DiskDrive")).instances.empty());
 }
 
 }  // namespace
