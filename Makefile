@@ -4,6 +4,7 @@
 #   make check ARGS="..."     what can be backed up, and why not
 #                             These three describe an example workstation unless ARGS contains --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
+#   make expect CASE=NAME     writes the expected files of a described machine, to be read as a difference
 #   make faults ARGS="..."    fault injection, all cases (ARGS=--help lists the options)
 #   make bench                benchmarks of time and memory (ARGS=--help lists the options)
 #   make lint                 format, dependencies of the rooms, list of oddities, clang-tidy, warnings
@@ -17,11 +18,12 @@ PRESET ?= release
 BUILD := build/$(PRESET)
 JOBS ?= $(shell nproc)
 ARGS ?=
-DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/uefi-workstation.json)
+CASE ?=
+DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/uefi-workstation)
 
 export JOBS
 
-.PHONY: capture dump check test faults bench lint format coverage build setup clean
+.PHONY: capture dump check test expect faults bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -41,6 +43,13 @@ test:
 	@scripts/setup build test
 	@scripts/build $(PRESET)
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+# Only by hand: what it writes is what the library makes, right or wrong.
+expect:
+	@[ -n "$(CASE)" ] || { echo "usage: make expect CASE=NAME, a folder of examples/machines" >&2; exit 2; }
+	@scripts/setup build test
+	@scripts/build $(PRESET) --target Orvane expect
+	@scripts/wine-run $(BUILD)/bin/expect.exe "examples/machines/$(CASE)"
 
 faults:
 	@scripts/setup build test

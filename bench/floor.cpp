@@ -102,7 +102,7 @@ void MeasureFormat(const host::OrvaneLibrary& library, machine::Simulation& simu
 }
 
 machine::Description Example(const char* name) {
-    return machine::LoadDescription(std::string(ORVANE_SOURCE_DIR "/examples/machines/") + name + ".json");
+    return machine::LoadDescription(std::string(ORVANE_SOURCE_DIR "/examples/machines/") + name);
 }
 
 }  // namespace

@@ -54,7 +54,7 @@ double PrivateBytes() {
 }
 
 machine::Description Workstation() {
-    return machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation.json");
+    return machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation");
 }
 
 }  // namespace

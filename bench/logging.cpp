@@ -66,7 +66,7 @@ void MeasureLogging(const host::OrvaneLibrary& library, std::size_t effort, Repo
                  RatioOf(traced, formatted, 20 * effort), kGoal);
     library.SetEventFunc(nullptr);
     machine::Session session(
-        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation.json"));
+        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation"));
     session.simulation().calls().SetKept(false);
     const std::size_t rounds = 100 * effort;
     report.Figure("lines of WMIDumpInfo", LinesPerSecond(library, library.WMIDumpInfo, rounds) / 1000,

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -134,7 +135,10 @@ DescriptionError::DescriptionError(std::string file, std::string path, std::stri
       path_(std::move(path)),
       reason_(std::move(reason)) {}
 
-Description LoadDescription(const std::filesystem::path& file) {
+Description LoadDescription(const std::filesystem::path& machine) {
+    std::error_code ignored;
+    const std::filesystem::path file =
+        std::filesystem::is_directory(machine, ignored) ? machine / kFileInFolder : machine;
     const std::string name = Narrow(file.wstring());
     std::ifstream stream(file, std::ios::binary);
     if (!stream) {

@@ -223,9 +223,12 @@ private:
     std::string reason_;
 };
 
-// Reads a description file (UTF-8 JSON). Image paths are relative to the folder of the file. Throws
-// DescriptionError.
-Description LoadDescription(const std::filesystem::path& file);
+// The description in a folder that holds a machine.
+inline constexpr const char* kFileInFolder = "machine.json";
+
+// Reads a description file (UTF-8 JSON), or the one in a folder. Image paths are relative to the folder of
+// the file. Throws DescriptionError.
+Description LoadDescription(const std::filesystem::path& machine);
 
 // Parses a description from memory. `name` is the file name used in errors; image paths are relative to
 // `directory`. Throws DescriptionError.

@@ -30,7 +30,7 @@ struct Captured {
 class CaptureTest : public ExportTest {
 protected:
     static machine::Description Machine(const std::string& name) {
-        return machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/" + name + ".json");
+        return machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/" + name);
     }
 
     explicit CaptureTest(machine::Description description = Machine("uefi-workstation"))

@@ -135,7 +135,7 @@ TEST(DefaultFormat, Capture_IsThatOfFormat2) {
     }
     const ShippedLibrary& library = ShippedLibrary::Get();
     const machine::Session session(
-        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation.json"));
+        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation"));
     const support::LogCapture log(library.SetEventFunc);
     EXPECT_EQ(library.CaptureSystemRestorePointInfo(nullptr, 0, nullptr), ORVANE_BUFFER_TOO_SMALL);
     EXPECT_TRUE(log.Contains(support::kHostTrace, "CaptureSystemRestorePointInfo gSaveXmlFormat=2")) << log;

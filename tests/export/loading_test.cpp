@@ -58,7 +58,7 @@ TEST(Loading, FunctionsLookedUpAtRunTime_AreThoseOfTheTable) {
         return;
     }
     const machine::Session session(
-        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/bios-laptop.json"));
+        machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/bios-laptop"));
     const HMODULE library = LoadLibraryA(ORVANE_DLL_PATH);
     ASSERT_NE(library, nullptr);
     ASSERT_NE(

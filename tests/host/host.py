@@ -15,7 +15,8 @@ import xml.etree.ElementTree as ElementTree
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLES = ROOT / "examples/machines"
 PROGRAM = pathlib.Path(os.environ["ORVANE_EXE"])
-WORKSTATION = EXAMPLES / "uefi-workstation.json"
+MACHINES = sorted(file.parent for file in EXAMPLES.glob("*/machine.json"))
+WORKSTATION = EXAMPLES / "uefi-workstation"
 
 # Elements of the flat formats that can contain a volume's GUID.
 GUID_TEXTS = {"m_GUID", "m_guidVolume", "m_guidBootVolume", "m_guidSystemVolume"}
@@ -56,6 +57,13 @@ def run(*arguments, program=PROGRAM, folder=ROOT, joined=False):
         process = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=out, stderr=out if joined else errors,
                                  cwd=folder, env=environment, check=False)
         return Result(process.returncode, contents(out), contents(errors))
+
+
+def selected(machine):
+    """The arguments that select the volumes of the case."""
+    file = machine / "selected.txt"
+    volumes = file.read_text(encoding="utf-8").split("\n") if file.exists() else []
+    return [argument for volume in volumes if volume for argument in ("--volume", volume)]
 
 
 def run_described(*arguments, **options):

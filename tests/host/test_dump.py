@@ -3,7 +3,7 @@
 
 import unittest
 
-from host import EXAMPLES, HostTest, ROOT, run, run_described
+from host import EXAMPLES, HostTest, run, run_described
 
 KINDS = ("wmi", "disks", "volumes", "firmware")
 LEVELS = {"1": "information", "3": "error"}
@@ -12,7 +12,7 @@ LEVELS = {"1": "information", "3": "error"}
 def expected(machine, kind):
     """The expected messages of a dump, without trace lines, as (level, text). A line feed at the end of a message is
     removed."""
-    file = ROOT / f"tests/dumps/{machine}-{kind}.txt"
+    file = EXAMPLES / machine / "expected" / f"{kind}.txt"
     for line in file.read_text(encoding="utf-8").splitlines():
         level, text = line.split(" ", 1)
         yield LEVELS[level], text.removesuffix("\\n")
@@ -29,21 +29,21 @@ class Dump(HostTest):
     def test_lines_go_to_standard_output_and_errors_to_standard_error(self):
         for kind in KINDS:
             with self.subTest(kind=kind):
-                result = run("dump", kind, "--machine", EXAMPLES / "uefi-workstation.json")
+                result = run("dump", kind, "--machine", EXAMPLES / "uefi-workstation")
                 self.assertEqual(result.code, 0)
                 self.assert_lines(result.out, lines_of("uefi-workstation", kind, "information"))
                 self.assertEqual(result.errors,
                                  ["error: " + line for line in lines_of("uefi-workstation", kind, "error")])
 
     def test_both_come_in_the_order_of_the_dump(self):
-        result = run("dump", "volumes", "--machine", EXAMPLES / "uefi-workstation.json", joined=True)
+        result = run("dump", "volumes", "--machine", EXAMPLES / "uefi-workstation", joined=True)
         self.assertEqual(result.code, 0)
         marks = {"information": "", "error": "error: "}
         self.assert_lines(result.out,
                           [marks[level] + text for level, text in expected("uefi-workstation", "volumes")])
 
     def test_machine_without_disks_has_an_empty_list(self):
-        result = run("dump", "disks", "--machine", EXAMPLES / "no-disks.json")
+        result = run("dump", "disks", "--machine", EXAMPLES / "no-disks")
         self.assertEqual(result.code, 0)
         self.assertEqual(result.out, b"\n[Device Information]\nNumber of Disks: 0\n")
         self.assertEqual(result.errors, ["error: " + line for line in lines_of("no-disks", "disks", "error")])
@@ -51,7 +51,7 @@ class Dump(HostTest):
     def test_volumes_that_cannot_be_collected_fail(self):
         file = self.folder / "out.txt"
         file.write_text("of an earlier dump")
-        result = run("dump", "volumes", "--machine", EXAMPLES / "no-disks.json", "--output", file)
+        result = run("dump", "volumes", "--machine", EXAMPLES / "no-disks", "--output", file)
         self.assert_refused(result, 1, "the dump failed")
         self.assertIn("error: Failed to obtain environment information", result.errors)
         self.assertEqual(file.read_text(), "of an earlier dump")

@@ -32,7 +32,7 @@ class Volumes(HostTest):
                       result.errors)
 
     def test_machine_without_disks_fails(self):
-        result = run("capture", "--machine", EXAMPLES / "no-disks.json")
+        result = run("capture", "--machine", EXAMPLES / "no-disks")
         self.assert_refused(result, 1)
         self.assertIn("error: CaptureSystemRestorePointInfo Env Exception: Failed to obtain EnvInfo", result.errors)
 

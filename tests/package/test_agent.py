@@ -7,7 +7,7 @@ import sys
 import unittest
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "host"))
-from host import EXAMPLES, ROOT, HostTest, content, run
+from host import EXAMPLES, HostTest, content, run
 
 AGENT = os.environ["ORVANE_AGENT"]
 DESCRIBED_AGENT = os.environ["ORVANE_DESCRIBED_AGENT"]
@@ -18,7 +18,7 @@ OPTICAL_VOLUME = "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-806e6f6e6963}\\"
 
 
 def on_workstation(*volumes):
-    return run(EXAMPLES / "uefi-workstation.json", *volumes, program=DESCRIBED_AGENT)
+    return run(EXAMPLES / "uefi-workstation", *volumes, program=DESCRIBED_AGENT)
 
 
 def assert_outcome_on_this_system(test, result):
@@ -36,7 +36,7 @@ class Agent(HostTest):
     def test_described_machine_is_written_to_standard_output(self):
         result = on_workstation()
         self.assert_done(result)
-        expected = (ROOT / "tests/documents/uefi-workstation-format2.xml").read_bytes()
+        expected = (EXAMPLES / "uefi-workstation/expected/format2.xml").read_bytes()
         self.assertEqual(content(result.out), content(expected.replace(b"generated ", b"made ")))
         self.assertTrue(result.out.startswith(b"<root>"))
         self.assertTrue(result.out.endswith(b"</root>"))

@@ -61,14 +61,15 @@ class Package(HostTest):
 
     def test_installed_files_are_the_documented_ones(self):
         found = {file.relative_to(self.tree).as_posix() for file in self.tree.rglob("*") if file.is_file()}
-        pages = [ROOT / "README.md", AGENT_SOURCE, *ROOT.glob("docs/*.md"), *ROOT.glob("examples/machines/*")]
+        pages = [ROOT / "README.md", AGENT_SOURCE, *ROOT.glob("docs/*.md"),
+                 *(file for file in ROOT.glob("examples/machines/**/*") if file.is_file())]
         expected = FIXED_FILES | {f"{DOCUMENTATION}/{page.relative_to(ROOT).as_posix()}" for page in pages}
         self.assertEqual(sorted(found), sorted(expected))
         header = "include/orvane/orvane.h"
         self.assertEqual((self.tree / header).read_bytes(), (ROOT / header).read_bytes())
 
     def test_installed_host_finds_the_installed_library(self):
-        machine = self.tree / DOCUMENTATION / "examples/machines/bios-laptop.json"
+        machine = self.tree / DOCUMENTATION / "examples/machines/bios-laptop"
         result = run("capture", "--machine", machine, program=self.tree / "bin/orvane.exe")
         self.assert_done(result)
         self.assert_well_formed(result.out)

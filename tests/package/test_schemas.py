@@ -2,7 +2,6 @@
 """The XML schemas accept every document, and reject invalid ones."""
 
 import copy
-import json
 import pathlib
 import re
 import subprocess
@@ -12,7 +11,7 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "host"))
-from host import EXAMPLES, ROOT, HostTest, capture
+from host import EXAMPLES, MACHINES, ROOT, HostTest, capture
 
 FLAT = ROOT / "docs/schema/environment-flat.xsd"
 MODEL = ROOT / "docs/schema/environment-model.xsd"
@@ -128,27 +127,27 @@ class Schemas(HostTest):
         return file
 
     def test_flat_documents_are_taken(self):
-        documents = list(ROOT.glob("tests/documents/*.xml"))
-        documents.append(self.captured("--machine", EXAMPLES / "server-many-disks.json"))
+        documents = list(EXAMPLES.glob("*/expected/format[12].xml"))
+        documents.append(self.captured("--machine", EXAMPLES / "server-many-disks"))
         self.assert_taken(FLAT, documents)
 
     def test_model_documents_are_taken(self):
-        machines = [file for file in EXAMPLES.glob("*.json") if json.loads(file.read_text("utf-8")).get("disks")]
+        machines = [machine for machine in MACHINES if (machine / "expected/format3.xml").exists()]
         self.assertGreater(len(machines), 1)
         documents = [self.captured("--machine", machine, "--format", 3) for machine in [*machines, ODD_MACHINE]]
         self.assert_taken(MODEL, documents)
 
     def test_documents_of_the_other_layout_are_refused(self):
-        flat = ROOT / "tests/documents/uefi-workstation-format2.xml"
-        model = self.captured("--machine", EXAMPLES / "uefi-workstation.json", "--format", 3)
+        flat = EXAMPLES / "uefi-workstation/expected/format2.xml"
+        model = self.captured("--machine", EXAMPLES / "uefi-workstation", "--format", 3)
         self.assertEqual(validate(MODEL, [flat]), {flat: False})
         self.assertEqual(validate(FLAT, [model]), {model: False})
 
     def test_faults_in_a_flat_document_are_refused(self):
-        self.assert_faults_are_refused(FLAT, (ROOT / "tests/documents/spanned-dynamic-format2.xml").read_bytes())
+        self.assert_faults_are_refused(FLAT, (EXAMPLES / "spanned-dynamic/expected/format2.xml").read_bytes())
 
     def test_faults_in_a_model_document_are_refused(self):
-        for machine in (EXAMPLES / "bios-laptop.json", EXAMPLES / "uefi-workstation.json", ODD_MACHINE):
+        for machine in (EXAMPLES / "bios-laptop", EXAMPLES / "uefi-workstation", ODD_MACHINE):
             with self.subTest(machine=machine.name):
                 self.assert_faults_are_refused(MODEL, self.captured("--machine", machine, "--format", 3).read_bytes())
 

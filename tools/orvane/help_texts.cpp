@@ -25,7 +25,7 @@ capture makes --log and --verbose tell everything twice.
 Examples:
   orvane capture --output environment.xml
   orvane capture --volume "\\?\Volume{0b0a2f5e-0000-0000-0000-100000000000}\"
-  orvane capture --machine examples/machines/bios-laptop.json --verbose)"};
+  orvane capture --machine examples/machines/bios-laptop --verbose)"};
 
 const HelpText kDumpHelp = {
     R"(Prints what the library finds as lines for support staff, by KIND:
@@ -44,7 +44,7 @@ Exit codes:
 
 Examples:
   orvane dump disks
-  orvane dump volumes --machine examples/machines/bios-laptop.json --output volumes.txt)"};
+  orvane dump volumes --machine examples/machines/bios-laptop --output volumes.txt)"};
 
 const HelpText kCheckHelp = {
     R"(Says for every disk and every volume whether it can be backed up, and why not.
@@ -68,6 +68,6 @@ Colour is used on a terminal, unless the environment has a variable NO_COLOR.
 Examples:
   orvane check
   orvane check --volume "\\?\Volume{0b0a2f5e-0000-0000-0000-100000000000}\" --json
-  orvane check --machine examples/machines/spanned-dynamic.json)"};
+  orvane check --machine examples/machines/spanned-dynamic)"};
 
 }  // namespace host

@@ -222,6 +222,22 @@ TEST(Description, GivenFile_IsReadAndNamedInErrors) {
     EXPECT_THROW(machine::LoadDescription(file), machine::DescriptionError);
 }
 
+TEST(Description, GivenFolder_IsReadFromItsDescription) {
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "described-machine";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "machine.json") << R"({"name": "In a folder"})";
+    EXPECT_EQ(machine::LoadDescription(folder).name, "In a folder");
+    std::filesystem::remove(folder / "machine.json");
+    try {
+        machine::LoadDescription(folder);
+        FAIL() << "must be refused";
+    } catch (const machine::DescriptionError& error) {
+        EXPECT_EQ(error.file(), machine::Narrow((folder / "machine.json").wstring()));
+        EXPECT_EQ(error.reason(), "cannot be opened");
+    }
+    std::filesystem::remove(folder);
+}
+
 TEST(Description, Geometry_IsTakenWhenGiven) {
     const machine::Description description = Parse(R"({"disks": [{"index": 0, "size": "1 GiB",
         "geometry": {"cylinders": 9, "tracksPerCylinder": 16, "sectorsPerTrack": 17}, "mediaType": "removable"}]})");

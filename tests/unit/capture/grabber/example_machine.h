@@ -10,7 +10,7 @@
 
 // One of the example machines.
 inline machine::Description ExampleMachine(const std::string& name) {
-    return machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/" + name + ".json");
+    return machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/" + name);
 }
 
 constexpr std::uint64_t MiB(std::uint64_t count) {

@@ -97,7 +97,7 @@ TEST_F(DiskDetails, MbrAndGpt_AreTheMbrDiskAndAPlaceholder) {
 }
 
 TEST_F(DiskDetails, Laptop_NumbersItsLogicalPartitionsAfterThePrimaries) {
-    UseExample("bios-laptop.json");
+    UseExample("bios-laptop");
     EXPECT_TRUE(Get());
     ASSERT_THAT(disks_, SizeIs(1));
     EXPECT_THAT(RowsOf(disks_[0]),
@@ -108,7 +108,7 @@ TEST_F(DiskDetails, Laptop_NumbersItsLogicalPartitionsAfterThePrimaries) {
 }
 
 TEST_F(DiskDetails, ManyDisks_AreOneRowForEachNumber) {
-    UseExample("server-many-disks.json");
+    UseExample("server-many-disks");
     EXPECT_TRUE(Get());
     EXPECT_THAT(Numbers(), ElementsAre(0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U));
     EXPECT_THAT(Sizes(),
@@ -285,7 +285,7 @@ TEST_F(DiskDetails, SecondListingFails_IsAFailureWithTheDisksKept) {
 }
 
 TEST_F(DiskDetails, NoDisks_FailLikeTheListing) {
-    UseExample("no-disks.json");
+    UseExample("no-disks");
     EXPECT_FALSE(Get());
     EXPECT_THAT(disks_, IsEmpty());
     EXPECT_EQ(Steps().back(), Error(kFailure));

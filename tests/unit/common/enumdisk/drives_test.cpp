@@ -79,7 +79,7 @@ TEST_F(Drives, FixedVolume_IsTraced) {
 }
 
 TEST_F(Drives, Workstation_LeavesOutWhatIsNotFixed) {
-    UseExample("bios-laptop.json");
+    UseExample("bios-laptop");
     EXPECT_TRUE(Get());
     ASSERT_THAT(drives_, SizeIs(4));
     EXPECT_EQ(drives_[0].letter, L"");

@@ -167,7 +167,7 @@ TEST_F(FixedVolumes, LetterWithoutVolume_IsLoggedAndTheNextOneTried) {
 }
 
 TEST_F(FixedVolumes, SpannedVolume_HasAllItsExtents) {
-    UseExample("spanned-dynamic.json");
+    UseExample("spanned-dynamic");
     // The partition query of a dynamic volume is answered by the partition with its first extent.
     volume(2).partition = disk(1).partitions.front();
     ASSERT_TRUE(Get());
@@ -186,7 +186,7 @@ TEST_F(FixedVolumes, SpannedVolume_HasAllItsExtents) {
 }
 
 TEST_F(FixedVolumes, Laptop_HasFourVolumesNumberedInDiskOrder) {
-    UseExample("bios-laptop.json");
+    UseExample("bios-laptop");
     ASSERT_TRUE(Get());
     std::vector<std::int32_t> numbers;
     for (const ::Volume& volume : volumes_) {
@@ -198,7 +198,7 @@ TEST_F(FixedVolumes, Laptop_HasFourVolumesNumberedInDiskOrder) {
 }
 
 TEST_F(FixedVolumes, GptVolumes_AreTracedAndLeftOut) {
-    UseExample("uefi-workstation.json");
+    UseExample("uefi-workstation");
     ASSERT_TRUE(Get());
     EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "getVolumeInfo GPT volume detected ")) << log_;
     EXPECT_THAT(volumes_, IsEmpty());  // the older partition query fails on a GPT disk

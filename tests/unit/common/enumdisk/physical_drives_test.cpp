@@ -50,7 +50,7 @@ TEST_F(PhysicalDrivesIndexes, RawDisk_IsUsable) {
 }
 
 TEST_F(PhysicalDrivesIndexes, SeveralDisks_KeepTheOrderOfWmi) {
-    UseExample("server-many-disks.json");
+    UseExample("server-many-disks");
     EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(2U));  // the others are GPT
     EXPECT_EQ(maximum_, 10);
@@ -181,7 +181,7 @@ TEST_F(PhysicalDrivesIndexes, ResetOrFirstFetchFails_FailsWithItsLine) {
 }
 
 TEST_F(PhysicalDrivesIndexes, NoDrives_FailLikeAFailingFirstFetch) {
-    UseExample("no-disks.json");
+    UseExample("no-disks");
     EXPECT_FALSE(List());
     EXPECT_EQ(maximum_, -1);
     EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes FindFirstObject failed"))
