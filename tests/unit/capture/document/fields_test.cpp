@@ -1,4 +1,5 @@
 #include "capture/document/fields.h"
+
 #include "support/written_document.h"
 
 #include <gtest/gtest.h>
