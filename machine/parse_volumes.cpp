@@ -177,7 +177,7 @@ std::wstring Guid(JsonObject& object, const Volume& volume, const std::vector<Di
         return guid->is_null() ? std::wstring() : GuidName(*guid);
     }
     if (const auto place = PlaceGuid(volume, disks)) {
-        const std::wstring name = Widen(GuidText(*place));
+        std::wstring name = Widen(GuidText(*place));
         if (!names.Taken(name)) {
             return name;
         }
