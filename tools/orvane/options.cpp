@@ -59,7 +59,7 @@ void AddVolumes(CLI::App& app, Texts& texts, const char* description) {
 }
 
 void AddMachineOptions(CLI::App& app, MachineOptions& options, Texts& texts) {
-    AddPath(app, "--machine", texts.machine, "Describe the machine of this description (JSON)");
+    AddPath(app, "--machine", texts.machine, "Describe the machine of this description (JSON) or folder");
     AddPath(app, "--log", texts.log, "Write the library's whole log here, as UTF-8");
     app.add_flag("--verbose", options.verbose, "Show the log's messages of all levels, not errors alone");
 }
