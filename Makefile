@@ -6,6 +6,7 @@
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
 #   make expect CASE=NAME     writes the expected files of a described machine, to be read as a difference
 #   make faults ARGS="..."    fault injection, all cases (ARGS=--help lists the options)
+#   make alter ARGS="..."     alters the library in 40 places and shows what no test notices; takes hours
 #   make bench                benchmarks of time and memory (ARGS=--help lists the options)
 #   make lint                 format, dependencies of the rooms, list of oddities, clang-tidy, warnings
 #   make format               corrects the format
@@ -23,7 +24,7 @@ DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/ue
 
 export JOBS
 
-.PHONY: capture dump check test expect faults bench lint format coverage build setup clean
+.PHONY: capture dump check test expect faults alter bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -55,6 +56,10 @@ faults:
 	@scripts/setup build test
 	@scripts/build $(PRESET) --target Orvane faults
 	@ORVANE_FAULTS=$(BUILD)/bin/faults.exe ORVANE_RUN=scripts/wine-run tests/faults/run-faults --jobs $(JOBS) $(ARGS)
+
+alter:
+	@scripts/setup build test
+	@scripts/alter $(ARGS)
 
 bench:
 	@scripts/setup build test
