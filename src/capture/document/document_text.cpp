@@ -8,23 +8,25 @@
 
 namespace {
 
-// Whether the conversion to the code page turns the character into markup, as it turns the full-width "<"
-// into "<".
-bool BecomesMarkup(wchar_t letter) {
+// Whether the conversion to the code page turns the character into one that breaks the document: into markup,
+// as code page 1252 turns the full-width "<" into "<", or into a control character, as code page 874 does
+// with the section sign.
+bool BreaksTheDocument(wchar_t letter) {
     const std::string narrow = ConvertWStrToStr({&letter, 1});
-    return narrow == "<" || narrow == ">" || narrow == "&";
+    return narrow.size() == 1 && (narrow == "<" || narrow == ">" || narrow == "&" ||
+                                  static_cast<unsigned char>(narrow.front()) < 0x20);
 }
 
 bool IsAscii(wchar_t letter) {
     return letter <= 0x7F;
 }
 
-// Writes characters that would turn into markup, and break the document, as numeric character references.
-std::wstring WithoutFalseMarkup(std::wstring_view xml) {
+// Writes the characters that the conversion would break the document with as numeric character references.
+std::wstring SafeToConvert(std::wstring_view xml) {
     std::wstring safe;
     safe.reserve(xml.size());
     for (const wchar_t letter : xml) {
-        if (!IsAscii(letter) && BecomesMarkup(letter)) {
+        if (!IsAscii(letter) && BreaksTheDocument(letter)) {
             safe.append(L"&#").append(DecimalText(unsigned{letter})).push_back(L';');
         } else {
             safe.push_back(letter);
@@ -44,5 +46,5 @@ std::string DocumentText(const CMSXmlNode& root) {
     const std::wstring_view xml = TextOf(owner);
     // Most documents are ASCII and need no copy.
     return std::all_of(xml.begin(), xml.end(), IsAscii) ? ConvertWStrToStr(xml)
-                                                        : ConvertWStrToStr(WithoutFalseMarkup(xml));
+                                                        : ConvertWStrToStr(SafeToConvert(xml));
 }

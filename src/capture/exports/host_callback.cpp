@@ -8,8 +8,11 @@ namespace {
 OrvaneEventCallback g_host_callback = nullptr;
 
 void CallHost(std::int32_t level, const char* text) {
-    const HostErrorMode mode;
-    g_host_callback(level, text);
+    const OrvaneEventCallback callback = g_host_callback;
+    if (callback != nullptr) {
+        const HostErrorMode mode;
+        callback(level, text);
+    }
 }
 
 }  // namespace

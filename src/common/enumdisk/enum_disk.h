@@ -26,7 +26,7 @@ public:
                                         std::size_t length);
     // The same for a list of paths.
     std::wstring DriveLetterAmong(const std::wstring& volume_name,
-                                  const std::vector<std::wstring>& mount_paths);
+                                  const std::vector<std::wstring>& mount_paths) const;
     // Whether a path of `length` characters is a drive root.
     virtual bool IsDriveLetter(const wchar_t* mount_path, std::size_t length) const;
 

@@ -77,7 +77,7 @@ std::wstring EnumDisk::GetDriveLetter(const wchar_t* volume_name, const wchar_t*
 }
 
 std::wstring EnumDisk::DriveLetterAmong(const std::wstring& volume_name,
-                                        const std::vector<std::wstring>& mount_paths) {
+                                        const std::vector<std::wstring>& mount_paths) const {
     const std::wstring* first = nullptr;  // alphabetically first
     for (const std::wstring& path : mount_paths) {
         if (IsDriveLetter(path.c_str(), path.size())) {

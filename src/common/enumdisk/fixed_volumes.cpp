@@ -39,7 +39,7 @@ std::wstring getDriveNameForVolumeName(const std::wstring& volume) {
         if ((drives >> (letter - L'A') & 1U) == 0) {
             continue;
         }
-        const std::wstring drive{letter, L':'};
+        std::wstring drive{letter, L':'};
         const std::wstring root = drive + L'\\';
         std::wstring mounted;
         error = win::ReadVolumeNameOf(root, mounted);

@@ -8,14 +8,14 @@ FailCriticalErrors* g_current = nullptr;
 
 }  // namespace
 
-FailCriticalErrors::FailCriticalErrors() {
+FailCriticalErrors::FailCriticalErrors() : thread_(GetCurrentThreadId()), previous_(g_current) {
     Enter();
     g_current = this;
 }
 
 FailCriticalErrors::~FailCriticalErrors() {
     Leave();
-    g_current = nullptr;
+    g_current = previous_;
 }
 
 void FailCriticalErrors::Enter() {
@@ -27,8 +27,9 @@ void FailCriticalErrors::Leave() const {
     SetThreadErrorMode(host_mode_, nullptr);
 }
 
-HostErrorMode::HostErrorMode() : suspended_(std::exchange(g_current, nullptr)) {
-    if (suspended_ != nullptr) {
+HostErrorMode::HostErrorMode() {
+    if (g_current != nullptr && g_current->thread_ == GetCurrentThreadId()) {
+        suspended_ = std::exchange(g_current, nullptr);
         suspended_->Leave();
     }
 }
@@ -36,6 +37,6 @@ HostErrorMode::HostErrorMode() : suspended_(std::exchange(g_current, nullptr)) {
 HostErrorMode::~HostErrorMode() {
     if (suspended_ != nullptr) {
         suspended_->Enter();
+        g_current = suspended_;
     }
-    g_current = suspended_;
 }

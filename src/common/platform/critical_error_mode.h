@@ -5,8 +5,7 @@
 // The thread's critical-error mode, in which the system asks the user to insert a disk when a query meets an
 // empty drive. Used by one thread at a time.
 
-// While it lives, such an error only fails the query. Restores the thread's mode at the end. Only one may
-// exist at a time, except inside a HostErrorMode.
+// For its lifetime, such an error only fails the query. Restores the thread's mode at the end.
 class FailCriticalErrors {
 public:
     FailCriticalErrors();
@@ -20,11 +19,14 @@ private:
     void Enter();
     void Leave() const;
 
+    DWORD thread_;
+    FailCriticalErrors* previous_;
     DWORD host_mode_ = 0;
 };
 
-// While it lives, the thread has the mode that it had before the FailCriticalErrors. A mode that is
-// set meanwhile is what that object restores. Does nothing outside such an object.
+// For its lifetime, the thread has the mode that it had before the FailCriticalErrors. That object then
+// restores whatever mode is set in between. Does nothing outside such an object, or on another thread than
+// its.
 class HostErrorMode {
 public:
     HostErrorMode();
@@ -33,5 +35,5 @@ public:
     HostErrorMode& operator=(const HostErrorMode&) = delete;
 
 private:
-    FailCriticalErrors* suspended_;
+    FailCriticalErrors* suspended_ = nullptr;
 };

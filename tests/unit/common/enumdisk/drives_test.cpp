@@ -56,6 +56,19 @@ TEST_F(Drives, FixedVolumes_AreRowsInTheSystemsOrder) {
     EXPECT_EQ(drives_[1].offset, 101 * kMiB);
 }
 
+// The system reports more characters than the buffer holds.
+TEST_F(Drives, MountPathsBeyondTheBuffer_AreNone) {
+    Use(kTwoVolumes);
+    faults().Alter(
+        "GetVolumePathNamesForVolumeNameW", [](machine::Answer& answer) { answer.returned = 5000; }, kFirst);
+    EXPECT_TRUE(Get());
+    ASSERT_THAT(drives_, SizeIs(2));
+    EXPECT_EQ(drives_[0].letter, L"");
+    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostWarning,
+                                                     std::string("EnumDisk::GetDrives on ") + kFirstText +
+                                                         " GetVolumePathNamesForVolumeNameW error=0xd 13"}));
+}
+
 TEST_F(Drives, Rows_AreAppendedToWhatIsThere) {
     Use(kTwoVolumes);
     drives_.resize(1);

@@ -170,6 +170,28 @@ TEST_F(FixedVolumeFailures, MountPaths_LeaveTheLetterEmpty) {
                                         " GetVolumePathNamesForVolumeName failed error=0x57 87"}));
 }
 
+// The system reports more characters than the buffer holds.
+TEST_F(FixedVolumeFailures, MountPathsBeyondTheBuffer_LeaveTheLetterEmpty) {
+    faults().Alter(
+        "GetVolumePathNamesForVolumeNameW", [](machine::Answer& answer) { answer.returned = 1000; },
+        fixed_machine::kFirst);
+    EXPECT_TRUE(Get());
+    ASSERT_THAT(volumes_, SizeIs(2));
+    EXPECT_EQ(volumes_[0].VolumeLetter, L"");
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(LogLine{support::kHostWarning,
+                                    "getVolumeInfo for " + FirstName() +
+                                        " GetVolumePathNamesForVolumeName failed error=0xd 13"}));
+}
+
+TEST_F(FixedVolumeFailures, DeviceNameBeyondTheBuffer_LeavesTheVolumeOut) {
+    faults().Alter(
+        "QueryDosDeviceW", [](machine::Answer& answer) { answer.value = 1000; },
+        L"Volume{00000000-0000-0000-0000-000000000001}");
+    ExpectLeftOut("getDeviceName of " + FirstName() + " error=0xd 13", support::kHostError);
+    EXPECT_EQ(faults().hits(), 1U);
+}
+
 TEST_F(FixedVolumeFailures, DeviceNameWithoutATarget_LeavesTheVolumeOut) {
     support::AnswerNoTarget(faults(), L"Volume{00000000-0000-0000-0000-000000000001}");
     ExpectLeftOut("getDeviceName of " + FirstName() + " error=0xd 13", support::kHostError);
