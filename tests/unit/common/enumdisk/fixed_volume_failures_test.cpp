@@ -32,6 +32,18 @@ protected:
         EXPECT_TRUE(log_.Contains(support::kHostWarning, line)) << log_;
     }
 
+    // Expects that both volumes are listed, the first one without a letter after the failure of its mount
+    // paths.
+    void ExpectNoLetter(const std::string& error) {
+        EXPECT_TRUE(Get());
+        ASSERT_THAT(volumes_, SizeIs(2));
+        EXPECT_EQ(volumes_[0].VolumeLetter, L"");
+        EXPECT_THAT(log_.Messages(),
+                    ElementsAre(LogLine{support::kHostWarning,
+                                        "getVolumeInfo for " + FirstName() +
+                                            " GetVolumePathNamesForVolumeName failed error=" + error}));
+    }
+
     static std::string Info(const std::string& rest) {
         return "getVolumeInfo for " + FirstName() + " C: " + rest;
     }
@@ -161,13 +173,7 @@ TEST_F(FixedVolumeFailures, MoreFreeThanThereIs_IsNothingUsed) {
 
 TEST_F(FixedVolumeFailures, MountPaths_LeaveTheLetterEmpty) {
     faults().Fail("GetVolumePathNamesForVolumeNameW", 87, fixed_machine::kFirst);
-    EXPECT_TRUE(Get());
-    ASSERT_THAT(volumes_, SizeIs(2));
-    EXPECT_EQ(volumes_[0].VolumeLetter, L"");
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostWarning,
-                                    "getVolumeInfo for " + FirstName() +
-                                        " GetVolumePathNamesForVolumeName failed error=0x57 87"}));
+    ExpectNoLetter("0x57 87");
 }
 
 // The system reports more characters than the buffer holds.
@@ -175,13 +181,7 @@ TEST_F(FixedVolumeFailures, MountPathsBeyondTheBuffer_LeaveTheLetterEmpty) {
     faults().Alter(
         "GetVolumePathNamesForVolumeNameW", [](machine::Answer& answer) { answer.returned = 1000; },
         fixed_machine::kFirst);
-    EXPECT_TRUE(Get());
-    ASSERT_THAT(volumes_, SizeIs(2));
-    EXPECT_EQ(volumes_[0].VolumeLetter, L"");
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostWarning,
-                                    "getVolumeInfo for " + FirstName() +
-                                        " GetVolumePathNamesForVolumeName failed error=0xd 13"}));
+    ExpectNoLetter("0xd 13");
 }
 
 TEST_F(FixedVolumeFailures, DeviceNameBeyondTheBuffer_LeavesTheVolumeOut) {
