@@ -26,12 +26,15 @@ inline DWORD ErrorUnless(BOOL succeeded) {
 
 // Calls `ask(buffer, needed)` with a growing buffer until it returns a code other than `too_small`. `needed`
 // starts at 0; `ask` may set it to the size that the system requires, otherwise the buffer doubles. Returns
-// `too_small` if a limit above is reached.
+// `too_small` if a limit above is reached. A buffer of the first size is used as it is; otherwise, and after
+// each growth, the buffer is zeroed.
 template <class Element, class Code, class Ask>
 Code GrowAndRetry(std::vector<Element>& buffer, std::size_t first_size, Code too_small, Ask&& ask) {
     std::size_t size = first_size;
     for (int attempt = 1;; ++attempt) {
-        buffer.assign(size, Element{});
+        if (buffer.size() != size) {
+            buffer.assign(size, Element{});
+        }
         std::size_t needed = 0;
         const Code code = ask(buffer, needed);
         const std::size_t next = needed > size ? needed : size * 2;
