@@ -1,6 +1,6 @@
 #include "bench/call_tape.h"
 
-#include "machine/redirect.h"
+#include "machine/simulation/redirect.h"
 
 #include <objbase.h>
 #include <winternl.h>

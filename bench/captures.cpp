@@ -1,6 +1,6 @@
 #include "bench/captures.h"
 
-#include "machine/redirect.h"
+#include "machine/simulation/redirect.h"
 
 #include <stdexcept>
 

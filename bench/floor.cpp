@@ -9,8 +9,8 @@
 #include "bench/sections.h"
 #include "bench/timing.h"
 #include "bench/wmi_script.h"
-#include "machine/redirect.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
+#include "machine/simulation/redirect.h"
 #include "support/xml_tree.h"
 
 #include <array>

@@ -5,7 +5,7 @@
 #include "bench/scratch_copy.h"
 #include "bench/sections.h"
 #include "bench/timing.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
 
 #include <filesystem>
 #include <stdexcept>

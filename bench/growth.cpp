@@ -6,7 +6,7 @@
 #include "bench/scratch_copy.h"
 #include "bench/sections.h"
 #include "bench/timing.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
 
 #include <string>
 #include <utility>

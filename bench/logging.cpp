@@ -3,7 +3,7 @@
 #include "bench/captures.h"
 #include "bench/sections.h"
 #include "bench/timing.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
 
 #include <array>
 #include <cstdio>

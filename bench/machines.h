@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/description.h"
+#include "machine/description/description.h"
 
 #include <cstddef>
 

@@ -1,6 +1,6 @@
 #include "bench/memory_meter.h"
 
-#include "machine/redirect.h"
+#include "machine/simulation/redirect.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/platform/unique_bstr.h"
-#include "machine/call_log.h"
+#include "machine/simulation/call_log.h"
 
 #include <vector>
 

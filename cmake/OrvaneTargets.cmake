@@ -103,7 +103,7 @@ function(orvane_test)
         ORVANE_SOURCE_DIR="${ORVANE_RUN_ROOT}${PROJECT_SOURCE_DIR}"
         ORVANE_BINARY_DIR="${ORVANE_RUN_ROOT}${PROJECT_BINARY_DIR}"
         ${TEST_DEFINES})
-    target_link_libraries(${TEST_NAME} PRIVATE ${TEST_LINKS} orvane_machine orvane_test_support)
+    target_link_libraries(${TEST_NAME} PRIVATE ${TEST_LINKS} orvane_session orvane_test_support)
     add_test(NAME ${TEST_NAME} COMMAND ${TEST_NAME})
     # Wine derives its ANSI code page from the locale. For C.UTF-8 it is 1252, which some tests expect.
     set_tests_properties(${TEST_NAME} PROPERTIES TIMEOUT 600 ENVIRONMENT LC_ALL=C.UTF-8)

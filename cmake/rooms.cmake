@@ -38,15 +38,22 @@ target_compile_definitions(orvane_environment PUBLIC ORVANE_VERSION="${PROJECT_V
 # The library's entry point, its heap and the memory of the C++ runtime. Only the finished DLL links it.
 orvane_room(NAME orvane_runtime DIR src/runtime)
 
-# Not part of the library: the described machine and the host. Neither uses a room of src/.
-orvane_room(NAME orvane_machine DIR machine ROOT .
-    PACKAGES orvane_json
-    LINKS ole32 oleaut32 uuid wbemuuid advapi32)
+# Not part of the library: the described machine and the host. They use no room of src/.
+orvane_room(NAME orvane_description DIR machine/description ROOT .
+    PACKAGES orvane_json)
+orvane_room(NAME orvane_simulation DIR machine/simulation ROOT .
+    USES orvane_description)
+orvane_room(NAME orvane_wmi DIR machine/wmi ROOT .
+    USES orvane_simulation orvane_description
+    LINKS ole32 oleaut32 uuid wbemuuid)
+orvane_room(NAME orvane_session DIR machine/session ROOT .
+    USES orvane_wmi orvane_simulation orvane_description
+    LINKS advapi32)
 orvane_room(NAME orvane_host DIR tools/orvane ROOT .
-    USES orvane_machine
+    USES orvane_session orvane_simulation orvane_description
     PACKAGES orvane_json orvane_cli11)
 
-# For these two, which are not part of the library, a fast build is more important than fast code.
-foreach(room orvane_machine orvane_host)
+# For these, which are not part of the library, a fast build is more important than fast code.
+foreach(room orvane_description orvane_simulation orvane_wmi orvane_session orvane_host)
     target_compile_options(${room} PRIVATE $<$<CONFIG:Release>:-O1>)
 endforeach()

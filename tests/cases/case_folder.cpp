@@ -1,6 +1,6 @@
 #include "cases/case_folder.h"
 
-#include "machine/text.h"
+#include "machine/description/text.h"
 
 #include <algorithm>
 #include <fstream>

@@ -2,7 +2,7 @@
 
 #include "cases/case_folder.h"
 #include "cases/masks.h"
-#include "machine/simulation.h"
+#include "machine/simulation/simulation.h"
 #include "support/log_capture.h"
 #include "tools/orvane/capture_command.h"
 #include "tools/orvane/check_command.h"

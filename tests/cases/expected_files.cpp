@@ -3,7 +3,7 @@
 #include "cases/case_folder.h"
 #include "cases/case_outputs.h"
 #include "cases/line_diff.h"
-#include "machine/text.h"
+#include "machine/description/text.h"
 
 #include <algorithm>
 #include <fstream>

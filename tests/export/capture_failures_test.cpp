@@ -1,7 +1,7 @@
 // Errors that make a capture fail, and how the export reports them.
 
 #include "export/capture_fixture.h"
-#include "machine/wmi_defaults.h"
+#include "machine/description/wmi_defaults.h"
 #include "support/scoped_import.h"
 #include "support/xml_tree.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "export/shipped_library.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
 #include "support/log_capture.h"
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 #include "export/capture_fixture.h"
 #include "export/expected_document.h"
 #include "export/expected_sections.h"
-#include "machine/wmi_defaults.h"
+#include "machine/description/wmi_defaults.h"
 #include "support/text.h"
 #include "unit/capture/grabber/mixed_machine.h"
 

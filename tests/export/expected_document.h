@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/description.h"
+#include "machine/description/description.h"
 #include "support/xml_tree.h"
 
 // The format 3 document expected for the described machine. It is computed only from the description and the

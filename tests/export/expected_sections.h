@@ -2,7 +2,7 @@
 
 // The parts of ExpectedDocument.
 
-#include "machine/description.h"
+#include "machine/description/description.h"
 #include "support/xml_tree.h"
 
 #include <cstdint>

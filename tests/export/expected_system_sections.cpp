@@ -1,5 +1,5 @@
 #include "export/expected_sections.h"
-#include "machine/wmi_defaults.h"
+#include "machine/description/wmi_defaults.h"
 #include "support/text.h"
 
 namespace {

@@ -2,8 +2,8 @@
 // library that the other tests share is already loaded and bound.
 
 #include "common/windows.h"
-#include "machine/redirect.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
+#include "machine/simulation/redirect.h"
 #include "support/own_process.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "export/shipped_library.h"
 
-#include "machine/redirect.h"
+#include "machine/simulation/redirect.h"
 
 #include <stdexcept>
 

@@ -1,7 +1,7 @@
 #include "faults/com_memory.h"
 
 #include "common/windows.h"
-#include "machine/redirect.h"
+#include "machine/simulation/redirect.h"
 
 #include <objbase.h>
 

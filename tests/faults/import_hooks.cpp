@@ -2,7 +2,7 @@
 
 #include "faults/dom_hooks.h"
 #include "faults/guard_pages.h"
-#include "machine/redirect.h"
+#include "machine/simulation/redirect.h"
 
 #include <oleauto.h>
 

@@ -2,7 +2,7 @@
 
 #include "common/windows.h"
 #include "faults/meter.h"
-#include "machine/fault_plan.h"
+#include "machine/simulation/fault_plan.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "faults/library.h"
 
 #include "faults/import_hooks.h"
-#include "machine/redirect.h"
+#include "machine/simulation/redirect.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "machine/call_log.h"
-#include "machine/fault_plan.h"
+#include "machine/simulation/call_log.h"
+#include "machine/simulation/fault_plan.h"
 
 #include <cstdint>
 #include <functional>

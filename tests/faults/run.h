@@ -2,7 +2,7 @@
 
 #include "faults/import_hooks.h"
 #include "faults/library.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
 
 #include <cstdint>
 #include <string>

@@ -3,7 +3,7 @@
 
 #include "common/disk/disk_drive_manager_factory.h"
 #include "common/platform/guid.h"
-#include "machine/simulation.h"
+#include "machine/simulation/simulation.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/disk/partition_manager.h"
-#include "machine/simulation.h"
+#include "machine/simulation/simulation.h"
 #include "support/scoped_import.h"
 
 #include <cstdint>

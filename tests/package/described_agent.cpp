@@ -2,8 +2,8 @@
 // linked to is redirected to the simulation.
 // usage: described_agent MACHINE [VOLUME]...
 
-#include "machine/redirect.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
+#include "machine/simulation/redirect.h"
 
 #include <cstdio>
 #include <exception>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/fault_plan.h"
+#include "machine/simulation/fault_plan.h"
 
 #include <cstddef>
 #include <string>

@@ -1,5 +1,5 @@
 #include "common/windows.h"
-#include "machine/redirect.h"
+#include "machine/simulation/redirect.h"
 #include "support/watchdog.h"
 #include "support/wine.h"
 

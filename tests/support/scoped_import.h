@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/windows.h"
-#include "machine/redirect.h"
+#include "machine/simulation/redirect.h"
 
 #include <stdexcept>
 #include <string>

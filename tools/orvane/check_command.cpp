@@ -1,6 +1,6 @@
 #include "tools/orvane/check_command.h"
 
-#include "machine/text.h"
+#include "machine/description/text.h"
 #include "tools/orvane/capture_command.h"
 #include "tools/orvane/check_report.h"
 #include "tools/orvane/delivery.h"

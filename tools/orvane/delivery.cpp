@@ -1,6 +1,6 @@
 #include "tools/orvane/delivery.h"
 
-#include "machine/text.h"
+#include "machine/description/text.h"
 
 #include <fstream>
 #include <stdexcept>

@@ -1,8 +1,8 @@
 #include "tools/orvane/library_session.h"
 
 #include "common/windows.h"
-#include "machine/redirect.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
+#include "machine/simulation/redirect.h"
 
 #include <objbase.h>
 

@@ -1,6 +1,6 @@
 #include "tools/orvane/log_sink.h"
 
-#include "machine/text.h"
+#include "machine/description/text.h"
 #include "tools/orvane/message_printer.h"
 #include "tools/orvane/options.h"
 #include "tools/orvane/text_encoding.h"

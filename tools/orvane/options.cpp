@@ -1,6 +1,6 @@
 #include "tools/orvane/options.h"
 
-#include "machine/text.h"
+#include "machine/description/text.h"
 #include "tools/orvane/help_texts.h"
 
 #include <CLI/CLI.hpp>

@@ -1,6 +1,6 @@
 #include "tools/orvane/orvane_library.h"
 
-#include "machine/text.h"
+#include "machine/description/text.h"
 
 #include <array>
 #include <cstring>

@@ -1,6 +1,6 @@
 #include "tools/orvane/program.h"
 
-#include "machine/description.h"
+#include "machine/description/description.h"
 #include "tools/orvane/capture_command.h"
 #include "tools/orvane/check_command.h"
 #include "tools/orvane/dump_command.h"

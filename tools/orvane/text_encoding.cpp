@@ -1,7 +1,7 @@
 #include "tools/orvane/text_encoding.h"
 
 #include "common/windows.h"
-#include "machine/text.h"
+#include "machine/description/text.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -3,7 +3,7 @@
 
 #include "cases/expected_files.h"
 #include "cases/readme_quotes.h"
-#include "machine/text.h"
+#include "machine/description/text.h"
 
 #include <clocale>
 #include <cstdio>

@@ -1,5 +1,5 @@
 #include "capture/environment/boot_volumes.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"
 #include "support/stub.h"

@@ -1,6 +1,6 @@
 #include "capture/environment/boot_volumes.h"
 
-#include "machine/session.h"
+#include "machine/session/session.h"
 #include "support/logger_capture.h"
 
 #include <gmock/gmock.h>

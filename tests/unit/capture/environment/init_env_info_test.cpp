@@ -1,7 +1,7 @@
 #include "capture/environment/init_env_info.h"
 
-#include "machine/session.h"
-#include "machine/wmi_defaults.h"
+#include "machine/description/wmi_defaults.h"
+#include "machine/session/session.h"
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "machine/session.h"
-#include "machine/wmi_defaults.h"
+#include "machine/description/wmi_defaults.h"
+#include "machine/session/session.h"
 
 #include <initializer_list>
 #include <optional>

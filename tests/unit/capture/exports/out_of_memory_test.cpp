@@ -1,7 +1,7 @@
 // The exports in a program that links the library statically, so that its allocations can be made to fail.
 
-#include "machine/session.h"
-#include "machine/wmi_defaults.h"
+#include "machine/description/wmi_defaults.h"
+#include "machine/session/session.h"
 #include "orvane/orvane.h"
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "capture/environment/env_info.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
 
 #include <algorithm>
 #include <stdexcept>

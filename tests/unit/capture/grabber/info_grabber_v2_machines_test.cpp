@@ -1,7 +1,7 @@
 // Compares the records of the example machines with their descriptions.
 
 #include "capture/grabber/info_grabber_v2.h"
-#include "machine/text.h"
+#include "machine/description/text.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
 #include "support/xml_tree.h"

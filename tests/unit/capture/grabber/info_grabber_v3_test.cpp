@@ -1,7 +1,7 @@
 #include "capture/grabber/info_grabber_v3.h"
 
 #include "capture/grabber/grabber_exception.h"
-#include "machine/wmi_defaults.h"
+#include "machine/description/wmi_defaults.h"
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
 #include "support/xml_tree.h"

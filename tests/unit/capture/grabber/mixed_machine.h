@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/session.h"
+#include "machine/session/session.h"
 
 // A machine with volumes that can be backed up and volumes that cannot, each for a different reason:
 // HarddiskVolume1: GPT disk 0, C:

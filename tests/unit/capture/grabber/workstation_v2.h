@@ -1,7 +1,7 @@
 #pragma once
 
 #include "capture/grabber/info_grabber_v2.h"
-#include "machine/wmi_defaults.h"
+#include "machine/description/wmi_defaults.h"
 #include "support/logger_capture.h"
 #include "unit/capture/grabber/example_machine.h"
 

@@ -1,6 +1,6 @@
 #include "common/disk/device_manager.h"
 #include "common/disk/disk_drive_manager_mbr.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
 #include "unit/common/disk/expected_lines.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/platform/win_api_wrapper.h"
-#include "machine/simulation.h"
+#include "machine/simulation/simulation.h"
 
 #include <gtest/gtest.h>
 

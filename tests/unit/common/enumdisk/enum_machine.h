@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/session.h"
+#include "machine/session/session.h"
 #include "support/logger_capture.h"
 
 #include <gmock/gmock.h>

@@ -2,7 +2,7 @@
 
 #include "common/platform/nt_api_wrapper.h"
 #include "common/platform/win_api_wrapper.h"
-#include "machine/simulation.h"
+#include "machine/simulation/simulation.h"
 #include "support/logger_capture.h"
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #include "common/platform/system_library.h"
 
-#include "machine/redirect.h"
-#include "machine/simulation.h"
+#include "machine/simulation/redirect.h"
+#include "machine/simulation/simulation.h"
 #include "support/logger_capture.h"
 #include "support/own_process.h"
 #include "support/stub.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/platform/wmi.h"
-#include "machine/session.h"
+#include "machine/session/session.h"
 #include "support/logger_capture.h"
 
 #include <gmock/gmock.h>

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "common/windows.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace machine {
+
+std::wstring Widen(std::string_view utf8);
+std::string Narrow(std::wstring_view text);
+
+// Converts to upper case by the rules with which object and device names are compared.
+std::wstring Folded(std::wstring_view text);
+
+bool EqualNames(std::wstring_view left, std::wstring_view right);
+
+// Ignores case.
+bool StartsWith(std::wstring_view text, std::wstring_view prefix);
+
+// The drive number of a root like "C:\", 0 for A; none if the path is not a drive root.
+std::optional<std::uint32_t> DriveNumber(std::wstring_view root);
+
+// "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}" in lower case, as in volume names.
+std::string GuidText(const GUID& guid);
+
+// Parses a GUID with or without braces; none if the text is not a GUID.
+std::optional<GUID> ParseGuid(std::string_view text);
+
+// A version 4 GUID computed from the seed. The same seed always gives the same GUID.
+GUID DerivedGuid(std::string_view seed);
+
+// A 32-bit number computed from the seed, never 0. The same seed always gives the same number.
+std::uint32_t DerivedNumber(std::string_view seed);
+
+}  // namespace machine

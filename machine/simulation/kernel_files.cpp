@@ -1,0 +1,252 @@
+#include "machine/description/control_codes.h"
+#include "machine/description/disk_image.h"
+#include "machine/simulation/device_controls.h"
+#include "machine/simulation/simulated_functions.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace machine::simulated {
+namespace {
+
+constexpr DWORD kReading = GENERIC_READ | GENERIC_ALL | FILE_READ_DATA;
+constexpr DWORD kWriting = GENERIC_WRITE | GENERIC_ALL | FILE_WRITE_DATA;
+
+std::uint32_t GrantedAccess(DWORD asked) {
+    return ((asked & kReading) != 0 ? FILE_READ_ACCESS : 0U) |
+           ((asked & kWriting) != 0 ? FILE_WRITE_ACCESS : 0U);
+}
+
+Answer Opened(Simulation& simulation, const std::wstring& path, const NameIndex::Target& target, DWORD access,
+              DWORD disposition, DWORD flags) {
+    if (target.kind == NameIndex::Target::Kind::kNone) {
+        return Answer::Failure(ERROR_FILE_NOT_FOUND);
+    }
+    if (disposition != OPEN_EXISTING && disposition != OPEN_ALWAYS) {
+        return Answer::Failure(disposition == CREATE_NEW ? ERROR_FILE_EXISTS : ERROR_INVALID_PARAMETER);
+    }
+    if (target.root && (flags & FILE_FLAG_BACKUP_SEMANTICS) == 0) {
+        return Answer::Failure(ERROR_PATH_NOT_FOUND);  // a directory, with a trailing backslash in its name
+    }
+    OpenObject object;
+    object.name = path;
+    object.access = GrantedAccess(access);
+    if (target.kind == NameIndex::Target::Kind::kDisk) {
+        object.kind = OpenObject::Kind::kDisk;
+        object.disk = simulation.machine().disks[target.position].index;
+    } else {
+        object.kind = target.root ? OpenObject::Kind::kRootDirectory : OpenObject::Kind::kVolume;
+        object.device = simulation.machine().volumes[target.position].device;
+    }
+    Answer answer;
+    answer.value = reinterpret_cast<std::uintptr_t>(simulation.handles().Open(std::move(object)));
+    return answer;
+}
+
+bool IsFile(const OpenObject* object) {
+    return object != nullptr && object->kind != OpenObject::Kind::kVolumeSearch &&
+           object->kind != OpenObject::Kind::kObjectDirectory;
+}
+
+const CallErrors* ErrorsOfFile(Simulation& simulation, const OpenObject* object) {
+    if (!IsFile(object)) {
+        return nullptr;
+    }
+    if (object->kind == OpenObject::Kind::kDisk) {
+        const Disk* disk = simulation.FindDisk(object->disk);
+        return disk == nullptr ? nullptr : &disk->errors;
+    }
+    const Volume* volume = simulation.FindVolume(object->device);
+    return volume == nullptr ? nullptr : &volume->errors;
+}
+
+std::wstring NameOf(const OpenObject* object) {
+    return object == nullptr ? std::wstring() : object->name;
+}
+
+Answer Written(Simulation& simulation, OpenObject& object, const void* data, DWORD size,
+               const OVERLAPPED* at) {
+    if ((object.access & FILE_WRITE_ACCESS) == 0) {
+        return Answer::Failure(ERROR_ACCESS_DENIED);
+    }
+    Disk* disk = object.kind == OpenObject::Kind::kDisk ? simulation.FindDisk(object.disk) : nullptr;
+    if (disk == nullptr || !disk->image) {
+        // A disk without an image has a partition table, but no sectors to write to.
+        return Answer::Failure(ERROR_NOT_SUPPORTED);
+    }
+    const std::uint64_t offset =
+        at == nullptr ? object.position : static_cast<std::uint64_t>(at->OffsetHigh) << 32 | at->Offset;
+    const auto* bytes = static_cast<const std::uint8_t*>(data);
+    const std::uint32_t error = WriteSectors(*disk, offset, Bytes(bytes, bytes + size));
+    if (error != 0) {
+        return Answer::Failure(error);
+    }
+    object.position = offset + size;
+    Answer answer;
+    answer.returned = size;
+    return answer;
+}
+
+}  // namespace
+
+HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                          DWORD disposition, DWORD flags, HANDLE model) {
+    Simulation* simulation = Simulation::Current();
+    if (simulation == nullptr) {
+        return ::CreateFileW(path, access, share, security, disposition, flags, model);
+    }
+    return Guarded(INVALID_HANDLE_VALUE, [&] {
+        const std::wstring name = TextOrEmpty(path);
+        const NameIndex::Target target =
+            name.empty() ? NameIndex::Target{} : simulation->names().Resolve(name);
+        const Answer answer = simulation->Perform(
+            {CallFamily::kWin32, "CreateFileW", name, ErrorsOf(*simulation, target)}, [&] {
+                return name.empty() ? Answer::Failure(ERROR_PATH_NOT_FOUND)
+                                    : Opened(*simulation, name, target, access, disposition, flags);
+            });
+        const auto handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(answer.value));
+        if (Deliver(answer)) {
+            return handle;
+        }
+        if (handle != nullptr) {
+            simulation->handles().Close(handle);  // opened before the fault plan failed the call
+            SetLastError(answer.error);
+        }
+        return INVALID_HANDLE_VALUE;
+    });
+}
+
+BOOL WINAPI CloseHandle(HANDLE handle) {
+    Simulation* simulation = Simulation::Current();
+    if (simulation == nullptr || !HandleTable::IsSimulated(handle)) {
+        return ::CloseHandle(handle);
+    }
+    return Guarded(FALSE, [&]() -> BOOL {
+        const OpenObject* object = simulation->handles().Find(handle);
+        const bool known = object != nullptr && object->kind != OpenObject::Kind::kVolumeSearch;
+        const Simulation::Call call{CallFamily::kWin32, "CloseHandle", NameOf(object),
+                                    ErrorsOfFile(*simulation, object)};
+        // Close the handle even if the call is made to fail: the caller cannot use it afterwards.
+        if (known) {
+            simulation->handles().Close(handle);
+        }
+        return Deliver(simulation->Perform(
+            call, [&] { return known ? Answer{} : Answer::Failure(ERROR_INVALID_HANDLE); }));
+    });
+}
+
+BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID input, DWORD input_size, LPVOID output,
+                            DWORD output_size, LPDWORD returned, LPOVERLAPPED overlapped) {
+    Simulation* simulation = Simulation::Current();
+    if (simulation == nullptr || !HandleTable::IsSimulated(handle)) {
+        return ::DeviceIoControl(handle, code, input, input_size, output, output_size, returned, overlapped);
+    }
+    if (returned != nullptr) {
+        *returned = 0;
+    }
+    return Guarded(FALSE, [&]() -> BOOL {
+        const OpenObject* object = simulation->handles().Find(handle);
+        const Simulation::Call call{CallFamily::kWin32, ControlCallName(code), NameOf(object),
+                                    ErrorsOfFile(*simulation, object)};
+        const Answer answer = simulation->Perform(call, [&] {
+            if (!IsFile(object)) {
+                return Answer::Failure(ERROR_INVALID_HANDLE);
+            }
+            if (returned == nullptr && overlapped == nullptr) {
+                return Answer::Failure(ERROR_NOACCESS);
+            }
+            ControlRequest request;
+            request.code = code;
+            request.input = static_cast<const std::uint8_t*>(input);
+            request.input_size = input == nullptr ? 0 : input_size;
+            request.output_size = output == nullptr ? 0 : output_size;
+            request.access = object->access;
+            return AnswerControl(*simulation, *object, request);
+        });
+        if (output != nullptr && !answer.bytes.empty()) {
+            std::memcpy(output, answer.bytes.data(), std::min<std::size_t>(answer.bytes.size(), output_size));
+        }
+        if (returned != nullptr) {
+            *returned = static_cast<DWORD>(answer.returned);
+        }
+        return Deliver(answer);
+    });
+}
+
+BOOL WINAPI FlushFileBuffers(HANDLE handle) {
+    Simulation* simulation = Simulation::Current();
+    if (simulation == nullptr || !HandleTable::IsSimulated(handle)) {
+        return ::FlushFileBuffers(handle);
+    }
+    return Guarded(FALSE, [&]() -> BOOL {
+        const OpenObject* object = simulation->handles().Find(handle);
+        return Deliver(simulation->Perform(
+            {CallFamily::kWin32, "FlushFileBuffers", NameOf(object), ErrorsOfFile(*simulation, object)}, [&] {
+                if (!IsFile(object)) {
+                    return Answer::Failure(ERROR_INVALID_HANDLE);
+                }
+                return (object->access & FILE_WRITE_ACCESS) != 0 ? Answer{}
+                                                                 : Answer::Failure(ERROR_ACCESS_DENIED);
+            }));
+    });
+}
+
+BOOL WINAPI WriteFile(HANDLE handle, LPCVOID data, DWORD size, LPDWORD written, LPOVERLAPPED overlapped) {
+    Simulation* simulation = Simulation::Current();
+    if (simulation == nullptr || !HandleTable::IsSimulated(handle)) {
+        return ::WriteFile(handle, data, size, written, overlapped);
+    }
+    if (written != nullptr) {
+        *written = 0;
+    }
+    return Guarded(FALSE, [&]() -> BOOL {
+        OpenObject* object = simulation->handles().Find(handle);
+        const Answer answer = simulation->Perform(
+            {CallFamily::kWin32, "WriteFile", NameOf(object), ErrorsOfFile(*simulation, object)}, [&] {
+                return IsFile(object) ? Written(*simulation, *object, data, size, overlapped)
+                                      : Answer::Failure(ERROR_INVALID_HANDLE);
+            });
+        if (written != nullptr) {
+            *written = static_cast<DWORD>(answer.returned);
+        }
+        return Deliver(answer);
+    });
+}
+
+bool Deliver(const Answer& answer) {
+    if (answer.error != 0) {
+        SetLastError(answer.error);
+    }
+    return !answer.failed;
+}
+
+const CallErrors* ErrorsOf(const Simulation& simulation, const NameIndex::Target& target) {
+    switch (target.kind) {
+        case NameIndex::Target::Kind::kDisk:
+            return &simulation.machine().disks[target.position].errors;
+        case NameIndex::Target::Kind::kVolume:
+            return &simulation.machine().volumes[target.position].errors;
+        case NameIndex::Target::Kind::kNone:
+            break;
+    }
+    return nullptr;
+}
+
+void AppendText(Bytes& bytes, const std::wstring& text) {
+    const auto* start = reinterpret_cast<const std::uint8_t*>(text.c_str());
+    bytes.insert(bytes.end(), start, start + (text.size() + 1) * sizeof(wchar_t));
+}
+
+void CopyBytes(const Answer& answer, LPWSTR buffer, DWORD size) {
+    if (buffer != nullptr) {
+        const std::size_t count = std::min(answer.bytes.size(), size * sizeof(wchar_t));
+        std::copy_n(answer.bytes.begin(), count, reinterpret_cast<std::uint8_t*>(buffer));
+    }
+}
+
+std::wstring TextOrEmpty(LPCWSTR text) {
+    return text == nullptr ? std::wstring() : std::wstring(text);
+}
+
+}  // namespace machine::simulated
