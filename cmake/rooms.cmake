@@ -49,11 +49,14 @@ orvane_room(NAME orvane_wmi DIR machine/wmi ROOT .
 orvane_room(NAME orvane_session DIR machine/session ROOT .
     USES orvane_wmi orvane_simulation orvane_description
     LINKS advapi32)
+orvane_room(NAME orvane_observe DIR machine/recorder/observe ROOT .
+    USES orvane_description
+    LINKS ole32 oleaut32 uuid wbemuuid advapi32)
 orvane_room(NAME orvane_host DIR tools/orvane ROOT .
-    USES orvane_session orvane_simulation orvane_description
+    USES orvane_observe orvane_session orvane_simulation orvane_description
     PACKAGES orvane_json orvane_cli11)
 
 # For these, which are not part of the library, a fast build is more important than fast code.
-foreach(room orvane_description orvane_simulation orvane_wmi orvane_session orvane_host)
+foreach(room orvane_description orvane_simulation orvane_wmi orvane_session orvane_observe orvane_host)
     target_compile_options(${room} PRIVATE $<$<CONFIG:Release>:-O1>)
 endforeach()

@@ -70,4 +70,18 @@ Examples:
   orvane check --volume "\\?\Volume{0b0a2f5e-0000-0000-0000-100000000000}\" --json
   orvane check --machine examples/machines/spanned-dynamic)"};
 
+const HelpText kRecordHelp = {
+    R"(Records the answers of the system to all questions about disks, volumes, names, WMI, firmware and start options.
+It records the system it runs on, or the machine of --machine. It only reads.)",
+    R"(Run it as an administrator: otherwise disks and volumes refuse most questions, which is recorded too.
+
+Exit codes:
+  0  the file is written
+  1  nothing was written
+  2  the arguments or the machine description cannot be used
+
+Examples:
+  orvane record --observations observations.json
+  orvane record --machine examples/machines/bios-laptop --observations observations.json)"};
+
 }  // namespace host

@@ -12,5 +12,6 @@ extern const HelpText kProgramHelp;
 extern const HelpText kCaptureHelp;
 extern const HelpText kDumpHelp;
 extern const HelpText kCheckHelp;
+extern const HelpText kRecordHelp;
 
 }  // namespace host

@@ -20,6 +20,7 @@ struct Texts {
     std::string output;
     std::string log;
     std::string kind;
+    std::string observations;
 };
 
 const std::map<std::string, DumpKind> kDumpKinds = {
@@ -99,6 +100,23 @@ void AddCheck(CLI::App& app, CheckOptions& options, Texts& texts) {
     AddMachineOptions(check, options, texts);
 }
 
+void AddRecord(CLI::App& app, RecordOptions& options, Texts& texts) {
+    CLI::App& record = AddCommand(app, "record", kRecordHelp);
+    record.add_option("--observations", texts.observations, "Write all answers of the system here")
+        ->type_name("FILE")
+        ->required()
+        ->check(NotEmpty());
+    AddPath(record, "--machine", texts.machine, "Record the machine of this description (JSON) or folder");
+    record.add_flag("--force", options.force, "Replace existing files");
+}
+
+// Not for users: the help does not list it.
+void AddAnswer(CLI::App& app, Texts& texts) {
+    CLI::App* const answer = app.add_subcommand("answer", "Answers the questions of a recording");
+    answer->group("");
+    AddPath(*answer, "--machine", texts.machine, "Answer for the machine of this description");
+}
+
 void TakeMachineTexts(MachineOptions& options, const Texts& texts) {
     options.machine = PathOf(texts.machine);
     options.log = PathOf(texts.log);
@@ -122,10 +140,13 @@ Command ParseArguments(const std::vector<std::wstring>& arguments) {
     CaptureOptions capture;
     DumpOptions dump;
     CheckOptions check;
+    RecordOptions record;
     Texts texts;
     AddCapture(app, capture, texts);
     AddDump(app, dump, texts);
     AddCheck(app, check, texts);
+    AddRecord(app, record, texts);
+    AddAnswer(app, texts);
     app.add_subcommand("version", "Shows the versions of the library and of its interface");
 
     // The parser expects the arguments in reverse order.
@@ -153,6 +174,14 @@ Command ParseArguments(const std::vector<std::wstring>& arguments) {
         TakeMachineTexts(check, texts);
         check.volumes = Wide(texts.volumes);
         return check;
+    }
+    if (app.got_subcommand("record")) {
+        record.machine = PathOf(texts.machine);
+        record.observations = *PathOf(texts.observations);
+        return record;
+    }
+    if (app.got_subcommand("answer")) {
+        return AnswerOptions{PathOf(texts.machine)};
     }
     return VersionOptions{};
 }

@@ -54,13 +54,25 @@ struct CheckOptions : MachineOptions {
     bool json = false;
 };
 
+struct RecordOptions {
+    std::optional<std::filesystem::path> machine;  // none: the system that this program runs on
+    std::filesystem::path observations;
+    bool force = false;  // replaces existing files
+};
+
+// The child process of a recording, which asks the questions.
+struct AnswerOptions {
+    std::optional<std::filesystem::path> machine;
+};
+
 // A text to print instead of a command: the help, or what is wrong with the arguments.
 struct Message {
     int exit_code = kExitDone;
     std::string text;  // UTF-8, ends with a line feed; for standard error unless `exit_code` is kExitDone
 };
 
-using Command = std::variant<VersionOptions, CaptureOptions, DumpOptions, CheckOptions, Message>;
+using Command = std::variant<VersionOptions, CaptureOptions, DumpOptions, CheckOptions, RecordOptions,
+                             AnswerOptions, Message>;
 
 // Parses the arguments, without the program name. Returns a Message, instead of throwing, if they are
 // invalid.

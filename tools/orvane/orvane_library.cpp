@@ -1,6 +1,7 @@
 #include "tools/orvane/orvane_library.h"
 
 #include "machine/description/text.h"
+#include "tools/orvane/program_path.h"
 
 #include <array>
 #include <cstring>
@@ -83,11 +84,7 @@ std::string OrvaneLibrary::FileVersion() const {
 }
 
 std::filesystem::path LibraryPath() {
-    constexpr std::size_t kLongestPath = 32768;
-    std::wstring program(kLongestPath, L'\0');
-    const DWORD length = GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size()));
-    program.resize(length);
-    return std::filesystem::path(program).replace_filename(L"Orvane.dll");
+    return ProgramPath().replace_filename(L"Orvane.dll");
 }
 
 }  // namespace host

@@ -1,11 +1,13 @@
 #include "tools/orvane/program.h"
 
 #include "machine/description/description.h"
+#include "tools/orvane/asking_process.h"
 #include "tools/orvane/capture_command.h"
 #include "tools/orvane/check_command.h"
 #include "tools/orvane/dump_command.h"
 #include "tools/orvane/options.h"
 #include "tools/orvane/orvane_library.h"
+#include "tools/orvane/record_command.h"
 #include "tools/orvane/under_wine.h"
 
 #include <exception>
@@ -52,6 +54,14 @@ int Execute(const DumpOptions& options, const Terminal& terminal) {
 int Execute(const CheckOptions& options, const Terminal& terminal) {
     return Explained(Check(options, terminal.out, terminal.errors, terminal.colour), options,
                      terminal.errors);
+}
+
+int Execute(const RecordOptions& options, const Terminal& terminal) {
+    return Record(options, terminal.errors);
+}
+
+int Execute(const AnswerOptions& options, const Terminal& /*terminal*/) {
+    return AnswerQuestions(options.machine);
 }
 
 }  // namespace
