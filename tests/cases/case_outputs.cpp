@@ -88,7 +88,8 @@ Output Document(const std::filesystem::path& folder, std::uint32_t format) {
     if (document) {
         return {FormatName(format) + ".xml", Masked(host::IndentXml(host::FromAnsi(*document)))};
     }
-    const std::string reasons = LogText(log.all(), ORVANE_LEVEL_ERROR);
+    // A reason may be a warning.
+    const std::string reasons = LogText(log.all(), ORVANE_LEVEL_WARNING);
     if (status != ORVANE_FAILED || reasons.empty()) {
         throw std::runtime_error("the capture gave neither a document nor a reason, status " +
                                  std::to_string(status));
