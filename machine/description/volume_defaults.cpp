@@ -60,7 +60,8 @@ std::optional<Partition> PartitionUnder(const Volume& volume, const Disk* disk) 
     }
     const auto partition =
         std::find_if(disk->partitions.begin(), disk->partitions.end(), [&](const Partition& candidate) {
-            return candidate.number != 0 && candidate.offset == volume.extents->front().offset;
+            return candidate.number != 0 && candidate.offset == volume.extents->front().offset &&
+                   candidate.length == volume.extents->front().length;
         });
     return partition == disk->partitions.end() ? std::nullopt : std::optional(*partition);
 }

@@ -107,6 +107,19 @@ TEST(ForeignVolume, OddOffsetAndUnknownDisk_AreTold) {
     machine.kernel.CloseHandle(unknown);
 }
 
+TEST(ForeignVolume, ExtentOfAnotherLength_IsNotThePartitionAtItsOffset) {
+    const machine::Description description = Parse(OnTwoDisks(R"(
+        {"extents": [{"disk": 0, "offset": "1 MiB", "length": "1 GiB"}]},
+        {"extents": [{"disk": 0, "offset": "1 MiB", "length": "1 GiB"}], "partitionNumber": 1},
+        {"extents": [{"disk": 0, "offset": "1 MiB", "length": "100 GiB"}]})"));
+    EXPECT_FALSE(description.volumes[0].partition);
+    ASSERT_TRUE(description.volumes[1].partition);
+    EXPECT_EQ(description.volumes[1].partition->number, 1u);
+    EXPECT_EQ(description.volumes[1].partition->length, 1ULL << 30);
+    ASSERT_TRUE(description.volumes[2].partition);
+    EXPECT_EQ(description.volumes[2].partition->length, 100ULL << 30);
+}
+
 TEST(ForeignVolume, LinkTarget_IsWhatTheLinkNamesAndOpensTheSameVolume) {
     Machine machine(OnTwoDisks(R"(
         {"guid": "{00000000-0000-0000-0000-000000000001}", "device": "\\Device\\HarddiskVolume9",
