@@ -4,8 +4,9 @@
 #include "support/xml_tree.h"
 
 // The format 3 document expected for the described machine. It is computed only from the description and the
-// documented layout, without any code of the library. The description must not contain "errors": all calls
-// must succeed where the described objects allow it. A GPT disk's "GUID" has no expected value; remove it
+// documented layout, without any code of the library. Of the described "errors", those of volumes in the
+// calls that open them or ask them for information, space, length or extents are followed, and those of disks
+// that are raw anyway; others must not be described. A GPT disk's "GUID" has no expected value; remove it
 // with WithoutAddresses before comparing.
 XmlTree ExpectedDocument(const machine::Description& machine);
 

@@ -86,11 +86,14 @@ std::vector<XmlTree> MountPoints(const machine::Volume& volume) {
     return elements;
 }
 
-std::vector<XmlTree> Space(const machine::Volume& volume) {
+std::vector<XmlTree> Clusters(const machine::Volume& volume) {
     return {NumberLeaf("SectorsPerCluster", volume.sectors_per_cluster),
             NumberLeaf("BytesPerSector", volume.bytes_per_sector),
-            NumberLeaf("VolumeBlockSize", volume.sectors_per_cluster * volume.bytes_per_sector),
-            NumberLeaf("FreeUserSpaces", volume.free_bytes_to_caller),
+            NumberLeaf("VolumeBlockSize", volume.sectors_per_cluster * volume.bytes_per_sector)};
+}
+
+std::vector<XmlTree> Space(const machine::Volume& volume) {
+    return {NumberLeaf("FreeUserSpaces", volume.free_bytes_to_caller),
             NumberLeaf("TotalUserSpaces", volume.total_bytes),
             NumberLeaf("TotalFreeSpaces", volume.free_bytes)};
 }
@@ -110,24 +113,32 @@ std::vector<XmlTree> Extents(const std::vector<machine::Extent>& extents) {
 
 XmlTree VolumeElement(const machine::Description& machine, const machine::Volume& volume) {
     XmlTree element = Branch("Volume", Identity(volume));
-    // Removable volumes are not queried. The queries fail without a medium or a known file system.
-    const bool asked = volume.drive_type != DRIVE_REMOVABLE;
-    const bool recognized = asked && volume.has_media && !volume.file_system.empty();
-    if (recognized) {
+    // Removable volumes are not queried. The queries fail without a medium or a known file system, and where
+    // the description says so.
+    const bool asked = volume.drive_type != DRIVE_REMOVABLE && volume.has_media;
+    const auto answers = [&](const char* call) { return asked && !volume.errors.Find(call); };
+    const auto file_system_answers = [&](const char* call) {
+        return !volume.file_system.empty() && answers(call);
+    };
+    const auto device_answers = [&](const char* call) { return answers("CreateFileW") && answers(call); };
+    if (file_system_answers("GetVolumeInformationW")) {
         Append(element.children, Information(volume));
     }
-    if (asked && volume.has_media) {
+    if (device_answers("DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO")) {
         element.children.push_back(NumberLeaf("VolumePartitionSize", volume.length));
     }
     Append(element.children, MountPoints(volume));
-    if (recognized) {
+    if (file_system_answers("GetDiskFreeSpaceW")) {
+        Append(element.children, Clusters(volume));
+    }
+    if (file_system_answers("GetDiskFreeSpaceExW")) {
         Append(element.children, Space(volume));
     }
     const wchar_t* const os = L"Win32_OperatingSystem";
     Append(element.children,
            {TruthLeaf("SystemVolume", SameName(volume.device, WmiTextOf(machine, os, L"SystemDevice"))),
             TruthLeaf("BootVolume", SameName(volume.device, WmiTextOf(machine, os, L"BootDevice")))});
-    if (asked && volume.has_media && volume.extents) {
+    if (volume.extents && device_answers("DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS")) {
         Append(element.children,
                {TruthLeaf("DynamicVolume", LiesOnDynamicDisk(machine, *volume.extents)),
                 TruthLeaf("ActivePartition", LiesOnActivePartition(machine, *volume.extents))});
