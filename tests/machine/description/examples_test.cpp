@@ -44,16 +44,53 @@ const machine::Disk* FindDisk(const machine::Description& description, std::uint
     return nullptr;
 }
 
-// Conditions that every real machine fulfils.
+// A disk or volume of which a condition below does not hold on the real machine either.
+struct Exception {
+    const char* machine;
+    const char* test;
+    std::wstring object;  // the index of a disk, or the device of a volume
+    const char* reason;
+};
+
+const Exception kExceptions[] = {
+    {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy1",
+     "that of its original"},
+    {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy2",
+     "that of its original"},
+    {"shadow-copies", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolumeShadowCopy1",
+     "its driver does not tell its extents"},
+    {"shadow-copies", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolumeShadowCopy2",
+     "its driver does not tell its extents"},
+    {"shadow-copies-with-extents", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy1",
+     "that of its original"},
+    {"shadow-copies-with-extents", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy2",
+     "that of its original"},
+    {"shadow-copies-with-extents", "ExtentsOfVolumes_DoNotOverlap", L"\\Device\\HarddiskVolumeShadowCopy1",
+     "those of its original"},
+    {"shadow-copies-with-extents", "ExtentsOfVolumes_DoNotOverlap", L"\\Device\\HarddiskVolumeShadowCopy2",
+     "those of its original"},
+};
+
+// Conditions that every real machine fulfils, but for the exceptions.
 class Example : public testing::TestWithParam<std::filesystem::path> {
 protected:
+    static bool Excepted(const std::wstring& object) {
+        const std::string machine = GetParam().filename().string();
+        const std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
+        return std::any_of(std::begin(kExceptions), std::end(kExceptions), [&](const Exception& row) {
+            return machine == row.machine && test.starts_with(row.test) && object == row.object;
+        });
+    }
+    static bool Excepted(const machine::Disk& disk) { return Excepted(std::to_wstring(disk.index)); }
+    static bool Excepted(const machine::Volume& volume) { return Excepted(volume.device); }
+
     const machine::Description description_ = machine::LoadDescription(GetParam());
 };
 
 TEST_P(Example, Partitions_LieInsideTheDiskOnSectorBounds) {
     for (const machine::Disk& disk : description_.disks) {
         EXPECT_EQ(disk.size % disk.bytes_per_sector, 0u);
-        EXPECT_NE(disk.cylinders, 0u);
+        EXPECT_TRUE(disk.cylinders != 0 || Excepted(disk));
         for (const machine::Partition& partition : disk.partitions) {
             EXPECT_EQ(partition.offset % disk.bytes_per_sector, 0u);
             EXPECT_EQ(partition.length % disk.bytes_per_sector, 0u);
@@ -98,9 +135,13 @@ TEST_P(Example, LogicalPartitions_LieBehindTheirRecordInTheContainer) {
 TEST_P(Example, Identifiers_AreUnique) {
     std::set<std::string> ids;
     for (const machine::Disk& disk : description_.disks) {
+        if (disk.style == PARTITION_STYLE_RAW || disk.blank) {
+            continue;  // without a table, there is no id
+        }
         EXPECT_TRUE(ids.insert(disk.style == PARTITION_STYLE_GPT ? machine::GuidText(disk.disk_id)
                                                                  : std::to_string(disk.signature))
-                        .second);
+                        .second ||
+                    Excepted(disk));
         for (const machine::Partition& partition : disk.partitions) {
             if (partition.style == PARTITION_STYLE_GPT) {
                 EXPECT_TRUE(ids.insert(machine::GuidText(partition.gpt_id)).second);
@@ -110,13 +151,16 @@ TEST_P(Example, Identifiers_AreUnique) {
     std::set<std::uint32_t> serials;
     for (const machine::Volume& volume : description_.volumes) {
         if (volume.serial != 0) {
-            EXPECT_TRUE(serials.insert(volume.serial).second);
+            EXPECT_TRUE(serials.insert(volume.serial).second || Excepted(volume));
         }
     }
 }
 
 TEST_P(Example, Volumes_LieOnOnePartitionOrOnDynamicDisks) {
     for (const machine::Volume& volume : description_.volumes) {
+        if (Excepted(volume)) {
+            continue;
+        }
         if (!volume.extents) {
             EXPECT_NE(volume.drive_type, std::uint32_t{DRIVE_FIXED});
             continue;
@@ -140,6 +184,9 @@ TEST_P(Example, Volumes_LieOnOnePartitionOrOnDynamicDisks) {
 TEST_P(Example, ExtentsOfVolumes_DoNotOverlap) {
     std::vector<machine::Extent> extents;
     for (const machine::Volume& volume : description_.volumes) {
+        if (Excepted(volume)) {
+            continue;
+        }
         const auto own = volume.extents.value_or(std::vector<machine::Extent>{});
         extents.insert(extents.end(), own.begin(), own.end());
     }
@@ -177,7 +224,7 @@ TEST_P(Example, SystemDevice_IsTheVolumeOfTheCurrentDrive) {
 
 TEST_P(Example, EveryVolumeOnOnePartition_KnowsItsPartition) {
     for (const machine::Volume& volume : description_.volumes) {
-        if (volume.extents && volume.extents->size() == 1 &&
+        if (volume.extents && volume.extents->size() == 1 && !Excepted(volume) &&
             !IsDynamic(*FindDisk(description_, volume.extents->front().disk))) {
             ASSERT_TRUE(volume.partition.has_value());
             EXPECT_EQ(volume.partition->length, volume.length);
@@ -191,6 +238,19 @@ INSTANTIATE_TEST_SUITE_P(Machines, Example, testing::ValuesIn(ExampleFolders()),
                              std::replace(name.begin(), name.end(), '-', '_');
                              return name;
                          });
+
+TEST(Examples, Exceptions_NameWhatIsThere) {
+    for (const Exception& row : kExceptions) {
+        const machine::Description description = machine::LoadDescription(
+            std::filesystem::path(ORVANE_SOURCE_DIR "/examples/machines") / row.machine);
+        const bool disk =
+            std::any_of(description.disks.begin(), description.disks.end(),
+                        [&](const auto& own) { return std::to_wstring(own.index) == row.object; });
+        const bool volume = std::any_of(description.volumes.begin(), description.volumes.end(),
+                                        [&](const auto& own) { return own.device == row.object; });
+        EXPECT_TRUE(disk || volume) << row.machine << ": " << row.reason;
+    }
+}
 
 // The JSON blocks of the README are whole machines, and must load like the files.
 TEST(Examples, Readme_ShowsMachinesThatLoad) {
