@@ -53,6 +53,14 @@ struct Exception {
 };
 
 const Exception kExceptions[] = {
+    {"container-on-a-share", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\RiegelVolumeK",
+     "its disk does not exist"},
+    {"container-on-a-share", "EveryVolumeOnOnePartition_KnowsItsPartition", L"\\Device\\RiegelVolumeK",
+     "its disk does not exist"},
+    {"encrypted-container", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\RiegelVolumeK",
+     "its place is made up"},
+    {"encrypted-container", "ExtentsOfVolumes_DoNotOverlap", L"\\Device\\RiegelVolumeK",
+     "its place is made up"},
     {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy1",
      "that of its original"},
     {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy2",
