@@ -61,6 +61,8 @@ const Exception kExceptions[] = {
      "its place is made up"},
     {"encrypted-container", "ExtentsOfVolumes_DoNotOverlap", L"\\Device\\RiegelVolumeK",
      "its place is made up"},
+    {"foreign-file-system", "ExtentsOfVolumes_DoNotOverlap",
+     L"\\Device\\Fibra{5d1c70aa-93b4-4e02-8f6e-2b7c0d9a4411}", "a second volume of one partition"},
     {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy1",
      "that of its original"},
     {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy2",
