@@ -79,6 +79,13 @@ const Exception kExceptions[] = {
      "those of its original"},
     {"shadow-copies-with-extents", "ExtentsOfVolumes_DoNotOverlap", L"\\Device\\HarddiskVolumeShadowCopy2",
      "those of its original"},
+    {"super-floppies", "Identifiers_AreUnique", L"2", "every disk without a table has the signature 1"},
+    {"super-floppies", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolume4",
+     "its entry has no number"},
+    {"super-floppies", "EveryVolumeOnOnePartition_KnowsItsPartition", L"\\Device\\HarddiskVolume4",
+     "its entry has no number"},
+    {"super-floppy-without-number", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolume3",
+     "its entry has no number"},
 };
 
 // Conditions that every real machine fulfils, but for the exceptions.
