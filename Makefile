@@ -5,7 +5,7 @@
 #                             These three describe an example workstation unless ARGS contains --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
 #   make expect CASE=NAME     writes the expected files of a described machine, to be read as a difference
-#   make faults ARGS="..."    fault injection, all cases (ARGS=--help lists the options)
+#   make faults ARGS="..."    fault injection (ARGS=--help lists the options)
 #   make alter ARGS="..."     alters the library in 40 places and shows what no test notices; takes hours
 #   make bench                benchmarks of time and memory (ARGS=--help lists the options)
 #   make lint                 format, dependencies of the rooms, list of oddities, clang-tidy, warnings
