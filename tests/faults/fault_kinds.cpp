@@ -1,9 +1,5 @@
 #include "faults/fault_kinds.h"
 
-#include <algorithm>
-#include <stdexcept>
-#include <string>
-
 namespace faults {
 
 namespace {
@@ -24,15 +20,6 @@ constexpr FaultKind kKinds[] = {
 
 std::span<const FaultKind> FaultKinds() {
     return kKinds;
-}
-
-const FaultKind& FindFaultKind(std::string_view name) {
-    const auto* const found = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                           [&](const FaultKind& kind) { return kind.name == name; });
-    if (found == std::end(kKinds)) {
-        throw std::invalid_argument("no fault is called " + std::string(name));
-    }
-    return *found;
 }
 
 }  // namespace faults

@@ -16,7 +16,4 @@ struct FaultKind {
 // All kinds. Imports, DOM calls and allocations use only some of them (sweep.cpp).
 std::span<const FaultKind> FaultKinds();
 
-// Throws std::invalid_argument.
-const FaultKind& FindFaultKind(std::string_view name);
-
 }  // namespace faults

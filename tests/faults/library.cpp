@@ -30,10 +30,6 @@ Library::Library(const std::filesystem::path& file) : host::OrvaneLibrary(file) 
     InstallImportHooks(module());
 }
 
-std::span<const EntryPoint> EntryPoints() {
-    return kEntryPoints;
-}
-
 const EntryPoint& FindEntryPoint(std::string_view name) {
     const auto* const found = std::find_if(std::begin(kEntryPoints), std::end(kEntryPoints),
                                            [&](const EntryPoint& entry) { return entry.name == name; });

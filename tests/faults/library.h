@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <span>
 #include <string_view>
 
 namespace faults {
@@ -22,8 +21,6 @@ struct EntryPoint {
     std::uint32_t format = 0;  // 0 for a dump
     decltype(&::WMIDumpInfo) host::OrvaneLibrary::*dump = nullptr;
 };
-
-std::span<const EntryPoint> EntryPoints();
 
 // Throws std::invalid_argument.
 const EntryPoint& FindEntryPoint(std::string_view name);
