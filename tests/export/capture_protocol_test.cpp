@@ -13,9 +13,12 @@ using support::LogLine;
 using testing::EndsWith;
 using testing::StartsWith;
 
-using CaptureProtocol = CaptureTest;
+class CaptureProtocol : public CaptureTest, public testing::WithParamInterface<std::uint32_t> {
+protected:
+    CaptureProtocol() { library_.SetXmlFormat(GetParam()); }
+};
 
-TEST_F(CaptureProtocol, SizeQuery_TellsTheLengthAndIsNoError) {
+TEST_P(CaptureProtocol, SizeQuery_TellsTheLengthAndIsNoError) {
     const Captured captured = Capture(0);
     EXPECT_EQ(captured.status, ORVANE_BUFFER_TOO_SMALL);
     EXPECT_GT(captured.required_size, 1000U);
@@ -25,13 +28,13 @@ TEST_F(CaptureProtocol, SizeQuery_TellsTheLengthAndIsNoError) {
     EXPECT_EQ(log_.Count(support::kHostError), 0U) << log_;
 }
 
-TEST_F(CaptureProtocol, SizeQueryWithANullBuffer_IsAllowed) {
+TEST_P(CaptureProtocol, SizeQueryWithANullBuffer_IsAllowed) {
     std::uint32_t length = 0;
     EXPECT_EQ(library_.CaptureSystemRestorePointInfo(nullptr, 0, &length), ORVANE_BUFFER_TOO_SMALL);
     EXPECT_EQ(length, Length());
 }
 
-TEST_F(CaptureProtocol, BufferOfTheExactLength_ReceivesTheWholeDocument) {
+TEST_P(CaptureProtocol, BufferOfTheExactLength_ReceivesTheWholeDocument) {
     const std::uint32_t length = Length();
     const Captured captured = Capture(length);
     EXPECT_EQ(captured.status, ORVANE_SUCCESS);
@@ -40,7 +43,7 @@ TEST_F(CaptureProtocol, BufferOfTheExactLength_ReceivesTheWholeDocument) {
     EXPECT_THAT(captured.buffer, EndsWith("</root>"));
 }
 
-TEST_F(CaptureProtocol, BufferOneByteTooShort_IsUntouched) {
+TEST_P(CaptureProtocol, BufferOneByteTooShort_IsUntouched) {
     const std::uint32_t length = Length();
     const Captured captured = Capture(length - 1);
     EXPECT_EQ(captured.status, ORVANE_BUFFER_TOO_SMALL);
@@ -48,7 +51,7 @@ TEST_F(CaptureProtocol, BufferOneByteTooShort_IsUntouched) {
     EXPECT_EQ(captured.buffer, std::string(length - 1, '#'));
 }
 
-TEST_F(CaptureProtocol, LargerBuffer_KeepsItsRest) {
+TEST_P(CaptureProtocol, LargerBuffer_KeepsItsRest) {
     const std::uint32_t length = Length();
     const Captured captured = Capture(length + 1000);
     EXPECT_EQ(captured.status, ORVANE_SUCCESS);
@@ -56,7 +59,7 @@ TEST_F(CaptureProtocol, LargerBuffer_KeepsItsRest) {
     EXPECT_THAT(captured.buffer, EndsWith("</root>" + std::string(1000, '#')));
 }
 
-TEST_F(CaptureProtocol, NullRequiredSize_IsAllowed) {
+TEST_P(CaptureProtocol, NullRequiredSize_IsAllowed) {
     const std::uint32_t length = Length();
     std::string buffer(length, '#');
     EXPECT_EQ(library_.CaptureSystemRestorePointInfo(buffer.data(), length - 1, nullptr),
@@ -66,7 +69,7 @@ TEST_F(CaptureProtocol, NullRequiredSize_IsAllowed) {
     EXPECT_EQ(library_.CaptureSystemRestorePointInfo(nullptr, 0, nullptr), ORVANE_BUFFER_TOO_SMALL);
 }
 
-TEST_F(CaptureProtocol, NullBufferThatWouldBeLargeEnough_FailsCleanly) {
+TEST_P(CaptureProtocol, NullBufferThatWouldBeLargeEnough_FailsCleanly) {
     std::uint32_t length = Captured::kUntouched;
     EXPECT_EQ(library_.CaptureSystemRestorePointInfo(nullptr, 1000000, &length), ORVANE_FAILED);
     EXPECT_EQ(length, Captured::kUntouched);
@@ -74,24 +77,28 @@ TEST_F(CaptureProtocol, NullBufferThatWouldBeLargeEnough_FailsCleanly) {
     EXPECT_EQ(library_.CaptureSystemRestorePointInfo(nullptr, 0xFFFFFFFFU, nullptr), ORVANE_FAILED);
 }
 
-TEST_F(CaptureProtocol, LinesOfTheExport_FrameTheCall) {
+TEST_P(CaptureProtocol, LinesOfTheExport_FrameTheCall) {
     log_.Clear();
     Capture(0);
     ASSERT_GT(log_.all().size(), 3U);
     EXPECT_EQ(log_.all()[0], (LogLine{support::kHostTrace, "Entering CaptureSystemRestorePointInfo"}));
-    EXPECT_EQ(log_.all()[1],
-              (LogLine{support::kHostTrace, "CaptureSystemRestorePointInfo gSaveXmlFormat=3"}));
+    EXPECT_EQ(log_.all()[1], (LogLine{support::kHostTrace, "CaptureSystemRestorePointInfo gSaveXmlFormat=" +
+                                                               std::to_string(GetParam())}));
     EXPECT_EQ(log_.all().back(), (LogLine{support::kHostTrace, "Exiting CaptureSystemRestorePointInfo"}));
 }
 
-TEST_F(CaptureProtocol, EveryCapture_CollectsAnew) {
+INSTANTIATE_TEST_SUITE_P(Formats, CaptureProtocol, testing::Values(2U, 3U));
+
+using RepeatedCapture = CaptureTest;
+
+TEST_F(RepeatedCapture, EveryCapture_CollectsAnew) {
     const std::string before = Document();
     EXPECT_EQ(support::WithoutAddresses(Document()), support::WithoutAddresses(before));
     simulation().description().volumes.at(2).label = L"Renamed";
     EXPECT_THAT(Document(), testing::HasSubstr("<VolumeLabel>Renamed</VolumeLabel>"));
 }
 
-TEST_F(CaptureProtocol, Format_IsThatOfTheLastSetting) {
+TEST_F(RepeatedCapture, Format_IsThatOfTheLastSetting) {
     library_.SetXmlFormat(7);
     library_.SetXmlFormat(3);
     EXPECT_EQ(Capture(0).status, ORVANE_BUFFER_TOO_SMALL);

@@ -2,7 +2,6 @@
 
 #include "export/capture_fixture.h"
 #include "export/expected_document.h"
-#include "export/expected_sections.h"
 #include "machine/description/wmi_defaults.h"
 #include "support/text.h"
 #include "unit/capture/grabber/mixed_machine.h"
@@ -14,8 +13,6 @@
 #include <iterator>
 
 namespace {
-
-using testing::ElementsAre;
 
 XmlTree TreeOf(const std::string& document) {
     return XmlTree::Of(support::Utf8(support::Wide(document)));
@@ -96,21 +93,6 @@ protected:
 
 TEST_F(MixedDocument, EveryElement_IsAsDescribed) {
     EXPECT_EQ(WithoutAddresses(TreeOf(Document())), ExpectedDocument(simulation().machine()));
-}
-
-class ServerDocument : public CaptureTest {
-protected:
-    ServerDocument() : CaptureTest(Machine("server-many-disks")) {}
-};
-
-TEST_F(ServerDocument, Disks_StandInTheOrderOfTheirNumbersAsText) {
-    const XmlTree root = TreeOf(Document());
-    const XmlTree& disks = root.Child("BMREnvInfo").Child("DeviceInfo");
-    EXPECT_THAT(disks.Names(), ElementsAre("NumberOfDisks", "Disk1", "Disk2", "Disk3", "Disk4"));
-    EXPECT_EQ(disks.Child("Disk1").Child("DiskId").text, "0");
-    EXPECT_EQ(disks.Child("Disk2").Child("DiskId").text, "1");
-    EXPECT_EQ(disks.Child("Disk3").Child("DiskId").text, "10");
-    EXPECT_EQ(disks.Child("Disk4").Child("DiskId").text, "2");
 }
 
 class DocumentTexts : public CaptureTest {};

@@ -15,7 +15,6 @@ using support::kHostTrace;
 using support::LogLine;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 class Dumps : public CaptureTest {
 protected:
@@ -44,20 +43,6 @@ protected:
     std::vector<std::string> Information() const { return log_.Lines(kHostInformation); }
 };
 
-TEST_F(Dumps, EachOne_IsTracedWithItsName) {
-    for (const Named& each : All()) {
-        SCOPED_TRACE(each.name);
-        Run(each.dump);
-        ASSERT_GE(log_.all().size(), 2U);
-        EXPECT_EQ(log_.all().front().level, kHostTrace);
-        EXPECT_THAT(log_.all().front().text,
-                    StartsWith("Entering function " + std::string(each.name) + " line "));
-        EXPECT_EQ(log_.all().back().level, kHostTrace);
-        EXPECT_THAT(log_.all().back().text,
-                    StartsWith("Leaving function " + std::string(each.name) + " line "));
-    }
-}
-
 TEST_F(Dumps, EachOne_LeavesFormatAndSelectionAlone) {
     library_.SetXmlFormat(2);
     library_.Select({L"X:"});
@@ -70,17 +55,6 @@ TEST_F(Dumps, EachOne_LeavesFormatAndSelectionAlone) {
     EXPECT_TRUE(
         log_.Contains(kHostError, "Backup cannot proceed. Failed to find any information about volume X:."))
         << log_;
-}
-
-TEST_F(Dumps, WithoutCallback_NothingButFailuresIsSeen) {
-    simulation().faults().Fail("IEnumWbemClassObject::Next", 0x80041001, L"Win32_Processor");
-    library_.SetEventFunc(nullptr);
-    const support::DebuggerCapture debugger(library_.module());
-    library_.WMIDumpInfo();
-    library_.FirmwareDumpInfo();
-    ASSERT_EQ(debugger.lines().size(), 2U);
-    EXPECT_THAT(debugger.lines()[0], testing::EndsWith(L"M GetProcessorInfo FindFirstObject failed\n"));
-    EXPECT_THAT(debugger.lines()[1], testing::EndsWith(L"M WMIDumpInfo Processor Info Failed\n"));
 }
 
 // --- WMIDumpInfo
@@ -161,13 +135,6 @@ TEST_F(Dumps, DisksThatCannotBeListed_AreNone) {
         << log_;
 }
 
-TEST_F(Dumps, DiskThatCannotBeOpened_HasItsReason) {
-    simulation().faults().Fail("CreateFileW", 5, L"\\\\.\\PhysicalDrive1");
-    Run(library_.DiskDumpInfo);
-    EXPECT_TRUE(log_.Contains(kHostInformation, "    Failure reason: Failed to open hard disk 1 error: 5"))
-        << log_;
-}
-
 // --- VolumeDumpInfo
 
 TEST_F(Dumps, WithoutCom_VolumeDumpSaysSoAndEnds) {
@@ -197,12 +164,6 @@ TEST_F(Dumps, VolumeDump_IsTheDiskModelsWhateverTheFormat) {
         EXPECT_EQ(log_.Messages(), expected) << format;
         EXPECT_TRUE(log_.ContainsPart(kHostTrace, "orvane::InfoGrabberV3::DumpVolumeInfo")) << format;
     }
-}
-
-TEST_F(Dumps, VolumesThatCannotAllBeBackedUp_EndWithThatSummary) {
-    Run(library_.VolumeDumpInfo);
-    EXPECT_EQ(Information().back(), "Other volumes can be backed up except volumes with errors");
-    EXPECT_TRUE(log_.Contains(kHostError, "This not a fixed disk, type is 5")) << log_;
 }
 
 class DumpsOfALaptop : public Dumps {

@@ -7,7 +7,6 @@
 #include "support/text.h"
 
 #include <gmock/gmock.h>
-#include <objbase.h>
 
 #include <regex>
 #include <string>
@@ -39,26 +38,6 @@ protected:
     }
 };
 
-TEST_F(DumpsWithoutCallback, DiskDump_NothingFails_IsSilent) {
-    EXPECT_THAT(Seen(library_.DiskDumpInfo), IsEmpty());
-    EXPECT_GT(simulation().calls().Count("DeviceIoControl"), 0U);
-}
-
-TEST_F(DumpsWithoutCallback, DiskDump_DiskThatCannotBeOpened_IsOneLine) {
-    simulation().faults().Fail("CreateFileW", 5, L"\\\\.\\PhysicalDrive1");
-
-    EXPECT_THAT(Seen(library_.DiskDumpInfo),
-                ElementsAre("operation Opening Disk failed - Failed to open hard disk 1 error: 5\n"));
-}
-
-TEST_F(DumpsWithoutCallback, DiskDump_DisksThatCannotBeListed_AreTheFailuresAlone) {
-    simulation().faults().Fail("IWbemServices::ExecQuery", 0x80041003, L"Win32_DiskDrive");
-
-    EXPECT_THAT(Seen(library_.DiskDumpInfo),
-                ElementsAre("CWmi::CWmi ExecQuery failed error 0x80041003\n",
-                            "DeviceManager::ObtainPhysicalDrivesIndexes wmi not initialized\n"));
-}
-
 TEST_F(DumpsWithoutCallback, VolumeDump_RefusedVolumes_AreTheirReasons) {
     std::erase_if(simulation().description().volumes, [](const machine::Volume& volume) {
         return volume.drive_type != DRIVE_FIXED || volume.mount_points != std::vector<std::wstring>{L"C:\\"};
@@ -72,28 +51,6 @@ TEST_F(DumpsWithoutCallback, VolumeDump_RefusedVolumes_AreTheirReasons) {
                 ElementsAre("Volume \\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\ (Mounted as: C:\\) "
                             "cannot be backed up because:\n",
                             "This not a fixed disk, type is 5\n"));
-}
-
-TEST_F(DumpsWithoutCallback, VolumeDump_CollectionThatFails_IsItsErrors) {
-    simulation().faults().Fail("FindFirstVolumeW", 5);
-
-    EXPECT_THAT(Seen(library_.VolumeDumpInfo),
-                ElementsAre("bmr_common::VolumeManager::InitializeWithCurrentVolumes failed to "
-                            "FindFirstVolume error=5\n",
-                            "Failed to obtain environment information\n"));
-}
-
-HRESULT WINAPI RefuseCom(void*, DWORD) {
-    return E_OUTOFMEMORY;
-}
-
-TEST_F(DumpsWithoutCallback, VolumeDump_NoCom_SaysSo) {
-    const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module());
-
-    EXPECT_THAT(Seen(library_.VolumeDumpInfo),
-                ElementsAre("CoInitializeEx failed error=0x8007000e calling function VolumeDumpInfo\n",
-                            "VolumeDumpInfo failed to initialize COM - cannot determine boot/system "
-                            "volume(s)\n"));
 }
 
 // These messages already end in a line feed; no second one is added.
@@ -119,11 +76,6 @@ TEST_F(LaptopWithoutCallback, VolumeDump_AllVolumesCanBeBackedUp_IsSilent) {
 
     EXPECT_THAT(Seen(library_.VolumeDumpInfo), IsEmpty());
     EXPECT_GT(simulation().calls().Count("GetDriveTypeW"), 0U);
-}
-
-TEST_F(LaptopWithoutCallback, WmiDump_NothingFails_IsSilent) {
-    EXPECT_THAT(Seen(library_.WMIDumpInfo), IsEmpty());
-    EXPECT_EQ(simulation().calls().Count("IWbemServices::ExecQuery"), 4U);
 }
 
 }  // namespace

@@ -74,30 +74,4 @@ TEST_F(FlatCaptureOfAMissingDisk, Format2_FailsThoughNothingIsSelected) {
                                        std::string(kNotCollected)}));
 }
 
-class FlatCaptureWithoutDisks : public FlatCapture {
-protected:
-    FlatCaptureWithoutDisks() : FlatCapture("no-disks") {}
-};
-
-TEST_F(FlatCaptureWithoutDisks, EitherFormat_Fails) {
-    for (const std::uint32_t format : {1U, 2U}) {
-        library_.SetXmlFormat(format);
-        EXPECT_EQ(Failed().back(), kNotCollected) << format;
-    }
-}
-
-class FlatCaptureOfGptDisks : public FlatCapture {
-protected:
-    FlatCaptureOfGptDisks() : FlatCapture("uefi-workstation") {}
-};
-
-// Format 1 leaves out volumes on GPT disks, including the system volume.
-TEST_F(FlatCaptureOfGptDisks, Format1_Fails) {
-    library_.SetXmlFormat(1);
-    const std::vector<std::string> lines = Failed();
-    ASSERT_GE(lines.size(), 2U);
-    EXPECT_THAT(lines, testing::Contains(testing::StartsWith("Failed to find System volume '\\Device\\")));
-    EXPECT_EQ(lines.back(), kNotCollected);
-}
-
 }  // namespace

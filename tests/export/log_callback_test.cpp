@@ -11,21 +11,6 @@ using testing::IsEmpty;
 
 using LogCallback = ExportTest;
 
-TEST_F(LogCallback, Installing_LogsNothing) {
-    const support::LogCapture log(library_.SetEventFunc);
-    EXPECT_THAT(log.all(), IsEmpty());
-}
-
-TEST_F(LogCallback, NewCallback_ReplacesTheOldOne) {
-    const support::LogCapture first(library_.SetEventFunc);
-    {
-        const support::LogCapture second(library_.SetEventFunc);
-        library_.SetXmlFormat(3);
-        EXPECT_EQ(second.all().size(), 2U) << second;
-    }
-    EXPECT_THAT(first.all(), IsEmpty());
-}
-
 TEST_F(LogCallback, NoCallback_SendsErrorsToTheDebugger) {
     library_.SetEventFunc(nullptr);
     const support::DebuggerCapture debugger(library_.module());

@@ -38,11 +38,6 @@ TEST_F(SelectedVolumes, VolumesThatCanBeBackedUp_Pass) {
     ExpectDone({kGoodVolume, kTwiceMountedVolume});
 }
 
-TEST_F(SelectedVolumes, OtherCaseOfAGuid_IsTheSameVolume) {
-    simulation().description().volumes.at(0).guid = L"{abcdef00-0000-0000-0000-000000000000}";
-    ExpectDone({L"\\\\?\\Volume{ABCDEF00-0000-0000-0000-000000000000}\\"});
-}
-
 TEST_F(SelectedVolumes, UnknownVolume_FailsTheCapture) {
     EXPECT_THAT(Refused({kUnknownVolume}),
                 ElementsAre("Backup cannot proceed. Failed to find any information about volume "

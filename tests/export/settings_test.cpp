@@ -8,7 +8,6 @@ namespace {
 using support::LogCapture;
 using support::LogLine;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::StartsWith;
 
 using Settings = ExportTest;
@@ -51,14 +50,6 @@ TEST_F(Settings, EmptyList_ClearsTheSelection) {
     EXPECT_EQ(library_.SetupSelectedVolumesList(L"\0", 2), 0);
     EXPECT_THAT(log.Messages(), ElementsAre(LogLine{support::kHostError,
                                                     "SetupSelectedVolumesList: volume_guid_list is empty"}));
-}
-
-TEST_F(Settings, SelectedVolumesList_IsTraced) {
-    const LogCapture log(library_.SetEventFunc);
-    library_.Select({L"a"});
-    ASSERT_EQ(log.all().size(), 2U) << log;
-    EXPECT_THAT(log.all()[0].text, StartsWith("Entering function SetupSelectedVolumesList line "));
-    EXPECT_THAT(log.all()[1].text, StartsWith("Leaving function SetupSelectedVolumesList line "));
 }
 
 TEST_F(Settings, List_ReplacesTheOneBefore) {

@@ -169,15 +169,4 @@ INSTANTIATE_TEST_SUITE_P(Tools, GptImage,
                          testing::Values(GptCase{"gpt-1", 1}, GptCase{"gpt-12", 12}, GptCase{"gpt-128", 128},
                                          GptCase{"gpt-damaged-primary", 3}));
 
-// Disks partitioned by the tools can be backed up.
-TEST(DiskImages, CanBackup_OnEveryImage_IsTrue) {
-    for (const char* name :
-         {"mbr-four-primaries", "mbr-logicals", "gpt-1", "gpt-128", "gpt-damaged-primary"}) {
-        const ImagedDisk disk(name);
-        std::vector<std::wstring> reasons;
-        EXPECT_TRUE(disk->can_backup(reasons)) << name;
-        EXPECT_TRUE(reasons.empty()) << name;
-    }
-}
-
 }  // namespace

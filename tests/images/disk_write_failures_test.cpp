@@ -3,7 +3,6 @@
 #include "common/disk/disk_drive_manager.h"
 #include "common/disk/partition_manager_gpt.h"
 #include "images/written_table.h"
-#include "support/logger_capture.h"
 
 #include <gtest/gtest.h>
 
@@ -183,24 +182,6 @@ TEST(WriteFailures, Commit_OnePartitionMoreThanTheTableHolds_LeavesTheImage) {
     EXPECT_TRUE(before == image.bytes());
     EXPECT_TRUE(Delete(manager)) << "with one less it fits";
     EXPECT_FALSE(before == image.bytes());
-}
-
-TEST(WriteFailures, Commit_CopyOfTheImageCannotBeMade_IsAWriteFault) {
-    machine::Simulation simulation(machine::ParseDescription(
-        R"({"disks": [{"index": 0, "image": "edit-gpt.img", "writeTo": "no-such-folder/copy.img"}]})",
-        "failing.test", ORVANE_IMAGES_DIR));
-    PartitionManagerGPT manager(0);
-    Read(manager);
-    const support::LoggerCapture log;
-
-    EXPECT_FALSE(Delete(manager));
-
-    EXPECT_EQ(0U, simulation.open_handles());
-    EXPECT_TRUE(log.Contains(support::kHostError,
-                             "win::WinAPIWrapper::SetDriveLayoutEx IOCTL_DISK_SET_DRIVE_LAYOUT of disk 0 "
-                             "error=29"))
-        << log;
-    EXPECT_EQ(4U, simulation.machine().disks.front().partitions.size());
 }
 
 }  // namespace

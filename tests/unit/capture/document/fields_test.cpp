@@ -38,10 +38,6 @@ TEST(AddValue, Guid_IsInRegistryForm) {
     EXPECT_EQ(TextOf(GUID{}), "{00000000-0000-0000-0000-000000000000}");
 }
 
-TEST(AddValue, Text_StandsAsItIs) {
-    EXPECT_EQ(TextOf(std::wstring(L" <a> & 007 ")), " <a> & 007 ");
-}
-
 // A locale with grouped digits, which a host may have set for its own output.
 class Grouping : public std::numpunct<wchar_t> {
     wchar_t do_thousands_sep() const override { return L'.'; }

@@ -61,44 +61,6 @@ protected:
     EnvInfo record_;
 };
 
-// --- The fields that it fills.
-
-TEST_F(InitEnvInfoTest, Machine_FillsTheRecord) {
-    EXPECT_TRUE(InitEnvInfo(record_)) << log_;
-    EXPECT_EQ(record_.Version, 3U);
-    EXPECT_EQ(record_.DllVersion, L"9.50.6732.");
-    EXPECT_FALSE(record_.Processor.Manufacturer.empty());
-    EXPECT_EQ(record_.OS.SystemDevice, L"\\Device\\HarddiskVolume2");
-    EXPECT_FALSE(record_.ComputerSystem.Model.empty());
-    EXPECT_FALSE(record_.BootConfiguration.BootDirectory.empty());
-    EXPECT_EQ(record_.DiskDrives.size(), 1U);
-    EXPECT_EQ(record_.VolumeTable.size(), 3U);
-    EXPECT_EQ(record_.BootConfig.m_guidSystemVolume,
-              L"\\\\?\\Volume{22222222-0000-0000-0000-000000000000}\\");
-    EXPECT_EQ(record_.BootIniContents, L"");
-    EXPECT_EQ(log_.Count(support::kHostError), 0U) << log_;
-}
-
-TEST_F(InitEnvInfoTest, Volumes_AreSortedByLetterAndSoAreTheDrives) {
-    ASSERT_TRUE(InitEnvInfo(record_)) << log_;
-    std::vector<std::wstring> volumes;
-    std::vector<std::wstring> drives;
-    for (const ::Volume& volume : record_.VolumeTable) {
-        volumes.push_back(volume.VolumeLetter);
-    }
-    for (const DriveLetterEntry& drive : record_.DriveLetterTable) {
-        drives.push_back(drive.m_strDrive);
-    }
-    EXPECT_THAT(volumes, ElementsAre(L"", L"C:\\", L"D:\\"));
-    EXPECT_THAT(drives, ElementsAre(L"", L"C:\\", L"D:\\"));
-}
-
-TEST_F(InitEnvInfoTest, Machine_LeavesNothingOpen) {
-    ASSERT_TRUE(InitEnvInfo(record_)) << log_;
-    EXPECT_EQ(simulation().open_handles(), 0U);
-    EXPECT_EQ(simulation().live_objects(), 0U);
-}
-
 // --- Steps that fail.
 
 HRESULT WINAPI RefuseCom(void*, DWORD) {
@@ -169,15 +131,6 @@ TEST_F(InitEnvInfoTest, SystemVolumeThatIsMissing_FailsBeforeTheVersionIsSet) {
     EXPECT_EQ(record_.VolumeTable.size(), 2U);
 }
 
-TEST_F(InitEnvInfoTest, BootOptionsThatAreMissing_Fail) {
-    machine::Description machine = machine::ParseDescription(kTwoPartitions, "legacy machine");
-    machine.registry.clear();
-    Describe(std::move(machine));
-    EXPECT_FALSE(InitEnvInfo(record_));
-    EXPECT_THAT(log_.Lines(support::kHostError),
-                ElementsAre("GetBootOptions Failed to open registry", kFailed.text));
-}
-
 // The key exists but the value does not: the volumes are found and recorded, and the whole step fails.
 TEST_F(InitEnvInfoTest, BootOptionsValueThatIsAbsent_FailsWithTheVolumesFound) {
     machine::Description machine = machine::ParseDescription(kTwoPartitions, "legacy machine");
@@ -227,11 +180,6 @@ TEST_F(InitEnvInfoTest, DisksThatCannotBeRead_FailWithTheirOwnLinesAlone) {
 
 // --- Correction of partition numbers.
 
-TEST_F(InitEnvInfoTest, NumberThatAgrees_IsNotTouched) {
-    ASSERT_TRUE(InitEnvInfo(record_)) << log_;
-    EXPECT_THAT(DtsLines(), IsEmpty());
-}
-
 TEST_F(InitEnvInfoTest, NumberThatDiffers_IsCorrectedInTheVolumeAlone) {
     // Without the first volume, the second partition is the first one with a fixed volume.
     description().volumes.pop_back();
@@ -252,15 +200,6 @@ TEST_F(InitEnvInfoTest, NumberThatDiffers_IsCorrectedInTheVolumeAlone) {
                             "\\\\?\\Volume{22222222-0000-0000-0000-000000000000}\\",
                             "DTS 19963 InitEnvInfo changing partition number from 2 to 3 for volume D:\\ "
                             "\\\\?\\Volume{33333333-0000-0000-0000-000000000000}\\"));
-}
-
-TEST_F(InitEnvInfoTest, Lookup_IsTraced) {
-    ASSERT_TRUE(InitEnvInfo(record_)) << log_;
-    std::size_t entered = 0;
-    for (const std::string& line : log_.Lines(support::kHostTrace)) {
-        entered += line.starts_with("Entering function GetPartitionNumber line ") ? 1 : 0;
-    }
-    EXPECT_EQ(entered, 3U);
 }
 
 TEST_F(InitEnvInfoTest, BasicVolumeWhereNoPartitionStarts_FailsWithoutAFurtherLine) {

@@ -23,70 +23,6 @@ protected:
 
 // --- Texts, each into its own member.
 
-template <class Section>
-struct TextMember {
-    const wchar_t* property;
-    std::wstring Section::*member;
-};
-
-const TextMember<OSInfo> kOSTexts[] = {
-    {L"BootDevice", &OSInfo::BootDevice},
-    {L"CountryCode", &OSInfo::CountryCode},
-    {L"CSDVersion", &OSInfo::CSDVersion},
-    {L"CSName", &OSInfo::CSName},
-    {L"Description", &OSInfo::Description},
-    {L"Locale", &OSInfo::Locale},
-    {L"Manufacturer", &OSInfo::Manufacturer},
-    {L"Organization", &OSInfo::Organization},
-    {L"SerialNumber", &OSInfo::SerialNumber},
-    {L"SystemDevice", &OSInfo::SystemDevice},
-    {L"SystemDirectory", &OSInfo::SystemDirectory},
-    {L"SystemDrive", &OSInfo::SystemDrive},
-    {L"Version", &OSInfo::Version},
-    {L"Caption", &OSInfo::Name},
-    {L"WindowsDirectory", &OSInfo::WindowsDirectory},
-};
-const TextMember<ComputerSystemInfo> kComputerSystemTexts[] = {
-    {L"Description", &ComputerSystemInfo::Description},
-    {L"Domain", &ComputerSystemInfo::Domain},
-    {L"Manufacturer", &ComputerSystemInfo::Manufacturer},
-    {L"Model", &ComputerSystemInfo::Model},
-    {L"SystemType", &ComputerSystemInfo::SystemType},
-    {L"TotalPhysicalMemory", &ComputerSystemInfo::TotalPhysicalMemory},
-    {L"UserName", &ComputerSystemInfo::UserName},
-};
-const TextMember<BootConfigurationInfo> kBootConfigurationTexts[] = {
-    {L"BootDirectory", &BootConfigurationInfo::BootDirectory},
-    {L"ConfigurationPath", &BootConfigurationInfo::ConfigurationPath},
-    {L"Description", &BootConfigurationInfo::Description},
-    {L"LastDrive", &BootConfigurationInfo::LastDrive},
-    {L"Name", &BootConfigurationInfo::Name},
-    {L"ScratchDirectory", &BootConfigurationInfo::ScratchDirectory},
-    {L"TempDirectory", &BootConfigurationInfo::TempDirectory},
-};
-const TextMember<ProcessorInfo> kProcessorTexts[] = {{L"Manufacturer", &ProcessorInfo::Manufacturer}};
-
-template <class Section, class Members>
-void ExpectTexts(WmiMachine& machine, const wchar_t* class_name, bool (*collect)(Section&),
-                 const Members& members) {
-    for (const auto& text : members) {
-        machine.Set(class_name, text.property, WmiText(std::wstring(L"<") + text.property + L">"));
-    }
-    machine.Set(class_name, L"Name", WmiText(L"<Name>"));
-    Section section;
-    EXPECT_TRUE(collect(section));
-    for (const auto& text : members) {
-        EXPECT_EQ(section.*text.member, std::wstring(L"<") + text.property + L">");
-    }
-}
-
-TEST_F(PropertyValues, Texts_GoToTheirMembers) {
-    ExpectTexts(machine_, L"Win32_Processor", GetProcessorInfo, kProcessorTexts);
-    ExpectTexts(machine_, L"Win32_OperatingSystem", GetOSInfo, kOSTexts);
-    ExpectTexts(machine_, L"Win32_ComputerSystem", GetComputerSystem, kComputerSystemTexts);
-    ExpectTexts(machine_, L"Win32_BootConfiguration", GetBootConfiguration, kBootConfigurationTexts);
-}
-
 TEST_F(PropertyValues, TextThatIsNoText_LeavesTheMemberAsItWas) {
     class_name_ = L"Win32_Processor";
     for (const machine::WmiValue& value : {WmiNull(), WmiNumber(VT_I4, 5), WmiTexts({L"a"}), WmiFailure()}) {
@@ -191,13 +127,26 @@ TEST_F(PropertyValues, Architecture_IsNotSetWithoutTheBootDevice) {
     EXPECT_EQ(os.OSArchitecture, 0U);
 }
 
-TEST_F(PropertyValues, Caption_IsTheNameOfTheRecord) {
-    machine_.Set(L"Win32_OperatingSystem", L"Name",
-                 WmiText(L"caption|C:\\Windows|\\Device\\Harddisk0\\Partition3"));
-    machine_.Set(L"Win32_OperatingSystem", L"Caption", WmiText(L"caption"));
-    OSInfo os;
-    EXPECT_TRUE(GetOSInfo(os));
-    EXPECT_EQ(os.Name, L"caption");
+// wmi_values_test.cpp has the conversion of each type.
+TEST_F(PropertyValues, UnsignedNumbers_AreCutTo16BitsInAllButTwoMembers) {
+    machine_.Set(L"Win32_Processor", L"Family", WmiNumber(VT_UI4, 70000));
+    machine_.Set(L"Win32_ComputerSystem", L"NumberOfProcessors", WmiNumber(VT_UI4, 70000));
+    machine_.Set(L"Win32_OperatingSystem", L"ProductType", WmiNumber(VT_UI4, 70000));
+    machine_.Set(L"Win32_BootConfiguration", L"SettingID", WmiNumber(VT_UI4, 70000));
+    SystemSections sections;
+    ASSERT_TRUE(GetWMIInfo(sections));
+    EXPECT_EQ(sections.Processor.Family, 4464);
+    EXPECT_EQ(sections.ComputerSystem.NumberOfProcessors, 4464U);
+    EXPECT_EQ(sections.OS.ProductType, 70000U);
+    EXPECT_EQ(sections.BootConfiguration.SettingID, 70000U);
+}
+
+TEST_F(PropertyValues, NumberThatCannotBeRead_LeavesTheMemberAsItWas) {
+    machine_.Set(L"Win32_Processor", L"Family", WmiFailure());
+    ProcessorInfo processor;
+    processor.Family = 77;
+    EXPECT_TRUE(GetProcessorInfo(processor));
+    EXPECT_EQ(processor.Family, 77);
 }
 
 }  // namespace

@@ -42,85 +42,13 @@ protected:
 
 // --- Volumes.
 
-TEST_F(BackupCheck, NoVolumes_Pass) {
-    EXPECT_TRUE(Volumes({}));
-    EXPECT_THAT(errors_, IsEmpty());
-}
-
-TEST_F(BackupCheck, VolumesThatCanBeBackedUp_Pass) {
-    EXPECT_TRUE(Volumes({kGoodVolume, kTwiceMountedVolume, kGoodVolume}));
-    EXPECT_THAT(errors_, IsEmpty());
-}
-
 TEST_F(BackupCheck, EarlierErrors_AreForgotten) {
     errors_ = {L"of an earlier check"};
     EXPECT_TRUE(Volumes({kGoodVolume}));
     EXPECT_THAT(errors_, IsEmpty());
 }
 
-TEST_F(BackupCheck, UnknownVolume_IsReportedAsItWasGiven) {
-    EXPECT_FALSE(Volumes({kUnknownVolume, L"X:"}));
-    EXPECT_THAT(errors_,
-                ElementsAre(L"Backup cannot proceed. Failed to find any information about volume "
-                            L"\\\\?\\Volume{99999999-0000-0000-0000-000000000000}\\.",
-                            L"Backup cannot proceed. Failed to find any information about volume X:."));
-}
-
-TEST_F(BackupCheck, RefusedVolume_IsReportedWithItsMountPoint) {
-    EXPECT_FALSE(Volumes({kRemovableVolume}));
-    EXPECT_THAT(
-        errors_,
-        ElementsAre(L"Volume \\\\?\\Volume{33333333-0000-0000-0000-000000000000}\\ (Mounted as: E:\\) "
-                    L"cannot be backed up because:",
-                    L"This not a fixed disk, type is 2"));
-}
-
-TEST_F(BackupCheck, RefusedVolumeWithoutMountPoint_IsReportedWithoutParenthesis) {
-    EXPECT_FALSE(Volumes({kVolumeOnMissingDisk}));
-    EXPECT_THAT(errors_, ElementsAre(L"Volume \\\\?\\Volume{44444444-0000-0000-0000-000000000000}\\ "
-                                     L"cannot be backed up because:",
-                                     L"Extent is on disk 4 but we don't have such disk."));
-}
-
-TEST_F(BackupCheck, ReasonsOfTheDisk_AreThoseOfTheVolume) {
-    EXPECT_FALSE(Volumes({kVolumeOnRawDisk}));
-    EXPECT_THAT(
-        errors_,
-        ElementsAre(L"Volume \\\\?\\Volume{55555555-0000-0000-0000-000000000000}\\ (Mounted as: F:\\) "
-                    L"cannot be backed up because:",
-                    L"Unknown disk partition style 2"));
-}
-
-TEST_F(BackupCheck, SeveralVolumes_AreReportedInTheirOrder) {
-    EXPECT_FALSE(Volumes({kVolumeOnMissingDisk, kGoodVolume, kUnknownVolume, kRemovableVolume}));
-    ASSERT_EQ(errors_.size(), 5U);
-    EXPECT_THAT(errors_[0], testing::HasSubstr(L"{44444444-"));
-    EXPECT_THAT(errors_[2], testing::HasSubstr(L"{99999999-"));
-    EXPECT_THAT(errors_[3], testing::HasSubstr(L"{33333333-"));
-}
-
-// Queries of the volume fail: each of its recorded errors is logged as a reason.
-TEST(BackupCheckOfBrokenVolume, ErrorsOfTheVolume_AreItsReasons) {
-    machine::Session session(MixedMachine());
-    session.simulation().faults().Fail("GetVolumeInformationW", 21);
-    session.simulation().faults().Fail("GetVolumePathNamesForVolumeNameW", 1117);
-    bmr_common::DeviceManager disks;
-    bmr_common::VolumeManager volumes;
-    ASSERT_TRUE(disks.InitializeWithCurrentDisks());
-    ASSERT_TRUE(volumes.InitializeWithCurrentVolumes(disks, L"", L""));
-    Texts errors;
-    EXPECT_FALSE(FakeGrabber().CanBackup({kGoodVolume}, volumes, errors));
-    EXPECT_THAT(errors, ElementsAre(L"Volume \\\\?\\Volume{11111111-0000-0000-0000-000000000000}\\ "
-                                    L"cannot be backed up because:",
-                                    L"Failed to get mount points", L"Failed to get volume information"));
-}
-
 // --- Disks.
-
-TEST_F(BackupCheck, NoRequestedDisks_Pass) {
-    EXPECT_TRUE(RequestedDisks({}));
-    EXPECT_THAT(errors_, IsEmpty());
-}
 
 TEST_F(BackupCheck, DiskWithThePartition_Passes) {
     EXPECT_TRUE(RequestedDisks({{0, kMiB}, {0, 101 * kMiB}, {1, kMiB}}));
@@ -135,12 +63,6 @@ TEST_F(BackupCheck, UnknownDisk_IsLoggedAtOnceAndReported) {
                             L"4294967295."));
     EXPECT_THAT(log_.Lines(support::kHostError),
                 ElementsAre("orvane::InfoGrabber::CanBackup Can't find requested disk 4294967295"));
-}
-
-TEST_F(BackupCheck, RefusedDisk_IsReportedWithItsReasons) {
-    EXPECT_FALSE(RequestedDisks({{2, 0}}));
-    EXPECT_THAT(errors_,
-                ElementsAre(L"Disk 2 cannot be backed up because:", L"Unknown disk partition style 2"));
 }
 
 TEST_F(BackupCheck, OffsetWithoutPartition_IsReported) {
@@ -167,26 +89,6 @@ TEST_F(BackupCheck, SeveralDisks_AreAllChecked) {
 TEST_F(BackupCheck, NothingSelected_PassesWithoutALine) {
     EXPECT_TRUE(Whole({}, {}));
     EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(BackupCheck, Check_IsTraced) {
-    EXPECT_TRUE(Whole({}, {}));
-    const std::vector<std::string> trace = log_.Lines(support::kHostTrace);
-    ASSERT_FALSE(trace.empty());
-    EXPECT_THAT(trace.front(), testing::StartsWith("Entering function orvane::InfoGrabber::CanBackup line "));
-    EXPECT_THAT(trace.back(), testing::StartsWith("Leaving function orvane::InfoGrabber::CanBackup line "));
-}
-
-TEST_F(BackupCheck, RefusedVolume_LogsItsLinesAsErrors) {
-    EXPECT_FALSE(Whole({kRemovableVolume, kUnknownVolume}, {}));
-    EXPECT_THAT(
-        log_.Lines(support::kHostError),
-        ElementsAre(
-            "Volume \\\\?\\Volume{33333333-0000-0000-0000-000000000000}\\ (Mounted as: E:\\) cannot be "
-            "backed up because:",
-            "This not a fixed disk, type is 2",
-            "Backup cannot proceed. Failed to find any information about volume "
-            "\\\\?\\Volume{99999999-0000-0000-0000-000000000000}\\."));
 }
 
 TEST_F(BackupCheck, SeveralMountPoints_AreAllNamed) {
@@ -224,11 +126,6 @@ TEST_F(BackupCheck, UnknownDiskBesideRefusedVolume_IsLoggedBetweenTheReports) {
                             "\\\\?\\Volume{99999999-0000-0000-0000-000000000000}\\.",
                             "orvane::InfoGrabber::CanBackup Can't find requested disk 9",
                             "Backup cannot proceed. Failed to find any information about requested disk 9."));
-}
-
-TEST_F(BackupCheck, RefusedVolumeBesidePassingDisk_Fails) {
-    EXPECT_FALSE(Whole({kUnknownVolume}, {{0, kMiB}}));
-    EXPECT_EQ(log_.Count(support::kHostError), 1U) << log_;
 }
 
 TEST_F(BackupCheck, AllVolumes_TakesThoseOfTheManagerNotTheList) {

@@ -3,7 +3,6 @@
 #include "capture/grabber/grabber_exception.h"
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
-#include "support/text.h"
 #include "support/xml_tree.h"
 #include "unit/capture/grabber/fake_grabber.h"
 
@@ -16,10 +15,8 @@ namespace {
 
 using orvane::GrabberException;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr std::uint32_t kUntouched = 0xAAAAAAAA;
-constexpr char kTooSmall[] = "InfoGrabber::CaptureInfo: output buffer too small";
 
 class CaptureInfoTest : public testing::Test {
 protected:
@@ -52,74 +49,6 @@ protected:
     std::uint32_t status_ = kUntouched;
     support::LoggerCapture log_;
 };
-
-TEST_F(CaptureInfoTest, SizeQuery_TellsTheLengthAndIsNoError) {
-    Capture(nullptr, 0);
-    EXPECT_EQ(status_, 2U);
-    EXPECT_GT(required_size_, 0U);
-    EXPECT_NE(required_size_, kUntouched);
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, kTooSmall)) << log_;
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(CaptureInfoTest, BufferOfTheExactLength_ReceivesTheWholeDocument) {
-    const std::uint32_t length = Length();
-    log_.Clear();
-    std::string buffer(length + 1, '#');
-    Capture(buffer.data(), length);
-    EXPECT_EQ(status_, 0U);
-    EXPECT_EQ(required_size_, length);
-    EXPECT_EQ(buffer.back(), '#');
-    buffer.pop_back();
-    const XmlTree root = XmlTree::Of(buffer);
-    EXPECT_EQ(root.name, "root");
-    EXPECT_EQ(root.Child("BMREnvInfo").Child("OS").Child("Name").text, "A <caption> & more");
-    EXPECT_FALSE(log_.Contains(support::kHostTrace, kTooSmall)) << log_;
-}
-
-TEST_F(CaptureInfoTest, BufferOneByteTooShort_IsUntouched) {
-    const std::uint32_t length = Length();
-    std::string buffer(length, '#');
-    Capture(buffer.data(), length - 1);
-    EXPECT_EQ(status_, 2U);
-    EXPECT_EQ(required_size_, length);
-    EXPECT_EQ(buffer, std::string(length, '#'));
-}
-
-TEST_F(CaptureInfoTest, LargerBuffer_KeepsItsRest) {
-    const std::uint32_t length = Length();
-    std::string buffer(length + 100, '#');
-    Capture(buffer.data(), length + 100);
-    EXPECT_EQ(status_, 0U);
-    EXPECT_EQ(required_size_, length);
-    EXPECT_EQ(buffer.substr(length), std::string(100, '#'));
-}
-
-TEST_F(CaptureInfoTest, NullRequiredSize_IsAllowed) {
-    const std::uint32_t length = Length();
-    std::string buffer(length, '#');
-    FakeGrabber grabber(environment_);
-    grabber.CaptureInfo(length, buffer.data(), nullptr, &status_);
-    EXPECT_EQ(status_, 0U);
-    grabber.CaptureInfo(0, nullptr, nullptr, &status_);
-    EXPECT_EQ(status_, 2U);
-}
-
-TEST_F(CaptureInfoTest, Document_HasNoDeclarationAndNoTerminator) {
-    const std::uint32_t length = Length();
-    std::string buffer(length, '#');
-    Capture(buffer.data(), length);
-    EXPECT_THAT(buffer, testing::StartsWith("<root>"));
-    EXPECT_THAT(buffer, testing::EndsWith("</root>"));
-}
-
-TEST_F(CaptureInfoTest, Text_IsConvertedToTheAnsiCodePage) {
-    environment_->OS.Name = L"\x00FC\x20AC\x4E2D";
-    const std::uint32_t length = Length();
-    std::string buffer(length, '#');
-    Capture(buffer.data(), length);
-    EXPECT_THAT(buffer, testing::HasSubstr("<Name>" + support::Ansi(L"\x00FC\x20AC\x4E2D") + "</Name>"));
-}
 
 TEST_F(CaptureInfoTest, NoRecord_Throws) {
     FakeGrabber grabber;

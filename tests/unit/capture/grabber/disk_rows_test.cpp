@@ -15,7 +15,6 @@ namespace {
 using orvane::VolumeOnDisk;
 using support::LogLine;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 // --- The largest disk number.
 
@@ -26,17 +25,6 @@ public:
 
 bmr_common::DiskDriveManagerPtr AnyDisk(std::uint32_t number) {
     return boost::make_shared<bmr_common::DiskDriveManagerUnknown>(number);
-}
-
-TEST(GetMaxPhysicalDiskId, Numbers_AreComparedAsNumbers) {
-    const support::LoggerCapture log;
-    ListedDisks disks;
-    disks.Put(L"2", AnyDisk(2));
-    disks.Put(L"10", AnyDisk(10));
-    std::uint32_t maximum = 77;
-    EXPECT_TRUE(orvane::GetMaxPhysicalDiskId(disks, maximum));
-    EXPECT_EQ(maximum, 10U);
-    EXPECT_THAT(log.Messages(), IsEmpty());
 }
 
 TEST(GetMaxPhysicalDiskId, NumberThatIsTooLarge_IsPassedOverWithALine) {
@@ -68,15 +56,6 @@ TEST(GetMaxPhysicalDiskId, OnlyNumbersThatAreTooLarge_FailAsWithoutDisks) {
                 ElementsAre("DeviceManager::GetMaxPhysicalDiskId no devices so no maximum id"));
 }
 
-TEST(GetMaxPhysicalDiskId, NoDisks_FailWithALine) {
-    const support::LoggerCapture log;
-    std::uint32_t maximum = 77;
-    EXPECT_FALSE(orvane::GetMaxPhysicalDiskId(ListedDisks(), maximum));
-    EXPECT_THAT(log.all(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "DeviceManager::GetMaxPhysicalDiskId no devices so no maximum id"}));
-}
-
 TEST(GetMaxPhysicalDiskId, EmptyEntry_IsReportedByItsKey) {
     const support::LoggerCapture log;
     ListedDisks disks;
@@ -87,17 +66,6 @@ TEST(GetMaxPhysicalDiskId, EmptyEntry_IsReportedByItsKey) {
     EXPECT_THAT(log.Messages(),
                 ElementsAre(LogLine{support::kHostError,
                                     "DeviceManager::GetMaxPhysicalDiskId - NULL device found with id 5"}));
-}
-
-// --- Numbers without a disk.
-
-TEST(AddUnknownDiskInformation, Number_GetsA500BytePlaceholder) {
-    const DiskRow disk = orvane::AddUnknownDiskInformation(6);
-    EXPECT_EQ(disk.disk_number, 6U);
-    EXPECT_EQ(disk.size, 500U);
-    EXPECT_EQ(disk.interface_type, L"");
-    EXPECT_TRUE(IsEqualGUID(disk.disk_guid, GUID{}));
-    EXPECT_THAT(FactsOf(disk), ElementsAre(RowFacts{L"Unallocated", L"Unallocated", 0, 500, 0, L"", L""}));
 }
 
 // --- Existing disks.
@@ -130,38 +98,12 @@ protected:
 
 const RowFacts kWholeDisk{L"Unallocated", L"Unallocated", 0, MiB(10240), 0, L"", L""};
 
-TEST_F(AddExistingDiskInformationTest, RawDisk_IsOneWholeDiskRow) {
-    const DiskRow row = RowOf(R"("style": "raw")");
-    EXPECT_EQ(row.partition_style, 2);
-    EXPECT_THAT(FactsOf(row), ElementsAre(kWholeDisk));
-}
-
 TEST_F(AddExistingDiskInformationTest, GptWithoutPartitions_IsOneWholeDiskRow) {
     const DiskRow row =
         RowOf(R"("style": "gpt", "diskId": "{6f1f4a52-9c0d-4e1b-8a37-52d1b0c4e9a1}", "partitions": [])");
     EXPECT_EQ(row.partition_style, 1);
     EXPECT_EQ(row.disk_guid.Data1, 0x6f1f4a52U);
     EXPECT_THAT(FactsOf(row), ElementsAre(kWholeDisk));
-}
-
-TEST_F(AddExistingDiskInformationTest, Mbr_IsBuiltByTheClassicRules) {
-    const DiskRow row = RowOf(R"("style": "mbr", "signature": "0x11223344", "partitions": [
-        {"offset": "2 MiB", "size": "98 MiB", "type": "ntfs", "active": true},
-        {"offset": "200 MiB", "size": "1000 MiB", "type": "extended-lba", "logical": [
-            {"offset": "201 MiB", "size": "99 MiB", "type": "fat32-lba"}]}])");
-    EXPECT_EQ(row.partition_style, 0);
-    EXPECT_TRUE(IsEqualGUID(row.disk_guid, GUID{}));
-    EXPECT_THAT(FactsOf(row),
-                ElementsAre(RowFacts{L"Unallocated", L"Unallocated", MiB(1), MiB(1), -1, L"", L""},
-                            RowFacts{L"Primary", L"Existing", MiB(2), MiB(98), 1, L"", L""},
-                            RowFacts{L"Unallocated", L"Unallocated", MiB(100), MiB(100), -1, L"", L""},
-                            RowFacts{L"Free space", L"Free space", MiB(200), MiB(1), -1, L"", L""},
-                            RowFacts{L"Logical", L"Existing", MiB(201), MiB(99), 2, L"", L""},
-                            RowFacts{L"Free space", L"Free space", MiB(300), MiB(900), -1, L"", L""},
-                            RowFacts{L"Unallocated", L"Unallocated", MiB(1200), MiB(9040), -1, L"", L""}));
-    EXPECT_TRUE(row.partitions[1].active);
-    EXPECT_EQ(row.partitions[1].mbr_type, 0x07);
-    EXPECT_EQ(row.partitions[4].mbr_type, 0x0C);
 }
 
 constexpr char kReversedSlots[] = R"("style": "mbr", "partitions": [
@@ -205,33 +147,6 @@ TEST_F(FinishDiskRowsTest, OnlyPartition_IsNumberedOne) {
     std::vector<DiskRow> rows = {row};
     orvane::FinishDiskRows(rows);
     EXPECT_EQ(rows.front().partitions.front().partition_number, 1);
-}
-
-TEST_F(AddExistingDiskInformationTest, Gpt_GivesGapsTheDisksStyleAndNoGuids) {
-    const DiskRow row = RowOf(R"("style": "gpt", "partitions": [
-        {"offset": "300 MiB", "size": "100 MiB", "type": "basic-data",
-         "id": "{3c5d7e10-42b6-4d0f-9f6e-0a1b2c3d4e03}"},
-        {"offset": "1 MiB", "size": "100 MiB", "type": "efi-system"}])");
-    EXPECT_THAT(FactsOf(row),
-                ElementsAre(RowFacts{L"Primary", L"Existing", MiB(1), MiB(100), 1, L"", L""},
-                            RowFacts{L"Unallocated", L"Unallocated", MiB(101), MiB(199), -1, L"", L""},
-                            RowFacts{L"Primary", L"Existing", MiB(300), MiB(100), 2, L"", L""},
-                            RowFacts{L"Unallocated", L"Unallocated", MiB(400), MiB(9840), -1, L"", L""}));
-    for (const PartitionRow& partition : row.partitions) {
-        EXPECT_EQ(partition.partition_style, 1);
-    }
-    EXPECT_EQ(row.partitions[2].gpt_id.Data1, 0x3c5d7e10U);
-    EXPECT_EQ(row.partitions[2].gpt_type.Data1, 0xebd0a0a2U);
-    EXPECT_TRUE(IsEqualGUID(row.partitions[1].gpt_id, GUID{}));
-    EXPECT_TRUE(IsEqualGUID(row.partitions[1].gpt_type, GUID{}));
-}
-
-TEST_F(AddExistingDiskInformationTest, Disk_IsTraced) {
-    RowOf(R"("style": "raw")");
-    const std::vector<std::string> trace = log_.Lines(support::kHostTrace);
-    const auto starts = [&](const char* prefix) { return testing::Contains(testing::StartsWith(prefix)); };
-    EXPECT_THAT(trace, starts("Entering function orvane::InfoGrabberV2::AddExistingDiskInformation line "));
-    EXPECT_THAT(trace, starts("Leaving function orvane::InfoGrabberV2::AddExistingDiskInformation line "));
 }
 
 // A disk with an unknown partition style.
@@ -314,29 +229,5 @@ INSTANTIATE_TEST_SUITE_P(
                     Placing{"over both", 1000, 2500, -1}, Placing{"before", 100, 100, -2},
                     Placing{"up to the start", 900, 100, -2}, Placing{"behind the end", 2000, 100, -2},
                     Placing{"empty at the end", 2000, 0, -2}, Placing{"behind all", 9000, 100, -2}));
-
-TEST(SetPartitionVolumeLetterFileSystem, PartlyInside_IsReportedWithInclusiveEnds) {
-    const support::LoggerCapture log;
-    std::vector<DiskRow> disks{TwoRows()};
-    EXPECT_FALSE(orvane::SetPartitionVolumeLetterFileSystem({4, 1500, 600, L"C:\\", L"NTFS", L"VOL"}, disks));
-    EXPECT_THAT(
-        log.Messages(),
-        ElementsAre(LogLine{support::kHostWarning,
-                            "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem extent (1500 to "
-                            "2099) from volume VOL on disk 4 only partially inside partition (1000 to "
-                            "1999 length 1000)."}));
-}
-
-TEST(SetPartitionVolumeLetterFileSystem, OtherDisk_IsReportedAsNotFound) {
-    const support::LoggerCapture log;
-    std::vector<DiskRow> disks{TwoRows()};
-    EXPECT_FALSE(
-        orvane::SetPartitionVolumeLetterFileSystem({5, 1000, 1000, L"C:\\", L"NTFS", L"VOL"}, disks));
-    EXPECT_THAT(
-        log.Messages(),
-        ElementsAre(LogLine{support::kHostWarning,
-                            "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem Failed to find "
-                            "extent (1000 to 1999) from volume VOL"}));
-}
 
 }  // namespace

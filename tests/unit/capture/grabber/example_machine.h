@@ -57,22 +57,3 @@ inline const ::Volume& VolumeOn(const EnvInfo& record, const std::wstring& devic
     }
     return *found;
 }
-
-inline std::vector<std::wstring> DevicesOf(const EnvInfo& record) {
-    std::vector<std::wstring> devices;
-    for (const ::Volume& volume : record.VolumeTable) {
-        devices.push_back(volume.DeviceName);
-    }
-    return devices;
-}
-
-// The document that the grabber writes from the collected information.
-template <class Grabber>
-std::string DocumentOf(Grabber& grabber) {
-    std::uint32_t length = 0;
-    std::uint32_t status = 0;
-    grabber.CaptureInfo(0, nullptr, &length, &status);
-    std::string document(length, '#');
-    grabber.CaptureInfo(length, document.data(), nullptr, &status);
-    return status == 0 ? document : std::string();
-}

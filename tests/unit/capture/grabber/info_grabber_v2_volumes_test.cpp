@@ -11,16 +11,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using InfoGrabberV2Volumes = InfoGrabberV2Test;
 
-TEST_F(InfoGrabberV2Volumes, VolumeThatIsNotFixed_GetsNoRowAndATraceLine) {
-    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
-    EXPECT_THROW(VolumeOn(record(), L"\\Device\\CdRom0"), std::out_of_range);
-    EXPECT_TRUE(log_.Contains(support::kHostTrace,
-                              "orvane::InfoGrabberV2::AddVolumeInfo volume \\Device\\CdRom0 is not fixed, it "
-                              "gets no row"))
-        << log_;
-    EXPECT_FALSE(log_.ContainsPart(support::kHostWarning, "\\Device\\CdRom0")) << log_;
-}
-
 TEST_F(InfoGrabberV2Volumes, FixedVolumeWithoutKnownExtents_GetsNoRowAndAWarning) {
     DataVolume().errors.codes["DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS"] = 21;
     ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
@@ -30,16 +20,6 @@ TEST_F(InfoGrabberV2Volumes, FixedVolumeWithoutKnownExtents_GetsNoRowAndAWarning
     EXPECT_TRUE(log_.Contains(support::kHostWarning,
                               "orvane::InfoGrabberV2::AddVolumeInfo volume \\Device\\HarddiskVolume6 has no "
                               "known extents, it gets no row: Failed to GetVolumeDiskExtents"))
-        << log_;
-}
-
-TEST_F(InfoGrabberV2Volumes, VolumeThatCannotBeOpened_GetsNoRowAndAWarning) {
-    DataVolume().errors.codes["CreateFileW"] = 5;
-    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
-    EXPECT_EQ(record().VolumeTable.size(), 5U);
-    EXPECT_TRUE(log_.Contains(support::kHostWarning,
-                              "orvane::InfoGrabberV2::AddVolumeInfo volume \\Device\\HarddiskVolume6 has no "
-                              "known extents, it gets no row: Failed to open volume"))
         << log_;
 }
 

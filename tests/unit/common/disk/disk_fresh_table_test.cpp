@@ -96,15 +96,6 @@ TEST_F(DiskFreshTableTest, Mbr_TakesTheShapeAndFourUnusedEntries) {
     EXPECT_FALSE(disk.HasPartitionAtOffset(0));
 }
 
-TEST_F(DiskFreshTableTest, EitherKind_SourceStaysAsItWas) {
-    const win::ByteBuffer before = source_->geometry().bytes();
-    DiskDriveManagerMBR disk(5);
-
-    ASSERT_TRUE(disk.InitializeUsingGeometryOf(source_, disks_));
-
-    EXPECT_EQ(before, source_->geometry().bytes());
-}
-
 TEST_F(DiskFreshTableTest, EitherKind_CannotBeBackedUpYet) {
     DiskDriveManagerMBR mbr(5);
     DiskDriveManagerGPT gpt(6);

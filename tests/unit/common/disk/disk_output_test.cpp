@@ -17,29 +17,17 @@ using expected::Error;
 using expected::Info;
 using simulated_disks::Machine;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 using Lines = std::vector<support::LogLine>;
 
 constexpr const char* kMbrDisk = R"({"disks": [{"index": 1, "size": "8 GiB", "signature": 439041101,
     "partitions": [{"offset": "1 MiB", "size": "1 GiB", "type": "ntfs"}]}]})";
-constexpr const char* kGptDisk = R"({"disks": [{"index": 3, "size": 1610612736,
-    "diskId": "{11111111-2222-3333-4444-555555555555}",
-    "partitions": [{"offset": "1 MiB", "size": "1 GiB", "type": "basic-data"}]}]})";
 constexpr const char* kEmptyMbrDisk = R"({"disks": [{"index": 10, "size": "8 GiB", "signature": 7}]})";
 constexpr const char* kRawDisk = R"({"disks": [{"index": 5, "size": "8 GiB", "bytesPerSector": 4096,
     "mediaType": "removable", "geometry": {"cylinders": 130, "tracksPerCylinder": 255, "sectorsPerTrack": 63}}]})";
 
 constexpr const char* kDynamicNotImplemented =
     "bmr_common::DiskDriveManagerUnknown::is_dynamic not implemented for this disk type.";
-
-// The geometry lines of an 8 GiB disk.
-Lines GeometryLines() {
-    return {Info("  Dynamic disk: False"),    Info("  Disk Size: 8589934592(8.00 GB)"),
-            Info("  Cyclinders: 1044"),       Info("  MediaType: 12"),
-            Info("  TracksPerCylinder: 255"), Info("  SectorsPerTrack: 63"),
-            Info("  BytesPerSector: 512")};
-}
 
 class DiskOutputTest : public testing::Test {
 protected:
@@ -80,37 +68,6 @@ protected:
 
     support::LoggerCapture log_;
 };
-
-TEST_F(DiskOutputTest, Dump_Mbr_WritesDiskThenSignatureThenTable) {
-    const Lines lines = DumpOf(DiskOf(kMbrDisk));
-
-    Lines expected = {Info(""), Info("[Disk/Partition Information]"), Info("Disk id: 1"),
-                      Info("  Available for backup: True")};
-    const Lines geometry = GeometryLines();
-    expected.insert(expected.end(), geometry.begin(), geometry.end());
-    for (const char* line : {"  DetectionType: 0", "  Partition Style: MBR", "    Signature: 0x1a2b3c4d", "",
-                             "  Disk partition style: 0", "  Number of partitions: 4",
-                             "  Signature: 0x1a2b3c4d", "    Partition Number: 1"}) {
-        expected.push_back(Info(line));
-    }
-    ASSERT_GE(lines.size(), expected.size());
-    EXPECT_THAT(Lines(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(expected.size())),
-                ElementsAreArray(expected));
-}
-
-TEST_F(DiskOutputTest, Dump_Gpt_WritesDiskThenIdThenTable) {
-    const Lines lines = DumpOf(DiskOf(kGptDisk));
-
-    EXPECT_THAT(Between(lines, "  Dynamic disk: False", "  Cyclinders: 195"),
-                ElementsAre(Info("  Dynamic disk: False"), Info("  Disk Size: 1610612736(1.50 GB)")));
-    EXPECT_THAT(Between(lines, "  DetectionType: 0", "    Partition Number: 1"),
-                ElementsAre(Info("  DetectionType: 0"), Info("  Partition Style: GPT"),
-                            Info("    DiskId: {11111111-2222-3333-4444-555555555555}"), Info(""),
-                            Info("  Disk partition style: 1"), Info("  Number of partitions: 1"),
-                            Info("  Disk Id: {11111111-2222-3333-4444-555555555555}"),
-                            Info("  Starting Usable Offset: 17408"), Info("  Usable Length: 1610578432"),
-                            Info("  Usable Max Partition Count: 128")));
-}
 
 TEST_F(DiskOutputTest, Dump_Raw_WritesTheStyleAndThatItIsNotSupported) {
     EXPECT_THAT(
@@ -194,62 +151,9 @@ TEST_F(DiskOutputTest, Dump_OtherDetectionType_WritesItsNumberOnly) {
                 ElementsAre("DetectionType=3"));
 }
 
-TEST_F(DiskOutputTest, Capture_Mbr_WritesDiskThenTable) {
-    const std::vector<std::string> elements = ElementsOf(DiskOf(kMbrDisk));
-
-    ASSERT_GE(elements.size(), 15U);
-    EXPECT_THAT(
-        std::vector<std::string>(elements.begin(), elements.begin() + 15),
-        ElementsAre("DiskId=1", "DynamicDisk=False", "DiskSize=8589934592", "Cyclinders=1044", "MediaType=12",
-                    "TracksPerCylinder=255", "SectorsPerTrack=63", "bytes_per_sector=512",
-                    "PartitionStyle=MBR", "Signature=439041101", "DetectionType=0", "PartitionStyle=0",
-                    "NumberOfPartitions=4", "Partition1", "Partition1/DynamicPartition=False"));
-    EXPECT_EQ("Partition4/HiddenSectors=0", elements.back());
-}
-
-TEST_F(DiskOutputTest, Capture_Gpt_WritesTheAddressOfItsIdAndNoTable) {
-    const std::vector<std::string> elements = ElementsOf(DiskOf(kGptDisk));
-
-    ASSERT_EQ(11U, elements.size());
-    EXPECT_THAT(std::vector<std::string>(elements.begin(), elements.begin() + 9),
-                ElementsAre("DiskId=3", "DynamicDisk=False", "DiskSize=1610612736", "Cyclinders=195",
-                            "MediaType=12", "TracksPerCylinder=255", "SectorsPerTrack=63",
-                            "bytes_per_sector=512", "PartitionStyle=GPT"));
-    ASSERT_EQ(0U, elements[9].find("GUID="));
-    const std::string address = elements[9].substr(5);
-    EXPECT_EQ(16U, address.size());
-    EXPECT_EQ(std::string::npos, address.find_first_not_of("0123456789ABCDEFabcdef")) << address;
-    EXPECT_NE(std::string::npos, address.find_first_not_of('0')) << address;
-    EXPECT_EQ("DetectionType=0", elements[10]);
-}
-
-TEST_F(DiskOutputTest, Capture_RefusedDisks_WriteIdAndSizeZeroOnly) {
-    Machine machine(kMbrDisk);
-    const DiskDriveManagerPtr missing = DiskDriveManagerFactory().CreateAndInitialize(12);
-
-    EXPECT_THAT(ElementsOf(missing), ElementsAre("DiskId=12", "DiskSize=0"));
-}
-
 TEST_F(DiskOutputTest, Capture_RawOrEmptyDisk_WritesIdAndSizeZeroOnly) {
     EXPECT_THAT(ElementsOf(DiskOf(kRawDisk)), ElementsAre("DiskId=5", "DiskSize=0"));
     EXPECT_THAT(ElementsOf(DiskOf(kEmptyMbrDisk)), ElementsAre("DiskId=10", "DiskSize=0"));
-}
-
-TEST_F(DiskOutputTest, DumpAndCapture_TraceThemselves) {
-    for (const char* json : {kMbrDisk, kGptDisk, kRawDisk}) {
-        const DiskDriveManagerPtr disk = DiskOf(json);
-        disk->DumpInfo();
-        ElementsOf(disk);
-    }
-    for (const std::string function :
-         {"bmr_common::DiskDriveManager::DumpInfo", "bmr_common::DiskDriveManagerGPT::DumpInfo",
-          "bmr_common::DiskDriveManagerMBR::DumpInfo", "bmr_common::DiskDriveManagerUnknown::DumpInfo",
-          "bmr_common::DiskDriveManager::CaptureInfo", "bmr_common::DiskDriveManagerMBR::CaptureInfo"}) {
-        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function " + function + " line "))
-            << function;
-        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Leaving function " + function + " line "))
-            << function;
-    }
 }
 
 }  // namespace

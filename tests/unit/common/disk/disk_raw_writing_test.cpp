@@ -4,12 +4,10 @@
 #include "common/platform/system_library.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/expected_lines.h"
-#include "unit/common/disk/listed_disks.h"
 #include "unit/common/disk/simulated_disks.h"
 
 #include <gmock/gmock.h>
 
-#include <cstdint>
 #include <cstring>
 #include <regex>
 #include <string>
@@ -19,8 +17,6 @@ namespace bmr_common {
 namespace {
 
 using expected::Error;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::StartsWith;
 
 constexpr const char* kCreate = "DeviceIoControl:IOCTL_DISK_CREATE_DISK";
@@ -46,66 +42,36 @@ protected:
     support::LoggerCapture log_;
 };
 
-TEST_F(DiskRawWritingTest, Initialize_Raw_OpensCreatesUpdatesFlushesCloses) {
-    EXPECT_TRUE(Initialize());
-
-    EXPECT_EQ(std::string("CreateFileW ") + kCreate + " " + kUpdate + " FlushFileBuffers CloseHandle ",
-              machine_.CallNames());
-    EXPECT_EQ(L"\\\\.\\PhysicalDrive12", machine_.simulation().calls().records().front().object);
-    EXPECT_EQ(1U, machine_.disk().style);
-    EXPECT_TRUE(IsEqualGUID(kDiskId, machine_.disk().disk_id));
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(DiskRawWritingTest, Initialize_OpenRefused_LogsAndLeavesTheDisk) {
-    machine_.simulation().faults().Fail("CreateFileW", ERROR_ACCESS_DENIED);
-
-    EXPECT_FALSE(Initialize());
-
-    EXPECT_TRUE(IsStillRaw());
-    EXPECT_EQ("CreateFileW ", machine_.CallNames());
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(Error(std::string(kFunction) + " OpenPhysicalDrive disk 12 error=5")));
-}
-
-TEST_F(DiskRawWritingTest, Initialize_CreateRefused_LogsTwiceClosesAndLeavesTheDisk) {
-    machine_.simulation().faults().Fail(kCreate, ERROR_WRITE_PROTECT);
-
-    EXPECT_FALSE(Initialize());
-
-    EXPECT_TRUE(IsStillRaw());
-    EXPECT_EQ(std::string("CreateFileW ") + kCreate + " CloseHandle ", machine_.CallNames());
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(Error("win::WinAPIWrapper::CreateDisk IOCTL_DISK_CREATE_DISK error=19"),
-                            Error(std::string(kFunction) + " IOCTL_DISK_CREATE_DISK disk 12 error=19")));
-}
-
-TEST_F(DiskRawWritingTest, Initialize_UpdateRefused_LogsAndCloses) {
-    machine_.simulation().faults().Fail(kUpdate, ERROR_NOT_READY);
-
-    EXPECT_FALSE(Initialize());
-
-    EXPECT_EQ(std::string("CreateFileW ") + kCreate + " " + kUpdate + " CloseHandle ", machine_.CallNames());
-    EXPECT_THAT(log_.Messages(), ElementsAre(Error("win::WinAPIWrapper::UpdateDiskProperties "
-                                                   "IOCTL_DISK_UPDATE_PROPERTIES error=21")));
-}
-
-TEST_F(DiskRawWritingTest, Initialize_FlushNotSupported_IsAcceptedWithATraceLine) {
-    machine_.simulation().faults().Fail("FlushFileBuffers", ERROR_INVALID_FUNCTION);
-
-    EXPECT_TRUE(Initialize());
-
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "win::WinAPIWrapper::FlushFileBuffers error=1")) << log_;
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(DiskRawWritingTest, Initialize_FlushRefused_LogsAndCloses) {
-    machine_.simulation().faults().Fail("FlushFileBuffers", ERROR_ACCESS_DENIED);
-
-    EXPECT_FALSE(Initialize());
-
-    EXPECT_EQ("CloseHandle", machine_.simulation().calls().records().back().name);
-    EXPECT_THAT(log_.Messages(), ElementsAre(Error(std::string(kFunction) + " error=5")));
+TEST_F(DiskRawWritingTest, Initialize_StepRefused_LogsAndCloses) {
+    const std::string function = kFunction;
+    struct Step {
+        const char* call;
+        DWORD error;
+        std::vector<support::LogLine> lines;
+        bool still_raw;
+    };
+    const Step steps[] = {
+        {"CreateFileW", ERROR_ACCESS_DENIED, {Error(function + " OpenPhysicalDrive disk 12 error=5")}, true},
+        {kCreate,
+         ERROR_WRITE_PROTECT,
+         {Error("win::WinAPIWrapper::CreateDisk IOCTL_DISK_CREATE_DISK error=19"),
+          Error(function + " IOCTL_DISK_CREATE_DISK disk 12 error=19")},
+         true},
+        {kUpdate,
+         ERROR_NOT_READY,
+         {Error("win::WinAPIWrapper::UpdateDiskProperties IOCTL_DISK_UPDATE_PROPERTIES error=21")},
+         false},
+        {"FlushFileBuffers", ERROR_ACCESS_DENIED, {Error(function + " error=5")}, false},
+    };
+    for (const Step& step : steps) {
+        machine_.simulation().faults().Clear();
+        machine_.simulation().faults().Fail(step.call, step.error);
+        log_.Clear();
+        EXPECT_FALSE(Initialize()) << step.call;
+        EXPECT_EQ(0U, machine_.simulation().open_handles()) << step.call;
+        EXPECT_EQ(step.still_raw, IsStillRaw()) << step.call;
+        EXPECT_EQ(step.lines, log_.Messages());
+    }
 }
 
 DWORD sent_bytes = 0;
@@ -138,18 +104,6 @@ TEST_F(DiskRawWritingTest, CreateRawDisk_Mbr_SendsTheSignatureIn24Bytes) {
     EXPECT_EQ(disk.geometry().signature(), machine_.disk().signature);
 }
 
-TEST_F(DiskRawWritingTest, CreateRawDisk_PreparedGptDisk_GivesTheDiskItsId) {
-    const listed::Disks none;
-    const DiskDriveManagerPtr source = DiskDriveManagerFactory().CreateAndInitialize(12);
-    DiskDriveManagerGPT disk(12);
-    ASSERT_TRUE(disk.InitializeUsingGeometryOf(source, none));
-
-    EXPECT_TRUE(disk.CreateRawDisk(12));
-
-    EXPECT_EQ(1U, machine_.disk().style);
-    EXPECT_TRUE(IsEqualGUID(disk.geometry().disk_id(), machine_.disk().disk_id));
-}
-
 TEST_F(DiskRawWritingTest, CreateRawDisk_DiskThatCannotBeDescribed_LogsAndWritesNothing) {
     const DiskDriveManagerUnknown disk(3);
 
@@ -176,16 +130,6 @@ TEST_F(DiskRawWritingTest, CreateRawDisk_DiskThatCannotBeDescribed_ShowsAnotherN
         lines[1], std::regex("bmr_common::DiskDriveManager::CreateRawDisk failed for disk [0-9]+")))
         << log_;
     EXPECT_NE("bmr_common::DiskDriveManager::CreateRawDisk failed for disk 12", lines[1]);
-}
-
-TEST_F(DiskRawWritingTest, CreateRawDisk_NoSuchDisk_IsAFailure) {
-    DiskDriveManagerMBR disk(3);
-
-    EXPECT_FALSE(disk.CreateRawDisk(99));
-
-    EXPECT_TRUE(IsStillRaw());
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(Error(std::string(kFunction) + " OpenPhysicalDrive disk 99 error=2")));
 }
 
 }  // namespace

@@ -10,9 +10,6 @@
 #include <gmock/gmock.h>
 #include <objbase.h>
 
-#include <cstdlib>
-#include <ctime>
-#include <string>
 #include <vector>
 
 namespace bmr_common {
@@ -118,16 +115,6 @@ TEST_F(DiskUniqueIdTest, SetUniqueIdToRandom_Mbr_LeavesBits15And31Clear) {
     EXPECT_EQ(0x7FFF7FFFU, seen);
 }
 
-TEST_F(DiskUniqueIdTest, SetUniqueIdToRandom_Gpt_GivesANewGuidEachTime) {
-    DiskDriveManagerGPT disk(0);
-    disk.SetUniqueIdToRandom();
-    const GUID first = disk.geometry().disk_id();
-    disk.SetUniqueIdToRandom();
-
-    EXPECT_FALSE(IsEqualGUID(GUID{}, first));
-    EXPECT_FALSE(IsEqualGUID(first, disk.geometry().disk_id()));
-}
-
 HRESULT WINAPI RefuseGuid(GUID* guid) {
     guid->Data1 = 1;
     return E_OUTOFMEMORY;
@@ -165,16 +152,6 @@ TEST_F(DiskUniqueIdTest, Constructor_EveryKind_SeedsTheRandomNumbersWithTheTime)
     const DiskDriveManagerUnknown unknown(0);
 
     EXPECT_EQ(3, seedings);
-}
-
-TEST_F(DiskUniqueIdTest, Constructor_TwoDisksInTheSameSecond_RestartTheSequence) {
-    const support::ScopedImport time("_time64", &FixedTime);
-    DiskDriveManagerMBR first(0);
-    first.SetUniqueIdToRandom();
-    DiskDriveManagerMBR second(1);
-    second.SetUniqueIdToRandom();
-
-    EXPECT_TRUE(first.has_same_unique_id(second));
 }
 
 }  // namespace

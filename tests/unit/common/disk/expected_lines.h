@@ -11,9 +11,6 @@ namespace expected {
 inline support::LogLine Info(std::string text) {
     return {support::kHostInformation, std::move(text)};
 }
-inline support::LogLine Warning(std::string text) {
-    return {support::kHostWarning, std::move(text)};
-}
 inline support::LogLine Error(std::string text) {
     return {support::kHostError, std::move(text)};
 }

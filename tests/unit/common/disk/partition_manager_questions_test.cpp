@@ -61,14 +61,6 @@ TEST_F(PartitionManagerQuestionsTest, CanBackup_Gpt_NoEntries_RefusesAndLogs) {
     EXPECT_THAT(log_.Messages(), ElementsAre(Info(kAllUnused)));
 }
 
-TEST_F(PartitionManagerQuestionsTest, CanBackup_Gpt_AllUnused_Refuses) {
-    const GptManager manager{entries::Gpt(0, 0, entries::kUnused),
-                             entries::Gpt(kMiB, kMiB, entries::kUnused)};
-
-    EXPECT_FALSE(manager.can_backup(reasons_));
-    EXPECT_THAT(reasons_, ElementsAre(kAllUnusedReason));
-}
-
 TEST_F(PartitionManagerQuestionsTest, CanBackup_Mbr_FourUnused_RefusesAndLogs) {
     const MbrManager manager{entries::Mbr(0, 0, 0), entries::Mbr(0, 0, 0), entries::Mbr(0, 0, 0),
                              entries::Mbr(0, 0, 0)};
@@ -76,13 +68,6 @@ TEST_F(PartitionManagerQuestionsTest, CanBackup_Mbr_FourUnused_RefusesAndLogs) {
     EXPECT_FALSE(manager.can_backup(reasons_));
     EXPECT_THAT(reasons_, ElementsAre(kAllUnusedReason));
     EXPECT_THAT(log_.Messages(), ElementsAre(Info(kAllUnused)));
-}
-
-TEST_F(PartitionManagerQuestionsTest, CanBackup_Mbr_NoEntries_Refuses) {
-    const MbrManager manager;
-
-    EXPECT_FALSE(manager.can_backup(reasons_));
-    EXPECT_THAT(reasons_, ElementsAre(kAllUnusedReason));
 }
 
 TEST_F(PartitionManagerQuestionsTest, CanBackup_Mbr_OneEntryInUse_AgreesWhateverItsType) {

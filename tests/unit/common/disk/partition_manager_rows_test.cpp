@@ -1,4 +1,3 @@
-#include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
@@ -12,7 +11,6 @@
 
 #include <cstdint>
 #include <limits>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -58,56 +56,28 @@ TEST_F(PartitionManagerRowsTest, DiskSizeZero_LogsAndGivesNoRows) {
                           "partitions will be visible")));
 }
 
-TEST_F(PartitionManagerRowsTest, OnePartitionAtOneMebibyte_IsFollowedByTheFreeRest) {
-    EXPECT_THAT(
-        RowsOf(GptManager{entries::Gpt(kMiB, 10 * kMiB)}, 100 * kMiB),
-        ElementsAre("Primary/Existing 1048576+10485760 #1", "Unallocated/Unallocated 11534336+93323264 #-1"));
-}
-
-TEST_F(PartitionManagerRowsTest, PartitionToTheEnd_HasNoFreeRest) {
-    EXPECT_THAT(RowsOf(GptManager{entries::Gpt(kMiB, 99 * kMiB)}, 100 * kMiB),
-                ElementsAre("Primary/Existing 1048576+103809024 #1"));
-}
-
-TEST_F(PartitionManagerRowsTest, FirstPartitionBelowOneMebibyte_HasNoLeadingRow) {
-    EXPECT_THAT(RowsOf(GptManager{entries::Gpt(17408, 100 * kMiB - 17408)}, 100 * kMiB),
+TEST_F(PartitionManagerRowsTest, EveryTable_HasItsRows) {
+    const auto gpt = [](std::int64_t offset, std::int64_t length) { return entries::Gpt(offset, length); };
+    EXPECT_THAT(RowsOf(GptManager{gpt(17408, 100 * kMiB - 17408)}, 100 * kMiB),
                 ElementsAre("Primary/Existing 17408+104840192 #1"));
-}
-
-TEST_F(PartitionManagerRowsTest, FirstPartitionBehindOneMebibyte_LeavesTheFirstMebibyteOut) {
     EXPECT_THAT(
-        RowsOf(GptManager{entries::Gpt(3 * kMiB, 97 * kMiB)}, 100 * kMiB),
+        RowsOf(GptManager{gpt(3 * kMiB, 97 * kMiB)}, 100 * kMiB),
         ElementsAre("Unallocated/Unallocated 1048576+2097152 #-1", "Primary/Existing 3145728+101711872 #1"));
-}
-
-TEST_F(PartitionManagerRowsTest, NoPartitions_IsOneFreeRowFromOneMebibyte) {
     EXPECT_THAT(RowsOf(GptManager(), 100 * kMiB),
                 ElementsAre("Unallocated/Unallocated 1048576+103809024 #-1"));
-}
-
-TEST_F(PartitionManagerRowsTest, NoPartitionsOnATinyDisk_HasNoRows) {
     EXPECT_THAT(RowsOf(GptManager(), kMiB), IsEmpty());
-}
-
-TEST_F(PartitionManagerRowsTest, UnsortedWithGaps_AreInDiskOrderAndCountedFromOne) {
-    EXPECT_THAT(RowsOf(GptManager{entries::Gpt(50 * kMiB, 10 * kMiB), entries::Gpt(kMiB, 9 * kMiB),
-                                  entries::Gpt(10 * kMiB, 10 * kMiB)},
+    // Not sorted, with a gap.
+    EXPECT_THAT(RowsOf(GptManager{gpt(50 * kMiB, 10 * kMiB), gpt(kMiB, 9 * kMiB), gpt(10 * kMiB, 10 * kMiB)},
                        60 * kMiB),
                 ElementsAre("Primary/Existing 1048576+9437184 #1", "Primary/Existing 10485760+10485760 #2",
                             "Unallocated/Unallocated 20971520+31457280 #-1",
                             "Primary/Existing 52428800+10485760 #3"));
-}
-
-TEST_F(PartitionManagerRowsTest, GapOfOneByte_IsShown) {
-    EXPECT_THAT(RowsOf(GptManager{entries::Gpt(kMiB, kMiB - 1), entries::Gpt(2 * kMiB, kMiB)}, 3 * kMiB),
+    // A gap of one byte, and an overlap.
+    EXPECT_THAT(RowsOf(GptManager{gpt(kMiB, kMiB - 1), gpt(2 * kMiB, kMiB)}, 3 * kMiB),
                 ElementsAre("Primary/Existing 1048576+1048575 #1", "Unallocated/Unallocated 2097151+1 #-1",
                             "Primary/Existing 2097152+1048576 #2"));
-}
-
-TEST_F(PartitionManagerRowsTest, Overlapping_MakesNoNegativeGap) {
-    EXPECT_THAT(
-        RowsOf(GptManager{entries::Gpt(kMiB, 10 * kMiB), entries::Gpt(5 * kMiB, 10 * kMiB)}, 15 * kMiB),
-        ElementsAre("Primary/Existing 1048576+10485760 #1", "Primary/Existing 5242880+10485760 #2"));
+    EXPECT_THAT(RowsOf(GptManager{gpt(kMiB, 10 * kMiB), gpt(5 * kMiB, 10 * kMiB)}, 15 * kMiB),
+                ElementsAre("Primary/Existing 1048576+10485760 #1", "Primary/Existing 5242880+10485760 #2"));
 }
 
 TEST_F(PartitionManagerRowsTest, PartitionRow_TakesBootFlagAndGuids) {
@@ -125,16 +95,6 @@ TEST_F(PartitionManagerRowsTest, PartitionRow_TakesBootFlagAndGuids) {
     EXPECT_FALSE(rows_[1].active);
 }
 
-TEST_F(PartitionManagerRowsTest, FreeRow_HasNeitherFlagNorGuids) {
-    RowsOf(GptManager(), 2 * kMiB);
-
-    ASSERT_EQ(1U, rows_.size());
-    EXPECT_FALSE(rows_[0].active);
-    EXPECT_TRUE(IsEqualGUID(GUID{}, rows_[0].gpt_type));
-    EXPECT_TRUE(IsEqualGUID(GUID{}, rows_[0].gpt_id));
-    EXPECT_EQ(rows_[0].length, rows_[0].length_copy);
-}
-
 TEST_F(PartitionManagerRowsTest, EntryOfAnotherKind_EndsTheRowsAfterItsGap) {
     GptManager manager{entries::Gpt(kMiB, kMiB), entries::Gpt(20 * kMiB, kMiB)};
     const auto foreign = boost::make_shared<PartitionMBR>();
@@ -150,25 +110,6 @@ TEST_F(PartitionManagerRowsTest, EntryBeyondTheNumbers_IsARowAllTheSame) {
     const GptManager manager{entries::Gpt(kMiB, kMost), entries::Gpt(kMost - 1, kMost)};
 
     EXPECT_EQ("Primary/Existing 1048576+9223372036854775807 #1", RowsOf(manager, 100 * kMiB).front());
-}
-
-TEST_F(PartitionManagerRowsTest, DiskObject_FillsStyleAndRows) {
-    simulated_disks::Machine machine(simulated_disks::kGptDisk);
-    const UniqueFile drive = machine.Open();
-    win::ByteBuffer geometry;
-    DWORD error = 0;
-    ASSERT_TRUE(win::WinAPIWrapper::GetDriveGeometryEx(drive, 3, geometry, error));
-    DiskDriveManagerGPT disk(3);
-    disk.Initialize(drive, geometry);
-    DiskRow row;
-    row.size = 10ULL << 30;
-
-    EXPECT_TRUE(disk.FillDiskRow(row));
-
-    EXPECT_EQ(1, row.partition_style);
-    ASSERT_EQ(4U, row.partitions.size());
-    EXPECT_EQ("Primary/Existing 1048576+104857600 #1", Described(row.partitions[0]));
-    EXPECT_EQ("Unallocated/Unallocated 4417650688+6319767552 #-1", Described(row.partitions[3]));
 }
 
 }  // namespace

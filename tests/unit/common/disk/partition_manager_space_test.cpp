@@ -6,7 +6,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdint>
-#include <string>
 
 namespace bmr_common {
 namespace {
@@ -61,17 +60,6 @@ TEST_F(PartitionManagerSpaceTest, GetNextPartitionAfter_ManagersList_KeepsItsOrd
 TEST_F(PartitionManagerSpaceTest, GetSpaceToEnd_Gpt_KeepsOneAlignmentUnitFree) {
     EXPECT_EQ(kDiskSize - 10 * kMiB, MbrManager().GetSpaceToEnd(10 * kMiB, kDiskSize, kAlignment));
     EXPECT_EQ(kDiskSize - 11 * kMiB, GptManager().GetSpaceToEnd(10 * kMiB, kDiskSize, kAlignment));
-}
-
-TEST_F(PartitionManagerSpaceTest, GetMaximumPartitionSize_PartitionBehind_EndsThere) {
-    const GptManager manager{entries::Gpt(100 * kMiB, kMiB)};
-
-    EXPECT_EQ(90 * kMiB, manager.GetMaximumPartitionSize(10 * kMiB, kDiskSize, kAlignment));
-}
-
-TEST_F(PartitionManagerSpaceTest, GetMaximumPartitionSize_NoPartitionBehind_GoesToTheEndOfTheKind) {
-    EXPECT_EQ(990 * kMiB, MbrManager().GetMaximumPartitionSize(10 * kMiB, kDiskSize, kAlignment));
-    EXPECT_EQ(989 * kMiB, GptManager().GetMaximumPartitionSize(10 * kMiB, kDiskSize, kAlignment));
 }
 
 TEST_F(PartitionManagerSpaceTest, GetMaximumPartitionSize_OddSpace_IsRoundedDown) {

@@ -43,14 +43,6 @@ PARTITION_INFORMATION_EX FullGptEntry(std::wstring_view name) {
     return entry;
 }
 
-PARTITION_INFORMATION_EX FullMbrEntry() {
-    PARTITION_INFORMATION_EX entry = entries::Mbr(32256, 1073741824, entries::kLdm);
-    entry.PartitionNumber = 1;
-    entry.Mbr.BootIndicator = TRUE;
-    entry.Mbr.HiddenSectors = 63;
-    return entry;
-}
-
 template <class Kind>
 std::vector<std::string> ElementsOf(const PARTITION_INFORMATION_EX& entry) {
     Kind partition;
@@ -70,18 +62,6 @@ protected:
     support::LoggerCapture log_;
 };
 
-TEST_F(PartitionDumpTest, Gpt_WritesCommonThenItsOwnLines) {
-    Dump<PartitionGPT>(FullGptEntry(L"Data"));
-
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(Info("    Partition Number: 3"), Info("    Dynamic partition: True"),
-                            Info("    Offset: 1048576"), Info("    Length: 1610612736(1.50 GB)"),
-                            Info("    Rewrite Partition: 1"), Info("    Style: GPT"),
-                            Info("    Type: LDM data partition ({AF9B60A0-1431-4F62-BC68-3311714A69AD})"),
-                            Info("    Partition Id: {01234567-89AB-CDEF-0123-456789ABCDEF}"),
-                            Info("    Attributes: 0x8000000000000001"), Info("    Name: Data"), Info("")));
-}
-
 TEST_F(PartitionDumpTest, Gpt_NameOf36Characters_StandsWhole) {
     Dump<PartitionGPT>(FullGptEntry(L"abcdefghijklmnopqrstuvwxyz0123456789"));
 
@@ -95,28 +75,6 @@ TEST_F(PartitionDumpTest, Gpt_UnlistedType_IsUnknown) {
                 Contains(Info("    Type: Unknown partition ({0FC63DAF-8483-4772-8E79-3D69D8477DE4})")));
 }
 
-TEST_F(PartitionDumpTest, Mbr_WritesCommonThenItsOwnLines) {
-    Dump<PartitionMBR>(FullMbrEntry());
-
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(Info("    Partition Number: 1"), Info("    Dynamic partition: True"),
-                            Info("    Offset: 32256"), Info("    Length: 1073741824(1.00 GB)"),
-                            Info("    Rewrite Partition: 0"), Info("    Style: MBR"), Info("    Type: 0x42"),
-                            Info("    BootIndicator: 1"), Info("    Recognized Partition: 1"),
-                            Info("    HiddenSectors: 63"), Info("")));
-}
-
-TEST_F(PartitionDumpTest, Mbr_UnusedEntry_PrintsZeros) {
-    Dump<PartitionMBR>(PARTITION_INFORMATION_EX{});
-
-    EXPECT_THAT(
-        log_.Messages(),
-        ElementsAre(Info("    Partition Number: 0"), Info("    Dynamic partition: False"),
-                    Info("    Offset: 0"), Info("    Length: 0(0.00 GB)"), Info("    Rewrite Partition: 0"),
-                    Info("    Style: MBR"), Info("    Type: 0x0"), Info("    BootIndicator: 0"),
-                    Info("    Recognized Partition: 0"), Info("    HiddenSectors: 0"), Info("")));
-}
-
 TEST_F(PartitionDumpTest, EveryStyle_HasItsLine) {
     for (const StyleCase& style : kStyles) {
         log_.Clear();
@@ -128,31 +86,10 @@ TEST_F(PartitionDumpTest, EveryStyle_HasItsLine) {
     }
 }
 
-TEST_F(PartitionDumpTest, Kinds_TraceThemselvesAndTheBase) {
-    Dump<PartitionGPT>(entries::Gpt(0x100000, 0x100000));
-    Dump<PartitionMBR>(entries::Mbr(0x100000, 0x100000));
-
-    for (const std::string function :
-         {"bmr_common::PartitionGPT::DumpInfo", "bmr_common::PartitionMBR::DumpInfo",
-          "bmr_common::Partition::DumpInfo"}) {
-        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function " + function + " line "))
-            << function;
-        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Leaving function " + function + " line "))
-            << function;
-    }
-}
-
 TEST(PartitionCaptureTest, Gpt_WritesTheCommonElementsOnly) {
     EXPECT_THAT(ElementsOf<PartitionGPT>(FullGptEntry(L"Data")),
                 ElementsAre("DynamicPartition=True", "PartitionNumber=3", "Offset=1048576",
                             "Length=1610612736", "RewritePartition=True", "Style=GPT"));
-}
-
-TEST(PartitionCaptureTest, Mbr_WritesTheCommonElementsThenItsOwn) {
-    EXPECT_THAT(ElementsOf<PartitionMBR>(FullMbrEntry()),
-                ElementsAre("DynamicPartition=True", "PartitionNumber=1", "Offset=32256", "Length=1073741824",
-                            "RewritePartition=False", "Style=MBR", "Type=66", "BootIndicator=True",
-                            "RecognizedPartition=True", "HiddenSectors=63"));
 }
 
 TEST(PartitionCaptureTest, Numbers_HighBitsSet_KeepTheirSigns) {

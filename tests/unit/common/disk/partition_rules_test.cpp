@@ -178,27 +178,5 @@ TEST_F(PartitionMbrRulesTest, IsBootable_BootIndicator_MustBeExactlyOne) {
     }
 }
 
-TEST(PartitionTest, New_IsAllZeroButForItsStyle) {
-    const PartitionGPT partition;
-    PARTITION_INFORMATION_EX zero{};
-    entries::SetStyle(zero, PARTITION_STYLE_RAW);
-
-    EXPECT_EQ(2U, partition.style());
-    EXPECT_EQ(0, std::memcmp(&zero, &partition.entry(), sizeof(zero)));
-}
-
-TEST(PartitionTest, Initialize_WholeEntry_IsCopiedByteByByte) {
-    PARTITION_INFORMATION_EX entry{};
-    auto* const bytes = reinterpret_cast<unsigned char*>(&entry);
-    for (std::size_t i = 0; i < sizeof(entry); ++i) {
-        bytes[i] = static_cast<unsigned char>(i + 1);
-    }
-    PartitionMBR partition;
-
-    partition.Initialize(entry);
-
-    EXPECT_EQ(0, std::memcmp(&entry, &partition.entry(), sizeof(entry)));
-}
-
 }  // namespace
 }  // namespace bmr_common

@@ -34,11 +34,6 @@ constexpr char kThreeDisks[] = R"({"disks": [
     {"index": 1, "size": "1 GiB", "style": "mbr", "wmi": {"InterfaceType": "USB"}},
     {"index": 2, "size": "1 GiB", "style": "mbr", "wmi": false}]})";
 
-TEST_F(DiskInterfaces, TypesOfWmi_GoToTheirDisks) {
-    Use(kThreeDisks);
-    EXPECT_THAT(Assign(), ElementsAre(L"IDE", L"USB", L""));
-}
-
 TEST_F(DiskInterfaces, TypeNull_IsEmpty) {
     Use(kThreeDisks);
     machine::WmiProperty none;

@@ -6,9 +6,6 @@
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 constexpr GUID kDiskId = {0x89ABCDEF, 0x1234, 0x5678, {1, 2, 3, 4, 5, 6, 7, 8}};
 constexpr GUID kBasicData = {0xEBD0A0A2, 0xB9E5, 0x4433, {0x87, 0xC0, 0x68, 0xB6, 0xB7, 0x26, 0x99, 0xC7}};
 constexpr GUID kLdmMetadata = {0x5808C8AA, 0x7E8F, 0x42E0, {0x85, 0xD2, 0xE1, 0xE9, 0x04, 0x34, 0xCF, 0xB3}};
@@ -41,35 +38,6 @@ protected:
 
     std::vector<::Volume> volumes_ = {VolumeOn(0, {0})};
 };
-
-TEST_F(DriveDetails, MbrDisks_GiveTheirSignaturesToVolumesAndExtents) {
-    Use(enum_machine::kTwoMbr);
-    volumes_ = {VolumeOn(0, {0, 1}), VolumeOn(1, {1})};
-    assignDriveDetails(volumes_);
-    EXPECT_EQ(volumes_[0].m_dwDiskSignature, 1001U);
-    EXPECT_EQ(volumes_[0].extents[0].m_dwDiskSignature, 1001U);
-    EXPECT_EQ(volumes_[0].extents[1].m_dwDiskSignature, 1002U);
-    EXPECT_EQ(volumes_[1].m_dwDiskSignature, 1002U);
-    EXPECT_EQ(volumes_[0].disk_guid, GUID{});
-    EXPECT_FALSE(volumes_[0].Dynamic);
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(DriveDetails, Steps_AreTraced) {
-    Use(enum_machine::kTwoMbr);
-    assignDriveDetails(volumes_);
-    EXPECT_TRUE(IsTracedAs("assignDriveDetails")) << log_;
-    EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function getDriveInfo line ")) << log_;
-}
-
-TEST_F(DriveDetails, MbrDiskWithAnLdmEntry_IsDynamic) {
-    Use(enum_machine::kTwoMbr);
-    disk(0).partitions.at(2).mbr_type = 0x42;
-    volumes_ = {VolumeOn(0, {0}), VolumeOn(1, {1})};
-    assignDriveDetails(volumes_);
-    EXPECT_TRUE(volumes_[0].Dynamic);
-    EXPECT_FALSE(volumes_[1].Dynamic);
-}
 
 TEST_F(DriveDetails, DynamicVolume_IsNeverReset) {
     Use(enum_machine::kTwoMbr);
@@ -134,11 +102,6 @@ TEST_F(UnknownDisk, NumberWithoutDisk_IsZeros) {
 TEST_F(UnknownDisk, GptDisk_IsZerosForItIsNotUsable) {
     Use(enum_machine::kMbrAndGpt);
     ExpectUnknown(1);
-}
-
-TEST_F(UnknownDisk, RawDisk_IsZeros) {
-    Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "raw"}]})");
-    ExpectUnknown(0);
 }
 
 TEST_F(UnknownDisk, LayoutNotReadableTheSecondTime_IsZeros) {

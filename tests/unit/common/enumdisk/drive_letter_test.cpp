@@ -24,22 +24,6 @@ TEST(GetDriveLetter, SeveralRoots_IsTheSmallest) {
     EXPECT_EQ(LetterOf({L"E:\\", L"D:\\"}), L"D:\\");
 }
 
-TEST(GetDriveLetter, OnlyFolders_IsEmptyWithTheirCount) {
-    const support::LoggerCapture log;
-    EXPECT_EQ(LetterOf({L"C:\\A\\", L"C:\\B\\"}), L"");
-    EXPECT_TRUE(
-        log.Contains(support::kHostTrace,
-                     "EnumDisk::GetDriveLetter VOLUME volume no appropriate drive letter found (checked 2 "
-                     "names), it will be displayed by its label or GUID in the application's UI"))
-        << log;
-}
-
-TEST(GetDriveLetter, NoPaths_IsEmptyWithACountOfZero) {
-    const support::LoggerCapture log;
-    EXPECT_EQ(EnumDisk().GetDriveLetter(L"V", L"", 1), L"");
-    EXPECT_TRUE(log.ContainsPart(support::kHostTrace, "(checked 0 names)")) << log;
-}
-
 TEST(GetDriveLetter, NullArguments_AreFailedAssertionsAndGoOn) {
     const support::LoggerCapture log;
     EXPECT_EQ(EnumDisk().GetDriveLetter(nullptr, nullptr, 0), L"");

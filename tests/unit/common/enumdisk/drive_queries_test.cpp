@@ -28,16 +28,6 @@ protected:
     std::vector<DWORD> offered_;
 };
 
-TEST_F(DriveQueries, Length_IsThatOfTheDisk) {
-    EXPECT_TRUE(EnumDisk::GetDiskLength(0, kLogError, length_, error_));
-    EXPECT_EQ(length_, 1000 * enum_machine::kMiB);
-    EXPECT_EQ(error_, 0U);
-    EXPECT_THAT(Steps(), ElementsAre(Trace("DriveName: \\\\.\\PhysicalDrive0"),
-                                     Trace("Get length of drive \\\\.\\PhysicalDrive0: 1048576000")));
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-    EXPECT_TRUE(IsTracedAs("EnumDisk::GetDiskLength")) << log_;
-}
-
 TEST_F(DriveQueries, LengthOpen_IsForReadingAndWritingSharedForBoth) {
     std::vector<std::vector<DWORD>> opened;
     const auto open = Kernel32DLL::Get().CreateFileW;
@@ -87,22 +77,6 @@ TEST_F(DriveQueries, LengthBelowZero_Fails) {
     EXPECT_EQ(length_, 77);
 }
 
-TEST_F(DriveQueries, Layout_HoldsTheTableAndIsTraced) {
-    ASSERT_TRUE(Layout(true));
-    EXPECT_EQ(layout_.size(), 48U + 4 * 144);
-    EXPECT_EQ(error_, 0U);
-    EXPECT_THAT(Steps(), ElementsAre(Trace("Entering GetDriveLayout"), Trace("Leaving GetDriveLayout")));
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-    EXPECT_TRUE(IsTracedAs("EnumDisk::GetDriveLayout")) << log_;
-}
-
-TEST_F(DriveQueries, ClassicLayout_IsAskedByItsOwnControl) {
-    ASSERT_TRUE(Layout(false));
-    EXPECT_EQ(layout_.size(), 8U + 4 * 32);
-    EXPECT_EQ(simulation().calls().Count(enum_machine::kLayout), 1U);
-    EXPECT_EQ(simulation().calls().Count(enum_machine::kLayoutEx), 0U);
-}
-
 TEST_F(DriveQueries, LayoutBuffer_BeginsAtItsSizeAndDoublesOnError122) {
     for (const auto& [extended, first] : {std::pair{true, DWORD{768}}, std::pair{false, DWORD{168}}}) {
         offered_.clear();
@@ -122,12 +96,6 @@ TEST_F(DriveQueries, LayoutBuffer_BeginsAtItsSizeAndDoublesOnError122) {
         EXPECT_THAT(offered_, ElementsAre(first, first * 2, first * 4, first * 8, first * 16));
     }
     EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(DriveQueries, LayoutOf128Entries_IsReadWhole) {
-    disk(0).partitions.resize(128);
-    ASSERT_TRUE(Layout(true));
-    EXPECT_EQ(layout_.size(), 48U + 128 * 144);
 }
 
 TEST_F(DriveQueries, LayoutThatNeverFits_FailsInTheEnd) {
@@ -196,15 +164,6 @@ TEST_F(DriveQueries, LayoutShorterThanItsHeader_Fails) {
     EXPECT_NE(error_, 0U);
 }
 
-TEST_F(DriveQueries, IsGpt_FollowsTheStyleOfTheLayout) {
-    bool is_gpt = true;
-    EXPECT_TRUE(DriveIsGPT(0, is_gpt));
-    EXPECT_FALSE(is_gpt);
-    EXPECT_TRUE(DriveIsGPT(1, is_gpt));
-    EXPECT_TRUE(is_gpt);
-    EXPECT_EQ(simulation().calls().Count(enum_machine::kLayoutEx), 2U);
-}
-
 TEST_F(DriveQueries, IsGpt_RawDisk_IsNot) {
     disk(0).style = PARTITION_STYLE_RAW;
     bool is_gpt = true;
@@ -218,13 +177,6 @@ TEST_F(DriveQueries, IsGpt_LayoutNotReadable_LeavesTheOutputAlone) {
         EXPECT_FALSE(DriveIsGPT(7, is_gpt));
         EXPECT_EQ(is_gpt, before);
     }
-}
-
-TEST_F(DriveQueries, IsGpt_IsTracedAroundTheLayout) {
-    bool is_gpt = false;
-    DriveIsGPT(0, is_gpt);
-    EXPECT_THAT(Steps(), ElementsAre(Trace("Entering GetDriveLayout"), Trace("Leaving GetDriveLayout")));
-    EXPECT_TRUE(IsTracedAs("DriveIsGPT")) << log_;
 }
 
 }  // namespace

@@ -78,15 +78,6 @@ protected:
         return steps;
     }
 
-    // True if the log starts with the function's entering line and ends with its leaving line.
-    bool IsTracedAs(const std::string& function) const {
-        const auto& lines = log_.all();
-        return lines.size() >= 2 && lines.front().level == support::kHostTrace &&
-               lines.back().level == support::kHostTrace &&
-               lines.front().text.starts_with("Entering function " + function + " line ") &&
-               lines.back().text.starts_with("Leaving function " + function + " line ");
-    }
-
     // The object of every call with this name, in order.
     std::vector<std::wstring> ObjectsOf(const std::string& call) {
         std::vector<std::wstring> objects;

@@ -8,7 +8,6 @@
 
 namespace {
 
-using enum_machine::kMiB;
 using support::LogLine;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -61,20 +60,34 @@ TEST_F(FixedVolumeFailures, DeviceNameTooLongAtFirst_IsAskedAgain) {
     EXPECT_EQ(volumes_[0].DeviceName, L"\\Device\\" + std::wstring(300, L'x'));
 }
 
-TEST_F(FixedVolumeFailures, VolumeInformation_LeavesTheVolumeOut) {
-    faults().Fail("GetVolumeInformationW", 1005, fixed_machine::kFirst);
-    ExpectLeftOut(Info("GetVolumeInformation failed error=0x3ed 1005"));
+struct FailingQuery {
+    const char* call;
+    DWORD error;
+    const wchar_t* object;
+    const char* line;  // behind the volume
+};
+
+class FailingFixedVolume : public FixedVolumeFailures, public testing::WithParamInterface<FailingQuery> {};
+
+TEST_P(FailingFixedVolume, Query_LeavesTheVolumeOut) {
+    faults().Fail(GetParam().call, GetParam().error, GetParam().object);
+    ExpectLeftOut(Info(GetParam().line));
 }
 
-TEST_F(FixedVolumeFailures, Opening_LeavesTheVolumeOut) {
-    faults().Fail("CreateFileW", 5, kOpenedFirst);
-    ExpectLeftOut(Info("CreateFile failed error=0x5 5"));
-}
-
-TEST_F(FixedVolumeFailures, Extents_LeaveTheVolumeOut) {
-    faults().Fail(enum_machine::kExtents, 1, kOpenedFirst);
-    ExpectLeftOut(Info("DeviceIoControl IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS failed error=0x1 1"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Queries, FailingFixedVolume,
+    testing::Values(FailingQuery{"GetVolumeInformationW", 1005, fixed_machine::kFirst,
+                                 "GetVolumeInformation failed error=0x3ed 1005"},
+                    FailingQuery{"CreateFileW", 5, kOpenedFirst, "CreateFile failed error=0x5 5"},
+                    FailingQuery{enum_machine::kExtents, 1, kOpenedFirst,
+                                 "DeviceIoControl IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS failed error=0x1 1"},
+                    FailingQuery{
+                        enum_machine::kExtents, ERROR_MORE_DATA, kOpenedFirst,
+                        "DeviceIoControl IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS failed error=0xea 234"},
+                    FailingQuery{enum_machine::kPartition, 1, kOpenedFirst,
+                                 "DeviceIoControl IOCTL_DISK_GET_PARTITION_INFO failed error=0x1 1"},
+                    FailingQuery{"GetDiskFreeSpaceExW", 21, fixed_machine::kFirst,
+                                 "GetDiskFreeSpaceEx failed error=0x15 21"}));
 
 TEST_F(FixedVolumeFailures, NoExtents_LeaveTheVolumeOut) {
     volume(0).extents->clear();
@@ -91,18 +104,6 @@ TEST_F(FixedVolumeFailures, ExtentsThatCountMoreThanTheyHold_LeaveTheVolumeOut) 
     ExpectWarning(kLeftOut);
 }
 
-TEST_F(FixedVolumeFailures, ManyExtents_AreAllRead) {
-    volume(0).extents->assign(100, {0, 5 * kMiB, 1 * kMiB});
-    ASSERT_TRUE(Get());
-    ASSERT_THAT(volumes_, SizeIs(2));
-    EXPECT_THAT(volumes_[0].extents, SizeIs(100));
-}
-
-TEST_F(FixedVolumeFailures, ExtentsThatNeverFit_LeaveTheVolumeOut) {
-    faults().Fail(enum_machine::kExtents, ERROR_MORE_DATA, kOpenedFirst);
-    ExpectLeftOut(Info("DeviceIoControl IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS failed error=0xea 234"));
-}
-
 TEST_F(FixedVolumeFailures, NoMemoryForTheExtents_LeavesTheVolumeOut) {
     faults().Fail(enum_machine::kExtents, ERROR_MORE_DATA, kOpenedFirst);
     const support::AllocationFailure failing(1'000'000);
@@ -116,21 +117,11 @@ TEST_F(FixedVolumeFailures, StyleOfTheDisk_IsOnlyATrace) {
     EXPECT_THAT(volumes_, SizeIs(2));
 }
 
-TEST_F(FixedVolumeFailures, PartitionInformation_LeavesTheVolumeOut) {
-    faults().Fail(enum_machine::kPartition, 1, kOpenedFirst);
-    ExpectLeftOut(Info("DeviceIoControl IOCTL_DISK_GET_PARTITION_INFO failed error=0x1 1"));
-}
-
 TEST_F(FixedVolumeFailures, PartitionInformationTooShort_LeavesTheVolumeOut) {
     faults().Alter(
         enum_machine::kPartition, [](machine::Answer& answer) { answer.returned = 8; }, kOpenedFirst);
     EXPECT_TRUE(Get());
     EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));
-}
-
-TEST_F(FixedVolumeFailures, FreeSpace_LeavesTheVolumeOut) {
-    faults().Fail("GetDiskFreeSpaceExW", 21, fixed_machine::kFirst);
-    ExpectLeftOut(Info("GetDiskFreeSpaceEx failed error=0x15 21"));
 }
 
 TEST_F(FixedVolumeFailures, BlockSize_StaysZero) {

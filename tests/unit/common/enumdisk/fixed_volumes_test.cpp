@@ -14,42 +14,6 @@ using testing::SizeIs;
 
 using FixedVolumes = fixed_machine::FixedMachine;
 
-TEST_F(FixedVolumes, Volume_IsDescribed) {
-    ASSERT_TRUE(Get());
-    ASSERT_THAT(volumes_, SizeIs(2));
-    const ::Volume& volume = volumes_[0];
-    EXPECT_EQ(volume.Name, fixed_machine::kFirst);
-    EXPECT_EQ(volume.DeviceName, L"\\Device\\HarddiskVolume1");
-    EXPECT_EQ(volume.VolumeLetter, L"C:\\");
-    EXPECT_EQ(volume.Label, L"System");
-    EXPECT_EQ(volume.Serial, 0x12345678U);
-    EXPECT_EQ(volume.Flags, 0x1234U);
-    EXPECT_EQ(volume.FileSystem, L"NTFS");
-    EXPECT_EQ(volume.m_DiskNumber, 0U);
-    EXPECT_EQ(volume.m_offsetPartition, 1U * kMiB);
-    EXPECT_EQ(volume.m_PartitionNumber, 1);
-    EXPECT_EQ(volume.m_Size, 100U * kMiB);
-    EXPECT_EQ(volume.m_FileSystemUsedSpace, 60'000'000U);
-    EXPECT_EQ(volume.BlockSize, 8U * 512U);
-    EXPECT_EQ(volume.m_dwDiskSignature, 439041101U);
-    EXPECT_FALSE(volume.Dynamic);
-    EXPECT_FALSE(volume.SystemVolume);
-    EXPECT_FALSE(volume.BootVolume);
-    ASSERT_THAT(volume.extents, SizeIs(1));
-    EXPECT_EQ(volume.extents[0].m_DiskNumber, 0U);
-    EXPECT_EQ(volume.extents[0].m_offsetPartition, 1U * kMiB);
-    EXPECT_EQ(volume.extents[0].m_Size, 100U * kMiB);
-    EXPECT_EQ(volume.extents[0].m_PartitionNumber, 1);
-    EXPECT_EQ(volume.extents[0].m_dwDiskSignature, 439041101U);
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(FixedVolumes, EarlierContent_IsReplaced) {
-    volumes_.resize(5);
-    ASSERT_TRUE(Get());
-    EXPECT_THAT(Names(), ElementsAre(fixed_machine::kFirst, fixed_machine::kSecond));
-}
-
 TEST_F(FixedVolumes, OtherThanFixed_AreSkipped) {
     for (const UINT type : {DRIVE_NO_ROOT_DIR, DRIVE_REMOVABLE, DRIVE_REMOTE, DRIVE_CDROM, DRIVE_RAMDISK}) {
         volume(0).drive_type = type;
@@ -114,29 +78,11 @@ TEST_F(FixedVolumes, SearchThatNeverEnds_IsGivenUp) {
         << log_;
 }
 
-TEST_F(FixedVolumes, SearchEnds_BeforeTheDetailsOfTheDisksAreAsked) {
-    ASSERT_TRUE(Get());
-    std::size_t closed = 0;
-    std::size_t queried = 0;
-    for (const machine::CallRecord& record : simulation().calls().records()) {
-        closed = record.name == "FindVolumeClose" ? record.ordinal : closed;
-        queried = record.name == "IWbemServices::ExecQuery" ? record.ordinal : queried;
-    }
-    EXPECT_NE(closed, 0U);
-    EXPECT_LT(closed, queried);
-}
-
 TEST_F(FixedVolumes, DriveName_IsTheFirstLetterOfTheVolume) {
     volume(0).mount_points = {L"X:\\", L"G:\\"};
     ASSERT_TRUE(Get());
     EXPECT_THAT(OpenedVolumes(), ElementsAre(L"\\\\.\\G:", fixed_machine::kSecondDevice));
     EXPECT_EQ(volumes_.at(0).VolumeLetter, L"G:\\");
-}
-
-TEST_F(FixedVolumes, DriveNames_AreAskedOfTheLettersThatExistOnly) {
-    ASSERT_TRUE(Get());
-    // One query for each of the two volumes.
-    EXPECT_THAT(ObjectsOf("GetVolumeNameForVolumeMountPointW"), ElementsAre(L"C:\\", L"C:\\"));
 }
 
 TEST_F(FixedVolumes, WithoutLetter_IsOpenedByItsNameWithoutTheBackslash) {
@@ -183,26 +129,6 @@ TEST_F(FixedVolumes, SpannedVolume_HasAllItsExtents) {
     EXPECT_EQ(found->extents[1].m_dwDiskSignature, 0x5C82F0A5U);
     EXPECT_TRUE(found->Dynamic);
     EXPECT_EQ(found->VolumeLetter, L"S:\\");
-}
-
-TEST_F(FixedVolumes, Laptop_HasFourVolumesNumberedInDiskOrder) {
-    UseExample("bios-laptop");
-    ASSERT_TRUE(Get());
-    std::vector<std::int32_t> numbers;
-    for (const ::Volume& volume : volumes_) {
-        numbers.push_back(volume.m_PartitionNumber);
-        EXPECT_EQ(volume.m_dwDiskSignature, 0x7A3C51E8U);
-    }
-    EXPECT_THAT(numbers, ElementsAre(1, 2, 3, 4));
-    EXPECT_EQ(volumes_.at(2).Label, L"Documents");
-}
-
-TEST_F(FixedVolumes, GptVolumes_AreTracedAndLeftOut) {
-    UseExample("uefi-workstation");
-    ASSERT_TRUE(Get());
-    EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "getVolumeInfo GPT volume detected ")) << log_;
-    EXPECT_THAT(volumes_, IsEmpty());  // the older partition query fails on a GPT disk
-    EXPECT_TRUE(log_.ContainsPart(support::kHostWarning, "getFixedVolumes skipping volume ")) << log_;
 }
 
 }  // namespace

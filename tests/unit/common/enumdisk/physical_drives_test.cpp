@@ -27,14 +27,6 @@ protected:
     std::int32_t maximum_ = 77;
 };
 
-TEST_F(PhysicalDrivesIndexes, MbrDisks_AreAllUsable) {
-    Use(enum_machine::kTwoMbr);
-    EXPECT_TRUE(List());
-    EXPECT_THAT(indexes_, ElementsAre(0U, 1U));
-    EXPECT_EQ(maximum_, 1);
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
 TEST_F(PhysicalDrivesIndexes, GptDisk_IsUnavailableWithoutAMessageAndCountsForTheMaximum) {
     Use(enum_machine::kMbrAndGpt);
     EXPECT_TRUE(List());
@@ -47,13 +39,6 @@ TEST_F(PhysicalDrivesIndexes, RawDisk_IsUsable) {
     Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "raw"}]})");
     EXPECT_TRUE(List());
     EXPECT_THAT(indexes_, ElementsAre(0U));
-}
-
-TEST_F(PhysicalDrivesIndexes, SeveralDisks_KeepTheOrderOfWmi) {
-    UseExample("server-many-disks");
-    EXPECT_TRUE(List());
-    EXPECT_THAT(indexes_, ElementsAre(2U));  // the others are GPT
-    EXPECT_EQ(maximum_, 10);
 }
 
 TEST_F(PhysicalDrivesIndexes, ReversedByWmi_StayReversed) {
@@ -70,13 +55,6 @@ TEST_F(PhysicalDrivesIndexes, Index255_IsSkippedButCountsForTheMaximum) {
     EXPECT_THAT(indexes_, ElementsAre(0U));
     EXPECT_EQ(maximum_, 255);
     EXPECT_EQ(simulation().calls().Count("CreateFileW", L"\\\\.\\PhysicalDrive255"), 0U);
-}
-
-TEST_F(PhysicalDrivesIndexes, EarlierContent_IsAppendedTo) {
-    Use(enum_machine::kTwoMbr);
-    indexes_ = {9};
-    EXPECT_TRUE(List());
-    EXPECT_THAT(indexes_, ElementsAre(9U, 0U, 1U));
 }
 
 TEST_F(PhysicalDrivesIndexes, IndexOfUnsigned32Bits_IsItsLow16Bits) {
@@ -180,14 +158,6 @@ TEST_F(PhysicalDrivesIndexes, ResetOrFirstFetchFails_FailsWithItsLine) {
     }
 }
 
-TEST_F(PhysicalDrivesIndexes, NoDrives_FailLikeAFailingFirstFetch) {
-    UseExample("no-disks");
-    EXPECT_FALSE(List());
-    EXPECT_EQ(maximum_, -1);
-    EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes FindFirstObject failed"))
-        << log_;
-}
-
 TEST_F(PhysicalDrivesIndexes, IndexNotReadable_FailsWithItsLine) {
     Use(enum_machine::kTwoMbr);
     faults().Add({"IWbemClassObject::Get", L"Win32_DiskDrive.Index", 2, false, {}, {}});
@@ -208,15 +178,6 @@ TEST_F(PhysicalDrivesIndexes, ComRefuses_FailsWithItsLine) {
                               "EnumDisk::GetPhysicalDrivesIndexes"))
         << log_;
     EXPECT_EQ(simulation().calls().size(), 0U);
-}
-
-TEST_F(PhysicalDrivesIndexes, Query_IsForAllDiskDrivesAndTraced) {
-    Use(enum_machine::kTwoMbr);
-    List();
-    EXPECT_THAT(ObjectsOf("IWbemServices::ExecQuery"), ElementsAre(L"Win32_DiskDrive"));
-    EXPECT_TRUE(IsTracedAs("EnumDisk::GetPhysicalDrivesIndexes")) << log_;
-    EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function EnumDisk::DiskUsable line "))
-        << log_;
 }
 
 }  // namespace

@@ -21,15 +21,6 @@ constexpr std::uint64_t kMiB = 1024 * 1024;
     return volume;
 }
 
-TEST(AssignPartitionNumbers, RightNumbers_AreKept) {
-    const support::LoggerCapture log;
-    std::vector<::Volume> volumes = {VolumeAt(L"a", 0, 500, 2), VolumeAt(L"b", 0, 1, 1)};
-    assignPartitionNumbers(volumes);
-    EXPECT_EQ(volumes[0].m_PartitionNumber, 2);
-    EXPECT_EQ(volumes[1].m_PartitionNumber, 1);
-    EXPECT_TRUE(log.all().empty()) << log;
-}
-
 TEST(AssignPartitionNumbers, ReversedNumbers_FollowTheOffsets) {
     const support::LoggerCapture log;
     std::vector<::Volume> volumes = {VolumeAt(L"a", 0, 500, 1), VolumeAt(L"b", 0, 1, 2)};

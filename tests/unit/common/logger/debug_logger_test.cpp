@@ -2,18 +2,13 @@
 
 #include "support/debugger_capture.h"
 
-#include <gmock/gmock.h>
-
 #include <ctime>
-#include <cwchar>
 #include <regex>
 #include <string>
 
 namespace {
 
 using support::DebuggerCapture;
-using testing::IsEmpty;
-using testing::SizeIs;
 
 constexpr std::size_t kStampCharacters = 23;  // "03/07/2021 02:05:09 PM "
 
@@ -66,57 +61,12 @@ TEST(DebugLogger, FormatTime_Now_IsTheLocalTimeOnATwelveHourClock) {
     EXPECT_LE(MomentOf(stamp), after);
 }
 
-TEST(DebugLogger, Output_TextWithoutLineEnd_GetsOne) {
-    DebuggerCapture debugger;
-    CDebugLogger().Output(2, L"the text", 8);
-
-    EXPECT_EQ(TextAfterStamp(debugger), L"the text\n");
-}
-
-TEST(DebugLogger, Output_TextWithLineEnd_KeepsTheOne) {
-    DebuggerCapture debugger;
-    CDebugLogger().Output(2, L"the text\n", 9);
-
-    EXPECT_EQ(TextAfterStamp(debugger), L"the text\n");
-}
-
-TEST(DebugLogger, Output_EmptyText_IsTheStampAndALineEnd) {
-    DebuggerCapture debugger;
-    CDebugLogger().Output(2, L"", 0);
-
-    EXPECT_EQ(TextAfterStamp(debugger), L"\n");
-}
-
-TEST(DebugLogger, Output_TextWithPercentSign_IsNotFormatted) {
-    DebuggerCapture debugger;
-    CDebugLogger().Output(2, L"100%d", 5);
-
-    EXPECT_EQ(TextAfterStamp(debugger), L"100%d\n");
-}
-
-TEST(DebugLogger, Write_LevelThree_IsTheLastThatIsDelivered) {
-    DebuggerCapture debugger;
-
-    EXPECT_EQ(CDebugLogger().Write(3, L"warning %d", 1), 1);
-
-    EXPECT_EQ(TextAfterStamp(debugger), L"warning 1\n");
-}
-
-TEST(DebugLogger, Write_LevelsFourAndFive_AreDropped) {
-    DebuggerCapture debugger;
-
-    EXPECT_EQ(CDebugLogger().Write(4, L"information"), 0);
-    EXPECT_EQ(CDebugLogger().Write(5, L"trace"), 0);
-
-    EXPECT_THAT(debugger.lines(), IsEmpty());
-}
-
-TEST(DebugLogger, Output_OneMessage_IsOneCallOfTheDebugger) {
-    DebuggerCapture debugger;
-    CDebugLogger().Output(1, std::wstring(254, L'x').c_str(), 254);
-
-    EXPECT_THAT(debugger.lines(), SizeIs(1));
-    EXPECT_EQ(TextAfterStamp(debugger), std::wstring(254, L'x') + L"\n");
+TEST(DebugLogger, Output_Text_GetsALineEndUnlessItHasOne) {
+    for (const std::wstring text : {L"the text", L"the text\n", L""}) {
+        const DebuggerCapture debugger;
+        CDebugLogger().Output(2, text.c_str(), text.size());
+        EXPECT_EQ(TextAfterStamp(debugger), text.ends_with(L'\n') ? text : text + L'\n');
+    }
 }
 
 }  // namespace

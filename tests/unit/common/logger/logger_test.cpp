@@ -132,31 +132,14 @@ INSTANTIATE_TEST_SUITE_P(AroundTheLimit, LoggerLengths,
                                          std::pair{256U, 254U}, std::pair{300U, 254U},
                                          std::pair{100000U, 254U}));
 
-TEST(Logger, Write_OutputThrows_ReturnsZeroAndTellsTheDebuggerTheFormat) {
-    ThrowingLogger logger(Thrown::kStandard);
-    DebuggerCapture debugger;
-
-    EXPECT_EQ(logger.Write(5, L"disk %u of %s", 3U, L"x"), 0);
-
-    EXPECT_THAT(debugger.lines(), ElementsAre(L"Exception in CLogger::Write while writing disk %u of %s"));
-}
-
-TEST(Logger, Write_OutputThrowsSomethingForeign_IsCaughtToo) {
-    ThrowingLogger logger(Thrown::kForeign);
-    DebuggerCapture debugger;
-
-    EXPECT_EQ(logger.Write(2, L"format"), 0);
-
-    EXPECT_THAT(debugger.lines(), ElementsAre(L"Exception in CLogger::Write while writing format"));
-}
-
-TEST(Logger, Write_GetLevelThrows_IsCaughtToo) {
-    ThrowingLogger logger(Thrown::kFromLevel);
-    DebuggerCapture debugger;
-
-    EXPECT_EQ(logger.Write(2, L"format"), 0);
-
-    EXPECT_THAT(debugger.lines(), ElementsAre(L"Exception in CLogger::Write while writing format"));
+TEST(Logger, Write_SomethingThrows_ReturnsZeroAndTellsTheDebuggerTheFormat) {
+    for (const Thrown thrown : {Thrown::kStandard, Thrown::kForeign, Thrown::kFromLevel}) {
+        ThrowingLogger logger(thrown);
+        const DebuggerCapture debugger;
+        EXPECT_EQ(logger.Write(5, L"disk %u of %s", 3U, L"x"), 0);
+        EXPECT_THAT(debugger.lines(),
+                    ElementsAre(L"Exception in CLogger::Write while writing disk %u of %s"));
+    }
 }
 
 TEST(Logger, Write_OutputThrowsOnALongFormat_CutsTheReportAt254Characters) {

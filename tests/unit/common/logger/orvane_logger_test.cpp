@@ -15,7 +15,6 @@ using support::DebuggerCapture;
 using support::LoggerCapture;
 using support::LogLine;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::IsEmpty;
 
 // Logged before main, while the order of static initialisation is undefined.
@@ -150,15 +149,6 @@ TEST(OrvaneLogger, Write_PercentSignsInTheFinishedText_ReachTheCallbackUnchanged
     EXPECT_THAT(log.all(), ElementsAre(LogLine{3, "100%d %s %%"}));
 }
 
-TEST(OrvaneLogger, Write_CallbackSet_LeavesTheDebuggerAlone) {
-    const LoggerCapture log;
-    const DebuggerCapture debugger;
-
-    GetLogger().Write(2, L"for the host");
-
-    EXPECT_THAT(debugger.lines(), IsEmpty());
-}
-
 TEST(OrvaneLogger, Write_CharacterOutsideTheLocale_BecomesTheAssertion) {
     LoggerCapture log;
 
@@ -199,17 +189,6 @@ TEST(OrvaneLogger, Write_NarrowTextLongerThanItsBuffer_BecomesTheAssertion) {
         fits += "\x92\x86";
     }
     EXPECT_THAT(log.all(), ElementsAre(LogLine{3, fits}, kConversionAssertion));
-}
-
-TEST(OrvaneLogger, SetCallback_Null_SendsTheNextMessageToTheDebugger) {
-    LoggerCapture log;
-    const DebuggerCapture debugger;
-
-    GetLogger().SetCallback(nullptr);
-    GetLogger().Write(2, L"for the debugger");
-
-    EXPECT_THAT(log.all(), IsEmpty());
-    EXPECT_THAT(debugger.lines(), ElementsAre(EndsWith(L" for the debugger\n")));
 }
 
 TEST(OrvaneLogger, SetCallback_Another_ReplacesTheFirst) {

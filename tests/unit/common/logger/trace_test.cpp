@@ -5,10 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <memory>
-#include <regex>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -47,30 +44,6 @@ TEST(Trace, Traced_BodyLeftByAnException_LogsNoLeavingLine) {
 
     EXPECT_THAT(log.Lines(support::kHostTrace),
                 ElementsAre(MatchesRegex("Entering function orvane::f line \\d+")));
-}
-
-TEST(Trace, Traced_BodyWithoutResultLeftByAnException_LogsNoLeavingLine) {
-    LoggerCapture log;
-
-    EXPECT_THROW(Traced(L"orvane::f", [] { throw 1; }), int);
-
-    EXPECT_THAT(log.Lines(support::kHostTrace),
-                ElementsAre(MatchesRegex("Entering function orvane::f line \\d+")));
-}
-
-TEST(Trace, Traced_Nested_LeavesTheInnerFirst) {
-    LoggerCapture log;
-
-    Traced(L"outer", [] {
-        GetLogger().Write(kLogTrace, L"in the outer");
-        Traced(L"inner", [] { GetLogger().Write(kLogTrace, L"in the inner"); });
-    });
-
-    EXPECT_THAT(log.Lines(support::kHostTrace),
-                ElementsAre(MatchesRegex("Entering function outer line \\d+"), "in the outer",
-                            MatchesRegex("Entering function inner line \\d+"), "in the inner",
-                            MatchesRegex("Leaving function inner line \\d+"),
-                            MatchesRegex("Leaving function outer line \\d+")));
 }
 
 TEST(Trace, Traced_ResultThatOnlyMoves_IsHandedThrough) {

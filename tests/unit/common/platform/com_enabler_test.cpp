@@ -79,19 +79,6 @@ INSTANTIATE_TEST_SUITE_P(Results, ComEnablerRefused,
                          testing::Values(std::pair{0x8007000EU, "8007000e"},
                                          std::pair{0x80070057U, "80070057"}, std::pair{2U, "2"}));
 
-TEST_F(ComEnabler, Destruction_NeverInitialized_UninitializesNothing) {
-    { const COMEnabler com; }
-    EXPECT_EQ(com_.uninitialized, 0);
-}
-
-TEST_F(ComEnabler, Destruction_Initialized_UninitializesOnce) {
-    {
-        COMEnabler com;
-        com.InitializeCOM(kCaller);
-    }
-    EXPECT_EQ(com_.uninitialized, 1);
-}
-
 // COM security is set once per process, so each of these tests needs a process that has not set it.
 
 TEST_F(ComEnabler, InitializeCOM_FirstInTheProcess_SetsSecurityWithTheDefaults) {

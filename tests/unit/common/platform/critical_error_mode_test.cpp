@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 namespace {
 
 constexpr DWORD kFails = SEM_FAILCRITICALERRORS;
@@ -25,15 +23,6 @@ TEST_P(CriticalErrors, Scope_AddsTheFlagAndRestoresTheMode) {
         EXPECT_EQ(GetThreadErrorMode(), GetParam() | kFails);
     }
     EXPECT_EQ(GetThreadErrorMode(), GetParam());
-}
-
-TEST_P(CriticalErrors, Exception_RestoresTheMode) {
-    try {
-        const FailCriticalErrors mode;
-        throw std::runtime_error("query");
-    } catch (const std::runtime_error&) {
-        EXPECT_EQ(GetThreadErrorMode(), GetParam());
-    }
 }
 
 TEST_P(CriticalErrors, HostInside_HasItsMode) {

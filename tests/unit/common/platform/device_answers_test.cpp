@@ -6,7 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <string>
 #include <vector>
 
 namespace {
@@ -165,32 +164,6 @@ TEST_F(DeviceAnswers, GetDiskLengthInformation_AnotherLengthClaimed_IsInvalid) {
         EXPECT_EQ(error_, DWORD{ERROR_INVALID_DATA});
         EXPECT_EQ(length, -1);
     }
-}
-
-TEST_F(DeviceAnswers, SetDriveLayoutEx_Success_SendsTheWholeBuffer) {
-    const ControlSystem system;
-    ByteBuffer layout = LayoutBytes(2, 2);
-
-    EXPECT_TRUE(WinAPIWrapper::SetDriveLayoutEx(device_, 4, layout, error_));
-
-    EXPECT_EQ(error_, 0U);
-    const ControlSystem::Request expected = {
-        reinterpret_cast<HANDLE>(0x60), 0x7C054, layout, false, 0, false};
-    EXPECT_TRUE((system.requests == std::vector<ControlSystem::Request>{expected}));
-}
-
-TEST_F(DeviceAnswers, CreateDisk_Success_SendsThe24Bytes) {
-    const ControlSystem system;
-    CREATE_DISK description{};
-    description.PartitionStyle = PARTITION_STYLE_GPT;
-    description.Gpt.MaxPartitionCount = 128;
-
-    EXPECT_TRUE(WinAPIWrapper::CreateDisk(device_, description, error_));
-
-    ASSERT_THAT(system.requests, SizeIs(1));
-    EXPECT_EQ(system.requests[0].code, 0x7C058U);
-    EXPECT_THAT(system.requests[0].input, SizeIs(24));
-    EXPECT_EQ(system.requests[0].input, BytesOf(description));
 }
 
 TEST_F(DeviceAnswers, CreateDisk_NoHandle_IsABadParameter) {

@@ -7,7 +7,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -127,15 +126,6 @@ TEST_P(GrowingControl, AnswerOfAnyLength_IsReadByDoubling) {
         EXPECT_EQ(system.output_sizes(), sizes);
         EXPECT_EQ(buffer_, system.answer);
     }
-}
-
-TEST_P(GrowingControl, CallersLargeBuffer_IsDoubledFromItsSize) {
-    const ControlSystem system(AnswerOf(1500));
-    buffer_.assign(600, 0);
-
-    EXPECT_TRUE(Call());
-
-    EXPECT_EQ(system.output_sizes(), (Sizes{600, 1200, 2400}));
 }
 
 TEST_P(GrowingControl, AnotherError_EmptiesTheBufferAtOnce) {

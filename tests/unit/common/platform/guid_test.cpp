@@ -12,7 +12,6 @@ using support::LoggerCapture;
 using support::LogLine;
 using support::StubImport;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr GUID kExample = {0xebd0a0a2, 0xb9e5, 0x4433, {0x87, 0xc0, 0x68, 0xb6, 0xb7, 0x26, 0x99, 0xc7}};
 
@@ -20,19 +19,6 @@ TEST(Guid, GuidText_Any_IsInUpperCaseAndBraces) {
     EXPECT_EQ(GuidText(kExample), L"{EBD0A0A2-B9E5-4433-87C0-68B6B72699C7}");
     EXPECT_EQ(GuidText(GUID{}), L"{00000000-0000-0000-0000-000000000000}");
     EXPECT_EQ(GuidText({1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}}), L"{00000001-0002-0003-0405-060708090A0B}");
-}
-
-TEST(Guid, CreateGuid_Twice_GivesTwoGuids) {
-    LoggerCapture log;
-    GUID first{};
-    GUID second{};
-
-    EXPECT_TRUE(CreateGuid(first));
-    EXPECT_TRUE(CreateGuid(second));
-
-    EXPECT_FALSE(IsEqualGUID(first, GUID{}));
-    EXPECT_FALSE(IsEqualGUID(first, second));
-    EXPECT_THAT(log.all(), IsEmpty());
 }
 
 TEST(Guid, CreateGuid_SystemFails_LogsAndGivesTheZeroGuid) {

@@ -23,25 +23,26 @@ public:
           path_names_(Kernel32DLL::Get().GetVolumePathNamesForVolumeNameW,
                       [this](const wchar_t* volume, wchar_t* buffer, DWORD size, DWORD* length) -> BOOL {
                           Note(volume, size);
-                          *length = static_cast<DWORD>(list_.size());
+                          *length = Told();
                           return Put(buffer, size, ERROR_MORE_DATA);
                       }),
-          dos_device_(
-              Kernel32DLL::Get().QueryDosDeviceW,
-              [this](const wchar_t* device, wchar_t* buffer, DWORD size) -> DWORD {
-                  Note(device, size);
-                  return Put(buffer, size, ERROR_INSUFFICIENT_BUFFER) ? static_cast<DWORD>(list_.size()) : 0;
-              }) {}
+          dos_device_(Kernel32DLL::Get().QueryDosDeviceW,
+                      [this](const wchar_t* device, wchar_t* buffer, DWORD size) -> DWORD {
+                          Note(device, size);
+                          return Put(buffer, size, ERROR_INSUFFICIENT_BUFFER) ? Told() : 0;
+                      }) {}
 
     std::vector<std::wstring> names;
     std::vector<DWORD> sizes;
     DWORD last_error_on_success = 0;
+    DWORD told_length = 0;  // not 0: reported as the list's length
 
 private:
     void Note(const wchar_t* name, DWORD size) {
         names.push_back(NullOr(name));
         sizes.push_back(size);
     }
+    DWORD Told() const { return told_length != 0 ? told_length : static_cast<DWORD>(list_.size()); }
     BOOL Put(wchar_t* buffer, DWORD size, DWORD too_small) {
         if (size < list_.size()) {
             SetLastError(too_small);

@@ -11,7 +11,6 @@ namespace {
 using support::LoggerCapture;
 using support::LogLine;
 using support::Stub;
-using testing::MatchesRegex;
 using testing::SizeIs;
 using win::WinAPIWrapper;
 
@@ -109,21 +108,6 @@ INSTANTIATE_TEST_SUITE_P(Table, OpenPhysicalDrive,
                          testing::Values(Drive{0, L"\\\\.\\PhysicalDrive0"},
                                          Drive{10, L"\\\\.\\PhysicalDrive10"},
                                          Drive{4294967295, L"\\\\.\\PhysicalDrive4294967295"}));
-
-TEST_F(OpenDevice, OpenPhysicalDrive_Success_TracesItselfAroundTheOpening) {
-    const Stub create(Kernel32DLL::Get().CreateFileW, Opener());
-    UniqueFile drive;
-
-    WinAPIWrapper::OpenPhysicalDrive(3, 0, &drive, error_);
-    drive.Release();
-
-    ASSERT_THAT(log_.all(), SizeIs(4)) << log_;
-    const auto lines = log_.Lines(support::kHostTrace);
-    EXPECT_THAT(lines[0], MatchesRegex("Entering function win::WinAPIWrapper::OpenPhysicalDrive line \\d+"));
-    EXPECT_THAT(lines[1], MatchesRegex("Entering function win::WinAPIWrapper::CreateFileW line \\d+"));
-    EXPECT_THAT(lines[2], MatchesRegex("Leaving function win::WinAPIWrapper::CreateFileW line \\d+"));
-    EXPECT_THAT(lines[3], MatchesRegex("Leaving function win::WinAPIWrapper::OpenPhysicalDrive line \\d+"));
-}
 
 TEST_F(OpenDevice, OpenPhysicalDrive_Failure_IsLoggedAsTheOpening) {
     opens_ = INVALID_HANDLE_VALUE;

@@ -156,12 +156,6 @@ TEST_F(QueryDirectory, EntryThatDoesNotFit_IsReadByDoublingWithALineEach) {
     EXPECT_EQ(entry_.name, L"Volume{1}");
 }
 
-TEST_F(QueryDirectory, EntryOfJustTheFirstSize_NeedsNoRetry) {
-    const OneEntryDirectory system(260);
-    EXPECT_TRUE(Query());
-    EXPECT_THAT(system.sizes, SizeIs(1));
-}
-
 TEST_F(QueryDirectory, EndOfTheListing_IsError18WithoutALine) {
     const support::Stub query(
         NtDLL::Get().ZwQueryDirectoryObject,

@@ -3,7 +3,6 @@
 
 #include "common/platform/privileges.h"
 #include "support/logger_capture.h"
-#include "support/stub.h"
 #include "support/text.h"
 #include "unit/common/platform/scratch_key.h"
 #include "unit/common/platform/token_privileges.h"
@@ -13,7 +12,6 @@
 #include <filesystem>
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -134,20 +132,6 @@ TEST_F(WrittenHive, CurrentControlSet_HasThreeDigitsAndIsUnloadedAgain) {
     }
 }
 
-TEST_F(WrittenHive, CurrentControlSet_LeavesTheKeyBeforeTheHive) {
-    ASSERT_NO_FATAL_FAILURE(WriteCurrent(1));
-    registry_.GetCurrentControlSetName(Windows());
-    const std::vector<std::string> lines = log_.Lines(support::kHostTrace);
-    EXPECT_THAT(
-        lines,
-        ElementsAre("CRegistry::LoadHive subKey=ControlSetSearchHive file=" + support::Utf8(File()) + " res0",
-                    "Function OpenKey", "Opening the Key",
-                    "CRegistry::OpenKey keyName=ControlSetSearchHive\\Select access=0x20019 res=0",
-                    "bRet is TRUE", "Exiting OpenKey", "Function CloseKey", "CRegistry::CloseKey res=0",
-                    "bRet is TRUE", "Exiting CloseKey",
-                    "CRegistry::UnloadHive subKey=ControlSetSearchHive res0"));
-}
-
 TEST_F(WrittenHive, CurrentControlSet_DirectoryWithABackslash_IsTheSame) {
     ASSERT_NO_FATAL_FAILURE(WriteCurrent(3));
     EXPECT_EQ(registry_.GetCurrentControlSetName(Windows() + L"\\"), L"ControlSet003");
@@ -196,11 +180,6 @@ TEST_F(WrittenHive, CurrentControlSet_NoSelectKey_FailsWithItsPathAndUnloads) {
 TEST_F(RegistryHive, CurrentControlSet_NoHive_FailsWithItsFile) {
     EXPECT_EQ(ErrorOf(Windows()), kErrorIn + (L"Failed to load the system hive " + File()));
     EXPECT_EQ(ErrorOf(Windows() + L"\\"), kErrorIn + (L"Failed to load the system hive " + File()));
-}
-
-TEST_F(RegistryHive, CurrentControlSet_NoHive_UnloadsNothing) {
-    ErrorOf(Windows());
-    EXPECT_FALSE(log_.ContainsPart(support::kHostTrace, "CRegistry::UnloadHive")) << log_;
 }
 
 TEST_F(WrittenHive, CurrentControlSet_NumberCutShort_IsNotFound) {

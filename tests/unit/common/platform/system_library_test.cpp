@@ -9,7 +9,6 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -122,16 +121,6 @@ TEST(Kernel32DLLBinding, Bind_NothingMissing_FillsTheMembersInTheirOrder) {
 
 TEST(NtDLLBinding, Bind_NothingMissing_FillsTheMembersInTheirOrder) {
     ExpectWholeTable<NtDLL>();
-}
-
-TEST(Kernel32DLLBinding, Construction_Unbound_IsAllNull) {
-    const Kernel32DLL table;
-    EXPECT_THAT(PointersOf(table), testing::Each(nullptr));
-}
-
-TEST(NtDLLBinding, Construction_Unbound_IsAllNull) {
-    const NtDLL table;
-    EXPECT_THAT(PointersOf(table), testing::Each(nullptr));
 }
 
 template <class Table>

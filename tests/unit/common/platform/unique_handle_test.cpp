@@ -64,16 +64,6 @@ TEST_F(UniqueHandleTest, Reset_ToAnother_ClosesTheFirstAndKeepsTheLastError) {
     EXPECT_EQ(handle.get(), Handle(20));
 }
 
-TEST_F(UniqueHandleTest, Reset_WithoutArgument_LeavesNothing) {
-    Recorded handle(Handle(16));
-
-    handle.Reset();
-    handle.Reset();
-
-    EXPECT_THAT(closed(), ElementsAre(Handle(16)));
-    EXPECT_FALSE(handle);
-}
-
 TEST_F(UniqueHandleTest, Release_HoldingAHandle_GivesItUpUnclosed) {
     Recorded handle(Handle(16));
 

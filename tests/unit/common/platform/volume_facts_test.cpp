@@ -15,7 +15,6 @@ namespace {
 using support::LoggerCapture;
 using support::Stub;
 using testing::ElementsAre;
-using testing::SizeIs;
 using win::WinAPIWrapper;
 
 class VolumeFacts : public testing::Test {
@@ -24,23 +23,6 @@ protected:
     LoggerCapture log_;
     DWORD error_ = 0xDEAD;
 };
-
-class DriveTypes : public VolumeFacts, public testing::WithParamInterface<UINT> {};
-
-TEST_P(DriveTypes, GetDriveTypeW_TypeBesideUnknown_IsGivenAsItIs) {
-    const Stub stub(table_.GetDriveTypeW, [](const wchar_t*) { return GetParam(); });
-    UINT type = 99;
-
-    EXPECT_TRUE(WinAPIWrapper::GetDriveTypeW(L"C:\\", type, error_));
-
-    EXPECT_EQ(type, GetParam());
-    EXPECT_EQ(error_, 0U);
-    EXPECT_THAT(log_.all(), SizeIs(2)) << log_;  // only the trace lines
-}
-
-INSTANTIATE_TEST_SUITE_P(All, DriveTypes,
-                         testing::Values(DRIVE_NO_ROOT_DIR, DRIVE_REMOVABLE, DRIVE_FIXED, DRIVE_REMOTE,
-                                         DRIVE_CDROM, DRIVE_RAMDISK));
 
 TEST_F(VolumeFacts, GetDriveTypeW_RootWithAndWithoutBackslash_IsAskedWithOne) {
     std::vector<std::wstring> asked;
@@ -66,31 +48,6 @@ TEST_F(VolumeFacts, GetDriveTypeW_Unknown_FailsAlthoughTheSystemLeftNoCode) {
     EXPECT_EQ(type, UINT{DRIVE_UNKNOWN});
     EXPECT_NE(error_, 0U);
     EXPECT_TRUE(log_.Contains(support::kHostTrace, "WinAPIWrapper::GetDriveType Unknown")) << log_;
-}
-
-TEST_F(VolumeFacts, GetDiskFreeSpaceW_Success_GivesTheFourNumbers) {
-    std::wstring asked;
-    const Stub stub(table_.GetDiskFreeSpaceW,
-                    [&](const wchar_t* root, DWORD* sectors_per_cluster, DWORD* bytes_per_sector, DWORD* free,
-                        DWORD* total) -> BOOL {
-                        asked = root;
-                        *sectors_per_cluster = 8;
-                        *bytes_per_sector = 512;
-                        *free = 0xFFFFFFFE;
-                        *total = 0xFFFFFFFF;
-                        SetLastError(ERROR_MORE_DATA);
-                        return TRUE;
-                    });
-    win::DiskFreeSpace space;
-
-    EXPECT_TRUE(WinAPIWrapper::GetDiskFreeSpaceW(L"C:\\", space, error_));
-
-    EXPECT_EQ(asked, L"C:\\");
-    EXPECT_EQ(error_, 0U);
-    EXPECT_EQ(space.sectors_per_cluster, 8U);
-    EXPECT_EQ(space.bytes_per_sector, 512U);
-    EXPECT_EQ(space.free_clusters, 0xFFFFFFFEU);
-    EXPECT_EQ(space.total_clusters, 0xFFFFFFFFU);
 }
 
 TEST_F(VolumeFacts, GetDiskFreeSpaceExW_Success_GivesThe64BitNumbers) {
@@ -153,50 +110,6 @@ TEST_F(VolumeFacts, GetVolumeInformationW_TextsWithoutTerminator_AreReadNoFurthe
 
     EXPECT_EQ(information.label, std::wstring(260, L'l'));
     EXPECT_EQ(information.file_system, std::wstring(260, L'f'));
-}
-
-TEST_F(VolumeFacts, VolumeSearch_ThreeVolumes_AreGivenOneByOneAndTheSearchIsClosedOnce) {
-    std::vector<std::wstring> volumes = {L"\\\\?\\Volume{1}\\", L"\\\\?\\Volume{2}\\", L"\\\\?\\Volume{3}\\"};
-    std::vector<DWORD> sizes;
-    std::size_t next = 0;
-    int closed = 0;
-    const auto give = [&](wchar_t* buffer, DWORD size) {
-        sizes.push_back(size);
-        if (next == volumes.size()) {
-            SetLastError(ERROR_NO_MORE_FILES);
-            return FALSE;
-        }
-        volumes[next].copy(buffer, size);
-        buffer[volumes[next++].size()] = L'\0';
-        return TRUE;
-    };
-    const Stub first(table_.FindFirstVolumeW, [&](wchar_t* buffer, DWORD size) -> HANDLE {
-        return give(buffer, size) ? reinterpret_cast<HANDLE>(0x44) : INVALID_HANDLE_VALUE;
-    });
-    const Stub following(table_.FindNextVolumeW, [&](HANDLE search, wchar_t* buffer, DWORD size) -> BOOL {
-        EXPECT_EQ(search, reinterpret_cast<HANDLE>(0x44));
-        return give(buffer, size);
-    });
-    const Stub close(table_.FindVolumeClose, [&](HANDLE search) -> BOOL {
-        EXPECT_EQ(search, reinterpret_cast<HANDLE>(0x44));
-        ++closed;
-        return TRUE;
-    });
-    std::vector<std::wstring> found(1);
-    {
-        UniqueVolumeSearch search;
-        ASSERT_TRUE(WinAPIWrapper::FindFirstVolumeW(found[0], search, error_));
-        std::wstring volume = L"longer than what comes: \\\\?\\Volume{0}\\";
-        while (WinAPIWrapper::FindNextVolumeW(search, volume, error_)) {
-            EXPECT_EQ(error_, 0U);
-            found.push_back(volume);
-        }
-        EXPECT_EQ(closed, 0);
-    }
-    EXPECT_EQ(found, volumes);
-    EXPECT_EQ(error_, DWORD{ERROR_NO_MORE_FILES});
-    EXPECT_EQ(closed, 1);
-    EXPECT_THAT(sizes, testing::Each(260U));
 }
 
 TEST_F(VolumeFacts, FindFirstVolumeW_NameWithoutTerminator_IsReadNoFurtherThanItsBuffer) {

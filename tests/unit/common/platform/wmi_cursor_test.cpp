@@ -35,13 +35,6 @@ protected:
     }
 };
 
-TEST_F(WmiCursor, Construction_AllFourStepsSucceed_IsInitializedAndSilent) {
-    const CWmi wmi(kQuery);
-    EXPECT_TRUE(wmi.initialized());
-    EXPECT_THAT(log_.all(), IsEmpty()) << log_;
-    EXPECT_EQ(simulation().calls().Count("IWbemLocator::ConnectServer", L"root\\cimv2"), 1U);
-}
-
 TEST_F(WmiCursor, Walk_ThreeObjects_GivesThemInTheirOrder) {
     CWmi wmi(kQuery);
     std::vector<std::wstring> names;
@@ -102,22 +95,6 @@ TEST_F(WmiCursor, FindNextObject_Always_ReleasesTheObjectBefore) {
     EXPECT_EQ(simulation().live_objects(), with_one - 1);
 }
 
-TEST_F(WmiCursor, FindFirstObject_NoObjects_IsFalse) {
-    simulation().description().wmi.begin()->second.instances.clear();
-    CWmi wmi(L"Select * from Test_Class");
-    EXPECT_TRUE(wmi.initialized());
-    EXPECT_FALSE(wmi.FindFirstObject());
-    EXPECT_FALSE(wmi.FindNextObject());
-}
-
-// The query itself succeeds; the unknown class causes an error when the first object is fetched.
-TEST_F(WmiCursor, FindFirstObject_UnknownClass_IsFalse) {
-    CWmi wmi(L"Select * from No_Such_Class");
-    EXPECT_TRUE(wmi.initialized());
-    EXPECT_FALSE(wmi.FindFirstObject());
-    EXPECT_THAT(log_.all(), IsEmpty()) << log_;
-}
-
 TEST_F(WmiCursor, FindFirstObject_ResetFails_IsFalse) {
     simulation().faults().Fail("IEnumWbemClassObject::Reset", 0x80041016);
     CWmi wmi(kQuery);
@@ -171,25 +148,30 @@ TEST_F(WmiCursor, FindNextObject_ClassWithoutAnEnd_IsGivenUp) {
                 ElementsAre(LogLine{support::kHostError, "CWmi::Fetch gave up after 100000 objects"}));
 }
 
-TEST_F(WmiCursor, Construction_CreationFails_NamesThatStep) {
-    simulation().faults().Fail("IClassFactory::CreateInstance", 0x80040154);
-    ExpectFailed("CWmi::CWmi CoCreateInstance failed error 0x80040154", 0);
+struct FailingStep {
+    const char* call;
+    std::uint32_t code;
+    const char* line;
+    std::size_t queries;
+};
+
+class FailingWmiCursor : public WmiCursor, public testing::WithParamInterface<FailingStep> {};
+
+TEST_P(FailingWmiCursor, Construction_StepFails_NamesIt) {
+    simulation().faults().Fail(GetParam().call, GetParam().code);
+    ExpectFailed(GetParam().line, GetParam().queries);
 }
 
-TEST_F(WmiCursor, Construction_ConnectionFails_NamesThatStep) {
-    simulation().faults().Fail("IWbemLocator::ConnectServer", 0x8004100E);
-    ExpectFailed("CWmi::CWmi ConnectServer failed error 0x8004100e", 0);
-}
-
-TEST_F(WmiCursor, Construction_BlanketFails_NamesThatStep) {
-    simulation().faults().Fail("IClientSecurity::SetBlanket", 0x80070005);
-    ExpectFailed("CWmi::CWmi CoSetProxyBlanket failed error 0x80070005", 0);
-}
-
-TEST_F(WmiCursor, Construction_QueryFails_NamesThatStep) {
-    simulation().faults().Fail("IWbemServices::ExecQuery", 0x80041017);
-    ExpectFailed("CWmi::CWmi ExecQuery failed error 0x80041017", 1);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Steps, FailingWmiCursor,
+    testing::Values(FailingStep{"IClassFactory::CreateInstance", 0x80040154,
+                                "CWmi::CWmi CoCreateInstance failed error 0x80040154", 0},
+                    FailingStep{"IWbemLocator::ConnectServer", 0x8004100E,
+                                "CWmi::CWmi ConnectServer failed error 0x8004100e", 0},
+                    FailingStep{"IClientSecurity::SetBlanket", 0x80070005,
+                                "CWmi::CWmi CoSetProxyBlanket failed error 0x80070005", 0},
+                    FailingStep{"IWbemServices::ExecQuery", 0x80041017,
+                                "CWmi::CWmi ExecQuery failed error 0x80041017", 1}));
 
 TEST_F(WmiCursor, Construction_Locator_IsCreatedAsAnUnknown) {
     GUID clsid{};
@@ -279,20 +261,6 @@ TEST_F(WmiCursor, Construction_Blankets_HaveTheAgreedLevels) {
     EXPECT_THAT(numbers, ElementsAre(10U, 0U, 3U, 3U, 0U, 10U, 0U, 3U, 3U, 0U));
     EXPECT_FALSE(pointers);
     EXPECT_THAT(enumerators, ElementsAre(false, true));
-}
-
-TEST_F(WmiCursor, Construction_EnumeratorsBlanket_ReachesItBeforeItsFirstCall) {
-    CWmi wmi(kQuery);
-    EXPECT_TRUE(wmi.FindFirstObject());
-
-    std::vector<std::string> names;
-    for (const machine::CallRecord& record : simulation().calls().records()) {
-        names.push_back(record.name);
-    }
-    EXPECT_THAT(names, ElementsAre("IClassFactory::CreateInstance", "IWbemLocator::ConnectServer",
-                                   "IClientSecurity::SetBlanket", "IWbemServices::ExecQuery",
-                                   "IClientSecurity::SetBlanket", "IEnumWbemClassObject::Reset",
-                                   "IEnumWbemClassObject::Next"));
 }
 
 TEST_F(WmiCursor, Construction_EnumeratorsBlanketFails_IsIgnoredWithoutALine) {

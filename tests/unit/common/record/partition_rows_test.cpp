@@ -50,10 +50,25 @@ std::ostream& operator<<(std::ostream& out, const Row& row) {
                << '/' << std::string(row.operation.begin(), row.operation.end()) << " #" << row.number;
 }
 
-std::vector<Row> RowsOf(const std::vector<PARTITION_INFORMATION>& entries,
-                        std::int64_t disk_length = kDiskLength) {
+Row Primary(std::int64_t offset, std::int64_t length, std::int32_t number) {
+    return {offset, length, L"Primary", L"Existing", number};
+}
+
+Row Logical(std::int64_t offset, std::int64_t length, std::int32_t number) {
+    return {offset, length, L"Logical", L"Existing", number};
+}
+
+Row Free(std::int64_t offset, std::int64_t length) {
+    return {offset, length, L"Free space", L"Free space", -1};
+}
+
+Row Unallocated(std::int64_t offset, std::int64_t length) {
+    return {offset, length, L"Unallocated", L"Unallocated", -1};
+}
+
+std::vector<Row> RowsOf(const std::vector<PARTITION_INFORMATION>& entries) {
     std::vector<PartitionRow> built(1);  // previous content must be replaced
-    BuildPartitionRows(entries, disk_length, built);
+    BuildPartitionRows(entries, kDiskLength, built);
     std::vector<Row> rows;
     for (const PartitionRow& row : built) {
         EXPECT_EQ(row.length, row.length_copy);
@@ -63,20 +78,52 @@ std::vector<Row> RowsOf(const std::vector<PARTITION_INFORMATION>& entries,
     return rows;
 }
 
-TEST(BuildPartitionRows, EmptyTable_IsOneUnallocatedRowFromTheFirstMegabyte) {
-    EXPECT_EQ(RowsOf({}), (std::vector<Row>{{1, 999, L"Unallocated", L"Unallocated", -1}}));
-    EXPECT_EQ(RowsOf({kEmptySlot, kEmptySlot, kEmptySlot, kEmptySlot}),
-              (std::vector<Row>{{1, 999, L"Unallocated", L"Unallocated", -1}}));
-}
+struct TableCase {
+    const char* name;
+    std::vector<PARTITION_INFORMATION> entries;
+    std::vector<Row> rows;
+};
 
-TEST(BuildPartitionRows, PartitionAtTheFirstMegabyte_HasNoGapBeforeIt) {
-    EXPECT_EQ(RowsOf({Entry(1, 100, 1)}), (std::vector<Row>{{1, 100, L"Primary", L"Existing", 1},
-                                                            {101, 899, L"Unallocated", L"Unallocated", -1}}));
-}
+// Container in the first slot, its logical partitions in every fourth slot from the fifth on.
+const TableCase kTables[] = {
+    {"EmptyTable", {}, {Unallocated(1, 999)}},
+    {"FourEmptySlots", {kEmptySlot, kEmptySlot, kEmptySlot, kEmptySlot}, {Unallocated(1, 999)}},
+    {"FromTheFirstMegabyte", {Entry(1, 100, 1)}, {Primary(1, 100, 1), Unallocated(101, 899)}},
+    {"FromTheSecondMegabyte", {Entry(2, 998, 1)}, {Unallocated(1, 1), Primary(2, 998, 1)}},
+    {"OneLogical",
+     {Entry(1, 99, 1), Entry(100, 500, 0, kExtended), kEmptySlot, kEmptySlot, Entry(101, 199, 2)},
+     {Primary(1, 99, 1), Free(100, 1), Logical(101, 199, 2), Free(300, 300), Unallocated(600, 400)}},
+    {"OneLogicalInTheOtherType",
+     {Entry(1, 99, 1), Entry(100, 500, 0, kExtendedLba), kEmptySlot, kEmptySlot, Entry(101, 199, 2)},
+     {Primary(1, 99, 1), Free(100, 1), Logical(101, 199, 2), Free(300, 300), Unallocated(600, 400)}},
+    {"SeveralLogicals",
+     {Entry(1, 999, 0, kExtended), kEmptySlot, kEmptySlot, kEmptySlot, Entry(1, 400, 1),
+      Entry(401, 599, 0, kExtended), kEmptySlot, kEmptySlot, Entry(401, 599, 2)},
+     {Logical(1, 400, 1), Logical(401, 599, 2)}},
+    {"EntryWithoutNumber",
+     {Entry(1, 100, 0, kNtfs), Entry(500, 500, 1)},
+     {Unallocated(1, 499), Primary(500, 500, 1)}},
+    {"EntriesBetweenTheLogicals",
+     {Entry(1, 999, 0, kExtended), kEmptySlot, kEmptySlot, kEmptySlot, Entry(1, 400, 1), Entry(401, 100, 8),
+      Entry(501, 100, 9), kEmptySlot},
+     {Logical(1, 400, 1), Free(401, 599)}},
+    {"FifthEntryWithoutContainer",
+     {Entry(1, 999, 1), kEmptySlot, kEmptySlot, kEmptySlot, Entry(1, 400, 2)},
+     {Primary(1, 999, 1)}},
+    {"ContainerWithANumber", {Entry(1, 999, 3, kExtended)}, {Primary(1, 999, 3)}},
+    {"EmptyContainer", {Entry(100, 900, 0, kExtended)}, {Unallocated(1, 99), Free(100, 900)}},
+    {"PrimaryBehindAContainer",
+     {Entry(1, 499, 0, kExtended), Entry(600, 400, 1), kEmptySlot, kEmptySlot, Entry(1, 100, 2)},
+     {Logical(1, 100, 2), Free(101, 399), Unallocated(500, 100), Primary(600, 400, 1)}},
+    {"SlotsInReversedDiskOrder",
+     {Entry(500, 100, 2), Entry(1, 100, 1)},
+     {Unallocated(1, 499), Primary(500, 100, 2), Primary(1, 100, 1), Unallocated(101, 899)}},
+};
 
-TEST(BuildPartitionRows, PartitionAtTheSecondMegabyte_HasAGapOfOneMegabyteBeforeIt) {
-    EXPECT_EQ(RowsOf({Entry(2, 998, 1)}), (std::vector<Row>{{1, 1, L"Unallocated", L"Unallocated", -1},
-                                                            {2, 998, L"Primary", L"Existing", 1}}));
+TEST(BuildPartitionRows, EveryTable_HasItsRows) {
+    for (const TableCase& table : kTables) {
+        EXPECT_EQ(RowsOf(table.entries), table.rows) << table.name;
+    }
 }
 
 TEST(BuildPartitionRows, PartitionBeforeTheFirstMegabyte_HasNoGapBeforeIt) {
@@ -89,42 +136,6 @@ TEST(BuildPartitionRows, PartitionBeforeTheFirstMegabyte_HasNoGapBeforeIt) {
     EXPECT_EQ(rows[0].offset, 63 * 512);
 }
 
-TEST(BuildPartitionRows, ExtendedWithOneLogical_IsLogicalThenFreeSpace) {
-    for (const std::uint8_t type : {kExtended, kExtendedLba}) {
-        EXPECT_EQ(RowsOf({Entry(1, 99, 1), Entry(100, 500, 0, type), kEmptySlot, kEmptySlot,
-                          Entry(101, 199, 2), kEmptySlot, kEmptySlot, kEmptySlot}),
-                  (std::vector<Row>{{1, 99, L"Primary", L"Existing", 1},
-                                    {100, 1, L"Free space", L"Free space", -1},
-                                    {101, 199, L"Logical", L"Existing", 2},
-                                    {300, 300, L"Free space", L"Free space", -1},
-                                    {600, 400, L"Unallocated", L"Unallocated", -1}}));
-    }
-}
-
-TEST(BuildPartitionRows, SeveralLogicals_AreTakenFromEveryFourthSlot) {
-    EXPECT_EQ(
-        RowsOf({Entry(1, 999, 0, kExtended), kEmptySlot, kEmptySlot, kEmptySlot, Entry(1, 400, 1),
-                Entry(401, 599, 0, kExtended), kEmptySlot, kEmptySlot, Entry(401, 599, 2), kEmptySlot,
-                kEmptySlot, kEmptySlot}),
-        (std::vector<Row>{{1, 400, L"Logical", L"Existing", 1}, {401, 599, L"Logical", L"Existing", 2}}));
-}
-
-TEST(BuildPartitionRows, EntryWithoutNumber_IsSkipped) {
-    EXPECT_EQ(RowsOf({Entry(1, 100, 0, kNtfs), Entry(500, 500, 1)}),
-              (std::vector<Row>{{1, 499, L"Unallocated", L"Unallocated", -1},
-                                {500, 500, L"Primary", L"Existing", 1}}));
-}
-
-TEST(BuildPartitionRows, Partition_CarriesTypeAndBootFlag) {
-    std::vector<PartitionRow> rows;
-    Build({Entry(1, 10, 1, kNtfs, true), Entry(11, 989, 2, 0x27)}, kDiskLength, rows);
-    ASSERT_EQ(rows.size(), 2U);
-    EXPECT_TRUE(rows[0].active);
-    EXPECT_EQ(rows[0].mbr_type, kNtfs);
-    EXPECT_FALSE(rows[1].active);
-    EXPECT_EQ(rows[1].mbr_type, 0x27);
-}
-
 TEST(BuildPartitionRows, BootIndicatorOtherThanOne_IsNotActive) {
     PARTITION_INFORMATION entry = Entry(1, 10, 1);
     entry.BootIndicator = 0x80;
@@ -132,46 +143,6 @@ TEST(BuildPartitionRows, BootIndicatorOtherThanOne_IsNotActive) {
     Build({entry}, kDiskLength, rows);
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_FALSE(rows[0].active);
-}
-
-TEST(BuildPartitionRows, EntriesBetweenTheLogicals_AreNotLookedAt) {
-    EXPECT_EQ(RowsOf({Entry(1, 999, 0, kExtended), kEmptySlot, kEmptySlot, kEmptySlot, Entry(1, 400, 1),
-                      Entry(401, 100, 8), Entry(501, 100, 9), kEmptySlot}),
-              (std::vector<Row>{{1, 400, L"Logical", L"Existing", 1},
-                                {401, 599, L"Free space", L"Free space", -1}}));
-}
-
-TEST(BuildPartitionRows, EntriesAfterThePrimariesWithoutContainer_AreNotLookedAt) {
-    EXPECT_EQ(RowsOf({Entry(1, 999, 1), kEmptySlot, kEmptySlot, kEmptySlot, Entry(1, 400, 2)}),
-              (std::vector<Row>{{1, 999, L"Primary", L"Existing", 1}}));
-}
-
-TEST(BuildPartitionRows, ContainerWithANumber_IsAPrimary) {
-    EXPECT_EQ(RowsOf({Entry(1, 999, 3, kExtended)}),
-              (std::vector<Row>{{1, 999, L"Primary", L"Existing", 3}}));
-}
-
-TEST(BuildPartitionRows, EmptyContainer_IsFreeSpace) {
-    EXPECT_EQ(RowsOf({Entry(100, 900, 0, kExtended)}),
-              (std::vector<Row>{{1, 99, L"Unallocated", L"Unallocated", -1},
-                                {100, 900, L"Free space", L"Free space", -1}}));
-}
-
-TEST(BuildPartitionRows, PrimaryBehindAContainer_FollowsItsFreeSpace) {
-    EXPECT_EQ(
-        RowsOf({Entry(1, 499, 0, kExtended), Entry(600, 400, 1), kEmptySlot, kEmptySlot, Entry(1, 100, 2)}),
-        (std::vector<Row>{{1, 100, L"Logical", L"Existing", 2},
-                          {101, 399, L"Free space", L"Free space", -1},
-                          {500, 100, L"Unallocated", L"Unallocated", -1},
-                          {600, 400, L"Primary", L"Existing", 1}}));
-}
-
-TEST(BuildPartitionRows, SlotsInReversedDiskOrder_StayInSlotOrder) {
-    EXPECT_EQ(RowsOf({Entry(500, 100, 2), Entry(1, 100, 1)}),
-              (std::vector<Row>{{1, 499, L"Unallocated", L"Unallocated", -1},
-                                {500, 100, L"Primary", L"Existing", 2},
-                                {1, 100, L"Primary", L"Existing", 1},
-                                {101, 899, L"Unallocated", L"Unallocated", -1}}));
 }
 
 TEST(BuildPartitionRows, GapOfOneByte_IsARow) {
@@ -241,18 +212,6 @@ TEST(SortDiskPartitionNumbers, RepeatedOffset_NumbersTheLaterRowOnly) {
     EXPECT_EQ(NumbersOf(disk), (std::vector<std::int32_t>{7, 1, 2}));
 }
 
-TEST(CreateFakeDisk, AnyNumber_IsFiveHundredUnallocatedBytes) {
-    const DiskRow disk = CreateFakeDisk(4);
-    EXPECT_EQ(disk.size, 500U);
-    EXPECT_EQ(disk.disk_number, 4U);
-    ASSERT_EQ(disk.partitions.size(), 1U);
-    EXPECT_EQ(disk.partitions[0].offset, 0);
-    EXPECT_EQ(disk.partitions[0].length, 500);
-    EXPECT_EQ(disk.partitions[0].kind, L"Unallocated");
-    EXPECT_EQ(disk.partitions[0].operation, L"Unallocated");
-    EXPECT_EQ(disk.partitions[0].partition_number, 0);
-}
-
 std::vector<std::pair<std::uint32_t, bool>> NumbersAndFakes(const std::vector<DiskRow>& disks) {
     std::vector<std::pair<std::uint32_t, bool>> result;
     for (const DiskRow& disk : disks) {
@@ -285,16 +244,6 @@ TEST(InsertFakeDisks, NoMaximum_AddsNothing) {
     std::vector<DiskRow> disks;
     InsertFakeDisks(-1, disks);
     EXPECT_TRUE(disks.empty());
-}
-
-TEST(MakeWholeDiskRow, EarlierRows_AreDropped) {
-    DiskRow disk = DiskWith({{100, 1}, {200, 2}});
-    disk.size = 4096;
-    MakeWholeDiskRow(disk);
-    ASSERT_EQ(disk.partitions.size(), 1U);
-    EXPECT_EQ(disk.partitions[0].offset, 0);
-    EXPECT_EQ(disk.partitions[0].length, 4096);
-    EXPECT_EQ(disk.partitions[0].partition_number, 0);
 }
 
 }  // namespace

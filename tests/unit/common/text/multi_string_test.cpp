@@ -79,16 +79,4 @@ TEST(MultiString, Split_CutEntriesAreTaken_CutsNoOther) {
     EXPECT_THAT(taken(13), ElementsAre(L"one", L"two"));
 }
 
-TEST(MultiString, Split_ManyEntries_KeepsTheirOrder) {
-    std::wstring block;
-    std::vector<std::wstring> entries;
-    for (int i = 0; i < 10000; ++i) {
-        entries.push_back(L"entry " + std::to_wstring(i));
-        block.append(entries.back()).push_back(L'\0');
-    }
-    block.push_back(L'\0');
-
-    EXPECT_EQ(SplitMultiString(block.data(), block.size()), entries);
-}
-
 }  // namespace

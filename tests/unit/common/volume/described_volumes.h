@@ -8,7 +8,6 @@
 // Volumes on one described disk, and the library objects that a volume uses.
 namespace described {
 
-inline constexpr const wchar_t* kSystemId = L"\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\";
 inline constexpr const wchar_t* kDataId = L"\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\";
 inline constexpr const wchar_t* kDataDevice = L"\\Device\\HarddiskVolume2";
 

@@ -38,9 +38,10 @@ protected:
 
     // Expects that discovery fails, logs the reason as its only message, and leaves no volumes.
     void ExpectFailureWith(const std::string& reason) {
-        EXPECT_FALSE(Discover());
-        EXPECT_TRUE(manager_.IsFailed(L"Find Volume"));
-        EXPECT_THAT(manager_.volumes(), IsEmpty());
+        VolumeManager manager;
+        EXPECT_FALSE(manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L""));
+        EXPECT_TRUE(manager.IsFailed(L"Find Volume"));
+        EXPECT_THAT(manager.volumes(), IsEmpty());
         EXPECT_THAT(log_.Messages(), ElementsAre(support::LogLine{support::kHostError,
                                                                   std::string(kFunction) + " " + reason}));
         EXPECT_EQ(0U, machine_.simulation().open_handles());
@@ -56,44 +57,6 @@ constexpr const char* kSkippedLink =
     "bmr_common::VolumeManager::GetDeviceNamesMap - skip volume link "
     "Volume{00000000-0000-0000-0000-000000000001} without a target";
 const std::string kData = "\\Device\\HarddiskVolume2=\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\";
-
-TEST_F(VolumeDiscoveryTest, TwoVolumes_AreFoundAndInitialised) {
-    EXPECT_TRUE(Discover(L"\\Device\\HarddiskVolume1", L"\\Device\\HarddiskVolume2"));
-
-    EXPECT_TRUE(manager_.IsSucceeded(L"Find Volume"));
-    ASSERT_THAT(Found(), ElementsAre(kSystem, kData));
-    EXPECT_TRUE(manager_.volumes()[0]->is_system_volume());
-    EXPECT_FALSE(manager_.volumes()[0]->is_boot_volume());
-    EXPECT_TRUE(manager_.volumes()[1]->is_boot_volume());
-    EXPECT_TRUE(manager_.volumes()[1]->found_fit_for_backup());
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(VolumeDiscoveryTest, TwoVolumes_AreTraced) {
-    EXPECT_TRUE(Discover());
-
-    EXPECT_EQ(1U, log_.Count(support::kHostTrace,
-                             "DeviceName[\\Device\\HarddiskVolume1] "
-                             "VolumeGUID[\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\]"));
-    for (const std::string step :
-         {"InitializeWithCurrentVolumes", "GetObjectNamesPairList", "GetDeviceNamesList",
-          "GetVolumeGUIDsFromFindFirstVolume", "GetDeviceNamesMap"}) {
-        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace,
-                                      "Entering function bmr_common::VolumeManager::" + step + " line "))
-            << step;
-        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace,
-                                      "Leaving function bmr_common::VolumeManager::" + step + " line "))
-            << step;
-    }
-}
-
-TEST_F(VolumeDiscoveryTest, Discovery_LeavesNothingOpen) {
-    EXPECT_TRUE(Discover());
-
-    EXPECT_EQ(0U, machine_.simulation().open_handles());
-    EXPECT_EQ(1U, machine_.simulation().calls().Count("FindVolumeClose"));
-    EXPECT_EQ(2U, machine_.simulation().calls().Count("ZwClose"));
-}
 
 TEST_F(VolumeDiscoveryTest, Volumes_AreInTheOrderOfTheirDeviceNames) {
     machine_.volume(0).device = L"\\Device\\HarddiskVolume2";
@@ -216,22 +179,27 @@ TEST_F(VolumeDiscoveryTest, NoLinks_LogsAndFindsNothing) {
     EXPECT_EQ(0U, machine_.simulation().calls().Count("FindFirstVolumeW"));
 }
 
-TEST_F(VolumeDiscoveryTest, DirectoryCannotBeOpened_IsARecordedFailure) {
-    faults().Fail("ZwOpenDirectoryObject", 0xC0000022, L"\\Device");
-
-    ExpectFailureWith("\\Device OpenDirectoryObject failed");
-}
-
-TEST_F(VolumeDiscoveryTest, LinkDirectoryCannotBeOpened_IsARecordedFailure) {
-    faults().Fail("ZwOpenDirectoryObject", 0xC0000022, L"\\GLOBAL??");
-
-    ExpectFailureWith("\\GLOBAL?? OpenDirectoryObject failed");
-}
-
-TEST_F(VolumeDiscoveryTest, DirectoryCannotBeListed_IsARecordedFailure) {
-    faults().Fail("ZwQueryDirectoryObject", 0xC0000022, L"\\Device");
-
-    ExpectFailureWith("\\Device QueryDirectoryObject failed error=31");
+TEST_F(VolumeDiscoveryTest, FailedStep_IsARecordedFailure) {
+    struct Step {
+        const char* call;
+        std::uint32_t error;
+        const wchar_t* object;
+        const char* reason;
+    };
+    const Step steps[] = {
+        {"ZwOpenDirectoryObject", 0xC0000022, L"\\Device", "\\Device OpenDirectoryObject failed"},
+        {"ZwOpenDirectoryObject", 0xC0000022, L"\\GLOBAL??", "\\GLOBAL?? OpenDirectoryObject failed"},
+        {"ZwQueryDirectoryObject", 0xC0000022, L"\\Device", "\\Device QueryDirectoryObject failed error=31"},
+        {"FindFirstVolumeW", ERROR_NOT_READY, L"", "failed to FindFirstVolume error=21"},
+        {"FindNextVolumeW", ERROR_NOT_READY, L"", "failed to FindNextVolume error=21"},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.reason);
+        faults().Clear();
+        faults().Fail(step.call, step.error, step.object);
+        log_.Clear();
+        ExpectFailureWith(step.reason);
+    }
 }
 
 TEST_F(VolumeDiscoveryTest, ListingBreaksOff_IsARecordedFailure) {
@@ -253,18 +221,6 @@ TEST_F(VolumeDiscoveryTest, DirectoryCannotBeClosed_IsTracedAndNoFailure) {
     EXPECT_EQ(1U, log_.Count(support::kHostTrace,
                              "bmr_common::VolumeManager::GetDeviceNamesList - ZwClose \\Device failed"))
         << log_;
-}
-
-TEST_F(VolumeDiscoveryTest, EnumerationCannotBegin_IsARecordedFailure) {
-    faults().Fail("FindFirstVolumeW", ERROR_NOT_READY);
-
-    ExpectFailureWith("failed to FindFirstVolume error=21");
-}
-
-TEST_F(VolumeDiscoveryTest, EnumerationBreaksOff_IsARecordedFailure) {
-    faults().Fail("FindNextVolumeW", ERROR_NOT_READY);
-
-    ExpectFailureWith("failed to FindNextVolume error=21");
 }
 
 TEST_F(VolumeDiscoveryTest, VolumeThatFailsItsQueries_IsStillThere) {

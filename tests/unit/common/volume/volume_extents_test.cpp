@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdint>
-#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -15,10 +14,8 @@ namespace {
 
 using described::kDataDevice;
 using described::kDataId;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kLengthCall = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
 constexpr const char* kExtentsCall = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
 
 class VolumeExtentsTest : public testing::Test {
@@ -36,21 +33,6 @@ protected:
     described::Machine machine_;
     Volume volume_{kDataId, kDataDevice};
 };
-
-TEST_F(VolumeExtentsTest, SeveralExtents_KeepTheSystemsOrder) {
-    machine_.volume(1).extents =
-        std::vector<machine::Extent>{{7, 3ULL << 40, 1ULL << 40}, {2, 512, 1024}, {7, 0, 1}};
-
-    volume_.Initialize(L"", L"", machine_.disks());
-
-    ASSERT_EQ(3U, volume_.extents().size());
-    EXPECT_EQ(7U, volume_.extents()[0].disk_number);
-    EXPECT_EQ(3LL << 40, volume_.extents()[0].starting_offset);
-    EXPECT_EQ(1LL << 40, volume_.extents()[0].length);
-    EXPECT_EQ(2U, volume_.extents()[1].disk_number);
-    EXPECT_EQ(512, volume_.extents()[1].starting_offset);
-    EXPECT_EQ(1, volume_.extents()[2].length);
-}
 
 TEST_F(VolumeExtentsTest, NoExtents_IsASuccess) {
     Scatter(0);
@@ -95,56 +77,6 @@ TEST_F(VolumeExtentsTest, MoreThanTheBufferHolds_AnyOtherError_IsRecorded) {
 
     EXPECT_TRUE(volume_.IsFailed(L"Getting disk extents"));
     EXPECT_THAT(volume_.extents(), IsEmpty());
-}
-
-void CountOneMore(machine::Answer& answer) {
-    ++answer.bytes[0];
-}
-void CountTheMost(machine::Answer& answer) {
-    std::memset(answer.bytes.data(), 0xFF, sizeof(DWORD));
-}
-void ReturnLessThanTheHeader(machine::Answer& answer) {
-    answer.returned = 7;
-}
-void ReturnNothing(machine::Answer& answer) {
-    answer.returned = 0;
-}
-void ReturnMoreThanTheBuffer(machine::Answer& answer) {
-    answer.returned = 24'009;  // a thousand extents have 24,008 bytes
-}
-void CutTheExtent(machine::Answer& answer) {
-    --answer.returned;
-}
-
-TEST_F(VolumeExtentsTest, LyingList_IsARecordedError) {
-    void (*const lies[])(machine::Answer&) = {
-        CountOneMore, CountTheMost, ReturnLessThanTheHeader, ReturnNothing, ReturnMoreThanTheBuffer,
-        CutTheExtent};
-    for (const auto& lie : lies) {
-        machine_.simulation().faults().Clear();
-        machine_.simulation().faults().Alter(kExtentsCall, lie);
-        Volume volume(kDataId, kDataDevice);
-
-        EXPECT_FALSE(volume.Initialize(L"", L"", machine_.disks()));
-
-        EXPECT_TRUE(volume.IsFailed(L"Getting disk extents"));
-        EXPECT_THAT(volume.extents(), IsEmpty());
-        EXPECT_THAT(volume.backup_failure_reasons(), ElementsAre(L"Failed to GetVolumeDiskExtents"));
-    }
-}
-
-TEST_F(VolumeExtentsTest, LengthOfOtherSize_IsARecordedError) {
-    for (const std::uint64_t returned : {0U, 4U, 9U}) {
-        machine_.simulation().faults().Clear();
-        machine_.simulation().faults().Alter(kLengthCall,
-                                             [&](machine::Answer& answer) { answer.returned = returned; });
-        Volume volume(kDataId, kDataDevice);
-
-        EXPECT_FALSE(volume.Initialize(L"", L"", machine_.disks()));
-
-        EXPECT_TRUE(volume.IsFailed(L"Getting volume partition size"));
-        EXPECT_TRUE(volume.IsSucceeded(L"Getting disk extents"));
-    }
 }
 
 TEST_F(VolumeExtentsTest, NegativeLength_IsARecordedError) {

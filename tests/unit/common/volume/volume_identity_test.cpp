@@ -13,7 +13,6 @@ namespace {
 using described::kDataDevice;
 using described::kDataId;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 // A volume's names, and whether they make it the system or the boot volume.
 class VolumeIdentityTest : public testing::Test {
@@ -79,22 +78,6 @@ TEST_F(VolumeIdentityTest, SystemAndBootVolume_AreComparedByNormalisedNames) {
     Initialize(other, L"\\Device\\HarddiskVolume1", L"\\Device\\HarddiskVolume22");
     EXPECT_FALSE(other.is_system_volume());
     EXPECT_FALSE(other.is_boot_volume());
-}
-
-TEST_F(VolumeIdentityTest, SystemAndBootVolumeNotKnown_AreNeither) {
-    Volume volume(kDataId, kDataDevice);
-
-    Initialize(volume, L"", L"");
-
-    EXPECT_FALSE(volume.is_system_volume());
-    EXPECT_FALSE(volume.is_boot_volume());
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(VolumeIdentityTest, IdWithoutBackslash_GuidIsNormalised) {
-    const Volume volume(L"\\\\?\\Volume{00000000-0000-0000-0000-000000000002}");
-
-    EXPECT_EQ(kDataId, volume.volume_guid());
 }
 
 }  // namespace

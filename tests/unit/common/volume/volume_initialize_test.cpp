@@ -5,9 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 namespace bmr_common {
 namespace {
@@ -15,7 +13,6 @@ namespace {
 using described::kDataDevice;
 using described::kDataId;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr const char* kLengthCall = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
 constexpr const char* kExtentsCall = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
@@ -51,89 +48,6 @@ protected:
     support::LoggerCapture log_;
     described::Machine machine_;
 };
-
-TEST_F(VolumeInitializeTest, New_EveryOperationIsInitial) {
-    const Volume volume(kDataId);
-
-    for (const QueryCase& query : kQueries) {
-        EXPECT_TRUE(IsInitial(volume, query.operation)) << query.call;
-    }
-    EXPECT_EQ(0U, volume.ErrorCount());
-    EXPECT_EQ(kDataId, volume.volume_id());
-    EXPECT_FALSE(volume.found_fit_for_backup() || volume.found_dynamic() ||
-                 volume.found_on_active_partition() || volume.is_system_volume() || volume.is_boot_volume());
-}
-
-TEST_F(VolumeInitializeTest, NineOperations_DumpInTheOrderOfTheirNames) {
-    const OperationStatus status{
-        kGettingDriveType,           kGettingDeviceName,      kGettingVolumeInformation,
-        kGettingMountPoints,         kOpeningVolume,          kGettingDiskExtents,
-        kGettingVolumePartitionSize, kGettingVolumeFreeSpace, kGettingVolumeFreeSpaceEx};
-
-    status.DumpAll();
-
-    EXPECT_THAT(log_.Lines(support::kHostInformation),
-                ElementsAre("operation Getting Device Name has not attempted",
-                            "operation Getting Drive Type has not attempted",
-                            "operation Getting disk extents has not attempted",
-                            "operation Getting mount points has not attempted",
-                            "operation Getting volume free space has not attempted",
-                            "operation Getting volume free space ex has not attempted",
-                            "operation Getting volume information has not attempted",
-                            "operation Getting volume partition size has not attempted",
-                            "operation Opening volume has not attempted"));
-}
-
-TEST_F(VolumeInitializeTest, FixedVolume_EveryFieldIsTheSystemsAnswer) {
-    Volume volume(kDataId, kDataDevice);
-
-    EXPECT_TRUE(Initialize(volume));
-
-    for (const QueryCase& query : kQueries) {
-        EXPECT_TRUE(volume.IsSucceeded(query.operation)) << query.call;
-    }
-    EXPECT_EQ(kDataId, volume.volume_guid());
-    EXPECT_EQ(kDataDevice, volume.device_name());
-    EXPECT_EQ(3U, volume.drive_type());
-    EXPECT_THAT(volume.mount_points(), ElementsAre(L"D:\\", L"C:\\Data\\Archive\\"));
-    EXPECT_EQ(L"Data & <more>", volume.information().label);
-    EXPECT_EQ(439041101U, volume.information().serial_number);
-    EXPECT_EQ(255U, volume.information().maximum_component_length);
-    EXPECT_EQ(65482495U, volume.information().file_system_flags);
-    EXPECT_EQ(L"NTFS", volume.information().file_system);
-    EXPECT_EQ(4ULL << 30, volume.volume_partition_size());
-    EXPECT_EQ(8U, volume.free_space().sectors_per_cluster);
-    EXPECT_EQ(512U, volume.free_space().bytes_per_sector);
-    EXPECT_EQ(4096U, volume.volume_block_size());
-    EXPECT_EQ(1073741824U, volume.free_space_ex().free_available_to_caller);
-    EXPECT_EQ(4294963200U, volume.free_space_ex().total);
-    EXPECT_EQ(1610612736U, volume.free_space_ex().total_free);
-    ASSERT_EQ(1U, volume.extents().size());
-    EXPECT_EQ(0U, volume.extents()[0].disk_number);
-    EXPECT_EQ(501LL << 20, volume.extents()[0].starting_offset);
-    EXPECT_EQ(4LL << 30, volume.extents()[0].length);
-    EXPECT_TRUE(volume.found_fit_for_backup());
-    EXPECT_THAT(volume.backup_failure_reasons(), IsEmpty());
-    EXPECT_THAT(log_.Messages(), IsEmpty());
-}
-
-TEST_F(VolumeInitializeTest, FixedVolume_AsksInOrderAndClosesTheVolume) {
-    Volume volume(kDataId, kDataDevice);
-
-    Initialize(volume);
-
-    EXPECT_EQ(
-        std::string("GetDriveTypeW GetVolumePathNamesForVolumeNameW GetVolumeInformationW GetDiskFreeSpaceW "
-                    "GetDiskFreeSpaceExW CreateFileW ") +
-            kLengthCall + " " + kExtentsCall + " CloseHandle ",
-        machine_.CallNames());
-    const auto& calls = machine_.simulation().calls();
-    for (const char* call : {"GetDriveTypeW", "GetVolumePathNamesForVolumeNameW", "GetVolumeInformationW",
-                             "GetDiskFreeSpaceW", "GetDiskFreeSpaceExW"}) {
-        EXPECT_EQ(1U, calls.Count(call, kDataId)) << call;
-    }
-    EXPECT_EQ(1U, calls.Count("CreateFileW", L"\\\\?\\GLOBALROOT\\Device\\HarddiskVolume2"));
-}
 
 DWORD opening_access = 0;
 DWORD opening_flags = 0;
@@ -229,18 +143,6 @@ TEST_F(VolumeInitializeTest, CdRom_IsAskedEverything) {
 
     EXPECT_TRUE(volume.IsSucceeded(L"Getting disk extents"));
     EXPECT_THAT(volume.backup_failure_reasons(), ElementsAre(L"This not a fixed disk, type is 5"));
-}
-
-TEST_F(VolumeInitializeTest, Initialize_TracesItself) {
-    Volume volume(kDataId, kDataDevice);
-    Initialize(volume);
-
-    for (const std::string function : {"bmr_common::Volume::Initialize", "bmr_common::Volume::can_backup"}) {
-        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function " + function + " line "))
-            << function;
-        EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Leaving function " + function + " line "))
-            << function;
-    }
 }
 
 }  // namespace

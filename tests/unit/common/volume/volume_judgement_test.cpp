@@ -106,17 +106,6 @@ TEST_F(VolumeJudgementTest, CanBackup_TypeUnknown_IsRefusedForTypeZero) {
     EXPECT_THAT(volume_.backup_failure_reasons(), ElementsAre(L"This not a fixed disk, type is 0"));
 }
 
-TEST_F(VolumeJudgementTest, CanBackup_FreeSpaceNotKnown_DoesNotMatter) {
-    machine_.simulation().faults().Fail("GetDiskFreeSpaceW", ERROR_NOT_READY);
-    machine_.simulation().faults().Fail("GetDiskFreeSpaceExW", ERROR_NOT_READY);
-
-    Initialize();
-
-    EXPECT_EQ(2U, volume_.ErrorCount());
-    EXPECT_TRUE(volume_.found_fit_for_backup());
-    EXPECT_THAT(volume_.backup_failure_reasons(), IsEmpty());
-}
-
 TEST_F(VolumeJudgementTest, CanBackup_NeededQueryFailed_GivesEveryFailureInTheOrderOfTheNames) {
     auto& faults = machine_.simulation().faults();
     faults.Fail("GetDiskFreeSpaceW", ERROR_NOT_READY);
@@ -130,17 +119,6 @@ TEST_F(VolumeJudgementTest, CanBackup_NeededQueryFailed_GivesEveryFailureInTheOr
     EXPECT_THAT(volume_.backup_failure_reasons(),
                 ElementsAre(L"Failed to get mount points", L"Failed to get disk free space",
                             L"Failed to get volume information", L"Failed to open volume"));
-    EXPECT_EQ(0, zero_->backup_questions);
-}
-
-TEST_F(VolumeJudgementTest, CanBackup_NoSuchDisk_IsRefusedForIt) {
-    Lie({{4, 0, 1}, {0, 0, 1}});
-
-    Initialize();
-
-    EXPECT_FALSE(volume_.found_fit_for_backup());
-    EXPECT_THAT(volume_.backup_failure_reasons(),
-                ElementsAre(L"Extent is on disk 4 but we don't have such disk."));
     EXPECT_EQ(0, zero_->backup_questions);
 }
 
@@ -208,29 +186,6 @@ TEST_F(VolumeJudgementTest, IsDynamic_NoSuchDisk_IsLoggedAndFalse) {
     EXPECT_EQ(1U, log_.Count(support::kHostWarning, line)) << log_;
 }
 
-TEST_F(VolumeJudgementTest, NoExtents_FixedVolume_IsTracedByBothQuestions) {
-    Lie({});
-
-    Initialize();
-
-    EXPECT_FALSE(volume_.found_dynamic());
-    EXPECT_FALSE(volume_.found_on_active_partition());
-    for (const std::string function :
-         {"bmr_common::Volume::is_dynamic", "bmr_common::Volume::is_on_active_partition"}) {
-        const std::string line = function + " " + support::Ansi(kDataId) + " has no extents.";
-        EXPECT_EQ(1U, log_.Count(support::kHostTrace, line)) << log_;
-    }
-}
-
-TEST_F(VolumeJudgementTest, NoExtents_OtherVolume_IsNotWorthALine) {
-    Lie({});
-    machine_.volume(1).drive_type = DRIVE_CDROM;
-
-    Initialize();
-
-    EXPECT_FALSE(log_.ContainsPart(support::kHostTrace, "has no extents."));
-}
-
 TEST_F(VolumeJudgementTest, IsOnActivePartition_FirstExtent_IsTheDisksAnswer) {
     one_->bootable = true;
     Lie({{1, 4096, 8192}, {0, 512, 1024}});
@@ -240,25 +195,6 @@ TEST_F(VolumeJudgementTest, IsOnActivePartition_FirstExtent_IsTheDisksAnswer) {
     EXPECT_TRUE(volume_.found_on_active_partition());
     EXPECT_THAT(one_->extents, ElementsAre(std::pair<std::int64_t, std::int64_t>(4096, 8192)));
     EXPECT_THAT(zero_->extents, IsEmpty());
-}
-
-TEST_F(VolumeJudgementTest, IsOnActivePartition_DiskDenies_IsFalseAgain) {
-    zero_->bootable = true;
-    Initialize();
-    ASSERT_TRUE(volume_.found_on_active_partition());
-    zero_->bootable = false;
-
-    EXPECT_FALSE(volume_.is_on_active_partition(disks_));
-    EXPECT_FALSE(volume_.found_on_active_partition());
-}
-
-TEST_F(VolumeJudgementTest, IsOnActivePartition_DiskGone_IsFalseAgain) {
-    zero_->bootable = true;
-    Initialize();
-    ASSERT_TRUE(volume_.found_on_active_partition());
-
-    EXPECT_FALSE(volume_.is_on_active_partition(listed::Disks()));
-    EXPECT_FALSE(volume_.found_on_active_partition());
 }
 
 TEST_F(VolumeJudgementTest, IsOnActivePartition_NoSuchDisk_IsLoggedAndFalse) {
@@ -271,17 +207,6 @@ TEST_F(VolumeJudgementTest, IsOnActivePartition_NoSuchDisk_IsLoggedAndFalse) {
     const std::string line = "bmr_common::Volume::is_on_active_partition Volume " + support::Ansi(kDataId) +
                              " is on non existing disk 4";
     EXPECT_EQ(1U, log_.Count(support::kHostWarning, line)) << log_;
-}
-
-TEST_F(VolumeJudgementTest, RealDisk_ActivePartition_IsFound) {
-    Volume system(described::kSystemId, L"\\Device\\HarddiskVolume1");
-    system.Initialize(L"", L"", machine_.disks());
-    Volume data(kDataId, kDataDevice);
-    data.Initialize(L"", L"", machine_.disks());
-
-    EXPECT_TRUE(system.found_on_active_partition());
-    EXPECT_TRUE(system.found_fit_for_backup());
-    EXPECT_FALSE(data.found_on_active_partition());
 }
 
 }  // namespace

@@ -2,12 +2,10 @@
 
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/volume/described_volumes.h"
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,9 +13,7 @@
 namespace bmr_common {
 namespace {
 
-using expected::Info;
 using testing::ElementsAre;
-using testing::StartsWith;
 
 // A manager initialised with the machine's two volumes.
 class VolumeManagerTest : public testing::Test {
@@ -36,15 +32,6 @@ protected:
     described::Machine machine_;
     VolumeManager manager_;
 };
-
-TEST_F(VolumeManagerTest, New_HasNothingAndHasNotAttempted) {
-    const VolumeManager manager;
-
-    EXPECT_TRUE(manager.volumes().empty());
-    EXPECT_FALSE(manager.IsFailed(L"Find Volume"));
-    EXPECT_FALSE(manager.IsSucceeded(L"Find Volume"));
-    EXPECT_EQ(0U, manager.ErrorCount());
-}
 
 TEST_F(VolumeManagerTest, GetVolume_EachFormOfItsNames_IsTheVolume) {
     for (const wchar_t* name :
@@ -124,53 +111,6 @@ TEST_F(VolumeManagerTest, GetVolume_SecondExtent_IsFoundToo) {
     EXPECT_EQ(manager.volumes()[1], manager.GetVolume(7, 4096));
     EXPECT_EQ(manager.volumes()[0], manager.GetVolume(0, 1 << 20))
         << "the first of two volumes that start there";
-}
-
-TEST_F(VolumeManagerTest, GetVolume_NoSuchExtent_IsTraced) {
-    EXPECT_FALSE(manager_.GetVolume(1, 501LL << 20));
-    EXPECT_FALSE(manager_.GetVolume(0, 7));
-    EXPECT_THAT(
-        log_.Lines(support::kHostTrace),
-        ElementsAre("bmr_common::VolumeManager::GetVolume no volume with extent on disk 1 offset 525336576",
-                    "bmr_common::VolumeManager::GetVolume no volume with extent on disk 0 offset 7"));
-}
-
-TEST_F(VolumeManagerTest, Dump_TwoVolumes_AreNumberedFromOne) {
-    manager_.DumpInfo();
-
-    const std::vector<std::string> lines = log_.Lines(support::kHostInformation);
-    EXPECT_EQ(log_.Messages().size(), lines.size());
-    ASSERT_GT(lines.size(), 4U);
-    EXPECT_EQ("[Volume Information]", lines[0]);
-    EXPECT_EQ("Number of volumes: 2", lines[1]);
-    EXPECT_EQ("Volume #1", lines[2]);
-    EXPECT_EQ("Volume ID: \\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\", lines[3]);
-    const auto second = std::find(lines.begin(), lines.end(), "Volume #2");
-    ASSERT_NE(lines.end(), second);
-    EXPECT_EQ("", *(second - 1));
-    EXPECT_EQ("Volume ID: \\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\", *(second + 1));
-}
-
-TEST_F(VolumeManagerTest, Dump_NoVolumes_SaysSo) {
-    VolumeManager().DumpInfo();
-
-    EXPECT_THAT(log_.Messages(), ElementsAre(Info("[Volume Information]"), Info("Number of volumes: 0")));
-}
-
-TEST_F(VolumeManagerTest, Capture_TwoVolumes_AreInListOrder) {
-    const std::vector<std::string> elements =
-        captured::Elements([&](CMSXmlNode& node) { manager_.CaptureInfo(node); });
-
-    ASSERT_GT(elements.size(), 4U);
-    EXPECT_EQ("VolumeInfo", elements[0]);
-    EXPECT_EQ("VolumeInfo/NumberOfVolumes=2", elements[1]);
-    EXPECT_EQ("VolumeInfo/Volume", elements[2]);
-    EXPECT_THAT(elements[3],
-                StartsWith("VolumeInfo/Volume/VolumeId=\\\\?\\Volume{00000000-0000-0000-0000-000000000001"));
-    const auto second = std::find(elements.begin() + 3, elements.end(), "VolumeInfo/Volume");
-    ASSERT_NE(elements.end(), second);
-    EXPECT_THAT(*(second + 1),
-                StartsWith("VolumeInfo/Volume/VolumeId=\\\\?\\Volume{00000000-0000-0000-0000-000000000002"));
 }
 
 TEST_F(VolumeManagerTest, Capture_NoVolumes_WritesTheirNumber) {
