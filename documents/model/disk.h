@@ -47,7 +47,7 @@ struct Geometry {
     std::int64_t cylinders = 0;
     std::uint32_t tracks_per_cylinder = 0;
     std::uint32_t sectors_per_track = 0;
-    std::uint32_t media_type = 0;  // MEDIA_TYPE of Windows: 12 fixed, 11 removable
+    std::int32_t media_type = 0;  // MEDIA_TYPE of Windows: 12 fixed, 11 removable
 };
 
 struct Disk {
