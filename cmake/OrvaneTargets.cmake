@@ -38,9 +38,10 @@ endfunction()
 orvane_precompiled_header(orvane_precompiled cmake/precompiled.h)
 
 # Creates the library of a room, see cmake/rooms.cmake. A folder that contains only headers becomes an
-# interface library. A main.cpp is left out, because it belongs to a program.
+# interface library. A main.cpp is left out, because it belongs to a program. A PORTABLE room is compiled without the
+# precompiled header, which has the headers of Windows, and without the sources of other platforms.
 function(orvane_room)
-    cmake_parse_arguments(PARSE_ARGV 0 ROOM "" "NAME;DIR;ROOT" "USES;PACKAGES;LINKS")
+    cmake_parse_arguments(PARSE_ARGV 0 ROOM "PORTABLE" "NAME;DIR;ROOT" "USES;PACKAGES;LINKS")
     foreach(used IN LISTS ROOM_USES)
         if(NOT TARGET ${used})
             message(FATAL_ERROR "${ROOM_NAME} uses ${used}, which does not stand above it in cmake/rooms.cmake")
@@ -50,10 +51,13 @@ function(orvane_room)
     set(folder "${PROJECT_SOURCE_DIR}/${ROOM_DIR}")
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${folder}/*.cpp")
     list(REMOVE_ITEM sources "${folder}/main.cpp")
+    list(FILTER sources EXCLUDE REGEX "_pugixml\\.cpp$")
     if(sources)
         add_library(${ROOM_NAME} STATIC ${sources})
         target_link_libraries(${ROOM_NAME} PRIVATE orvane_options)
-        orvane_precompile(${ROOM_NAME} orvane_precompiled)
+        if(NOT ROOM_PORTABLE)
+            orvane_precompile(${ROOM_NAME} orvane_precompiled)
+        endif()
         set(scope PUBLIC)
     else()
         add_library(${ROOM_NAME} INTERFACE)

@@ -52,8 +52,9 @@ orvane_room(NAME orvane_session DIR machine/session ROOT .
 orvane_room(NAME orvane_observe DIR machine/recorder/observe ROOT .
     USES orvane_description
     LINKS ole32 oleaut32 uuid wbemuuid advapi32)
+include("${CMAKE_CURRENT_LIST_DIR}/document_rooms.cmake")
 orvane_room(NAME orvane_host DIR tools/orvane ROOT .
-    USES orvane_observe orvane_session orvane_simulation orvane_description
+    USES documents_commands orvane_observe orvane_session orvane_simulation orvane_description
     PACKAGES orvane_json orvane_cli11)
 
 # For these, which are not part of the library, a fast build is more important than fast code.

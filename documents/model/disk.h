@@ -55,9 +55,9 @@ struct Disk {
     std::optional<std::uint64_t> size;  // none: the disk could not be read
     std::optional<std::uint32_t> sector_size;
     std::optional<Style> style;
-    std::optional<std::string> id;           // the GUID of a GPT disk, as Partition::gpt_type
-    std::optional<std::uint32_t> signature;  // of an MBR disk; formats 1 and 2 say it in the volumes only
-    std::optional<std::string> interface;    // "IDE", "SCSI" ... as WMI names it
+    std::optional<std::string> id;              // the GUID of a GPT disk, as Partition::gpt_type
+    std::optional<std::uint32_t> signature;     // of an MBR disk; formats 1 and 2 say it in the volumes only
+    std::optional<std::string> interface_type;  // "IDE", "SCSI" ... as WMI names it
     std::optional<bool> dynamic;
     std::optional<Geometry> geometry;
 

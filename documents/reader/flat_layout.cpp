@@ -109,7 +109,7 @@ void FlatLayout::TakeDisk(Row& row) {
     const std::uint64_t size = row.SizeWrittenSigned("size");
     disk.size = NotZero(size);
     disk.sector_size = NotZero(row.Unsigned32("disk_bytes_per_sector"));
-    disk.interface = NotEmpty(row.Text("interface"));
+    disk.interface_type = NotEmpty(row.Text("interface"));
     Rows rows = std::exchange(rows_, {});
     if (size == kPlaceholderSize && !disk.sector_size) {
         machine_.placeholders.push_back(disk.number);

@@ -223,7 +223,7 @@ void ModelLayout::TakeVolume(Row& row) {
     volume.boot = IsTrue(row, "BootVolume");
     volume.dynamic = TruthIfThere(row, "DynamicVolume");
     volume.active = TruthIfThere(row, "ActivePartition");
-    if (row.Has("NumberOfDiskExtents")) {
+    if (!row.Peek("NumberOfDiskExtents").empty()) {
         volume.extents = std::exchange(extents_, {});
     }
     extents_.clear();

@@ -19,8 +19,11 @@ using testing::StartsWith;
 
 class ProgramTest : public testing::Test {
 protected:
-    int Run(const std::vector<std::wstring>& arguments) { return host::Run(arguments, out_, errors_, false); }
+    int Run(const std::vector<std::wstring>& arguments) {
+        return host::Run(arguments, {in_, out_, errors_, false, std::nullopt});
+    }
 
+    std::istringstream in_;
     std::ostringstream out_;
     std::ostringstream errors_;
 };

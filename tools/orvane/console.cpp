@@ -36,4 +36,14 @@ Console::~Console() {
     }
 }
 
+std::optional<std::size_t> Console::width() const {
+    CONSOLE_SCREEN_BUFFER_INFO information{};
+    if (GetConsoleScreenBufferInfo(output_, &information) == FALSE) {
+        return std::nullopt;
+    }
+    // A line that fills the window would be followed by an empty one.
+    const int columns = information.srWindow.Right - information.srWindow.Left;
+    return columns > 0 ? std::optional(static_cast<std::size_t>(columns)) : std::nullopt;
+}
+
 }  // namespace host

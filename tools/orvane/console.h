@@ -2,6 +2,9 @@
 
 #include "common/windows.h"
 
+#include <cstddef>
+#include <optional>
+
 namespace host {
 
 // Sets up the console, if there is one, for UTF-8 and colours. The destructor restores its settings.
@@ -14,6 +17,8 @@ public:
 
     // Whether standard output is a terminal that supports colours and the user has not disabled them.
     bool colour() const { return colour_; }
+    // The number of characters in a line; none if standard output is no terminal.
+    std::optional<std::size_t> width() const;
 
 private:
     HANDLE output_;

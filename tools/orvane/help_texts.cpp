@@ -3,14 +3,16 @@
 namespace host {
 
 const HelpText kProgramHelp = {
-    R"(orvane - describes this machine to a backup agent, as Orvane.dll beside this program sees it.
+    R"(orvane - describes this machine to a backup agent, as Orvane.dll beside this program sees it, and reads
+the documents that were captured.
 )",
     R"(Exit codes:
   0  done
-  1  nothing could be told, or something that was selected cannot be backed up; standard error says why
-  2  the arguments or the machine description cannot be used
+  1  nothing could be told, or something that was selected cannot be backed up; standard error says why. For
+     documents: one has errors
+  2  the arguments or the machine description cannot be used, a document cannot be read
 
-Without --machine every command describes the system that it runs on. Under Wine that is Wine itself, which
+Without --machine every command that asks the system describes the system that it runs on. Under Wine that is Wine itself, which
 has little to show: --machine FILE describes another machine, for example one of examples/machines.
 
 orvane COMMAND --help lists the arguments of a command.)"};

@@ -16,9 +16,10 @@ int wmain(int count, wchar_t** arguments) {
     // The library's log uses the locale of the C runtime, which supports few characters by default.
     std::setlocale(LC_CTYPE, "");
     // Binary mode keeps the document's bytes unchanged: no carriage return before a line feed.
+    _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
     const host::Console console;
-    return host::Run(std::vector<std::wstring>(arguments + 1, arguments + count), std::cout, std::cerr,
-                     console.colour());
+    return host::Run(std::vector<std::wstring>(arguments + 1, arguments + count),
+                     {std::cin, std::cout, std::cerr, console.colour(), console.width()});
 }

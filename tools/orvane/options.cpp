@@ -1,5 +1,6 @@
 #include "tools/orvane/options.h"
 
+#include "documents/commands/command_line.h"
 #include "machine/description/text.h"
 #include "tools/orvane/help_texts.h"
 
@@ -147,6 +148,7 @@ Command ParseArguments(const std::vector<std::wstring>& arguments) {
     AddCheck(app, check, texts);
     AddRecord(app, record, texts);
     AddAnswer(app, texts);
+    const documents::CommandLine document_commands(app);
     app.add_subcommand("version", "Shows the versions of the library and of its interface");
 
     // The parser expects the arguments in reverse order.
@@ -182,6 +184,10 @@ Command ParseArguments(const std::vector<std::wstring>& arguments) {
     }
     if (app.got_subcommand("answer")) {
         return AnswerOptions{PathOf(texts.machine)};
+    }
+    if (const documents::Command* const command = document_commands.Given(); command != nullptr) {
+        // Its parser ends with this function.
+        return DocumentOptions{{nullptr, command->run}};
     }
     return VersionOptions{};
 }

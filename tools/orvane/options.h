@@ -1,5 +1,7 @@
 #pragma once
 
+#include "documents/commands/command.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -65,6 +67,11 @@ struct AnswerOptions {
     std::optional<std::filesystem::path> machine;
 };
 
+// A command for documents, with its arguments.
+struct DocumentOptions {
+    documents::Command command;
+};
+
 // A text to print instead of a command: the help, or what is wrong with the arguments.
 struct Message {
     int exit_code = kExitDone;
@@ -72,7 +79,7 @@ struct Message {
 };
 
 using Command = std::variant<VersionOptions, CaptureOptions, DumpOptions, CheckOptions, RecordOptions,
-                             AnswerOptions, Message>;
+                             AnswerOptions, DocumentOptions, Message>;
 
 // Parses the arguments, without the program name. Returns a Message, instead of throwing, if they are
 // invalid.

@@ -1,5 +1,6 @@
 #include "tools/orvane/program.h"
 
+#include "documents/commands/command_line.h"
 #include "machine/description/description.h"
 #include "tools/orvane/asking_process.h"
 #include "tools/orvane/capture_command.h"
@@ -16,11 +17,7 @@ namespace host {
 
 namespace {
 
-struct Terminal {
-    std::ostream& out;
-    std::ostream& errors;
-    bool colour;
-};
+using documents::Terminal;
 
 int Execute(const Message& message, const Terminal& terminal) {
     (message.exit_code == kExitDone ? terminal.out : terminal.errors) << message.text;
@@ -64,11 +61,15 @@ int Execute(const AnswerOptions& options, const Terminal& /*terminal*/) {
     return AnswerQuestions(options.machine);
 }
 
+int Execute(const DocumentOptions& options, const Terminal& terminal) {
+    return documents::RunCommand(options.command, terminal);
+}
+
 }  // namespace
 
-int Run(const std::vector<std::wstring>& arguments, std::ostream& out, std::ostream& errors, bool colour) {
+int Run(const std::vector<std::wstring>& arguments, const documents::Terminal& terminal) {
+    std::ostream& errors = terminal.errors;
     try {
-        const Terminal terminal{out, errors, colour};
         return std::visit([&](const auto& command) { return Execute(command, terminal); },
                           ParseArguments(arguments));
     } catch (const machine::DescriptionError& error) {

@@ -1,0 +1,19 @@
+# The rooms of the documents, which are portable: they are built into orvane.exe and, by documents/CMakeLists.txt,
+# natively. Both builds make the libraries from this list. The rules of rooms.cmake apply. LINKS are the libraries of
+# Windows.
+
+orvane_room(NAME documents_text DIR documents/text ROOT . PORTABLE)
+orvane_room(NAME documents_model DIR documents/model ROOT . PORTABLE)
+orvane_room(NAME documents_xml DIR documents/xml ROOT . PORTABLE
+    USES documents_text
+    LINKS shlwapi ole32 oleaut32 uuid)
+orvane_room(NAME documents_reader DIR documents/reader ROOT . PORTABLE
+    USES documents_xml documents_model documents_text)
+orvane_room(NAME documents_verify DIR documents/verify ROOT . PORTABLE
+    USES documents_model)
+orvane_room(NAME documents_show DIR documents/show ROOT . PORTABLE
+    USES documents_verify documents_model documents_text
+    PACKAGES orvane_json)
+orvane_room(NAME documents_commands DIR documents/commands ROOT . PORTABLE
+    USES documents_show documents_verify documents_reader documents_model documents_text
+    PACKAGES orvane_json orvane_cli11)

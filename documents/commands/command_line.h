@@ -1,0 +1,24 @@
+#pragma once
+
+#include "documents/commands/command.h"
+
+#include <vector>
+
+namespace documents {
+
+// The commands for documents of a program. Refers to the program's parser, which must outlive it.
+class CommandLine {
+public:
+    explicit CommandLine(CLI::App& program);
+
+    // After the parsing: the command that was given; none if it is none of these.
+    const Command* Given() const;
+
+private:
+    std::vector<Command> commands_;
+};
+
+// Runs the command. Trouble becomes a line on standard error and its exit code. Throws nothing.
+int RunCommand(const Command& command, const Terminal& terminal);
+
+}  // namespace documents

@@ -1,0 +1,52 @@
+#include "documents/commands/help_texts.h"
+
+namespace documents {
+
+const HelpText kProgramHelp = {
+    R"(orvane - reads the documents that Orvane.dll captures of Windows machines.
+)",
+    R"(Exit codes:
+  0  done
+  1  the answer is no: a document has errors
+  2  the arguments cannot be used, a document cannot be read, or the output cannot be written
+
+orvane COMMAND --help lists the arguments of a command.)"};
+
+const HelpText kShowHelp = {
+    R"(Shows captured documents: each machine's disks with their partitions, gaps and volumes, as a tree.)",
+    R"(A partition's volume stands below it, with its letter, label, file system and size; a volume on several disks
+stands below each of them. The boot volume is the one that the machine starts from, the system volume the one
+that holds Windows.
+
+With --json a program reads one object, {"schema": 1, "documents": [...]}; with --lines it reads an object a
+line for each document, unreadable ones included. docs/schema/show.schema.json describes both.
+
+Exit codes:
+  0  all documents were shown
+  2  the arguments cannot be used, a document cannot be read, or the output cannot be written
+
+Colour is used on a terminal, unless the environment has a variable NO_COLOR.
+
+Examples:
+  orvane show environment.xml
+  orvane show --json --lines --from documents.txt
+  orvane show --code-page 1252 - < environment.xml)"};
+
+const HelpText kVerifyHelp = {
+    R"(Says whether machines can be restored from captured documents, and what is missing or wrong.)",
+    R"(Each finding has a code, a severity and a place. An error keeps something from being restored; a note is for
+whoever restores. docs/reasons.md lists the codes with what to do.
+
+With --json a program reads one object, {"schema": 1, "documents": [...]}; docs/schema/verify.schema.json
+describes it.
+
+Exit codes:
+  0  no document has an error
+  1  a document has errors
+  2  the arguments cannot be used, a document cannot be read, or the output cannot be written
+
+Examples:
+  orvane verify environment.xml
+  orvane verify --json --from documents.txt)"};
+
+}  // namespace documents
