@@ -4,6 +4,8 @@
 #   make check ARGS="..."     what can be backed up, and why not
 #                             These three describe an example workstation unless ARGS contains --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
+#   make native               orvane for this system, with the commands for documents alone: build/native/bin/orvane
+#   make fuzz                 feeds the reader of documents with altered ones; SECONDS=60
 #   make expect CASE=NAME     writes the expected files of a described machine, to be read as a difference
 #   make faults ARGS="..."    fault injection (ARGS=--help lists the options)
 #   make alter ARGS="..."     alters the library in 40 places and shows what no test notices; takes hours
@@ -19,12 +21,13 @@ PRESET ?= release
 BUILD := build/$(PRESET)
 JOBS ?= $(shell nproc)
 ARGS ?=
+SECONDS ?= 60
 CASE ?=
 DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/uefi-workstation)
 
 export JOBS
 
-.PHONY: capture dump check test expect faults alter bench lint format coverage build setup clean
+.PHONY: capture dump check test native fuzz expect faults alter bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -40,10 +43,22 @@ build:
 	@scripts/setup build
 	@scripts/build $(PRESET)
 
-test:
-	@scripts/setup build test
+# The native tests come first: they are quick. The last tests compare the native program with orvane.exe.
+test: native
+	@scripts/setup build test native
+	@scripts/build native-sanitized
+	@ctest --test-dir build/native-sanitized --output-on-failure -j $(JOBS)
 	@scripts/build $(PRESET)
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+native:
+	@scripts/setup native
+	@scripts/build native
+
+fuzz:
+	@scripts/setup native fuzz
+	@scripts/build fuzz
+	@scripts/fuzz $(SECONDS)
 
 # Only by hand: what it writes is what the library makes, right or wrong.
 expect:

@@ -14,12 +14,20 @@
 #include <stdexcept>
 #include <string_view>
 
+// The headers of MinGW lack these.
+__CRT_UUID_DECL(ISAXXMLReader, 0xA4F96ED0, 0xF829, 0x476E, 0x81, 0xC0, 0xCD, 0xC7, 0xBD, 0x2A, 0x08, 0x02)
+__CRT_UUID_DECL(ISAXContentHandler, 0x1545CDFA, 0x9E4E, 0x4497, 0xA8, 0xA4, 0x2B, 0xF7, 0xD0, 0x11, 0x2C,
+                0x44)
+
 namespace documents {
 
 namespace {
 
 // SAXXMLReader30 of msxml3, which every Windows has.
 constexpr CLSID kSaxReader = {0x3124C396, 0xFB13, 0x4836, {0xA6, 0xAD, 0x13, 0x17, 0xF1, 0x71, 0x36, 0x88}};
+
+_COM_SMARTPTR_TYPEDEF(ISAXXMLReader, __uuidof(ISAXXMLReader));
+_COM_SMARTPTR_TYPEDEF(IStream, __uuidof(IStream));
 
 std::string Utf8(std::wstring_view text) {
     return FromUtf16(std::u16string(text.begin(), text.end()));
@@ -128,8 +136,6 @@ void ParseXml(std::string xml, XmlEvents& events) {
     const std::size_t root = RequireWellFormed(xml);
     const ComForThisThread com;
     Handler handler(events);
-    _COM_SMARTPTR_TYPEDEF(ISAXXMLReader, __uuidof(ISAXXMLReader));
-    _COM_SMARTPTR_TYPEDEF(IStream, __uuidof(IStream));
     ISAXXMLReaderPtr reader;
     const IStreamPtr stream(SHCreateMemStream(reinterpret_cast<const BYTE*>(xml.data() + root),
                                               static_cast<UINT>(xml.size() - root)),
