@@ -107,6 +107,7 @@ Description Parsed(const JsonCursor& root, const std::filesystem::path& director
         description.missing = parsing::Missing(*missing);
     }
     description.enumerator_refusal = object.Number32("enumeratorRefusal", 0);
+    description.xml_component = object.Bool("xmlComponent", true);
     description.errors = parsing::ErrorsOf(object, CallScope::kMachine);
     AddDerivedWmi(description);
     if (const auto wmi = object.Find("wmi")) {

@@ -74,6 +74,8 @@ using WmiInstance = std::vector<WmiProperty>;
 struct WmiClass {
     std::vector<WmiInstance> instances;
     CallErrors errors;
+    std::optional<std::uint32_t> break_error{};  // of fetching an object behind the first `whole_objects`
+    std::size_t whole_objects = 0;
 };
 
 struct Disk {
@@ -100,6 +102,7 @@ struct Disk {
     bool blank = false;           // no table, but reported as style 0 with a zeroed partition record
     bool offline = false;         // the older layout control fails
     bool recognizes_all = false;  // every used MBR entry but a container is recognised, whatever its type
+    std::uint32_t open_for_writing_error = 0;  // 0: it can be opened for writing
 
     bool hidden_from_wmi = false;
     WmiInstance wmi;  // properties that override those derived from the disk
@@ -152,7 +155,8 @@ struct Volume {
     std::optional<std::vector<Extent>> extents;        // none: the extents control is not supported
     std::optional<std::uint32_t> extents_short_error;  // if the buffer cannot hold all extents
     ShortExtents short_extents = ShortExtents::kFirst;
-    std::optional<Partition> partition;  // what the partition controls return
+    std::optional<Partition> partition;        // what the partition controls return
+    std::uint32_t open_for_writing_error = 0;  // 0: it can be opened for writing
     CallErrors errors;
 };
 
@@ -205,6 +209,7 @@ struct Description {
     Firmware firmware;
     std::set<std::string> missing;         // functions that kernel32 and ntdll do not export
     std::uint32_t enumerator_refusal = 0;  // HRESULT of fetching from a WMI enumerator without security
+    bool xml_component = true;             // the XML component is registered
     CallErrors errors;
 };
 

@@ -189,6 +189,7 @@ Disk DiskOf(const JsonCursor& cursor, const std::filesystem::path& directory) {
             disk.wmi = Properties(*wmi);
         }
     }
+    disk.open_for_writing_error = object.Number32("openForWritingError", 0);
     disk.errors = ErrorsOf(object, CallScope::kDisk);
     object.RefuseOthers();
     return disk;

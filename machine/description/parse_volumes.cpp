@@ -209,6 +209,7 @@ Volume VolumeOf(const JsonCursor& cursor, const std::vector<Disk>& disks, Names&
     if (!object.Bool("unchecked", false)) {
         CheckExtents(object, volume, disks);
     }
+    volume.open_for_writing_error = object.Number32("openForWritingError", 0);
     volume.errors = ErrorsOf(object, CallScope::kVolume);
     object.RefuseOthers();
 

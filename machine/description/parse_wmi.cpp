@@ -154,6 +154,12 @@ WmiClass Class(const JsonCursor& cursor, const WmiClass* derived) {
     if (cursor.is_object()) {
         JsonObject object = cursor.Object();
         instances = object.Find("instances");
+        if (const auto broken = object.Find("breaks")) {
+            JsonObject breaks = broken->Object();
+            described.whole_objects = breaks.Require("after").Number32();
+            described.break_error = breaks.Require("error").Number32();
+            breaks.RefuseOthers();
+        }
         described.errors = ErrorsOf(object, CallScope::kWmiClass);
         object.RefuseOthers();
         if (!instances && derived != nullptr) {

@@ -1,5 +1,6 @@
 #include "machine/session/session.h"
 
+#include "machine/session/absent_xml_component.h"
 #include "machine/session/registry_override.h"
 #include "machine/wmi/wmi_locator.h"
 
@@ -40,6 +41,7 @@ Session::Session(Description description, SessionCom com)
     : simulation_(std::move(description)),
       com_(std::make_unique<ComScope>(com)),
       wmi_(std::make_unique<WmiRegistration>()),
+      absent_xml_(simulation_.machine().xml_component ? nullptr : std::make_unique<AbsentXmlComponent>()),
       registry_(std::make_unique<RegistryOverride>(simulation_.machine().registry)) {}
 
 Session::~Session() = default;

@@ -7,6 +7,7 @@
 
 namespace machine {
 
+class AbsentXmlComponent;
 class RegistryOverride;
 class WmiRegistration;
 
@@ -14,9 +15,9 @@ class WmiRegistration;
 // initialised COM.
 enum class SessionCom { kApartment, kMultithreaded, kCallers };
 
-// Runs a described machine for the calling thread: the simulation, WMI in this apartment, and
-// HKEY_LOCAL_MACHINE of this process. Create and destroy a session on the same thread. Modules are
-// redirected separately (PutModuleOnSimulation).
+// Runs a described machine for the calling thread: the simulation, WMI and, if it is absent, the XML
+// component in this apartment, and HKEY_LOCAL_MACHINE of this process. Create and destroy a session on the
+// same thread. Modules are redirected separately (PutModuleOnSimulation).
 class Session {
 public:
     // Throws std::runtime_error if COM, the WMI registration or the registry fails, and std::logic_error if
@@ -35,6 +36,7 @@ private:
     Simulation simulation_;
     std::unique_ptr<ComScope> com_;
     std::unique_ptr<WmiRegistration> wmi_;
+    std::unique_ptr<AbsentXmlComponent> absent_xml_;
     std::unique_ptr<RegistryOverride> registry_;
 };
 

@@ -32,12 +32,20 @@ Answer Opened(Simulation& simulation, const std::wstring& path, const NameIndex:
     OpenObject object;
     object.name = path;
     object.access = GrantedAccess(access);
+    std::uint32_t writing_error = 0;
     if (target.kind == NameIndex::Target::Kind::kDisk) {
+        const Disk& disk = simulation.machine().disks[target.position];
         object.kind = OpenObject::Kind::kDisk;
-        object.disk = simulation.machine().disks[target.position].index;
+        object.disk = disk.index;
+        writing_error = disk.open_for_writing_error;
     } else {
+        const Volume& volume = simulation.machine().volumes[target.position];
         object.kind = target.root ? OpenObject::Kind::kRootDirectory : OpenObject::Kind::kVolume;
-        object.device = simulation.machine().volumes[target.position].device;
+        object.device = volume.device;
+        writing_error = volume.open_for_writing_error;
+    }
+    if (writing_error != 0 && (object.access & FILE_WRITE_ACCESS) != 0) {
+        return Answer::Failure(writing_error);
     }
     Answer answer;
     answer.value = reinterpret_cast<std::uintptr_t>(simulation.handles().Open(std::move(object)));

@@ -43,6 +43,11 @@ std::uint32_t WmiEnumerator::Refusal() const {
     return refusal != 0 && !security_.is_set() ? refusal : error_;
 }
 
+// The error of moving on by `count` objects on a described class whose list breaks off before that.
+std::optional<std::uint32_t> WmiEnumerator::Break(std::size_t count) const {
+    return position_ + count > result_->found.whole_objects ? result_->found.break_error : std::nullopt;
+}
+
 HRESULT STDMETHODCALLTYPE WmiEnumerator::Reset() {
     return PerformCom("IEnumWbemClassObject::Reset", result_->class_name, errors(), [&] {
         if (forward_only_) {
@@ -70,6 +75,9 @@ HRESULT STDMETHODCALLTYPE WmiEnumerator::Next(LONG timeout, ULONG count, IWbemCl
             Answer late;
             late.error = kTimedOut;
             return late;
+        }
+        if (const std::optional<std::uint32_t> broken = Break(count)) {
+            return Answer::Failure(*broken);
         }
         const std::size_t given = std::min<std::size_t>(count, left());
         found.reserve(given);
@@ -109,6 +117,9 @@ HRESULT STDMETHODCALLTYPE WmiEnumerator::Skip(LONG /*timeout*/, ULONG count) {
     return PerformCom("IEnumWbemClassObject::Skip", result_->class_name, errors(), [&] {
         if (const std::uint32_t refusal = Refusal(); refusal != 0) {
             return Answer::Failure(refusal);
+        }
+        if (const std::optional<std::uint32_t> broken = Break(count)) {
+            return Answer::Failure(*broken);
         }
         Answer answer;
         answer.error = left() < count ? kFalse : 0;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace machine {
 
@@ -28,6 +29,7 @@ protected:
 
 private:
     std::uint32_t Refusal() const;
+    std::optional<std::uint32_t> Break(std::size_t count) const;
     const CallErrors* errors() const { return &result_->found.errors; }
     std::size_t left() const { return result_->found.instances.size() - position_; }
 

@@ -25,6 +25,7 @@ constexpr auto kInvalidOperation = static_cast<HRESULT>(0x80041016);
 constexpr auto kInvalidQuery = static_cast<HRESULT>(0x80041017);
 constexpr auto kInvalidQueryType = static_cast<HRESULT>(0x80041018);
 constexpr auto kInvalidParameter = static_cast<HRESULT>(0x80041008);
+constexpr auto kServerUnavailable = static_cast<HRESULT>(0x800706BA);
 constexpr HRESULT kEnd = 1;                // WBEM_S_FALSE
 constexpr HRESULT kTimedOut = 0x00040004;  // WBEM_S_TIMEDOUT
 constexpr LONG kReturnImmediately = 16;

@@ -103,6 +103,20 @@ TEST(Session, Multithreaded_HasComInThatApartment) {
     EXPECT_TRUE(CanMakeDom());
 }
 
+TEST(Session, XmlComponentFalse_HidesTheComponentForItsLifetime) {
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+    {
+        machine::Session session(Parse(R"({"xmlComponent": false})"), machine::SessionCom::kCallers);
+        IUnknown* dom = nullptr;
+        EXPECT_EQ(CoCreateInstance(kDomDocument, nullptr, CLSCTX_SERVER, IID_IUnknown,
+                                   reinterpret_cast<void**>(&dom)),
+                  REGDB_E_CLASSNOTREG);
+        EXPECT_EQ(dom, nullptr);
+    }
+    EXPECT_TRUE(CanMakeDom());
+    CoUninitialize();
+}
+
 TEST(Session, CallersWithoutCom_IsRefused) {
     EXPECT_THROW(machine::Session session(Parse("{}"), machine::SessionCom::kCallers), std::runtime_error);
     EXPECT_EQ(machine::Simulation::Current(), nullptr);

@@ -43,6 +43,22 @@ INSTANTIATE_TEST_SUITE_P(
         OpenCase{L"\\\\?\\Volume{00000000-0000-0000-0000-000000000003}\\", false, ERROR_PATH_NOT_FOUND},
         OpenCase{L"", false, ERROR_PATH_NOT_FOUND}, OpenCase{nullptr, false, ERROR_PATH_NOT_FOUND}));
 
+TEST(CreateFile, OpenForWritingError_RefusesWritingOnly) {
+    Machine machine(R"({"disks": [{"index": 0, "size": "1 GiB", "signature": 7, "openForWritingError": 5,
+                                   "partitions": [{"offset": "1 MiB", "size": "9 MiB", "type": "ntfs"}]}],
+                        "volumes": [{"partition": {"disk": 0, "number": 1}, "mountPoints": ["C:\\"],
+                                     "openForWritingError": 19}]})");
+    const std::pair<const wchar_t*, DWORD> refused[] = {{L"\\\\.\\PhysicalDrive0", ERROR_ACCESS_DENIED},
+                                                        {L"\\\\.\\C:", ERROR_WRITE_PROTECT}};
+    for (const auto& [path, error] : refused) {
+        EXPECT_EQ(machine.kernel.Open(path, GENERIC_READ | GENERIC_WRITE), INVALID_HANDLE_VALUE);
+        EXPECT_EQ(GetLastError(), error);
+        const HANDLE handle = machine.kernel.Open(path, GENERIC_READ);
+        EXPECT_NE(handle, INVALID_HANDLE_VALUE);
+        EXPECT_TRUE(machine.kernel.CloseHandle(handle));
+    }
+}
+
 TEST(CreateFile, RootWithBackupSemantics_OpensADirectoryWithoutVolumeControls) {
     Machine machine(SmallMachine());
     const HANDLE handle = machine.kernel.CreateFileW(L"C:\\", GENERIC_READ, FILE_SHARE_READ, nullptr,

@@ -94,6 +94,26 @@ TEST_F(Wmi, EnumeratorRefusal_StaysIfSettingTheSecurityFails) {
     EXPECT_EQ(Fetch(enumerator_, instance_), E_ACCESSDENIED);
 }
 
+TEST_F(Wmi, BrokenList_FailsBehindItsWholeObjects) {
+    Start(R"({"disks": [{"index": 0, "size": "1 GiB"}, {"index": 1, "size": "1 GiB"}],
+              "wmi": {"Win32_DiskDrive": {"breaks": {"after": 1, "error": "0x800706BA"}}}})");
+    ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_DiskDrive"), S_OK);
+    EXPECT_EQ(Fetch(enumerator_, instance_), S_OK);
+    EXPECT_EQ(Value(L"Index").ulVal, 0ul);
+    EXPECT_EQ(Fetch(enumerator_, instance_), kServerUnavailable);
+    ASSERT_EQ(enumerator_->Reset(), S_OK);
+    EXPECT_EQ(enumerator_->Skip(-1, 2), kServerUnavailable);
+    EXPECT_EQ(enumerator_->Skip(-1, 1), S_OK);
+    EXPECT_EQ(enumerator_->Skip(-1, 1), kServerUnavailable);
+}
+
+TEST_F(Wmi, BrokenList_EndsByTheErrorEvenBehindTheLastObject) {
+    Start(R"({"wmi": {"Win32_Processor": {"breaks": {"after": 1, "error": "0x800706BA"}}}})");
+    ASSERT_EQ(Query(services_, enumerator_, L"Select * from Win32_Processor"), S_OK);
+    EXPECT_EQ(Fetch(enumerator_, instance_), S_OK);
+    EXPECT_EQ(Fetch(enumerator_, instance_), kServerUnavailable);
+}
+
 TEST_F(Wmi, DriveWithoutNumber_HasTheIndexThatEitherPageNames) {
     Start(R"({"disks": [{"index": 0, "size": "1 GiB"}],
               "wmi": {"Win32_DiskDrive": [{"Index": 0}, {"Index": 255}, {"Index": -1}]}})");
