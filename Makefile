@@ -60,12 +60,12 @@ fuzz:
 	@scripts/build fuzz
 	@scripts/fuzz $(SECONDS)
 
-# Only by hand: what it writes is what the library makes, right or wrong.
+# Only by hand: what it writes is what the library makes, right or wrong. In the code page that the tests expect.
 expect:
 	@[ -n "$(CASE)" ] || { echo "usage: make expect CASE=NAME, a folder of examples/machines" >&2; exit 2; }
 	@scripts/setup build test
 	@scripts/build $(PRESET) --target Orvane expect
-	@scripts/wine-run $(BUILD)/bin/expect.exe "examples/machines/$(CASE)"
+	@LC_ALL=C.UTF-8 scripts/wine-run $(BUILD)/bin/expect.exe "examples/machines/$(CASE)"
 
 faults:
 	@scripts/setup build test

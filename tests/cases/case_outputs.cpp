@@ -41,17 +41,31 @@ std::string FormatName(std::uint32_t format) {
     return "format" + std::to_string(format);
 }
 
+// The text of a line, with a line feed as \n and any other control character as \x and two digits, so that
+// the file shows it.
+std::string Visible(const std::string& text) {
+    constexpr const char* kDigits = "0123456789ABCDEF";
+    std::string visible;
+    for (const char character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        if (character == '\n') {
+            visible += "\\n";
+        } else if (code < ' ') {
+            visible += {'\\', 'x', kDigits[code >> 4], kDigits[code & 15]};
+        } else {
+            visible += character;
+        }
+    }
+    return visible;
+}
+
 std::string LogText(const std::vector<support::LogLine>& lines, std::int32_t lowest_level) {
     std::string text;
     for (const support::LogLine& line : lines) {
         if (line.level < lowest_level) {
             continue;
         }
-        text += std::to_string(line.level) + ' ';
-        for (const char character : host::FromLocale(line.text.c_str())) {
-            text += character == '\n' ? "\\n" : std::string(1, character);
-        }
-        text += '\n';
+        text += std::to_string(line.level) + ' ' + Visible(host::FromLocale(line.text.c_str())) + '\n';
     }
     return text;
 }
