@@ -101,11 +101,14 @@ XmlTree DiskElement(const std::string& name, std::uint32_t index, const machine:
 
 std::vector<std::uint32_t> ListedDisks(const machine::Description& machine) {
     constexpr std::uint32_t kNone = 255;
+    const machine::WmiClass& drives = machine.wmi.at(machine::WmiClassKey(L"Win32_DiskDrive"));
+    // A list that breaks off ends there.
+    const std::size_t whole = drives.break_error ? std::min(drives.whole_objects, drives.instances.size())
+                                                 : drives.instances.size();
     std::map<std::string, std::uint32_t> listed;  // sorted by the number as text
-    for (const machine::WmiInstance& instance :
-         machine.wmi.at(machine::WmiClassKey(L"Win32_DiskDrive")).instances) {
+    for (std::size_t i = 0; i < whole; ++i) {
         const auto index =
-            static_cast<std::uint32_t>(machine::FindProperty(instance, L"Index")->value.number);
+            static_cast<std::uint32_t>(machine::FindProperty(drives.instances[i], L"Index")->value.number);
         if (index != kNone) {
             listed.emplace(std::to_string(index), index);
         }
@@ -124,7 +127,10 @@ const machine::Disk* FindDisk(const machine::Description& machine, std::uint32_t
 }
 
 bool IsPartitioned(const machine::Disk& disk) {
-    return disk.style == PARTITION_STYLE_GPT || (disk.style == PARTITION_STYLE_MBR && disk.signature != 0);
+    const bool answers = !disk.errors.Find("CreateFileW") &&
+                         !disk.errors.Find("DeviceIoControl:IOCTL_DISK_GET_DRIVE_GEOMETRY_EX");
+    return answers &&
+           (disk.style == PARTITION_STYLE_GPT || (disk.style == PARTITION_STYLE_MBR && disk.signature != 0));
 }
 
 bool IsUnused(const machine::Partition& partition) {

@@ -17,7 +17,7 @@ XmlTree ExpectedVolumes(const machine::Description& machine);
 std::vector<std::uint32_t> ListedDisks(const machine::Description& machine);
 // Null when there is none.
 const machine::Disk* FindDisk(const machine::Description& machine, std::uint32_t index);
-// True if the library treats the disk as MBR or GPT.
+// True if the library treats the disk as MBR or GPT: it answers, and has such a table.
 bool IsPartitioned(const machine::Disk& disk);
 bool IsUnused(const machine::Partition& partition);
 bool IsDynamic(const machine::Disk& disk);
@@ -36,5 +36,5 @@ inline XmlTree TruthLeaf(const char* name, bool value) {
     return Leaf(name, value ? "True" : "False");
 }
 
-// UTF-8; characters that the ANSI code page lacks are replaced.
+// UTF-8; control characters that XML forbids, and characters that the ANSI code page lacks, are replaced.
 std::string AnsiText(const std::wstring& text);

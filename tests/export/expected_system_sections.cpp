@@ -2,6 +2,8 @@
 #include "machine/description/wmi_defaults.h"
 #include "support/text.h"
 
+#include <algorithm>
+
 namespace {
 
 enum class Kind {
@@ -139,10 +141,17 @@ XmlTree Element(const machine::Description& machine, const Section& section, con
     }
 }
 
+// The control characters that XML forbids.
+bool IsForbiddenControl(wchar_t character) {
+    return character < L' ' && character != L'\t' && character != L'\n' && character != L'\r';
+}
+
 }  // namespace
 
 std::string AnsiText(const std::wstring& text) {
-    return support::Utf8(support::Wide(support::Ansi(text)));
+    std::wstring allowed = text;
+    std::replace_if(allowed.begin(), allowed.end(), IsForbiddenControl, L'\uFFFD');
+    return support::Utf8(support::Wide(support::Ansi(allowed)));
 }
 
 std::string WmiTextOf(const machine::Description& machine, const wchar_t* class_name,

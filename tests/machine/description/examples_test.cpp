@@ -31,8 +31,11 @@ bool IsUsed(const machine::Partition& partition) {
 }
 
 bool IsDynamic(const machine::Disk& disk) {
+    static const GUID ldm_data = *machine::ParseGuid("{af9b60a0-1431-4f62-bc68-3311714a69ad}");
     return std::any_of(disk.partitions.begin(), disk.partitions.end(),
-                       [](const machine::Partition& partition) { return partition.mbr_type == 0x42; });
+                       [](const machine::Partition& partition) {
+                           return partition.mbr_type == 0x42 || IsEqualGUID(partition.gpt_type, ldm_data);
+                       });
 }
 
 const machine::Disk* FindDisk(const machine::Description& description, std::uint32_t index) {
@@ -61,12 +64,18 @@ const Exception kExceptions[] = {
      "its disk does not exist"},
     {"container-on-a-share", "EveryVolumeOnOnePartition_KnowsItsPartition", L"\\Device\\RiegelVolumeK",
      "its disk does not exist"},
+    {"dynamic-stripe-mirror", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolume1",
+     "a mirror is as long as one of its extents"},
+    {"dynamic-stripe-mirror", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolume2",
+     "a mirror is as long as one of its extents"},
     {"encrypted-container", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\RiegelVolumeK",
      "its place is made up"},
     {"encrypted-container", "ExtentsOfVolumes_DoNotOverlap", L"\\Device\\RiegelVolumeK",
      "its place is made up"},
     {"foreign-file-system", "ExtentsOfVolumes_DoNotOverlap",
      L"\\Device\\Fibra{5d1c70aa-93b4-4e02-8f6e-2b7c0d9a4411}", "a second volume of one partition"},
+    {"rescue-fixed-ram-disk", "Volumes_LieOnOnePartitionOrOnDynamicDisks",
+     L"\\Device\\Ramdisk{d9b257fc-684e-4dcb-ab79-03cfa2f6b750}", "a RAM disk is on no disk"},
     {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy1",
      "that of its original"},
     {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy2",
