@@ -67,4 +67,11 @@ TEST_F(InfoGrabberV2Test, CanBackup_ChecksAgainstItsOwnModel) {
     EXPECT_FALSE(grabber_.CanBackup({}, {}, true));  // all volumes include the empty optical drive
 }
 
+TEST_F(InfoGrabberV2Test, DumpVolumeInfo_IsTheManagersDump) {
+    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
+    log_.Clear();
+    grabber_.DumpVolumeInfo();
+    EXPECT_TRUE(log_.Contains(support::kHostInformation, "Number of volumes: 7")) << log_;
+}
+
 }  // namespace

@@ -65,6 +65,14 @@ TEST_F(DiskDriveManagerKindsTest, HasSameUniqueId_OtherId_Disagrees) {
     EXPECT_FALSE(mbr_->has_same_unique_id(*mbr));
 }
 
+TEST_F(DiskDriveManagerKindsTest, Unknown_HasNoPartitions) {
+    std::uint32_t number = 99;
+    EXPECT_EQ(0U, raw_->GetPartitionCount());
+    EXPECT_FALSE(raw_->HasPartitionAtOffset(0));
+    EXPECT_FALSE(raw_->GetPartitionNumberAtOffset(0, number));
+    EXPECT_EQ(99U, number);
+}
+
 TEST_F(DiskDriveManagerKindsTest, Unknown_QuestionsOfATable_AreNotImplemented) {
     const DeviceManager none;
     CREATE_DISK description{};

@@ -62,6 +62,17 @@ TEST_P(PrivilegeNotHeld, EnableBackupPrivileges_LeavesItAndEnablesTheOther) {
 
 INSTANTIATE_TEST_SUITE_P(BackupAndRestore, PrivilegeNotHeld, testing::Values(0, 1));
 
+TEST(EnableBackupPrivileges, Token_IsAskedForAdjustingAndQuerying) {
+    DWORD access = 0;
+    const support::StubImport stub("OpenProcessToken", &::OpenProcessToken,
+                                   [&](HANDLE, DWORD rights, PHANDLE) -> BOOL {
+                                       access = rights;
+                                       return FALSE;
+                                   });
+    EnableBackupPrivileges();
+    EXPECT_EQ(access, DWORD{TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY});
+}
+
 TEST(EnableBackupPrivileges, NoToken_AdjustsNothing) {
     bool adjusted = false;
     const support::StubImport token("OpenProcessToken", &::OpenProcessToken,
