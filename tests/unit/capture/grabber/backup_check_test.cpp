@@ -65,6 +65,12 @@ TEST_F(BackupCheck, UnknownDisk_IsLoggedAtOnceAndReported) {
                 ElementsAre("orvane::InfoGrabber::CanBackup Can't find requested disk 4294967295"));
 }
 
+TEST_F(BackupCheck, RefusedDisk_IsReportedWithItsReasons) {
+    EXPECT_FALSE(RequestedDisks({{2, 0}}));
+    EXPECT_THAT(errors_,
+                ElementsAre(L"Disk 2 cannot be backed up because:", L"Unknown disk partition style 2"));
+}
+
 TEST_F(BackupCheck, OffsetWithoutPartition_IsReported) {
     EXPECT_FALSE(RequestedDisks({{0, kMiB + 512}, {1, -1}, {1, 9223372036854775807}}));
     EXPECT_THAT(
