@@ -7,6 +7,7 @@
 #   make native               orvane for this system, with the commands for documents alone: build/native/bin/orvane
 #   make fuzz                 feeds the reader of documents with altered ones; SECONDS=60
 #   make expect CASE=NAME     writes the expected files of a described machine, to be read as a difference
+#   make format-page          writes the tables of docs/machine-format.md from the rows that read descriptions
 #   make faults ARGS="..."    fault injection (ARGS=--help lists the options)
 #   make alter ARGS="..."     alters the library in 40 places and shows what no test notices; takes hours
 #   make bench                benchmarks of time and memory (ARGS=--help lists the options)
@@ -27,7 +28,7 @@ DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/ue
 
 export JOBS
 
-.PHONY: capture dump check test native fuzz expect faults alter bench lint format coverage build setup clean
+.PHONY: capture dump check test native fuzz expect format-page faults alter bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -66,6 +67,11 @@ expect:
 	@scripts/setup build test
 	@scripts/build $(PRESET) --target Orvane expect
 	@LC_ALL=C.UTF-8 scripts/wine-run $(BUILD)/bin/expect.exe "examples/machines/$(CASE)"
+
+format-page:
+	@scripts/setup build
+	@scripts/build $(PRESET) --target format_page
+	@scripts/wine-run $(BUILD)/bin/format_page.exe docs/machine-format.md
 
 faults:
 	@scripts/setup build test

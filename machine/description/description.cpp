@@ -1,13 +1,11 @@
 #include "machine/description/description.h"
 
 #include "machine/description/json_cursor.h"
-#include "machine/description/parsing.h"
+#include "machine/description/tables.h"
 #include "machine/description/text.h"
-#include "machine/description/wmi_defaults.h"
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -56,67 +54,6 @@ nlohmann::json ParsedJson(const std::string& text, const std::string& file) {
     return document;
 }
 
-// A machine that has disks, but no GPT disk, is assumed to have BIOS firmware.
-Firmware DerivedFirmware(const std::vector<Disk>& disks) {
-    Firmware firmware;
-    const bool gpt = std::any_of(disks.begin(), disks.end(),
-                                 [](const Disk& disk) { return disk.style == PARTITION_STYLE_GPT; });
-    firmware.type = gpt || disks.empty() ? 2 : 1;
-    return firmware;
-}
-
-std::vector<RegistryKey> UsualRegistry() {
-    const std::wstring options = L" NOEXECUTE=OPTIN";
-    RegistryValue value;
-    value.name = L"SystemStartOptions";
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(options.c_str());
-    value.data.assign(bytes, bytes + (options.size() + 1) * sizeof(wchar_t));
-    return {{L"SYSTEM\\CurrentControlSet\\Control", {value}}};
-}
-
-Description Parsed(const JsonCursor& root, const std::filesystem::path& directory) {
-    JsonObject object = root.Object();
-    Description description;
-    description.name = object.Has("name") ? object.Require("name").Utf8() : "";
-    object.Text("comment", L"");
-    if (const auto disks = object.Find("disks")) {
-        description.disks = parsing::Disks(*disks, directory);
-    }
-    if (const auto volumes = object.Find("volumes")) {
-        description.volumes = parsing::Volumes(*volumes, description.disks);
-    }
-    if (const auto devices = object.Find("dosDevices")) {
-        description.dos_devices = parsing::DosDevices(*devices);
-    }
-    if (const auto directories = object.Find("directories")) {
-        description.directories = parsing::Directories(*directories);
-    }
-    if (const auto drive = object.Find("currentDrive")) {
-        description.current_drive = drive->Text();
-        if (!DriveNumber(description.current_drive) || description.current_drive.size() != 3) {
-            drive->Refuse("must be a drive root like \"C:\\\\\"");
-        }
-    }
-    description.firmware = DerivedFirmware(description.disks);
-    if (const auto firmware = object.Find("firmware")) {
-        description.firmware = parsing::FirmwareOf(*firmware, description.firmware);
-    }
-    const auto registry = object.Find("registry");
-    description.registry = registry ? parsing::Registry(*registry) : UsualRegistry();
-    if (const auto missing = object.Find("missing")) {
-        description.missing = parsing::Missing(*missing);
-    }
-    description.enumerator_refusal = object.Number32("enumeratorRefusal", 0);
-    description.xml_component = object.Bool("xmlComponent", true);
-    description.errors = parsing::ErrorsOf(object, CallScope::kMachine);
-    AddDerivedWmi(description);
-    if (const auto wmi = object.Find("wmi")) {
-        parsing::Wmi(*wmi, description);
-    }
-    object.RefuseOthers();
-    return description;
-}
-
 }  // namespace
 
 std::optional<std::uint32_t> CallErrors::Find(const std::string& call) const {
@@ -154,7 +91,20 @@ Description LoadDescription(const std::filesystem::path& machine) {
 Description ParseDescription(const std::string& json, const std::string& name,
                              const std::filesystem::path& directory) {
     const nlohmann::json document = ParsedJson(json, name);
-    return Parsed(JsonCursor(document, name), directory);
+    const JsonCursor root(document, name);
+    Description description;
+    rows::Place place;
+    place.machine = &description;
+    place.directory = &directory;
+    rows::ReadRows(rows::MachineTable(), root.Object(), description, place);
+    return description;
+}
+
+std::string WriteDescription(const Description& description, const std::filesystem::path& directory) {
+    rows::Place place;
+    place.machine = &description;
+    place.directory = &directory;
+    return rows::WriteRows(rows::MachineTable(), description, place).dump(2) + "\n";
 }
 
 }  // namespace machine

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -26,6 +27,8 @@ struct CallErrors {
     std::unordered_map<std::string, std::uint32_t> codes;
 
     std::optional<std::uint32_t> Find(const std::string& call) const;
+
+    bool operator==(const CallErrors&) const = default;
 };
 
 // One partition table entry, as the drive layout controls return it.
@@ -45,6 +48,8 @@ struct Partition {
     GUID gpt_id{};
     std::uint64_t gpt_attributes = 0;
     std::wstring gpt_name;  // at most 36 characters
+
+    bool operator==(const Partition&) const = default;
 };
 
 // The raw image file that backs a disk.
@@ -52,6 +57,8 @@ struct Image {
     std::filesystem::path file;
     bool writable = false;                          // writes go to `file` itself
     std::optional<std::filesystem::path> write_to;  // writes go to this copy, made at the first write
+
+    bool operator==(const Image&) const = default;
 };
 
 // A WMI property: a typed value, or the HRESULT with which reading it fails.
@@ -62,11 +69,15 @@ struct WmiValue {
     std::wstring text;
     std::vector<std::wstring> texts;
     std::optional<std::uint32_t> error;
+
+    bool operator==(const WmiValue&) const = default;
 };
 
 struct WmiProperty {
     std::wstring name;
     WmiValue value;
+
+    bool operator==(const WmiProperty&) const = default;
 };
 
 using WmiInstance = std::vector<WmiProperty>;
@@ -76,7 +87,17 @@ struct WmiClass {
     CallErrors errors;
     std::optional<std::uint32_t> break_error{};  // of fetching an object behind the first `whole_objects`
     std::size_t whole_objects = 0;
+
+    bool operator==(const WmiClass&) const = default;
 };
+
+inline bool operator==(const DISK_INT13_INFO& left, const DISK_INT13_INFO& right) noexcept {
+    return std::memcmp(&left, &right, sizeof(left)) == 0;
+}
+
+inline bool operator==(const DISK_EX_INT13_INFO& left, const DISK_EX_INT13_INFO& right) noexcept {
+    return std::memcmp(&left, &right, sizeof(left)) == 0;
+}
 
 struct Disk {
     std::uint32_t index = 0;
@@ -109,12 +130,16 @@ struct Disk {
 
     std::optional<Image> image;
     CallErrors errors;
+
+    bool operator==(const Disk&) const = default;
 };
 
 struct Extent {
     std::uint32_t disk = 0;
     std::uint64_t offset = 0;  // bytes
     std::uint64_t length = 0;  // bytes
+
+    bool operator==(const Extent&) const = default;
 };
 
 // What the extents control puts into a buffer that holds an extent, but not all.
@@ -124,6 +149,8 @@ enum class ShortExtents { kFirst, kFitting, kNone };
 struct VolumeAlias {
     std::wstring guid;
     bool enumerated = true;
+
+    bool operator==(const VolumeAlias&) const = default;
 };
 
 struct Volume {
@@ -158,17 +185,23 @@ struct Volume {
     std::optional<Partition> partition;        // what the partition controls return
     std::uint32_t open_for_writing_error = 0;  // 0: it can be opened for writing
     CallErrors errors;
+
+    bool operator==(const Volume&) const = default;
 };
 
 struct DosDevice {
     std::wstring name;  // "C:", "PhysicalDrive0"
     std::wstring target;
     CallErrors errors{};
+
+    bool operator==(const DosDevice&) const = default;
 };
 
 struct DirectoryEntry {
     std::wstring name;
     std::wstring type;
+
+    bool operator==(const DirectoryEntry&) const = default;
 };
 
 struct ObjectDirectory {
@@ -176,23 +209,31 @@ struct ObjectDirectory {
     std::optional<std::vector<DirectoryEntry>> entries;  // none: derived from disks, volumes and DOS devices
     CallErrors errors;
     std::uint32_t other_names = 0;  // names of other drivers, added to the derived entries in no order
+
+    bool operator==(const ObjectDirectory&) const = default;
 };
 
 struct RegistryValue {
     std::wstring name;
     std::uint32_t type = REG_SZ;
     Bytes data;
+
+    bool operator==(const RegistryValue&) const = default;
 };
 
 struct RegistryKey {
     std::wstring path;  // below HKEY_LOCAL_MACHINE
     std::vector<RegistryValue> values;
+
+    bool operator==(const RegistryKey&) const = default;
 };
 
 struct Firmware {
     std::uint32_t type = 2;             // 0 unknown, 1 BIOS, 2 UEFI
     std::uint32_t variable_length = 0;  // if not 0, reading a firmware variable succeeds with this length
     std::optional<std::uint32_t> variable_error;  // none: the usual error of this firmware type
+
+    bool operator==(const Firmware&) const = default;
 };
 
 // A Windows machine as seen by a program. Plain data. Defaults are already filled in, so each field holds
@@ -211,6 +252,8 @@ struct Description {
     std::uint32_t enumerator_refusal = 0;  // HRESULT of fetching from a WMI enumerator without security
     bool xml_component = true;             // the XML component is registered
     CallErrors errors;
+
+    bool operator==(const Description&) const = default;
 };
 
 // Thrown for an invalid description. what() is "FILE: PATH: REASON".
@@ -239,5 +282,9 @@ Description LoadDescription(const std::filesystem::path& machine);
 // `directory`. Throws DescriptionError.
 Description ParseDescription(const std::string& json, const std::string& name,
                              const std::filesystem::path& directory = {});
+
+// The JSON text of a description, without what ParseDescription derives by itself. Image paths below
+// `directory` are written relative to it. Throws std::bad_alloc only.
+std::string WriteDescription(const Description& description, const std::filesystem::path& directory = {});
 
 }  // namespace machine

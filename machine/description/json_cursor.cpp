@@ -111,7 +111,7 @@ std::wstring JsonCursor::Text() const {
     if (!is_utf16()) {
         return Widen(Utf8());
     }
-    JsonObject object = Object();
+    const JsonObject object = Object();
     const JsonCursor digits = object.Require("utf16");
     object.RefuseOthers();
     const Bytes bytes = digits.HexBytes();
@@ -221,12 +221,8 @@ JsonObject::JsonObject(const JsonCursor& cursor, const std::string& file) : curs
     }
 }
 
-bool JsonObject::Has(const char* key) {
-    return Find(key).has_value();
-}
-
-std::optional<JsonCursor> JsonObject::Find(const std::string& key) {
-    asked_.insert(key);
+std::optional<JsonCursor> JsonObject::Find(const std::string& key) const {
+    asked_.push_back(key);
     const auto found = cursor_.value().find(key);
     if (found == cursor_.value().end()) {
         return std::nullopt;
@@ -234,7 +230,7 @@ std::optional<JsonCursor> JsonObject::Find(const std::string& key) {
     return JsonCursor(*found, *file_, cursor_.path() + "/" + Escaped(key));
 }
 
-JsonCursor JsonObject::Require(const std::string& key) {
+JsonCursor JsonObject::Require(const std::string& key) const {
     const auto found = Find(key);
     if (!found) {
         Refuse("lacks \"" + key + "\"");
@@ -242,45 +238,38 @@ JsonCursor JsonObject::Require(const std::string& key) {
     return *found;
 }
 
-std::vector<std::pair<std::string, JsonCursor>> JsonObject::Others() {
-    std::vector<std::pair<std::string, JsonCursor>> others;
+std::vector<std::pair<std::string, JsonCursor>> JsonObject::Members() const {
+    std::vector<std::pair<std::string, JsonCursor>> members;
     for (const auto& [key, value] : cursor_.value().items()) {
-        if (!asked_.contains(key)) {
-            others.emplace_back(key, JsonCursor(value, *file_, cursor_.path() + "/" + Escaped(key)));
-        }
+        members.emplace_back(key, JsonCursor(value, *file_, cursor_.path() + "/" + Escaped(key)));
     }
-    return others;
+    return members;
 }
 
 void JsonObject::RefuseOthers() const {
     for (const auto& [key, value] : cursor_.value().items()) {
-        if (!asked_.contains(key)) {
+        if (std::find(asked_.begin(), asked_.end(), key) == asked_.end()) {
             JsonCursor(value, *file_, cursor_.path() + "/" + Escaped(key)).Refuse("is not a known key");
         }
     }
 }
 
-bool JsonObject::Bool(const char* key, bool otherwise) {
+bool JsonObject::Bool(const char* key, bool otherwise) const {
     const auto found = Find(key);
     return found ? found->Bool() : otherwise;
 }
 
-std::uint32_t JsonObject::Number32(const char* key, std::uint32_t otherwise) {
+std::uint32_t JsonObject::Number32(const char* key, std::uint32_t otherwise) const {
     const auto found = Find(key);
     return found ? found->Number32() : otherwise;
 }
 
-std::uint64_t JsonObject::Number(const char* key, std::uint64_t otherwise) {
+std::uint64_t JsonObject::Number(const char* key, std::uint64_t otherwise) const {
     const auto found = Find(key);
     return found ? found->Number() : otherwise;
 }
 
-std::uint64_t JsonObject::ByteCount(const char* key, std::uint64_t otherwise) {
-    const auto found = Find(key);
-    return found ? found->ByteCount() : otherwise;
-}
-
-std::wstring JsonObject::Text(const char* key, const std::wstring& otherwise) {
+std::wstring JsonObject::Text(const char* key, const std::wstring& otherwise) const {
     const auto found = Find(key);
     return found ? found->Text() : otherwise;
 }

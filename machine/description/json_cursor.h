@@ -6,8 +6,8 @@
 
 #include <cstdint>
 #include <optional>
-#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace machine {
@@ -59,7 +59,7 @@ private:
     std::string path_;
 };
 
-// The members of an object. Tracks which keys were requested; RefuseOthers rejects all others.
+// The members of an object. Remembers which keys were asked for; RefuseOthers refuses all others.
 class JsonObject {
 public:
     JsonObject(const JsonCursor& cursor, const std::string& file);
@@ -67,50 +67,24 @@ public:
     const JsonCursor& cursor() const noexcept { return cursor_; }
     [[noreturn]] void Refuse(const std::string& reason) const { cursor_.Refuse(reason); }
 
-    bool Has(const char* key);
-    std::optional<JsonCursor> Find(const std::string& key);
-    JsonCursor Require(const std::string& key);
+    bool Has(const std::string& key) const { return Find(key).has_value(); }
+    std::optional<JsonCursor> Find(const std::string& key) const;
+    JsonCursor Require(const std::string& key) const;
 
-    // All members that were not requested, as pairs of key and value.
-    std::vector<std::pair<std::string, JsonCursor>> Others();
+    // In the order of the keys.
+    std::vector<std::pair<std::string, JsonCursor>> Members() const;
+
     void RefuseOthers() const;
 
-    bool Bool(const char* key, bool otherwise);
-    std::uint32_t Number32(const char* key, std::uint32_t otherwise);
-    std::uint64_t Number(const char* key, std::uint64_t otherwise);
-    std::uint64_t ByteCount(const char* key, std::uint64_t otherwise);
-    std::wstring Text(const char* key, const std::wstring& otherwise);
+    bool Bool(const char* key, bool otherwise) const;
+    std::uint32_t Number32(const char* key, std::uint32_t otherwise) const;
+    std::uint64_t Number(const char* key, std::uint64_t otherwise) const;
+    std::wstring Text(const char* key, const std::wstring& otherwise) const;
 
 private:
     JsonCursor cursor_;
     const std::string* file_;
-    std::set<std::string> asked_;
+    mutable std::vector<std::string> asked_;
 };
-
-// A name that may be used in place of a number.
-struct NamedNumber {
-    const char* name;
-    std::uint32_t number;
-};
-
-// Returns the number for a name in the table, or a plain number. Refuses unknown names.
-template <std::size_t Size>
-std::uint32_t NamedOrNumber(const JsonCursor& cursor, const NamedNumber (&table)[Size]) {
-    if (cursor.is_text()) {
-        const std::string text = cursor.Utf8();
-        std::string known;
-        for (const NamedNumber& named : table) {
-            if (text == named.name) {
-                return named.number;
-            }
-            known += known.empty() ? "" : ", ";
-            known += named.name;
-        }
-        if (text.compare(0, 2, "0x") != 0) {
-            cursor.Refuse("\"" + text + "\" is none of " + known);
-        }
-    }
-    return cursor.Number32();
-}
 
 }  // namespace machine

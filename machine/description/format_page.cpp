@@ -1,0 +1,67 @@
+#include "machine/description/format_page.h"
+
+#include "machine/description/tables.h"
+
+#include <stdexcept>
+
+namespace machine {
+namespace {
+
+template <class Owner>
+std::string Lines(const rows::Table<Owner>& table) {
+    std::string lines = "| key | value | default | meaning |\n|---|---|---|---|\n";
+    for (const rows::Row<Owner>& row : table) {
+        lines += "| `" + row.key + "` | " + row.kind + " | " + row.otherwise + " | " + row.meaning;
+        lines += row.meaning.empty() ? "|\n" : " |\n";
+    }
+    return lines;
+}
+
+std::string LinesOf(const std::string& name) {
+    const struct {
+        const char* name;
+        std::string lines;
+    } tables[] = {
+        {"machine", Lines(rows::MachineTable())},
+        {"disk", Lines(rows::DiskTable())},
+        {"detection", Lines(rows::DetectionTable())},
+        {"geometry", Lines(rows::GeometryTable())},
+        {"super floppy", Lines(rows::SuperFloppyTable())},
+        {"partition", Lines(rows::PartitionTable())},
+        {"mbr partition", Lines(rows::MbrTable())},
+        {"gpt partition", Lines(rows::GptTable())},
+        {"volume", Lines(rows::VolumeTable())},
+        {"directory", Lines(rows::DirectoryTable())},
+        {"firmware", Lines(rows::FirmwareTable())},
+    };
+    for (const auto& table : tables) {
+        if (name == table.name) {
+            return table.lines;
+        }
+    }
+    throw std::invalid_argument("no rows are named \"" + name + "\"");
+}
+
+}  // namespace
+
+std::string WithTables(const std::string& page) {
+    const std::string begin = "<!-- rows: ";
+    const std::string begin_end = " -->\n";
+    const std::string end = "<!-- end -->\n";
+    std::string result;
+    std::size_t position = 0;
+    for (std::size_t at = 0; (at = page.find(begin, position)) != std::string::npos;) {
+        const std::size_t name = at + begin.size();
+        const std::size_t table = page.find(begin_end, name);
+        const std::size_t table_end = page.find(end, name);
+        if (table == std::string::npos || table_end == std::string::npos || table > table_end) {
+            throw std::invalid_argument("a table has no end");
+        }
+        result += page.substr(position, table + begin_end.size() - position);
+        result += LinesOf(page.substr(name, table - name));
+        position = table_end;
+    }
+    return result + page.substr(position);
+}
+
+}  // namespace machine
