@@ -6,6 +6,7 @@
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
 #   make native               orvane for this system, with the commands for documents alone: build/native/bin/orvane
 #   make fuzz                 feeds the reader of documents with altered ones; SECONDS=60
+#   make test-documents       the tests of the report that need a browser; installs it
 #   make expect CASE=NAME     writes the expected files of a described machine, to be read as a difference
 #   make format-page          writes the tables of docs/machine-format.md from the rows that read descriptions
 #   make faults ARGS="..."    fault injection (ARGS=--help lists the options)
@@ -28,7 +29,7 @@ DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/ue
 
 export JOBS
 
-.PHONY: capture dump check test native fuzz expect format-page faults alter bench lint format coverage build setup clean
+.PHONY: capture dump check test test-documents native fuzz expect format-page faults alter bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -51,6 +52,14 @@ test: native
 	@ctest --test-dir build/native-sanitized --output-on-failure -j $(JOBS)
 	@scripts/build $(PRESET)
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+# The packages of npm lie in the build folder; the lock file says which.
+test-documents: native
+	@scripts/setup browser
+	@mkdir -p build/browser
+	@cp tests/browser/package.json tests/browser/package-lock.json build/browser
+	@cd build/browser && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error
+	@NODE_PATH=$(CURDIR)/build/browser/node_modules node --test tests/browser/
 
 native:
 	@scripts/setup native

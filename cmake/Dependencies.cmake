@@ -22,6 +22,7 @@ orvane_headers(orvane_boost boost/shared_ptr.hpp)
 target_compile_definitions(orvane_boost INTERFACE BOOST_LEXICAL_CAST_ASSUME_C_LOCALE)
 orvane_headers(orvane_json nlohmann/json.hpp)
 orvane_headers(orvane_cli11 CLI/CLI.hpp)
+orvane_headers(orvane_mustache kainjow/mustache.hpp)
 
 # GoogleTest is built here, with our compiler and flags.
 if(BUILD_TESTING)

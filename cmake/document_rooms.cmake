@@ -14,6 +14,17 @@ orvane_room(NAME documents_verify DIR documents/verify ROOT . PORTABLE
 orvane_room(NAME documents_show DIR documents/show ROOT . PORTABLE
     USES documents_verify documents_model documents_text
     PACKAGES orvane_json)
+orvane_room(NAME documents_report DIR documents/report ROOT . PORTABLE
+    USES documents_show documents_verify documents_model documents_text
+    PACKAGES orvane_json orvane_mustache)
 orvane_room(NAME documents_commands DIR documents/commands ROOT . PORTABLE
-    USES documents_show documents_verify documents_reader documents_model documents_text
+    USES documents_report documents_show documents_verify documents_reader documents_model documents_text
     PACKAGES orvane_json orvane_cli11)
+
+# The template and the style of the report become texts of its room.
+set(folder "${CMAKE_CURRENT_LIST_DIR}/../documents/report")
+file(READ "${folder}/page.mustache" ORVANE_PAGE_TEMPLATE)
+file(READ "${folder}/page.css" ORVANE_PAGE_STYLE)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${folder}/page.mustache" "${folder}/page.css")
+configure_file("${folder}/page_template.cpp.in" "${PROJECT_BINARY_DIR}/page_template.cpp" @ONLY)
+target_sources(documents_report PRIVATE "${PROJECT_BINARY_DIR}/page_template.cpp")

@@ -39,6 +39,7 @@ struct Command {
 // Each adds its command with its arguments to the program's.
 Command AddShow(CLI::App& program);
 Command AddVerify(CLI::App& program);
+Command AddReport(CLI::App& program);
 
 // Trouble that ends a command. what() is UTF-8.
 class Trouble : public std::runtime_error {

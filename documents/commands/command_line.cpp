@@ -7,7 +7,7 @@
 namespace documents {
 
 CommandLine::CommandLine(CLI::App& program) {
-    for (const auto& add : {AddShow, AddVerify}) {
+    for (const auto& add : {AddShow, AddVerify, AddReport}) {
         commands_.push_back(add(program));
     }
 }

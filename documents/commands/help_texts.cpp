@@ -49,4 +49,22 @@ Examples:
   orvane verify environment.xml
   orvane verify --json --from documents.txt)"};
 
+const HelpText kReportHelp = {
+    R"(Writes a page about the machine of a captured document, to be printed or read in a browser.)",
+    R"(The page has the machine at a glance, a map of each disk with a table of the same, the volumes, the findings of
+orvane verify, and all system facts. With --verdicts it also has what orvane check said of the machine. It is one
+HTML file, without scripts; nothing else has to be beside it. The same document always gives the same page.
+
+A map is to scale, but no part of it is narrower than 3 pixels: a width is the larger of 3 pixels and the share,
+and what small parts gain is taken from the others in proportion.
+
+Exit codes:
+  0  the page was written
+  2  the arguments cannot be used, a file cannot be read, or the page cannot be written
+
+Examples:
+  orvane report environment.xml --output environment.html
+  orvane check --json > check.json
+  orvane report environment.xml --verdicts check.json --output environment.html --force)"};
+
 }  // namespace documents

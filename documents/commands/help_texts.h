@@ -11,5 +11,6 @@ struct HelpText {
 extern const HelpText kProgramHelp;  // of a program with these commands alone
 extern const HelpText kShowHelp;
 extern const HelpText kVerifyHelp;
+extern const HelpText kReportHelp;
 
 }  // namespace documents

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "documents/report/machine_parts.h"
+#include "documents/report/page_data.h"
+#include "documents/report/verdicts.h"
+
+#include <string>
+#include <vector>
+
+namespace documents {
+
+// What the volume is to the machine: "Windows", "starts the machine", "dynamic".
+std::vector<std::string> MarksOf(const Volume& volume);
+
+// "Data, NTFS": the label, unless it is the volume's title, and the file system.
+std::string LabelOf(const Volume& volume);
+
+// The table of the volumes. `verdicts` may be null.
+PageData VolumesOf(const Machine& machine, const MachineParts& parts, const Verdicts* verdicts);
+
+}  // namespace documents
