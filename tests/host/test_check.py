@@ -10,8 +10,12 @@ SYSTEM_VOLUME = "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a03}\\"
 OPTICAL_VOLUME = "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-806e6f6e6963}\\"
 
 
-def verdict(reasons):
-    return {"canBackup": not reasons, "reasons": reasons}
+# The codes of docs/reasons.md.
+NOT_FIXED, NO_SUCH_VOLUME, OTHER = "R001", "R021", "R000"
+
+
+def verdict(reasons, codes=()):
+    return {"canBackup": not reasons, "reasons": reasons, "codes": list(codes)}
 
 
 # A disk without a partition table, names with non-ASCII letters and special characters, a volume on a missing disk.
@@ -33,23 +37,23 @@ ODD_TABLE = """Disks
   Backup  Disk  Size
   yes     0     64.00 GB
   no      2     1024.00 GB
-            Unknown disk partition style 2
+            R016 Unknown disk partition style 2
 
 Volumes
   Backup  Volume                                             Device                   Mounted as
   no      \\\\?\\Volume{00000000-0000-0000-0000-000000000003}\\  \\Device\\CdRom0           C:\\50%d\\, E:\\
-            This not a fixed disk, type is 5
+            R001 This not a fixed disk, type is 5
   yes     \\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\  \\Device\\HarddiskVolume1  C:\\
   no      \\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\  \\Device\\HarddiskVolume2  C:\\\u00dcbung\\
-            Extent is on disk 7 but we don't have such disk.
+            R002 Extent is on disk 7 but we don't have such disk.
 """
 ODD_SELECTION = """
 Selected
   Backup  Volume
   no      \\Device\\CdRom0
-            This not a fixed disk, type is 5
+            R001 This not a fixed disk, type is 5
   no      00000000-0000-0000-0000-000000000002
-            Extent is on disk 7 but we don't have such disk.
+            R002 Extent is on disk 7 but we don't have such disk.
 """
 
 
@@ -66,7 +70,7 @@ class Check(HostTest):
                 expected = (machine / "expected/check.json").read_bytes()
                 self.assertEqual(result.out, expected)
                 report = json.loads(expected)
-                fit = None not in report.values() and all(volume["canBackup"] for volume in report["selected"])
+                fit = None not in (report["disks"], report["volumes"]) and all(volume["canBackup"] for volume in report["selected"])
                 self.assertEqual(result.code, 0 if fit else 1, result.errors)
 
     def test_table_tells_the_same_to_people(self):
@@ -92,10 +96,10 @@ class Check(HostTest):
                                "--volume", "\u4e2d:", "--json")
         self.assertEqual((result.code, result.errors), (1, []))
         self.assertEqual(json.loads(result.out.decode("utf-8"))["selected"], [
-            {"volume": OPTICAL_VOLUME, **verdict(["This not a fixed disk, type is 5"])},
+            {"volume": OPTICAL_VOLUME, **verdict(["This not a fixed disk, type is 5"], [NOT_FIXED])},
             {"volume": SYSTEM_VOLUME, **verdict([])},
-            {"volume": "\u00dc:", **verdict(unknown)},
-            {"volume": "\u4e2d:", **verdict(unspeakable)},
+            {"volume": "\u00dc:", **verdict(unknown, [NO_SUCH_VOLUME])},
+            {"volume": "\u4e2d:", **verdict(unspeakable, [OTHER])},
         ])
 
     def test_machine_without_disks_cannot_be_checked(self):
@@ -110,8 +114,8 @@ class Check(HostTest):
         self.assertEqual(document.errors[:2], errors)
         self.assertEqual(document.errors[-1], "orvane: the check failed")
         self.assertEqual(json.loads(document.out), {
-            "disks": [], "volumes": None,
-            "selected": [{"volume": "X:", "canBackup": None, "reasons": []}]})
+            "schema": 1, "disks": [], "volumes": None,
+            "selected": [{"volume": "X:", "canBackup": None, "reasons": [], "codes": []}]})
 
     def test_verbose_and_log_have_what_the_table_leaves_out(self):
         file = self.folder / "log.txt"

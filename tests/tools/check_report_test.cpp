@@ -86,29 +86,30 @@ TEST(JsonOf, Report_HasEveryMember) {
     CheckReport report = SmallReport();
     report.selected = {{"C:", host::Verdict{true, {}}}, {"X:", host::Verdict{false, {"why"}}}};
     EXPECT_EQ(nlohmann::json::parse(JsonOf(report)), nlohmann::json::parse(R"({
-        "disks": [{"index": 0, "canBackup": true, "reasons": []},
-                  {"index": 10, "canBackup": false, "reasons": ["one", "two"]}],
+        "schema": 1, "disks": [{"index": 0, "canBackup": true, "reasons": [], "codes": []},
+                  {"index": 10, "canBackup": false, "reasons": ["one", "two"], "codes": ["R000", "R000"]}],
         "volumes": [{"id": "\\\\?\\Volume{a}\\", "device": "\\Device\\V1", "mountPoints": ["C:\\", "D:\\Data\\"],
-                     "canBackup": true, "reasons": []},
+                     "canBackup": true, "reasons": [], "codes": []},
                     {"id": "", "device": "\\Device\\V22", "mountPoints": [],
-                     "canBackup": false, "reasons": ["three"]}],
-        "selected": [{"volume": "C:", "canBackup": true, "reasons": []},
-                     {"volume": "X:", "canBackup": false, "reasons": ["why"]}]})"));
+                     "canBackup": false, "reasons": ["three"], "codes": ["R000"]}],
+        "selected": [{"volume": "C:", "canBackup": true, "reasons": [], "codes": []},
+                     {"volume": "X:", "canBackup": false, "reasons": ["why"], "codes": ["R000"]}]})"));
 }
 
 TEST(JsonOf, EmptyMachine_IsEmptyLists) {
     CheckReport report;
     report.disks.emplace();
     report.volumes.emplace();
-    EXPECT_EQ(JsonOf(report), "{\n  \"disks\": [],\n  \"volumes\": [],\n  \"selected\": []\n}\n");
+    EXPECT_EQ(JsonOf(report),
+              "{\n  \"schema\": 1,\n  \"disks\": [],\n  \"volumes\": [],\n  \"selected\": []\n}\n");
 }
 
 TEST(JsonOf, WhatIsUnknown_IsNull) {
     CheckReport report;
     report.selected = {{"C:", {}}};
     EXPECT_EQ(nlohmann::json::parse(JsonOf(report)), nlohmann::json::parse(R"({
-        "disks": null, "volumes": null,
-        "selected": [{"volume": "C:", "canBackup": null, "reasons": []}]})"));
+        "schema": 1, "disks": null, "volumes": null,
+        "selected": [{"volume": "C:", "canBackup": null, "reasons": [], "codes": []}]})"));
 }
 
 TEST(JsonOf, Texts_StayUtf8) {

@@ -1,4 +1,5 @@
 #include "tools/orvane/check_report.h"
+#include "tools/orvane/reason_codes.h"
 
 #include <nlohmann/json.hpp>
 
@@ -11,7 +12,14 @@ using Json = nlohmann::ordered_json;
 // Appends the members of the verdict to those that identify the disk or volume.
 Json WithVerdict(Json object, const Verdict* verdict) {
     object["canBackup"] = verdict == nullptr ? Json(nullptr) : Json(verdict->can_backup);
-    object["reasons"] = verdict == nullptr ? Json::array() : Json(verdict->reasons);
+    object["reasons"] = Json::array();
+    object["codes"] = Json::array();
+    if (verdict != nullptr) {
+        for (const std::string& reason : verdict->reasons) {
+            object["reasons"].push_back(reason);
+            object["codes"].push_back(CodeOf(reason));
+        }
+    }
     return object;
 }
 
@@ -41,6 +49,7 @@ Json ArrayOf(const Verdicts& verdicts) {
 
 std::string JsonOf(const CheckReport& report) {
     const Json object = {
+        {"schema", 1},
         {"disks", report.disks ? ArrayOf(*report.disks) : Json(nullptr)},
         {"volumes", report.volumes ? ArrayOf(*report.volumes) : Json(nullptr)},
         {"selected", ArrayOf(report.selected)},

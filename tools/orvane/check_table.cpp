@@ -1,4 +1,5 @@
 #include "tools/orvane/check_report.h"
+#include "tools/orvane/reason_codes.h"
 
 #include <algorithm>
 #include <utility>
@@ -78,12 +79,18 @@ private:
         return line + '\n';
     }
 
+    static std::string ReasonLine(const std::string& text) {
+        return std::string(kIndent) + std::string(kVerdictHeading.size(), ' ') + std::string(kGap) +
+               std::string(kIndent) + text + '\n';
+    }
+
     static std::string ReasonsOf(const Row& row) {
-        static const std::vector<std::string> kUnjudged = {"could not be judged"};
+        if (row.verdict == nullptr) {
+            return ReasonLine("could not be judged");
+        }
         std::string text;
-        for (const std::string& reason : row.verdict == nullptr ? kUnjudged : row.verdict->reasons) {
-            text += std::string(kIndent) + std::string(kVerdictHeading.size(), ' ') + std::string(kGap) +
-                    std::string(kIndent) + reason + '\n';
+        for (const std::string& reason : row.verdict->reasons) {
+            text += ReasonLine(std::string(CodeOf(reason)) + ' ' + reason);
         }
         return text;
     }

@@ -54,9 +54,12 @@ It checks the system it runs on, or the machine of --machine.)",
     R"(A volume given with --volume is judged as a capture judges it, by the GUID path, the GUID or the device name.
 
 With --json a program reads this object, in UTF-8:
-  {"disks": [{"index": 0, "canBackup": true, "reasons": []}],
-   "volumes": [{"id": GUID-PATH, "device": NAME, "mountPoints": [PATH], "canBackup": false, "reasons": [TEXT]}],
-   "selected": [{"volume": AS-GIVEN, "canBackup": true, "reasons": []}]}
+  {"schema": 1,
+   "disks": [{"index": 0, "canBackup": true, "reasons": [], "codes": []}],
+   "volumes": [{"id": GUID-PATH, "device": NAME, "mountPoints": [PATH], "canBackup": false, "reasons": [TEXT],
+                "codes": ["R001"]}],
+   "selected": [{"volume": AS-GIVEN, "canBackup": true, "reasons": [], "codes": []}]}
+Each code belongs to the reason in the same place; docs/reasons.md lists them.
 A volume without a GUID has the id "". Where the check failed, "disks", "volumes" or a selected volume's
 "canBackup" is null.
 
