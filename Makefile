@@ -5,7 +5,7 @@
 #                             These three describe an example workstation unless ARGS contains --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
 #   make native               orvane for this system, with the commands for documents alone: build/native/bin/orvane
-#   make fuzz                 feeds the reader of documents with altered ones; SECONDS=60
+#   make fuzz                 feeds the reader of documents with altered ones; ARGS=3600 for an hour instead of a minute
 #   make test-documents       the tests of the report that need a browser; installs it
 #   make expect CASE=NAME     writes the expected files of a described machine, to be read as a difference
 #   make format-page          writes the tables of docs/machine-format.md from the rows that read descriptions
@@ -23,7 +23,6 @@ PRESET ?= release
 BUILD := build/$(PRESET)
 JOBS ?= $(shell nproc)
 ARGS ?=
-SECONDS ?= 60
 CASE ?=
 DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/uefi-workstation)
 
@@ -68,7 +67,7 @@ native:
 fuzz:
 	@scripts/setup native fuzz
 	@scripts/build fuzz
-	@scripts/fuzz $(SECONDS)
+	@scripts/fuzz $(ARGS)
 
 # Only by hand: what it writes is what the library makes, right or wrong. In the code page that the tests expect.
 expect:

@@ -1,0 +1,122 @@
+#!/usr/bin/env -S python3 -B
+"""The commands for documents: orvane.exe and the native orvane write the same bytes, and what they show of disks that
+sfdisk made is what sfdisk says of them."""
+
+import json
+import os
+import pathlib
+import subprocess
+import unittest
+
+from host import EXAMPLES, HostTest, run
+
+NATIVE = pathlib.Path(os.environ["ORVANE_NATIVE"])
+IMAGES = pathlib.Path(os.environ["ORVANE_IMAGES"])
+DOCUMENTS = [file.relative_to(EXAMPLES.parent.parent) for file in sorted(EXAMPLES.glob("*/expected/format?.xml"))]
+EXTENDED_TYPES = {"5", "f", "85"}
+
+
+def run_native(*arguments):
+    process = subprocess.run([NATIVE, *map(str, arguments)], capture_output=True, check=False, stdin=subprocess.DEVNULL)
+    return process.returncode, process.stdout, process.stderr.decode("utf-8").splitlines()
+
+
+class BothBuilds(HostTest):
+    def assert_same(self, *arguments):
+        windows = run(*arguments)
+        # Wine has lines of its own when it begins.
+        errors = [line for line in windows.errors if line.startswith("orvane: ")]
+        self.assertEqual((windows.code, windows.out, errors), run_native(*arguments))
+
+    def test_documents_of_all_cases(self):
+        self.assertGreater(len(DOCUMENTS), 10)
+        self.assert_same("show", *DOCUMENTS)
+        self.assert_same("show", "--bytes", *DOCUMENTS)
+        self.assert_same("show", "--json", *DOCUMENTS)
+        self.assert_same("show", "--json", "--lines", *DOCUMENTS)
+        self.assert_same("verify", *DOCUMENTS)
+        self.assert_same("verify", "--json", *DOCUMENTS)
+
+    def test_documents_that_are_damaged_or_written_otherwise(self):
+        text = (EXAMPLES / "bios-laptop/expected/format2.xml").read_text(encoding="utf-8")
+        label = "<Label>Documents<"
+        changed = {
+            "cut.xml": text[:7000].encode(),
+            "letters.xml": text.replace(label, "<Label>  \u00dc\u4e2d\U0001F4BE &lt;\u202e&#x9b; <").encode(),
+            "blank.xml": text.replace(label, "<Label>   <").encode(),
+            "lines.xml": text.replace("\n", "\r\n").replace(label, "<Label>a\r\nb&#13;<").encode(),
+            "utf16.xml": text.replace(label, "<Label>\u00dc\u4e2d\U0001F4BE<").encode("utf-16"),
+            "declared.xml": b'<?xml version="1.0" encoding="windows-1252"?>\r\n' +
+                            text.replace(label, "<Label>\u00dc\u20ac<").encode("cp1252"),
+            "long.xml": text.replace(label, "<Label>" + "x&amp;" * 40000 + "<").encode(),
+            "bad-number.xml": text.replace("<size_idx>1<", "<size_idx>x<").encode(),
+            "no-utf8.xml": text.replace(label, "<Label>\u00dc<").encode("cp1252"),
+            "comment.xml": text.replace("<x0>", "<!-- \u00fc --><x0>").encode(),
+            "wrong-count.xml": text.replace("<TotalVolumes>4<", "<TotalVolumes>3<").encode(),
+        }
+        for name, data in changed.items():
+            (self.folder / name).write_bytes(data)
+        names = [self.folder / name for name in changed]
+        for command in (["show"], ["show", "--json"], ["verify"]):
+            self.assert_same(*command, *names)
+        self.assert_same("show", "--code-page", "437", self.folder / "no-utf8.xml")
+
+    def test_bad_arguments(self):
+        for arguments in (["show"], ["show", "--lines", "x"], ["verify", "no-such-file"], ["show", "--code-page", "7", "x"],
+                          ["show", "--from", "no-such-list"]):
+            windows = run(*arguments)
+            code, out, errors = run_native(*arguments)
+            self.assertEqual((windows.code, windows.out), (code, out))
+            self.assertEqual(code, 2)
+            self.assertEqual(windows.errors[-len(errors):], errors)
+
+
+class DisksOfSfdisk(HostTest):
+    def shown(self, image):
+        """The second disk of a machine, which has the image; its first partition has a volume."""
+        machine = {
+            "disks": [{"index": 0, "size": "64 GiB", "style": "mbr", "signature": 1,
+                       "partitions": [{"offset": "1 MiB", "size": "60 GiB", "type": "ntfs", "active": True}]},
+                      {"index": 1, "image": os.path.relpath(image, self.folder)}],
+            "volumes": [{"partition": {"disk": 0, "number": 1}, "mountPoints": ["C:\\"]},
+                        {"partition": {"disk": 1, "number": 1}, "mountPoints": ["D:\\"]}],
+        }
+        description = self.folder / "machine.json"
+        description.write_text(json.dumps(machine), encoding="utf-8")
+        document = self.folder / "document.xml"
+        self.assert_done(run("capture", "--machine", description, "--output", document))
+        code, out, errors = run_native("show", "--json", document)
+        self.assertEqual((code, errors), (0, []))
+        return json.loads(out)["documents"][0]["disks"][1]
+
+    def test_show_says_what_sfdisk_says(self):
+        images = [image for image in sorted(IMAGES.glob("*.img")) if image.with_suffix(".json").exists()]
+        compared = 0
+        for image in images:
+            table = json.loads(image.with_suffix(".json").read_text())["partitiontable"]
+            if not table.get("partitions"):
+                continue
+            with self.subTest(image=image.name):
+                disk = self.shown(image)
+                sector = table.get("sectorsize", 512)
+                gpt = table["label"] == "gpt"
+                self.assertEqual(disk["style"], "GPT" if gpt else "MBR")
+                if gpt:
+                    self.assertEqual(disk["id"], "{" + table["id"].upper() + "}")
+                else:
+                    self.assertEqual(disk["signature"], int(table["id"], 16))
+                expected = sorted(
+                    (row["start"] * sector, row["size"] * sector,
+                     ("{" + row["type"].upper() + "}", "{" + row["uuid"].upper() + "}") if gpt else
+                     (int(row["type"], 16), row.get("bootable", False)))
+                    for row in table["partitions"] if gpt or row["type"] not in EXTENDED_TYPES)
+                actual = sorted((row["start"], row["size"],
+                                 (row["typeGuid"], row["id"]) if gpt else (row["type"], row["active"]))
+                                for row in disk["partitions"])
+                self.assertEqual(actual, expected)
+                compared += 1
+        self.assertGreater(compared, 2)
+
+
+if __name__ == "__main__":
+    unittest.main()
