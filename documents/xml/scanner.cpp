@@ -160,7 +160,7 @@ private:
         at_ += 4;
         SkipTo("--", "the comment has no end");
         if (!At(">")) {
-            Refuse("two hyphens inside of a comment");
+            RefuseAt(at_ - 2, "two hyphens inside of a comment");
         }
         ++at_;
     }

@@ -48,7 +48,7 @@ TEST(RequireWellFormed, WhatNoDocumentHas_IsRefusedWithItsPlace) {
         {"<a>x<b/></a>", "line 1, column 5: text between elements"},
         {"<a><b/>x</a>", "line 1, column 8: text between elements"},
         {"<a><!-- x</a>", "line 1, column 8: the comment has no end"},
-        {"<a><b/><!-- x -- y --></a>", "line 1, column 16: two hyphens inside of a comment"},
+        {"<a><b/><!-- x -- y --></a>", "line 1, column 15: two hyphens inside of a comment"},
         {"<a><b>1<!-- x --></b></a>", "line 1, column 18: a comment inside of a value"},
         {"<a/><?xml version='1.0'?>", "line 1, column 5: an XML declaration that is not at the beginning"},
         {"<?xml version='1.0'", "line 1, column 1: the XML declaration has no end"},
