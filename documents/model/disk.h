@@ -16,7 +16,9 @@ struct Range {
     bool operator==(const Range&) const = default;
 };
 
-enum class Style { kMbr, kGpt, kRaw };  // kRaw: no partition table, or none that Windows knows
+// kRaw: no partition table, or none that the library knows (an MBR disk with the signature 0 too). Such a
+// disk has neither partitions nor gaps here.
+enum class Style { kMbr, kGpt, kRaw };
 
 enum class PartitionKind { kPrimary, kLogical };  // kLogical: in an extended partition
 

@@ -117,7 +117,7 @@ void FlatLayout::TakeDisk(Row& row) {
     }
     if (!disk.size) {
         disk.style.reset();
-    } else {
+    } else if (disk.style != Style::kRaw) {
         disk.gaps = FreeOf(std::move(rows.gaps), rows.partitions);
         disk.dynamic = std::any_of(rows.partitions.begin(), rows.partitions.end(), IsDynamicType);
         disk.partitions = std::move(rows.partitions);

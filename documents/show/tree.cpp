@@ -66,7 +66,7 @@ private:
     }
 
     void AddDisk(const Disk& disk) {
-        constexpr std::array<const char*, 3> kStyles = {"MBR", "GPT", "no partition table"};
+        constexpr std::array<const char*, 3> kStyles = {"MBR", "GPT", "no known partition table"};
         StyledLine line;
         line.AddItem("Disk " + std::to_string(disk.number), Colour::kBold);
         line.AddItem(disk.size ? Size(*disk.size) : "could not be read");
@@ -88,7 +88,7 @@ private:
             line.AddItem("signature " + SignatureText(*disk.signature), Colour::kDim);
         }
         Put(line);
-        AddItems(ItemsOf(disk), !disk.partitions && disk.size);
+        AddItems(ItemsOf(disk), !disk.partitions && disk.size && disk.style != Style::kRaw);
     }
 
     std::vector<Item> ItemsOf(const Disk& disk) const {

@@ -13,7 +13,7 @@ public:
     // An element that has child elements begins and ends.
     virtual void Open(std::string_view name) = 0;
     virtual void Close() = 0;
-    // An element without child elements, with its text (white space included).
+    // An element without child elements, with its text (white space included; every line end is a line feed).
     virtual void Value(std::string_view name, std::string_view text) = 0;
 };
 

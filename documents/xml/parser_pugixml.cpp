@@ -7,15 +7,28 @@
 
 #include <pugixml.hpp>
 
+#include <algorithm>
+
 namespace documents {
 
 namespace {
+
+// Only a reference, "&#13;", gives a carriage return. The SAX reader of the system makes it a line feed.
+void PassValue(std::string_view name, std::string_view text, XmlEvents& events) {
+    if (text.find('\r') == std::string_view::npos) {
+        events.Value(name, text);
+        return;
+    }
+    std::string changed(text);
+    std::replace(changed.begin(), changed.end(), '\r', '\n');
+    events.Value(name, changed);
+}
 
 // The scanner limits the depth.
 void Walk(const pugi::xml_node& element, XmlEvents& events) {
     const pugi::xml_node child = element.first_child();
     if (!child) {
-        events.Value(element.name(), element.value());
+        PassValue(element.name(), element.value(), events);
         return;
     }
     events.Open(element.name());

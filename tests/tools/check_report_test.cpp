@@ -25,14 +25,14 @@ TEST(TableOf, Report_IsAlignedWithReasonsBeneath) {
   Backup  Disk  Size
   yes     0     476.94 GB
   no      10
-            one
-            two
+            R000 one
+            R000 two
 
 Volumes
   Backup  Volume          Device       Mounted as
   yes     \\?\Volume{a}\  \Device\V1   C:\, D:\Data\
   no                      \Device\V22
-            three
+            R000 three
 )");
 }
 
@@ -46,7 +46,7 @@ TEST(TableOf, Selection_HasASectionOfItsOwn) {
                                                           "  Backup  Volume\n"
                                                           "  yes     C:\n"
                                                           "  no      X:\n"
-                                                          "            why\n"
+                                                          "            R000 why\n"
                                                           "  ?       Y:\n"
                                                           "            could not be judged\n"));
 }
