@@ -7,6 +7,7 @@
 #   make native               orvane for this system, with the commands for documents alone: build/native/bin/orvane
 #   make fuzz                 feeds the reader of documents with altered ones; ARGS=3600 for an hour instead of a minute
 #   make test-documents       the tests of the report that need a browser; installs it
+#   make loop ARGS="..."      random disks: captured, planned, made again, captured again (ARGS=--help lists the options)
 #   make expect CASE=NAME     writes the expected files of a described machine, to be read as a difference
 #   make format-page          writes the tables of docs/machine-format.md from the rows that read descriptions
 #   make faults ARGS="..."    fault injection (ARGS=--help lists the options)
@@ -28,7 +29,7 @@ DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/ue
 
 export JOBS
 
-.PHONY: capture dump check test test-documents native fuzz expect format-page faults alter bench lint format coverage build setup clean
+.PHONY: capture dump check test test-documents native fuzz loop expect format-page faults alter bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -68,6 +69,12 @@ fuzz:
 	@scripts/setup native fuzz
 	@scripts/build fuzz
 	@scripts/fuzz $(ARGS)
+
+loop: native
+	@scripts/setup build test
+	@scripts/build $(PRESET) --target Orvane capture_machines write_tables
+	@ORVANE_CAPTURES=$(BUILD)/bin/capture_machines.exe ORVANE_WRITES=$(BUILD)/bin/write_tables.exe \
+		ORVANE_RUN=scripts/wine-run ORVANE_NATIVE=build/native/bin/orvane tests/documents/loop/run-loop $(ARGS)
 
 # Only by hand: what it writes is what the library makes, right or wrong. In the code page that the tests expect.
 expect:

@@ -40,6 +40,7 @@ struct Command {
 Command AddShow(CLI::App& program);
 Command AddVerify(CLI::App& program);
 Command AddReport(CLI::App& program);
+Command AddPlan(CLI::App& program);
 
 // Trouble that ends a command. what() is UTF-8.
 class Trouble : public std::runtime_error {

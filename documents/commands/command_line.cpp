@@ -7,7 +7,7 @@
 namespace documents {
 
 CommandLine::CommandLine(CLI::App& program) {
-    for (const auto& add : {AddShow, AddVerify, AddReport}) {
+    for (const auto& add : {AddShow, AddVerify, AddReport, AddPlan}) {
         commands_.push_back(add(program));
     }
 }

@@ -67,4 +67,22 @@ Examples:
   orvane check --json > check.json
   orvane report environment.xml --verdicts check.json --output environment.html --force)"};
 
+const HelpText kPlanHelp = {
+    R"(Plans how the disks of a captured document are made again: a script for sfdisk for each disk, and plan.md.)",
+    R"(plan.md tells for people what goes where, what the document does not say and was assumed, and what cannot be made
+again, with the codes of docs/reasons.md. Nothing is written to a disk, and no script runs by itself.
+
+A target is looked at and never written. It is refused if it is too small, has other sectors than the disk, is the
+target of two disks, or is not blank: its first and its last MiB must be zero. On Windows it must be an image.
+
+Exit codes:
+  0  the plan was made
+  1  a target was refused, and nothing was written; or the plan was made, but a disk or a volume cannot be made again
+  2  the arguments cannot be used, the document or a target cannot be read, or the output cannot be written
+
+Examples:
+  orvane plan environment.xml --output plan
+  orvane plan environment.xml --output plan --disk 0 --target 0=/dev/sdb
+  orvane plan environment.xml --output plan --target-size "0=500 GB" --sector-size 0=512)"};
+
 }  // namespace documents

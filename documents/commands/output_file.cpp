@@ -32,11 +32,19 @@ private:
 
 }  // namespace
 
+void RequireFree(const std::string& file) {
+    const std::filesystem::path path(std::u8string(file.begin(), file.end()));
+    std::error_code error;
+    if (std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
+        throw Trouble(file + ": the file exists; --force replaces it");
+    }
+}
+
 void WriteWholeFile(const std::string& file, const std::string& bytes, bool force) {
     const std::filesystem::path path(std::u8string(file.begin(), file.end()));
     std::error_code error;
-    if (!force && std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
-        throw Trouble(file + ": the file exists; --force replaces it");
+    if (!force) {
+        RequireFree(file);
     }
     std::filesystem::path beside = path;
     beside += "." + std::to_string(std::random_device()()) + ".part";

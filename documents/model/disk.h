@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -69,8 +70,10 @@ struct Disk {
     std::optional<std::vector<Partition>> partitions;
     // By offset. None: the format does not say them (format 3), or no table.
     std::optional<std::vector<Gap>> gaps;
-    // The extended partition, if the document says its place (format 3).
+    // The extended partition: formats 1 and 2 say its place by the rows in it.
     std::optional<Range> extended;
+    // With an extended partition: the number of primary ones in the slots before its own.
+    std::size_t primaries_before_extended = 0;
 };
 
 }  // namespace documents

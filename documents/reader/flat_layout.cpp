@@ -46,12 +46,27 @@ void FlatLayout::TakeRow(Row& row) {
     if (kind == "Primary") {
         TakePartition(row, place, PartitionKind::kPrimary);
     } else if (kind == "Logical") {
+        TakeRowInExtended(place);
         TakePartition(row, place, PartitionKind::kLogical);
     } else if (kind == "Unallocated" || kind == "Free space") {
+        if (kind == "Free space") {
+            TakeRowInExtended(place);
+        }
         rows_.gaps.push_back({place, kind == "Free space"});
         row.ReadTheRest();
     } else {
         row.Refuse("parttype", "\"" + std::string(kind) + "\" is no kind of row");
+    }
+}
+
+// The rows in an extended partition stand at its slot. The first is the free space that it begins with; the
+// last one ends where it ends.
+void FlatLayout::TakeRowInExtended(const Range& place) {
+    if (!rows_.extended) {
+        rows_.extended = place;
+        rows_.primaries_before_extended = rows_.partitions.size();
+    } else if (EndOf(place) > rows_.extended->start) {
+        rows_.extended->length = EndOf(place) - rows_.extended->start;
     }
 }
 
@@ -121,6 +136,8 @@ void FlatLayout::TakeDisk(Row& row) {
         disk.gaps = FreeOf(std::move(rows.gaps), rows.partitions);
         disk.dynamic = std::any_of(rows.partitions.begin(), rows.partitions.end(), IsDynamicType);
         disk.partitions = std::move(rows.partitions);
+        disk.extended = rows.extended;
+        disk.primaries_before_extended = rows.primaries_before_extended;
     }
     machine_.disks.push_back(std::move(disk));
 }

@@ -16,10 +16,13 @@ private:
     struct Rows {
         std::vector<Partition> partitions;
         std::vector<Gap> gaps;
+        std::optional<Range> extended;
+        std::size_t primaries_before_extended = 0;
     };
 
     void TakeRow(Row& row);
     void TakePartition(Row& row, const Range& place, PartitionKind kind);
+    void TakeRowInExtended(const Range& place);
     void TakeDisk(Row& row);
     void TakeDiskDrives(Row& row);
     void TakeExtent(Row& row);

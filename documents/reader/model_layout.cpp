@@ -133,6 +133,7 @@ void ModelLayout::TakePartition(Row& row) {
     if (number == 0) {
         if (IsExtendedType(type) && entry < kPrimarySlots) {
             extended_ = place;
+            primaries_before_extended_ = partitions_.size();
         }
         return;
     }
@@ -174,6 +175,7 @@ void ModelLayout::TakeReadableDisk(Row& row, Disk& disk) {
         row.Text("PartitionStyle");  // the number of what was a word above
         disk.partitions = std::exchange(partitions_, {});
         disk.extended = std::exchange(extended_, {});
+        disk.primaries_before_extended = std::exchange(primaries_before_extended_, 0);
     }
 }
 
