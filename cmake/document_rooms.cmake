@@ -17,8 +17,12 @@ orvane_room(NAME documents_show DIR documents/show ROOT . PORTABLE
 orvane_room(NAME documents_report DIR documents/report ROOT . PORTABLE
     USES documents_show documents_verify documents_model documents_text
     PACKAGES orvane_json orvane_mustache)
+orvane_room(NAME documents_diff DIR documents/diff ROOT . PORTABLE
+    USES documents_show documents_model
+    PACKAGES orvane_json)
 orvane_room(NAME documents_commands DIR documents/commands ROOT . PORTABLE
-    USES documents_report documents_show documents_verify documents_reader documents_model documents_text
+    USES documents_diff documents_report documents_show documents_verify documents_reader documents_model
+         documents_text
     PACKAGES orvane_json orvane_cli11)
 
 # The template and the style of the report become texts of its room.

@@ -12,5 +12,6 @@ extern const HelpText kProgramHelp;  // of a program with these commands alone
 extern const HelpText kShowHelp;
 extern const HelpText kVerifyHelp;
 extern const HelpText kReportHelp;
+extern const HelpText kDiffHelp;
 
 }  // namespace documents
