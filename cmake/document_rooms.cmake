@@ -19,8 +19,12 @@ orvane_room(NAME documents_report DIR documents/report ROOT . PORTABLE
     PACKAGES orvane_json orvane_mustache)
 orvane_room(NAME documents_plan DIR documents/plan ROOT . PORTABLE
     USES documents_show documents_verify documents_model documents_text)
+orvane_room(NAME documents_diff DIR documents/diff ROOT . PORTABLE
+    USES documents_show documents_model
+    PACKAGES orvane_json)
 orvane_room(NAME documents_commands DIR documents/commands ROOT . PORTABLE
-    USES documents_plan documents_report documents_show documents_verify documents_reader documents_model documents_text
+    USES documents_plan documents_diff documents_report documents_show documents_verify documents_reader
+         documents_model documents_text
     PACKAGES orvane_json orvane_cli11)
 
 # The template and the style of the report become texts of its room.

@@ -6,10 +6,11 @@
 
 namespace documents {
 
-CommandLine::CommandLine(CLI::App& program) {
+CommandLine::CommandLine(CLI::App& program, const AddCapture& capture) {
     for (const auto& add : {AddShow, AddVerify, AddReport, AddPlan}) {
         commands_.push_back(add(program));
     }
+    commands_.push_back(AddDiff(program, capture));
 }
 
 const Command* CommandLine::Given() const {

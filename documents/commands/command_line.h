@@ -1,15 +1,17 @@
 #pragma once
 
 #include "documents/commands/command.h"
+#include "documents/commands/diff_command.h"
 
 #include <vector>
 
 namespace documents {
 
-// The commands for documents of a program. Refers to the program's parser, which must outlive it.
+// The commands for documents of a program. Refers to the program's parser, which must outlive it. `capture`
+// is that of AddDiff.
 class CommandLine {
 public:
-    explicit CommandLine(CLI::App& program);
+    explicit CommandLine(CLI::App& program, const AddCapture& capture = {});
 
     // After the parsing: the command that was given; none if it is none of these.
     const Command* Given() const;

@@ -7,7 +7,7 @@ const HelpText kProgramHelp = {
 )",
     R"(Exit codes:
   0  done
-  1  the answer is no: a document has errors
+  1  the answer is no: a document has errors, documents differ
   2  the arguments cannot be used, a document cannot be read, or the output cannot be written
 
 orvane COMMAND --help lists the arguments of a command.)"};
@@ -84,5 +84,24 @@ Examples:
   orvane plan environment.xml --output plan
   orvane plan environment.xml --output plan --disk 0 --target 0=/dev/sdb
   orvane plan environment.xml --output plan --target-size "0=500 GB" --sector-size 0=512)"};
+
+const HelpText kDiffHelp = {
+    R"(Says what changed on a machine between two captured documents, OLD and NEW, which may have different formats.)",
+    R"(DOC stands for OLD and NEW, in this order. Disks, partitions and volumes are recognised by their identifiers,
+not by their numbers; where they have none, by a guess, which is marked as such. docs/diff.md explains what is
+compared and what the kinds of changes mean.
+
+With --json a program reads one object; docs/schema/diff.schema.json describes it.
+
+Exit codes:
+  0  nothing changed
+  1  something changed
+  2  the arguments cannot be used, a document cannot be read or captured, or the output cannot be written
+
+Examples:
+  orvane diff monday.xml friday.xml
+  orvane diff --json --all monday.xml friday.xml
+  orvane diff --live monday.xml          (on Windows)
+  orvane diff monday.xml - < friday.xml)"};
 
 }  // namespace documents

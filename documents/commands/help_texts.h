@@ -13,5 +13,6 @@ extern const HelpText kShowHelp;
 extern const HelpText kVerifyHelp;
 extern const HelpText kReportHelp;
 extern const HelpText kPlanHelp;
+extern const HelpText kDiffHelp;
 
 }  // namespace documents

@@ -44,7 +44,7 @@ std::wstring MultiStringOf(const std::vector<std::wstring>& volumes) {
     return list + L'\0';
 }
 
-int Capture(const CaptureOptions& options, std::ostream& out, std::ostream& errors) {
+std::optional<std::string> CaptureDocument(const CaptureOptions& options, std::ostream& errors) {
     const LibrarySession session(options.machine);
     const OrvaneLibrary& library = session.library();
     // FetchDocument captures more than once, and each call logs the same errors.
@@ -59,15 +59,22 @@ int Capture(const CaptureOptions& options, std::ostream& out, std::ostream& erro
     }
     const std::optional<std::string> document = FetchDocument(library.CaptureSystemRestorePointInfo);
     log.RequireWritten();
-    if (!document) {
+    if (!document || options.raw) {
+        return document;
+    }
+    return Readable(*document);
+}
+
+int Capture(const CaptureOptions& options, std::ostream& out, std::ostream& errors) {
+    const std::optional<std::string> text = CaptureDocument(options, errors);
+    if (!text) {
         errors << "orvane: the capture failed\n";
         return kExitFailed;
     }
-    const std::string text = options.raw ? *document : Readable(*document);
     if (options.output) {
-        DeliverToFile(*options.output, text, "the document");
+        DeliverToFile(*options.output, *text, "the document");
     } else {
-        DeliverToStream(out, text, "the document");
+        DeliverToStream(out, *text, "the document");
     }
     return kExitDone;
 }

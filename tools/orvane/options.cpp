@@ -2,12 +2,14 @@
 
 #include "documents/commands/command_line.h"
 #include "machine/description/text.h"
+#include "tools/orvane/capture_command.h"
 #include "tools/orvane/help_texts.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <sstream>
 
 namespace host {
@@ -123,6 +125,21 @@ void TakeMachineTexts(MachineOptions& options, const Texts& texts) {
     options.log = PathOf(texts.log);
 }
 
+// The capture of `diff --live`, in the format of the document that it is compared with.
+documents::CaptureNow AddLiveCapture(CLI::App& diff, CLI::Option& live) {
+    const auto options = std::make_shared<CaptureOptions>();
+    const auto texts = std::make_shared<Texts>();
+    AddMachineOptions(diff, *options, *texts);
+    for (const char* const name : {"--machine", "--log", "--verbose"}) {
+        diff.get_option(name)->needs(&live);
+    }
+    return [options, texts](documents::Format format, const documents::Terminal& terminal) {
+        TakeMachineTexts(*options, *texts);
+        options->format = static_cast<std::uint32_t>(format);
+        return CaptureDocument(*options, terminal.errors);
+    };
+}
+
 Message Explain(const CLI::App& app, const CLI::ParseError& error) {
     std::ostringstream out;
     std::ostringstream problem;
@@ -148,7 +165,7 @@ Command ParseArguments(const std::vector<std::wstring>& arguments) {
     AddCheck(app, check, texts);
     AddRecord(app, record, texts);
     AddAnswer(app, texts);
-    const documents::CommandLine document_commands(app);
+    const documents::CommandLine document_commands(app, AddLiveCapture);
     app.add_subcommand("version", "Shows the versions of the library and of its interface");
 
     // The parser expects the arguments in reverse order.
