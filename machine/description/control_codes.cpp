@@ -89,14 +89,14 @@ bool IsControlKind(const std::string& kind) {
            (kind.size() == 10 && kind.compare(0, 2, "0x") == 0);
 }
 
-CallFamily FamilyOf(const std::string& name) {
-    if (name.find("::") != std::string::npos) {
+}  // namespace
+
+CallFamily FamilyOf(std::string_view name) {
+    if (name.find("::") != std::string_view::npos) {
         return CallFamily::kCom;
     }
     return name.compare(0, 2, "Zw") == 0 ? CallFamily::kNative : CallFamily::kWin32;
 }
-
-}  // namespace
 
 std::uint32_t FaultCodes::For(CallFamily family) const noexcept {
     switch (family) {
@@ -119,10 +119,6 @@ std::string ControlName(DWORD code) {
     std::array<char, 12> text{};
     std::snprintf(text.data(), text.size(), "0x%08lX", code);
     return text.data();
-}
-
-std::string ControlCallName(DWORD code) {
-    return std::string(kControl) + ":" + ControlName(code);
 }
 
 std::vector<std::string> BlockingCalls(CallScope scope) {

@@ -4,12 +4,16 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace machine {
 
 // The kind of error code that a call returns.
 enum class CallFamily { kWin32, kNative, kCom };
+
+// The family of a call with this name.
+CallFamily FamilyOf(std::string_view name);
 
 // The error codes of failing calls, by call family.
 struct FaultCodes {
@@ -22,9 +26,6 @@ struct FaultCodes {
 
 // The name of a control code ("IOCTL_DISK_GET_LENGTH_INFO"); hexadecimal for an unknown code.
 std::string ControlName(DWORD code);
-
-// The name used in the call log and for described errors: "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO".
-std::string ControlCallName(DWORD code);
 
 // The kinds of objects that can have described errors.
 enum class CallScope : unsigned {

@@ -20,11 +20,9 @@ Answer DriveGeometryEx(Disk& disk, const ControlRequest& request) {
     if (request.output_size < offsetof(DISK_GEOMETRY_EX, Data)) {
         return Answer::Failure(ERROR_INSUFFICIENT_BUFFER);
     }
-    Answer answer;
-    answer.bytes = DriveGeometryExBytes(disk);
-    answer.bytes.resize(std::min(answer.bytes.size(), request.output_size));
-    answer.returned = answer.bytes.size();
-    return answer;
+    Bytes bytes = DriveGeometryExBytes(disk);
+    bytes.resize(std::min(bytes.size(), request.output_size));
+    return Answer::Success(std::move(bytes));
 }
 
 Answer DriveLayout(Disk& disk, const ControlRequest& request) {
@@ -95,20 +93,17 @@ const DiskControlRow kDiskControls[] = {
 Answer ExtentList(const std::vector<Extent>& extents, std::size_t given) {
     VOLUME_DISK_EXTENTS header{};
     header.NumberOfDiskExtents = static_cast<DWORD>(extents.size());
-    Answer answer;
-    answer.bytes = BytesOf(header);
-    answer.bytes.resize(offsetof(VOLUME_DISK_EXTENTS, Extents));
+    Bytes list = BytesOf(header);
+    list.resize(offsetof(VOLUME_DISK_EXTENTS, Extents));
     for (std::size_t i = 0; i < given; ++i) {
-        const Extent& described = extents[i];
         DISK_EXTENT extent{};
-        extent.DiskNumber = described.disk;
-        extent.StartingOffset.QuadPart = static_cast<LONGLONG>(described.offset);
-        extent.ExtentLength.QuadPart = static_cast<LONGLONG>(described.length);
+        extent.DiskNumber = extents[i].disk;
+        extent.StartingOffset.QuadPart = static_cast<LONGLONG>(extents[i].offset);
+        extent.ExtentLength.QuadPart = static_cast<LONGLONG>(extents[i].length);
         const Bytes bytes = BytesOf(extent);
-        answer.bytes.insert(answer.bytes.end(), bytes.begin(), bytes.end());
+        list.insert(list.end(), bytes.begin(), bytes.end());
     }
-    answer.returned = answer.bytes.size();
-    return answer;
+    return Answer::Success(std::move(list));
 }
 
 Answer DiskExtents(const Volume& volume, const ControlRequest& request) {
@@ -157,13 +152,8 @@ Answer PassToDisk(Simulation& simulation, const Volume& volume, const ControlReq
 }  // namespace
 
 Answer BytesOrTooSmall(Bytes bytes, const ControlRequest& request) {
-    if (request.output_size < bytes.size()) {
-        return Answer::Failure(ERROR_INSUFFICIENT_BUFFER);
-    }
-    Answer answer;
-    answer.returned = bytes.size();
-    answer.bytes = std::move(bytes);
-    return answer;
+    return request.output_size < bytes.size() ? Answer::Failure(ERROR_INSUFFICIENT_BUFFER)
+                                              : Answer::Success(std::move(bytes));
 }
 
 Answer AnswerDiskControl(Disk& disk, const ControlRequest& request) {

@@ -13,6 +13,19 @@ Answer Answer::Failure(std::uint32_t code) {
     return answer;
 }
 
+Answer Answer::Success(std::uint64_t value) {
+    Answer answer;
+    answer.value = value;
+    return answer;
+}
+
+Answer Answer::Success(Bytes bytes) {
+    Answer answer;
+    answer.returned = bytes.size();
+    answer.bytes = std::move(bytes);
+    return answer;
+}
+
 void FaultPlan::Add(FaultRule rule) {
     rules_.push_back({std::move(rule), 0});
 }

@@ -25,6 +25,8 @@ struct Answer {
     tagVARIANT* variant = nullptr;  // value of a WMI property; null if reading it failed
 
     static Answer Failure(std::uint32_t code);
+    static Answer Success(std::uint64_t value);
+    static Answer Success(Bytes bytes);  // with their number as the length reported
 };
 
 struct FaultRule {

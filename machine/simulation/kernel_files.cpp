@@ -47,9 +47,7 @@ Answer Opened(Simulation& simulation, const std::wstring& path, const NameIndex:
     if (writing_error != 0 && (object.access & FILE_WRITE_ACCESS) != 0) {
         return Answer::Failure(writing_error);
     }
-    Answer answer;
-    answer.value = reinterpret_cast<std::uintptr_t>(simulation.handles().Open(std::move(object)));
-    return answer;
+    return simulation.Open(std::move(object));
 }
 
 bool IsFile(const OpenObject* object) {
@@ -69,8 +67,12 @@ const CallErrors* ErrorsOfFile(Simulation& simulation, const OpenObject* object)
     return volume == nullptr ? nullptr : &volume->errors;
 }
 
-std::wstring NameOf(const OpenObject* object) {
-    return object == nullptr ? std::wstring() : object->name;
+// Performs a call on an open file. `body` is not run for other handles.
+template <class Body>
+Answer PerformOnFile(CallFrame& frame, OpenObject* object, const Body& body) {
+    return frame.Perform(object == nullptr ? std::wstring() : object->name,
+                         ErrorsOfFile(frame.simulation(), object),
+                         [&] { return IsFile(object) ? body() : Answer::Failure(ERROR_INVALID_HANDLE); });
 }
 
 Answer Written(Simulation& simulation, OpenObject& object, const void* data, DWORD size,
@@ -100,145 +102,105 @@ Answer Written(Simulation& simulation, OpenObject& object, const void* data, DWO
 
 HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                           DWORD disposition, DWORD flags, HANDLE model) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::CreateFileW(path, access, share, security, disposition, flags, model);
-    }
-    return Guarded(INVALID_HANDLE_VALUE, [&] {
-        const std::wstring name = TextOrEmpty(path);
-        const NameIndex::Target target =
-            name.empty() ? NameIndex::Target{} : simulation->names().Resolve(name);
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "CreateFileW", name, ErrorsOf(*simulation, target)}, [&] {
+    return Simulated(
+        Simulation::Current(), "CreateFileW", INVALID_HANDLE_VALUE,
+        [&] { return ::CreateFileW(path, access, share, security, disposition, flags, model); },
+        [&](CallFrame& frame) {
+            const std::wstring name = TextOrEmpty(path);
+            const NameIndex::Target target = frame.names().Resolve(name);
+            const Answer answer = frame.Perform(name, target, [&] {
                 return name.empty() ? Answer::Failure(ERROR_PATH_NOT_FOUND)
-                                    : Opened(*simulation, name, target, access, disposition, flags);
+                                    : Opened(frame.simulation(), name, target, access, disposition, flags);
             });
-        const auto handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(answer.value));
-        if (Deliver(answer)) {
-            return handle;
-        }
-        if (handle != nullptr) {
-            simulation->handles().Close(handle);  // opened before the fault plan failed the call
-            SetLastError(answer.error);
-        }
-        return INVALID_HANDLE_VALUE;
-    });
+            frame.simulation().CloseIfFailed(answer);
+            return answer.failed ? INVALID_HANDLE_VALUE : HandleIn(answer);
+        });
 }
 
 BOOL WINAPI CloseHandle(HANDLE handle) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr || !HandleTable::IsSimulated(handle)) {
-        return ::CloseHandle(handle);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const OpenObject* object = simulation->handles().Find(handle);
-        const bool known = object != nullptr && object->kind != OpenObject::Kind::kVolumeSearch;
-        const Simulation::Call call{CallFamily::kWin32, "CloseHandle", NameOf(object),
-                                    ErrorsOfFile(*simulation, object)};
-        // Close the handle even if the call is made to fail: the caller cannot use it afterwards.
-        if (known) {
-            simulation->handles().Close(handle);
-        }
-        return Deliver(simulation->Perform(
-            call, [&] { return known ? Answer{} : Answer::Failure(ERROR_INVALID_HANDLE); }));
-    });
+    return Simulated(
+        SimulationOf(handle), "CloseHandle", FALSE, [&] { return ::CloseHandle(handle); },
+        [&](CallFrame& frame) {
+            HandleTable& handles = frame.simulation().handles();
+            const OpenObject* object = handles.Find(handle);
+            const bool known = object != nullptr && object->kind != OpenObject::Kind::kVolumeSearch;
+            const std::wstring name = object == nullptr ? std::wstring() : object->name;
+            const CallErrors* errors = ErrorsOfFile(frame.simulation(), object);
+            // Close the handle even if the call is made to fail: the caller cannot use it afterwards.
+            if (known) {
+                handles.Close(handle);
+            }
+            return Succeeded(frame.Perform(
+                name, errors, [&] { return known ? Answer{} : Answer::Failure(ERROR_INVALID_HANDLE); }));
+        });
 }
 
 BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID input, DWORD input_size, LPVOID output,
                             DWORD output_size, LPDWORD returned, LPOVERLAPPED overlapped) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr || !HandleTable::IsSimulated(handle)) {
-        return ::DeviceIoControl(handle, code, input, input_size, output, output_size, returned, overlapped);
-    }
-    if (returned != nullptr) {
+    Simulation* simulation = SimulationOf(handle);
+    if (simulation != nullptr && returned != nullptr) {
         *returned = 0;
     }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const OpenObject* object = simulation->handles().Find(handle);
-        const Simulation::Call call{CallFamily::kWin32, ControlCallName(code), NameOf(object),
-                                    ErrorsOfFile(*simulation, object)};
-        const Answer answer = simulation->Perform(call, [&] {
-            if (!IsFile(object)) {
-                return Answer::Failure(ERROR_INVALID_HANDLE);
+    return Simulated(
+        simulation, "DeviceIoControl", FALSE,
+        [&] {
+            return ::DeviceIoControl(handle, code, input, input_size, output, output_size, returned,
+                                     overlapped);
+        },
+        [&](CallFrame& frame) {
+            frame.SetKind(ControlName(code));
+            OpenObject* object = frame.simulation().handles().Find(handle);
+            const Answer answer = PerformOnFile(frame, object, [&] {
+                if (returned == nullptr && overlapped == nullptr) {
+                    return Answer::Failure(ERROR_NOACCESS);
+                }
+                ControlRequest request;
+                request.code = code;
+                request.input = static_cast<const std::uint8_t*>(input);
+                request.input_size = input == nullptr ? 0 : input_size;
+                request.output_size = output == nullptr ? 0 : output_size;
+                request.access = object->access;
+                return AnswerControl(frame.simulation(), *object, request);
+            });
+            if (output != nullptr && !answer.bytes.empty()) {
+                std::memcpy(output, answer.bytes.data(),
+                            std::min<std::size_t>(answer.bytes.size(), output_size));
             }
-            if (returned == nullptr && overlapped == nullptr) {
-                return Answer::Failure(ERROR_NOACCESS);
+            if (returned != nullptr) {
+                *returned = static_cast<DWORD>(answer.returned);
             }
-            ControlRequest request;
-            request.code = code;
-            request.input = static_cast<const std::uint8_t*>(input);
-            request.input_size = input == nullptr ? 0 : input_size;
-            request.output_size = output == nullptr ? 0 : output_size;
-            request.access = object->access;
-            return AnswerControl(*simulation, *object, request);
+            return Succeeded(answer);
         });
-        if (output != nullptr && !answer.bytes.empty()) {
-            std::memcpy(output, answer.bytes.data(), std::min<std::size_t>(answer.bytes.size(), output_size));
-        }
-        if (returned != nullptr) {
-            *returned = static_cast<DWORD>(answer.returned);
-        }
-        return Deliver(answer);
-    });
 }
 
 BOOL WINAPI FlushFileBuffers(HANDLE handle) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr || !HandleTable::IsSimulated(handle)) {
-        return ::FlushFileBuffers(handle);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const OpenObject* object = simulation->handles().Find(handle);
-        return Deliver(simulation->Perform(
-            {CallFamily::kWin32, "FlushFileBuffers", NameOf(object), ErrorsOfFile(*simulation, object)}, [&] {
-                if (!IsFile(object)) {
-                    return Answer::Failure(ERROR_INVALID_HANDLE);
-                }
+    return Simulated(
+        SimulationOf(handle), "FlushFileBuffers", FALSE, [&] { return ::FlushFileBuffers(handle); },
+        [&](CallFrame& frame) {
+            OpenObject* object = frame.simulation().handles().Find(handle);
+            return Succeeded(PerformOnFile(frame, object, [&] {
                 return (object->access & FILE_WRITE_ACCESS) != 0 ? Answer{}
                                                                  : Answer::Failure(ERROR_ACCESS_DENIED);
             }));
-    });
+        });
 }
 
 BOOL WINAPI WriteFile(HANDLE handle, LPCVOID data, DWORD size, LPDWORD written, LPOVERLAPPED overlapped) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr || !HandleTable::IsSimulated(handle)) {
-        return ::WriteFile(handle, data, size, written, overlapped);
-    }
-    if (written != nullptr) {
+    Simulation* simulation = SimulationOf(handle);
+    if (simulation != nullptr && written != nullptr) {
         *written = 0;
     }
-    return Guarded(FALSE, [&]() -> BOOL {
-        OpenObject* object = simulation->handles().Find(handle);
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "WriteFile", NameOf(object), ErrorsOfFile(*simulation, object)}, [&] {
-                return IsFile(object) ? Written(*simulation, *object, data, size, overlapped)
-                                      : Answer::Failure(ERROR_INVALID_HANDLE);
-            });
-        if (written != nullptr) {
-            *written = static_cast<DWORD>(answer.returned);
-        }
-        return Deliver(answer);
-    });
-}
-
-bool Deliver(const Answer& answer) {
-    if (answer.error != 0) {
-        SetLastError(answer.error);
-    }
-    return !answer.failed;
-}
-
-const CallErrors* ErrorsOf(const Simulation& simulation, const NameIndex::Target& target) {
-    switch (target.kind) {
-        case NameIndex::Target::Kind::kDisk:
-            return &simulation.machine().disks[target.position].errors;
-        case NameIndex::Target::Kind::kVolume:
-            return &simulation.machine().volumes[target.position].errors;
-        case NameIndex::Target::Kind::kNone:
-            break;
-    }
-    return nullptr;
+    return Simulated(
+        simulation, "WriteFile", FALSE, [&] { return ::WriteFile(handle, data, size, written, overlapped); },
+        [&](CallFrame& frame) {
+            OpenObject* object = frame.simulation().handles().Find(handle);
+            const Answer answer = PerformOnFile(
+                frame, object, [&] { return Written(frame.simulation(), *object, data, size, overlapped); });
+            if (written != nullptr) {
+                *written = static_cast<DWORD>(answer.returned);
+            }
+            return Succeeded(answer);
+        });
 }
 
 void AppendText(Bytes& bytes, const std::wstring& text) {
@@ -251,6 +213,10 @@ void CopyBytes(const Answer& answer, LPWSTR buffer, DWORD size) {
         const std::size_t count = std::min(answer.bytes.size(), size * sizeof(wchar_t));
         std::copy_n(answer.bytes.begin(), count, reinterpret_cast<std::uint8_t*>(buffer));
     }
+}
+
+Simulation* SimulationOf(HANDLE handle) {
+    return HandleTable::IsSimulated(handle) ? Simulation::Current() : nullptr;
 }
 
 std::wstring TextOrEmpty(LPCWSTR text) {

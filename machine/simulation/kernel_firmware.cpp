@@ -9,9 +9,7 @@ constexpr std::uint32_t kBios = 1;
 
 Answer FirmwareVariable(const Firmware& firmware, const void* buffer) {
     if (firmware.variable_length != 0) {
-        Answer answer;
-        answer.value = firmware.variable_length;
-        return answer;
+        return Answer::Success(firmware.variable_length);
     }
     if (firmware.variable_error) {
         return Answer::Failure(*firmware.variable_error);
@@ -31,42 +29,39 @@ Result NotFound(Result failure) {
 }  // namespace
 
 BOOL WINAPI GetFirmwareType(PFIRMWARE_TYPE type) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        const auto real = RealFunction<decltype(&GetFirmwareType)>(L"kernel32.dll", "GetFirmwareType");
-        return real == nullptr ? NotFound(FALSE) : real(type);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const Answer answer = simulation->Perform({CallFamily::kWin32, "GetFirmwareType", {}, nullptr}, [&] {
-            if (type == nullptr) {
-                return Answer::Failure(ERROR_INVALID_PARAMETER);
+    return Simulated(
+        Simulation::Current(), "GetFirmwareType", FALSE,
+        [&] {
+            const auto real = RealFunction<decltype(&GetFirmwareType)>(L"kernel32.dll", "GetFirmwareType");
+            return real == nullptr ? NotFound(FALSE) : real(type);
+        },
+        [&](CallFrame& frame) {
+            const Answer answer = frame.Perform({}, nullptr, [&] {
+                return type == nullptr ? Answer::Failure(ERROR_INVALID_PARAMETER)
+                                       : Answer::Success(frame.simulation().machine().firmware.type);
+            });
+            if (!answer.failed) {
+                StoreNumber(*type, static_cast<std::uint32_t>(answer.value));
             }
-            Answer told;
-            told.value = simulation->machine().firmware.type;
-            return told;
+            return Succeeded(answer);
         });
-        if (!Deliver(answer)) {
-            return FALSE;
-        }
-        StoreNumber(*type, static_cast<std::uint32_t>(answer.value));
-        return TRUE;
-    });
 }
 
 DWORD WINAPI GetFirmwareEnvironmentVariableW(LPCWSTR name, LPCWSTR guid, PVOID buffer, DWORD size) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        const auto real = RealFunction<decltype(&GetFirmwareEnvironmentVariableW)>(
-            L"kernel32.dll", "GetFirmwareEnvironmentVariableW");
-        return real == nullptr ? NotFound(DWORD{0}) : real(name, guid, buffer, size);
-    }
-    return Guarded(DWORD{0}, [&]() -> DWORD {
-        const Answer answer =
-            simulation->Perform({CallFamily::kWin32, "GetFirmwareEnvironmentVariableW",
-                                 TextOrEmpty(guid) + TextOrEmpty(name), nullptr},
-                                [&] { return FirmwareVariable(simulation->machine().firmware, buffer); });
-        return Deliver(answer) ? static_cast<DWORD>(answer.value) : 0;
-    });
+    return Simulated(
+        Simulation::Current(), "GetFirmwareEnvironmentVariableW", DWORD{0},
+        [&] {
+            const auto real = RealFunction<decltype(&GetFirmwareEnvironmentVariableW)>(
+                L"kernel32.dll", "GetFirmwareEnvironmentVariableW");
+            return real == nullptr ? NotFound(DWORD{0}) : real(name, guid, buffer, size);
+        },
+        [&](CallFrame& frame) {
+            return ValueOf(
+                frame.Perform(
+                    TextOrEmpty(guid) + TextOrEmpty(name), nullptr,
+                    [&] { return FirmwareVariable(frame.simulation().machine().firmware, buffer); }),
+                DWORD{0});
+        });
 }
 
 }  // namespace machine::simulated

@@ -75,7 +75,7 @@ const CallErrors* ErrorsOfDosDevice(Simulation& simulation, LPCWSTR device) {
         }
     }
     const std::wstring* target = device == nullptr ? nullptr : simulation.names().FindDosDevice(device);
-    return target == nullptr ? nullptr : ErrorsOf(simulation, simulation.names().FindDevice(*target));
+    return target == nullptr ? nullptr : simulation.ErrorsOf(simulation.names().FindDevice(*target));
 }
 
 Answer VolumeNameOf(const Simulation& simulation, const std::wstring& mount_point,
@@ -97,89 +97,75 @@ Answer VolumeNameOf(const Simulation& simulation, const std::wstring& mount_poin
 }  // namespace
 
 BOOL WINAPI GetVolumePathNamesForVolumeNameW(LPCWSTR volume, LPWCH names, DWORD size, PDWORD needed) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::GetVolumePathNamesForVolumeNameW(volume, names, size, needed);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const std::wstring name = TextOrEmpty(volume);
-        const NameIndex::Target target =
-            IsVolumeName(name) ? simulation->names().Resolve(name) : NameIndex::Target{};
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "GetVolumePathNamesForVolumeNameW", name, ErrorsOf(*simulation, target)},
-            [&] { return MountPoints(*simulation, name, target, size); });
-        if (needed != nullptr) {
-            *needed = static_cast<DWORD>(answer.returned);
-        }
-        CopyBytes(answer, names, size);
-        return Deliver(answer);
-    });
+    return Simulated(
+        Simulation::Current(), "GetVolumePathNamesForVolumeNameW", FALSE,
+        [&] { return ::GetVolumePathNamesForVolumeNameW(volume, names, size, needed); },
+        [&](CallFrame& frame) {
+            const std::wstring name = TextOrEmpty(volume);
+            const NameIndex::Target target =
+                IsVolumeName(name) ? frame.names().Resolve(name) : NameIndex::Target{};
+            const Answer answer = frame.Perform(
+                name, target, [&] { return MountPoints(frame.simulation(), name, target, size); });
+            if (needed != nullptr) {
+                *needed = static_cast<DWORD>(answer.returned);
+            }
+            CopyBytes(answer, names, size);
+            return Succeeded(answer);
+        });
 }
 
 BOOL WINAPI GetVolumeNameForVolumeMountPointW(LPCWSTR mount_point, LPWSTR name, DWORD size) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::GetVolumeNameForVolumeMountPointW(mount_point, name, size);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const std::wstring path = TextOrEmpty(mount_point);
-        const NameIndex::Target target =
-            path.empty() ? NameIndex::Target{} : simulation->names().Resolve(path);
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "GetVolumeNameForVolumeMountPointW", path, ErrorsOf(*simulation, target)},
-            [&] { return VolumeNameOf(*simulation, path, target, size); });
-        CopyBytes(answer, name, size);
-        return Deliver(answer);
-    });
+    return Simulated(
+        Simulation::Current(), "GetVolumeNameForVolumeMountPointW", FALSE,
+        [&] { return ::GetVolumeNameForVolumeMountPointW(mount_point, name, size); },
+        [&](CallFrame& frame) {
+            const std::wstring path = TextOrEmpty(mount_point);
+            const NameIndex::Target target = frame.names().Resolve(path);
+            const Answer answer = frame.Perform(
+                path, target, [&] { return VolumeNameOf(frame.simulation(), path, target, size); });
+            CopyBytes(answer, name, size);
+            return Succeeded(answer);
+        });
 }
 
 BOOL WINAPI GetVolumePathNameW(LPCWSTR path, LPWSTR mount_point, DWORD size) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::GetVolumePathNameW(path, mount_point, size);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const std::wstring name = TextOrEmpty(path);
-        std::wstring root;
-        const NameIndex::Target target = simulation->names().ResolveMountPoint(name, &root);
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "GetVolumePathNameW", name, ErrorsOf(*simulation, target)}, [&] {
+    return Simulated(
+        Simulation::Current(), "GetVolumePathNameW", FALSE,
+        [&] { return ::GetVolumePathNameW(path, mount_point, size); },
+        [&](CallFrame& frame) {
+            const std::wstring name = TextOrEmpty(path);
+            std::wstring root;
+            const NameIndex::Target target = frame.names().ResolveMountPoint(name, &root);
+            const Answer answer = frame.Perform(name, target, [&] {
                 return target.kind == NameIndex::Target::Kind::kNone ? Answer::Failure(ERROR_FILE_NOT_FOUND)
                                                                      : OneText(root, size);
             });
-        CopyBytes(answer, mount_point, size);
-        return Deliver(answer);
-    });
+            CopyBytes(answer, mount_point, size);
+            return Succeeded(answer);
+        });
 }
 
 DWORD WINAPI QueryDosDeviceW(LPCWSTR device, LPWSTR targets, DWORD size) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::QueryDosDeviceW(device, targets, size);
-    }
-    return Guarded(DWORD{0}, [&]() -> DWORD {
-        const Answer answer =
-            simulation->Perform({CallFamily::kWin32, "QueryDosDeviceW", TextOrEmpty(device),
-                                 ErrorsOfDosDevice(*simulation, device)},
-                                [&] { return DosTargets(simulation->names(), device, size); });
-        CopyBytes(answer, targets, size);
-        return Deliver(answer) ? static_cast<DWORD>(answer.value) : 0;
-    });
+    return Simulated(
+        Simulation::Current(), "QueryDosDeviceW", DWORD{0},
+        [&] { return ::QueryDosDeviceW(device, targets, size); },
+        [&](CallFrame& frame) {
+            const Answer answer =
+                frame.Perform(TextOrEmpty(device), ErrorsOfDosDevice(frame.simulation(), device),
+                              [&] { return DosTargets(frame.names(), device, size); });
+            CopyBytes(answer, targets, size);
+            return ValueOf(answer, DWORD{0});
+        });
 }
 
 DWORD WINAPI GetLogicalDrives() {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::GetLogicalDrives();
-    }
-    return Guarded(DWORD{0}, [&]() -> DWORD {
-        const Answer answer = simulation->Perform({CallFamily::kWin32, "GetLogicalDrives", {}, nullptr}, [&] {
-            Answer mask;
-            mask.value = simulation->names().drive_mask();
-            return mask;
+    return Simulated(
+        Simulation::Current(), "GetLogicalDrives", DWORD{0}, [] { return ::GetLogicalDrives(); },
+        [](CallFrame& frame) {
+            return ValueOf(
+                frame.Perform({}, nullptr, [&] { return Answer::Success(frame.names().drive_mask()); }),
+                DWORD{0});
         });
-        return Deliver(answer) ? static_cast<DWORD>(answer.value) : 0;
-    });
 }
 
 }  // namespace machine::simulated

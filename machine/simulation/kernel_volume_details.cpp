@@ -1,3 +1,4 @@
+#include "machine/simulation/disk_structures.h"
 #include "machine/simulation/simulated_functions.h"
 
 #include <algorithm>
@@ -25,15 +26,15 @@ struct VolumeCall {
     const Volume* volume = nullptr;
 };
 
+VolumeCall VolumeAt(Simulation& simulation, const NameIndex::Target& target) {
+    const bool found = target.kind == NameIndex::Target::Kind::kVolume;
+    return {target, found ? &simulation.machine().volumes[target.position] : nullptr};
+}
+
 // Finds the volume of any directory on it, as GetDiskFreeSpaceW and GetDiskFreeSpaceExW do.
 VolumeCall FindVolumeOf(Simulation& simulation, const std::wstring& path) {
-    VolumeCall call;
     std::wstring mount_point;
-    call.target = simulation.names().ResolveMountPoint(path, &mount_point);
-    if (call.target.kind == NameIndex::Target::Kind::kVolume) {
-        call.volume = &simulation.machine().volumes[call.target.position];
-    }
-    return call;
+    return VolumeAt(simulation, simulation.names().ResolveMountPoint(path, &mount_point));
 }
 
 // The error that prevents a query of the volume's file system; 0 if there is none.
@@ -49,6 +50,17 @@ std::uint32_t Obstacle(const VolumeCall& call, const std::wstring& path) {
         return ERROR_NOT_READY;
     }
     return call.volume->file_system.empty() ? ERROR_UNRECOGNIZED_VOLUME : 0;
+}
+
+// Performs a query of the volume's file system. `body` is run only if there is neither this error nor an
+// obstacle.
+template <class Body>
+Answer PerformOnVolume(CallFrame& frame, const VolumeCall& call, const std::wstring& path, const Body& body,
+                       std::uint32_t error = 0) {
+    return frame.Perform(path, call.target, [&] {
+        const std::uint32_t obstacle = error != 0 ? error : Obstacle(call, path);
+        return obstacle != 0 ? Answer::Failure(obstacle) : body(*call.volume);
+    });
 }
 
 template <class Number, class Value>
@@ -82,8 +94,7 @@ void CopyText(const std::wstring& text, LPWSTR buffer, DWORD size) {
 template <class Record>
 Answer Recorded(const Record& record) {
     Answer answer;
-    answer.bytes.resize(sizeof(Record));
-    std::memcpy(answer.bytes.data(), &record, sizeof(Record));
+    answer.bytes = BytesOf(record);
     return answer;
 }
 
@@ -107,127 +118,102 @@ struct Information {
 }  // namespace
 
 UINT WINAPI GetDriveTypeW(LPCWSTR root) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::GetDriveTypeW(root);
-    }
-    return Guarded(UINT{DRIVE_UNKNOWN}, [&]() -> UINT {
-        const std::wstring path = RootText(root);
-        const NameIndex::Target target = simulation->names().Resolve(AsRoot(path));
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "GetDriveTypeW", path, ErrorsOf(*simulation, target)}, [&] {
-                Answer type;
-                type.value = target.kind == NameIndex::Target::Kind::kVolume && target.root
-                                 ? simulation->machine().volumes[target.position].drive_type
-                                 : DRIVE_NO_ROOT_DIR;
-                return type;
+    return Simulated(
+        Simulation::Current(), "GetDriveTypeW", UINT{DRIVE_UNKNOWN}, [&] { return ::GetDriveTypeW(root); },
+        [&](CallFrame& frame) {
+            const std::wstring path = RootText(root);
+            const NameIndex::Target target = frame.names().Resolve(AsRoot(path));
+            const Answer answer = frame.Perform(path, target, [&] {
+                return Answer::Success(target.kind == NameIndex::Target::Kind::kVolume && target.root
+                                           ? frame.simulation().machine().volumes[target.position].drive_type
+                                           : std::uint32_t{DRIVE_NO_ROOT_DIR});
             });
-        return Deliver(answer) ? static_cast<UINT>(answer.value) : DRIVE_UNKNOWN;
-    });
+            return ValueOf(answer, UINT{DRIVE_UNKNOWN});
+        });
 }
 
 BOOL WINAPI GetDiskFreeSpaceW(LPCWSTR root, LPDWORD sectors_per_cluster, LPDWORD bytes_per_sector,
                               LPDWORD free_clusters, LPDWORD total_clusters) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::GetDiskFreeSpaceW(root, sectors_per_cluster, bytes_per_sector, free_clusters,
-                                   total_clusters);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const std::wstring path = RootText(root);
-        const VolumeCall call = FindVolumeOf(*simulation, path);
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "GetDiskFreeSpaceW", path, ErrorsOf(*simulation, call.target)}, [&] {
-                const std::uint32_t obstacle = Obstacle(call, path);
-                return obstacle != 0
-                           ? Answer::Failure(obstacle)
-                           : Recorded(FreeSpace{
-                                 call.volume->sectors_per_cluster, call.volume->bytes_per_sector,
-                                 Clipped(call.volume->free_clusters), Clipped(call.volume->total_clusters)});
+    return Simulated(
+        Simulation::Current(), "GetDiskFreeSpaceW", FALSE,
+        [&] {
+            return ::GetDiskFreeSpaceW(root, sectors_per_cluster, bytes_per_sector, free_clusters,
+                                       total_clusters);
+        },
+        [&](CallFrame& frame) {
+            const std::wstring path = RootText(root);
+            const VolumeCall call = FindVolumeOf(frame.simulation(), path);
+            const Answer answer = PerformOnVolume(frame, call, path, [&](const Volume& volume) {
+                return Recorded(FreeSpace{volume.sectors_per_cluster, volume.bytes_per_sector,
+                                          Clipped(volume.free_clusters), Clipped(volume.total_clusters)});
             });
-        if (!Deliver(answer)) {
-            return FALSE;
-        }
-        const auto space = RecordOf<FreeSpace>(answer);
-        Store(sectors_per_cluster, space.sectors_per_cluster);
-        Store(bytes_per_sector, space.bytes_per_sector);
-        Store(free_clusters, space.free_clusters);
-        Store(total_clusters, space.total_clusters);
-        return TRUE;
-    });
+            if (!answer.failed) {
+                const auto space = RecordOf<FreeSpace>(answer);
+                Store(sectors_per_cluster, space.sectors_per_cluster);
+                Store(bytes_per_sector, space.bytes_per_sector);
+                Store(free_clusters, space.free_clusters);
+                Store(total_clusters, space.total_clusters);
+            }
+            return Succeeded(answer);
+        });
 }
 
 BOOL WINAPI GetDiskFreeSpaceExW(LPCWSTR root, PULARGE_INTEGER free_to_caller, PULARGE_INTEGER total,
                                 PULARGE_INTEGER total_free) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::GetDiskFreeSpaceExW(root, free_to_caller, total, total_free);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const std::wstring path = RootText(root);
-        const VolumeCall call = FindVolumeOf(*simulation, path);
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "GetDiskFreeSpaceExW", path, ErrorsOf(*simulation, call.target)}, [&] {
-                const std::uint32_t obstacle = Obstacle(call, path);
-                return obstacle != 0
-                           ? Answer::Failure(obstacle)
-                           : Recorded(FreeSpaceEx{call.volume->free_bytes_to_caller, call.volume->total_bytes,
-                                                  call.volume->free_bytes});
+    return Simulated(
+        Simulation::Current(), "GetDiskFreeSpaceExW", FALSE,
+        [&] { return ::GetDiskFreeSpaceExW(root, free_to_caller, total, total_free); },
+        [&](CallFrame& frame) {
+            const std::wstring path = RootText(root);
+            const VolumeCall call = FindVolumeOf(frame.simulation(), path);
+            const Answer answer = PerformOnVolume(frame, call, path, [&](const Volume& volume) {
+                return Recorded(
+                    FreeSpaceEx{volume.free_bytes_to_caller, volume.total_bytes, volume.free_bytes});
             });
-        if (!Deliver(answer)) {
-            return FALSE;
-        }
-        const auto space = RecordOf<FreeSpaceEx>(answer);
-        Store(free_to_caller, space.to_caller);
-        Store(total, space.total);
-        Store(total_free, space.free);
-        return TRUE;
-    });
+            if (!answer.failed) {
+                const auto space = RecordOf<FreeSpaceEx>(answer);
+                Store(free_to_caller, space.to_caller);
+                Store(total, space.total);
+                Store(total_free, space.free);
+            }
+            return Succeeded(answer);
+        });
 }
 
 BOOL WINAPI GetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD label_size, LPDWORD serial,
                                   LPDWORD max_component, LPDWORD flags, LPWSTR file_system,
                                   DWORD file_system_size) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::GetVolumeInformationW(root, label, label_size, serial, max_component, flags, file_system,
-                                       file_system_size);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const std::wstring path = RootText(root);
-        const NameIndex::Target target = simulation->names().Resolve(path);
-        VolumeCall call;
-        call.target = target;
-        if (target.kind == NameIndex::Target::Kind::kVolume) {
-            call.volume = &simulation->machine().volumes[target.position];
-        }
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "GetVolumeInformationW", path, ErrorsOf(*simulation, target)}, [&] {
-                if (!path.empty() && path.back() != L'\\') {
-                    return Answer::Failure(ERROR_INVALID_NAME);
-                }
-                const std::uint32_t obstacle = Obstacle(call, path);
-                if (obstacle != 0) {
-                    return Answer::Failure(obstacle);
-                }
-                if (!Fits(call.volume->label, label, label_size) ||
-                    !Fits(call.volume->file_system, file_system, file_system_size)) {
-                    return Answer::Failure(ERROR_MORE_DATA);
-                }
-                return Recorded(Information{call.volume->serial, call.volume->max_component_length,
-                                            call.volume->file_system_flags});
-            });
-        if (!Deliver(answer) || call.volume == nullptr) {
-            return FALSE;
-        }
-        const auto information = RecordOf<Information>(answer);
-        Store(serial, information.serial);
-        Store(max_component, information.max_component);
-        Store(flags, information.flags);
-        CopyText(call.volume->label, label, label_size);
-        CopyText(call.volume->file_system, file_system, file_system_size);
-        return TRUE;
-    });
+    return Simulated(
+        Simulation::Current(), "GetVolumeInformationW", FALSE,
+        [&] {
+            return ::GetVolumeInformationW(root, label, label_size, serial, max_component, flags, file_system,
+                                           file_system_size);
+        },
+        [&](CallFrame& frame) -> BOOL {
+            const std::wstring path = RootText(root);
+            const VolumeCall call = VolumeAt(frame.simulation(), frame.names().Resolve(path));
+            const bool valid = path.empty() || path.back() == L'\\';
+            const Answer answer = PerformOnVolume(
+                frame, call, path,
+                [&](const Volume& volume) {
+                    return Fits(volume.label, label, label_size) &&
+                                   Fits(volume.file_system, file_system, file_system_size)
+                               ? Recorded(Information{volume.serial, volume.max_component_length,
+                                                      volume.file_system_flags})
+                               : Answer::Failure(ERROR_MORE_DATA);
+                },
+                valid ? 0 : ERROR_INVALID_NAME);
+            if (answer.failed || call.volume == nullptr) {
+                return FALSE;
+            }
+            const auto information = RecordOf<Information>(answer);
+            Store(serial, information.serial);
+            Store(max_component, information.max_component);
+            Store(flags, information.flags);
+            CopyText(call.volume->label, label, label_size);
+            CopyText(call.volume->file_system, file_system, file_system_size);
+            return TRUE;
+        });
 }
 
 }  // namespace machine::simulated

@@ -22,74 +22,68 @@ Answer NextName(Simulation& simulation, std::uint64_t& position, DWORD size) {
 const CallErrors* ErrorsOfName(Simulation& simulation, std::uint64_t position) {
     const std::vector<std::wstring>& names = simulation.names().volume_names();
     return position < names.size()
-               ? ErrorsOf(simulation, simulation.names().Resolve(names[static_cast<std::size_t>(position)]))
+               ? simulation.ErrorsOf(simulation.names().Resolve(names[static_cast<std::size_t>(position)]))
                : nullptr;
 }
 
 }  // namespace
 
 HANDLE WINAPI FindFirstVolumeW(LPWSTR name, DWORD size) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::FindFirstVolumeW(name, size);
-    }
-    return Guarded(INVALID_HANDLE_VALUE, [&] {
-        const Answer answer = simulation->Perform(
-            {CallFamily::kWin32, "FindFirstVolumeW", {}, ErrorsOfName(*simulation, 0)}, [&] {
+    return Simulated(
+        Simulation::Current(), "FindFirstVolumeW", INVALID_HANDLE_VALUE,
+        [&] { return ::FindFirstVolumeW(name, size); },
+        [&](CallFrame& frame) {
+            Simulation& simulation = frame.simulation();
+            const Answer answer = frame.Perform({}, ErrorsOfName(simulation, 0), [&] {
                 OpenObject search;
                 search.kind = OpenObject::Kind::kVolumeSearch;
-                Answer next = NextName(*simulation, search.position, size);
+                Answer next = NextName(simulation, search.position, size);
                 if (!next.failed) {
-                    next.value = reinterpret_cast<std::uintptr_t>(simulation->handles().Open(search));
+                    next.value = simulation.Open(search).value;
                 }
                 return next;
             });
-        const auto handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(answer.value));
-        if (Deliver(answer)) {
+            simulation.CloseIfFailed(answer);
+            if (answer.failed) {
+                return INVALID_HANDLE_VALUE;
+            }
             CopyBytes(answer, name, size);
-            return handle;
-        }
-        if (handle != nullptr) {
-            simulation->handles().Close(handle);
-        }
-        return INVALID_HANDLE_VALUE;
-    });
+            return HandleIn(answer);
+        });
 }
 
 BOOL WINAPI FindNextVolumeW(HANDLE search, LPWSTR name, DWORD size) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::FindNextVolumeW(search, name, size);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        OpenObject* object = simulation->handles().Find(search, OpenObject::Kind::kVolumeSearch);
-        const CallErrors* errors = object == nullptr ? nullptr : ErrorsOfName(*simulation, object->position);
-        const Answer answer = simulation->Perform({CallFamily::kWin32, "FindNextVolumeW", {}, errors}, [&] {
-            return object == nullptr ? Answer::Failure(ERROR_INVALID_HANDLE)
-                                     : NextName(*simulation, object->position, size);
+    return Simulated(
+        Simulation::Current(), "FindNextVolumeW", FALSE,
+        [&] { return ::FindNextVolumeW(search, name, size); },
+        [&](CallFrame& frame) {
+            Simulation& simulation = frame.simulation();
+            OpenObject* object = simulation.handles().Find(search, OpenObject::Kind::kVolumeSearch);
+            const CallErrors* errors =
+                object == nullptr ? nullptr : ErrorsOfName(simulation, object->position);
+            const Answer answer = frame.Perform({}, errors, [&] {
+                return object == nullptr ? Answer::Failure(ERROR_INVALID_HANDLE)
+                                         : NextName(simulation, object->position, size);
+            });
+            if (!answer.failed) {
+                CopyBytes(answer, name, size);
+            }
+            return Succeeded(answer);
         });
-        if (Deliver(answer)) {
-            CopyBytes(answer, name, size);
-            return TRUE;
-        }
-        return FALSE;
-    });
 }
 
 BOOL WINAPI FindVolumeClose(HANDLE search) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return ::FindVolumeClose(search);
-    }
-    return Guarded(FALSE, [&]() -> BOOL {
-        const bool known = simulation->handles().Find(search, OpenObject::Kind::kVolumeSearch) != nullptr;
-        if (known) {
-            simulation->handles().Close(search);
-        }
-        return Deliver(simulation->Perform({CallFamily::kWin32, "FindVolumeClose", {}, nullptr}, [&] {
-            return known ? Answer{} : Answer::Failure(ERROR_INVALID_HANDLE);
-        }));
-    });
+    return Simulated(
+        Simulation::Current(), "FindVolumeClose", FALSE, [&] { return ::FindVolumeClose(search); },
+        [&](CallFrame& frame) {
+            HandleTable& handles = frame.simulation().handles();
+            const bool known = handles.Find(search, OpenObject::Kind::kVolumeSearch) != nullptr;
+            if (known) {
+                handles.Close(search);
+            }
+            return Succeeded(frame.Perform(
+                {}, nullptr, [&] { return known ? Answer{} : Answer::Failure(ERROR_INVALID_HANDLE); }));
+        });
 }
 
 }  // namespace machine::simulated

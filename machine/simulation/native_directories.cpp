@@ -34,13 +34,11 @@ NTSTATUS Status(std::uint32_t status) {
     return static_cast<NTSTATUS>(status);
 }
 
-template <class Body>
-NTSTATUS GuardedStatus(const Body& body) noexcept {
-    try {
-        return body();
-    } catch (const std::bad_alloc&) {
-        return Status(kNoMemory);
-    }
+// The system's function, or the status that it does not exist.
+template <class Function, class... Arguments>
+NTSTATUS Real(Function /*type*/, const char* name, Arguments... arguments) {
+    const auto real = RealFunction<Function>(L"ntdll.dll", name);
+    return real == nullptr ? Status(kProcedureNotFound) : real(arguments...);
 }
 
 const CallErrors* ErrorsOfDirectory(const Simulation& simulation, const std::wstring& path) {
@@ -74,9 +72,7 @@ Answer OpenedDirectory(Simulation& simulation, const std::wstring& path, ACCESS_
     object.kind = OpenObject::Kind::kObjectDirectory;
     object.name = path;
     object.access = access;
-    Answer answer;
-    answer.value = reinterpret_cast<std::uintptr_t>(simulation.handles().Open(std::move(object)));
-    return answer;
+    return simulation.Open(std::move(object));
 }
 
 std::size_t TextBytes(const DirectoryEntry& entry) {
@@ -144,9 +140,7 @@ Answer Listed(const std::vector<DirectoryEntry>& entries, std::size_t first, con
         answer.returned = needed + sizeof(DirectoryRecord) + TextBytes(entries[first]);
         return answer;
     }
-    Answer answer;
-    answer.bytes = Listing(entries, first, count, request.buffer);
-    answer.returned = answer.bytes.size();
+    Answer answer = Answer::Success(Listing(entries, first, count, request.buffer));
     answer.value = first + count;
     answer.error = count < wanted ? kMoreEntries : kDone;
     return answer;
@@ -185,68 +179,61 @@ void Deliver(const Answer& answer, const ListingRequest& request) {
 }  // namespace
 
 NTSTATUS NTAPI ZwOpenDirectoryObject(PHANDLE directory, ACCESS_MASK access, POBJECT_ATTRIBUTES attributes) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        const auto real =
-            RealFunction<decltype(&ZwOpenDirectoryObject)>(L"ntdll.dll", "ZwOpenDirectoryObject");
-        return real == nullptr ? Status(kProcedureNotFound) : real(directory, access, attributes);
-    }
-    return GuardedStatus([&] {
-        const std::wstring path = NameIn(attributes);
-        const Answer answer = simulation->Perform(
-            {CallFamily::kNative, "ZwOpenDirectoryObject", path, ErrorsOfDirectory(*simulation, path)}, [&] {
+    return Simulated(
+        Simulation::Current(), "ZwOpenDirectoryObject", Status(kNoMemory),
+        [&] { return Real(&ZwOpenDirectoryObject, "ZwOpenDirectoryObject", directory, access, attributes); },
+        [&](CallFrame& frame) {
+            Simulation& simulation = frame.simulation();
+            const std::wstring path = NameIn(attributes);
+            const Answer answer = frame.Perform(path, ErrorsOfDirectory(simulation, path), [&] {
                 return directory == nullptr ? Answer::Failure(kAccessViolation)
-                                            : OpenedDirectory(*simulation, path, access, attributes);
+                                            : OpenedDirectory(simulation, path, access, attributes);
             });
-        const auto handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(answer.value));
-        if (!answer.failed && directory != nullptr) {
-            *directory = handle;
-        } else if (handle != nullptr) {
-            simulation->handles().Close(handle);
-        }
-        return Status(answer.error);
-    });
+            simulation.CloseIfFailed(answer);
+            if (!answer.failed && directory != nullptr) {
+                *directory = HandleIn(answer);
+            }
+            return Status(answer.error);
+        });
 }
 
 NTSTATUS NTAPI ZwQueryDirectoryObject(HANDLE directory, PVOID buffer, ULONG size, BOOLEAN single,
                                       BOOLEAN restart, PULONG context, PULONG returned) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr || !HandleTable::IsSimulated(directory)) {
-        const auto real =
-            RealFunction<decltype(&ZwQueryDirectoryObject)>(L"ntdll.dll", "ZwQueryDirectoryObject");
-        return real == nullptr ? Status(kProcedureNotFound)
-                               : real(directory, buffer, size, single, restart, context, returned);
-    }
-    return GuardedStatus([&] {
-        const OpenObject* object = simulation->handles().Find(directory, OpenObject::Kind::kObjectDirectory);
-        const std::wstring path = object == nullptr ? std::wstring() : object->name;
-        const ListingRequest request{single != 0, restart != 0, buffer, size, context, returned};
-        const Answer answer = simulation->Perform(
-            {CallFamily::kNative, "ZwQueryDirectoryObject", path, ErrorsOfDirectory(*simulation, path)},
-            [&] { return Queried(*simulation, object, request); });
-        Deliver(answer, request);
-        return Status(answer.error);
-    });
+    return Simulated(
+        SimulationOf(directory), "ZwQueryDirectoryObject", Status(kNoMemory),
+        [&] {
+            return Real(&ZwQueryDirectoryObject, "ZwQueryDirectoryObject", directory, buffer, size, single,
+                        restart, context, returned);
+        },
+        [&](CallFrame& frame) {
+            Simulation& simulation = frame.simulation();
+            const OpenObject* object =
+                simulation.handles().Find(directory, OpenObject::Kind::kObjectDirectory);
+            const std::wstring path = object == nullptr ? std::wstring() : object->name;
+            const ListingRequest request{single != 0, restart != 0, buffer, size, context, returned};
+            const Answer answer = frame.Perform(path, ErrorsOfDirectory(simulation, path),
+                                                [&] { return Queried(simulation, object, request); });
+            Deliver(answer, request);
+            return Status(answer.error);
+        });
 }
 
 NTSTATUS NTAPI ZwClose(HANDLE handle) {
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr || !HandleTable::IsSimulated(handle)) {
-        const auto real = RealFunction<decltype(&ZwClose)>(L"ntdll.dll", "ZwClose");
-        return real == nullptr ? Status(kProcedureNotFound) : real(handle);
-    }
-    return GuardedStatus([&] {
-        const OpenObject* object = simulation->handles().Find(handle);
-        const bool known = object != nullptr;
-        const std::wstring path = known ? object->name : std::wstring();
-        if (known) {
-            simulation->handles().Close(handle);
-        }
-        const Answer answer =
-            simulation->Perform({CallFamily::kNative, "ZwClose", path, ErrorsOfDirectory(*simulation, path)},
-                                [&] { return known ? Answer{} : Answer::Failure(kInvalidHandle); });
-        return Status(answer.error);
-    });
+    return Simulated(
+        SimulationOf(handle), "ZwClose", Status(kNoMemory), [&] { return Real(&ZwClose, "ZwClose", handle); },
+        [&](CallFrame& frame) {
+            HandleTable& handles = frame.simulation().handles();
+            const OpenObject* object = handles.Find(handle);
+            const bool known = object != nullptr;
+            const std::wstring path = known ? object->name : std::wstring();
+            if (known) {
+                handles.Close(handle);
+            }
+            const Answer answer = frame.Perform(path, ErrorsOfDirectory(frame.simulation(), path), [&] {
+                return known ? Answer{} : Answer::Failure(kInvalidHandle);
+            });
+            return Status(answer.error);
+        });
 }
 
 }  // namespace machine::simulated

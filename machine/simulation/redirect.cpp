@@ -156,22 +156,18 @@ FARPROC WINAPI SimulatedProcAddress(HMODULE module, LPCSTR name) {
     if (functions == nullptr) {
         return real_get_proc_address(module, name);
     }
-    Simulation* simulation = Simulation::Current();
-    if (simulation == nullptr) {
-        return Found(module, *functions, name);
-    }
-    return simulated::Guarded(FARPROC{nullptr}, [&]() -> FARPROC {
-        FARPROC found = nullptr;
-        const Answer answer =
-            simulation->Perform({CallFamily::kWin32, "GetProcAddress", Widen(name), nullptr}, [&] {
-                if (simulation->machine().missing.contains(name)) {
-                    return Answer::Failure(ERROR_PROC_NOT_FOUND);
-                }
-                found = Found(module, *functions, name);
+    return Simulated(
+        Simulation::Current(), "GetProcAddress", FARPROC{nullptr},
+        [&] { return Found(module, *functions, name); },
+        [&](CallFrame& frame) {
+            FARPROC found = nullptr;
+            const Answer answer = frame.Perform(Widen(name), nullptr, [&] {
+                const bool missing = frame.simulation().machine().missing.contains(name);
+                found = missing ? nullptr : Found(module, *functions, name);
                 return found == nullptr ? Answer::Failure(ERROR_PROC_NOT_FOUND) : Answer{};
             });
-        return simulated::Deliver(answer) ? found : nullptr;
-    });
+            return answer.failed ? nullptr : found;
+        });
 }
 
 bool PutModuleOnSimulation(HMODULE module) {

@@ -1,13 +1,10 @@
 #pragma once
 
 #include "common/windows.h"
-#include "machine/simulation/fault_plan.h"
-#include "machine/simulation/name_index.h"
-#include "machine/simulation/simulation.h"
+#include "machine/simulation/call_frame.h"
 
 #include <winternl.h>
 
-#include <new>
 #include <string>
 
 // Replacements for system functions in redirected modules. Each has the signature and behaviour of the
@@ -50,23 +47,6 @@ NTSTATUS NTAPI ZwQueryDirectoryObject(HANDLE directory, PVOID buffer, ULONG size
                                       BOOLEAN restart, PULONG context, PULONG returned);
 NTSTATUS NTAPI ZwClose(HANDLE handle);
 
-// Runs a function's body. If it throws std::bad_alloc, sets last error 8 and returns `failure`.
-template <class Result, class Body>
-Result Guarded(Result failure, const Body& body) noexcept {
-    try {
-        return body();
-    } catch (const std::bad_alloc&) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return failure;
-    }
-}
-
-// Sets the last error from a Win32 answer. Returns true if the call succeeded.
-bool Deliver(const Answer& answer);
-
-// The described errors of the disk or volume that a path refers to; null if it refers to none.
-const CallErrors* ErrorsOf(const Simulation& simulation, const NameIndex::Target& target);
-
 // Appends a null-terminated string to an answer's bytes.
 void AppendText(Bytes& bytes, const std::wstring& text);
 
@@ -75,5 +55,8 @@ void CopyBytes(const Answer& answer, LPWSTR buffer, DWORD size);
 
 // Returns an empty string for a null path.
 std::wstring TextOrEmpty(LPCWSTR text);
+
+// The current simulation if it opened the handle, now or earlier; otherwise null.
+Simulation* SimulationOf(HANDLE handle);
 
 }  // namespace machine::simulated

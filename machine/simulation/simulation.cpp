@@ -64,6 +64,28 @@ Volume* Simulation::FindVolume(const std::wstring& device) {
     return target.kind == NameIndex::Target::Kind::kVolume ? &description_.volumes[target.position] : nullptr;
 }
 
+const CallErrors* Simulation::ErrorsOf(const NameIndex::Target& target) const {
+    switch (target.kind) {
+        case NameIndex::Target::Kind::kDisk:
+            return &description_.disks[target.position].errors;
+        case NameIndex::Target::Kind::kVolume:
+            return &description_.volumes[target.position].errors;
+        case NameIndex::Target::Kind::kNone:
+            break;
+    }
+    return nullptr;
+}
+
+Answer Simulation::Open(OpenObject object) {
+    return Answer::Success(reinterpret_cast<std::uintptr_t>(handles_.Open(std::move(object))));
+}
+
+void Simulation::CloseIfFailed(const Answer& answer) {
+    if (answer.failed && answer.value != 0) {
+        handles_.Close(reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(answer.value)));
+    }
+}
+
 std::optional<std::uint32_t> Simulation::DescribedError(const Call& call) const {
     std::optional<std::uint32_t> error;
     if (call.errors != nullptr) {
@@ -75,17 +97,17 @@ std::optional<std::uint32_t> Simulation::DescribedError(const Call& call) const 
 Answer Simulation::Perform(const Call& call, const AnswerBody& body) {
     CallRecord record;
     record.ordinal = calls_.NextOrdinal();
-    record.family = call.family;
+    record.family = FamilyOf(call.name);
     record.name = call.name;
     record.object = call.object;
 
-    const FaultPlan::Verdict verdict = faults_.Judge(call.family, call.name, call.object);
+    const FaultPlan::Verdict verdict = faults_.Judge(record.family, call.name, call.object);
     std::optional<std::uint32_t> error = verdict.error;
     if (!error) {
         error = DescribedError(call);
         described_errors_met_ += error ? 1 : 0;
     }
-    Answer answer = error ? Answer::Failure(*error) : Computed(call.family, body);
+    Answer answer = error ? Answer::Failure(*error) : Computed(record.family, body);
     for (const auto& action : verdict.actions) {
         action(answer);
     }

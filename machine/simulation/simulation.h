@@ -68,10 +68,15 @@ public:
     const NameIndex& names();
     Disk* FindDisk(std::uint32_t index);
     Volume* FindVolume(const std::wstring& device);
+    // The described errors of the disk or volume that a path refers to; null if it refers to none.
+    const CallErrors* ErrorsOf(const NameIndex::Target& target) const;
+    // Keeps an object open. The answer's value is its handle.
+    Answer Open(OpenObject object);
+    // Closes what an answer opened before the fault plan failed it.
+    void CloseIfFailed(const Answer& answer);
     const std::shared_ptr<std::size_t>& object_count() const noexcept { return object_count_; }
 
     struct Call {
-        CallFamily family = CallFamily::kWin32;
         std::string name;
         std::wstring object;
         const CallErrors* errors = nullptr;  // described errors of the object

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/windows.h"
-#include "machine/simulation/simulation.h"
+#include "machine/simulation/call_frame.h"
 
 #include <ole2.h>
 
@@ -85,14 +85,9 @@ HRESULT GuardedCom(const Body& body) noexcept {
 // succeeds may set Answer::error to a success code, which the call then returns.
 inline HRESULT PerformCom(const char* name, std::wstring_view object, const CallErrors* errors,
                           const AnswerBody& body) noexcept {
-    return GuardedCom([&] {
-        Simulation* simulation = Simulation::Current();
-        if (simulation == nullptr) {
-            return AsHresult(0x80010108);  // RPC_E_DISCONNECTED
-        }
-        return AsHresult(
-            simulation->Perform({CallFamily::kCom, name, std::wstring(object), errors}, body).error);
-    });
+    return Simulated(
+        Simulation::Current(), name, HRESULT{E_OUTOFMEMORY}, [] { return AsHresult(0x80010108); },
+        [&](CallFrame& frame) { return AsHresult(frame.Perform(std::wstring(object), errors, body).error); });
 }
 
 }  // namespace machine

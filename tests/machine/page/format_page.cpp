@@ -1,16 +1,16 @@
-#include "machine/description/format_page.h"
+#include "machine/page/format_page.h"
 
 #include "machine/description/tables.h"
 
 #include <stdexcept>
 
-namespace machine {
+namespace machine_test {
 namespace {
 
 template <class Owner>
-std::string Lines(const rows::Table<Owner>& table) {
+std::string Lines(const machine::rows::Table<Owner>& table) {
     std::string lines = "| key | value | default | meaning |\n|---|---|---|---|\n";
-    for (const rows::Row<Owner>& row : table) {
+    for (const machine::rows::Row<Owner>& row : table) {
         lines += "| `" + row.key + "` | " + row.kind + " | " + row.otherwise + " | " + row.meaning;
         lines += row.meaning.empty() ? "|\n" : " |\n";
     }
@@ -22,17 +22,17 @@ std::string LinesOf(const std::string& name) {
         const char* name;
         std::string lines;
     } tables[] = {
-        {"machine", Lines(rows::MachineTable())},
-        {"disk", Lines(rows::DiskTable())},
-        {"detection", Lines(rows::DetectionTable())},
-        {"geometry", Lines(rows::GeometryTable())},
-        {"super floppy", Lines(rows::SuperFloppyTable())},
-        {"partition", Lines(rows::PartitionTable())},
-        {"mbr partition", Lines(rows::MbrTable())},
-        {"gpt partition", Lines(rows::GptTable())},
-        {"volume", Lines(rows::VolumeTable())},
-        {"directory", Lines(rows::DirectoryTable())},
-        {"firmware", Lines(rows::FirmwareTable())},
+        {"machine", Lines(machine::rows::MachineTable())},
+        {"disk", Lines(machine::rows::DiskTable())},
+        {"detection", Lines(machine::rows::DetectionTable())},
+        {"geometry", Lines(machine::rows::GeometryTable())},
+        {"super floppy", Lines(machine::rows::SuperFloppyTable())},
+        {"partition", Lines(machine::rows::PartitionTable())},
+        {"mbr partition", Lines(machine::rows::MbrTable())},
+        {"gpt partition", Lines(machine::rows::GptTable())},
+        {"volume", Lines(machine::rows::VolumeTable())},
+        {"directory", Lines(machine::rows::DirectoryTable())},
+        {"firmware", Lines(machine::rows::FirmwareTable())},
     };
     for (const auto& table : tables) {
         if (name == table.name) {
@@ -64,4 +64,4 @@ std::string WithTables(const std::string& page) {
     return result + page.substr(position);
 }
 
-}  // namespace machine
+}  // namespace machine_test

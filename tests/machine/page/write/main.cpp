@@ -1,5 +1,5 @@
 // Writes the tables of docs/machine-format.md anew. Usage: format_page FILE
-#include "machine/description/format_page.h"
+#include "machine/page/format_page.h"
 
 #include <cstdio>
 #include <exception>
@@ -16,7 +16,7 @@ int main(int count, char** arguments) {
     const std::string page{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
     input.close();
     try {
-        std::ofstream(arguments[1], std::ios::binary) << machine::WithTables(page);
+        std::ofstream(arguments[1], std::ios::binary) << machine_test::WithTables(page);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s: %s\n", arguments[1], error.what());
         return 1;
