@@ -27,7 +27,8 @@ void AddMbr(const Disk& disk, const Table& table, std::vector<std::string>& text
     texts.emplace_back("Type of the extended partition: 0F.");
     if (table.sorted_logicals) {
         texts.emplace_back(
-            "Order of the logical partitions: that of their offsets. The tools cannot make that of the document.");
+            "Order of the logical partitions: that of their offsets. The tools cannot make that of the "
+            "document.");
     }
     texts.emplace_back(
         "Places of the logical records: where the tool puts them, before each logical partition.");

@@ -38,8 +38,8 @@ Range AroundLogicals(const Disk& disk) {
 
 using Logicals = std::vector<const Partition*>;
 
-// The tools make the partitions in the order of the script. Before a logical one that they have made, they keep 1 MiB for
-// its record.
+// The tools make the partitions in the order of the script. Before a logical one that they have made, they
+// keep 1 MiB for its record.
 bool CanBeMadeInOrder(const Logicals& logicals) {
     constexpr std::uint64_t kKept = std::uint64_t{1} << 20U;
     std::set<std::uint64_t> made;  // where the logical partitions begin
@@ -89,7 +89,8 @@ Table MbrTable(const Disk& disk) {
     std::size_t placed = 0;
     const auto add_extended = [&] {
         if (extended && placed == slot) {
-            table.entries.push_back({number++, disk.extended ? *disk.extended : AroundLogicals(disk), nullptr});
+            table.entries.push_back(
+                {number++, disk.extended ? *disk.extended : AroundLogicals(disk), nullptr});
         }
     };
     for (const Partition& partition : *disk.partitions) {

@@ -20,7 +20,8 @@ struct Table {
     std::vector<TableEntry> entries;  // by number
     // The extended partition's place is not in the document and was taken from the logical ones.
     bool guessed_extended = false;
-    // The tools cannot make the logical partitions in the document's order; they are in that of their offsets.
+    // The tools cannot make the logical partitions in the document's order; they are in that of their
+    // offsets.
     bool sorted_logicals = false;
     std::uint32_t length = 128;    // of a GPT: the number of entries that it has room for
     std::size_t told_numbers = 0;  // of a GPT: how many entries have a number that the document tells

@@ -120,7 +120,7 @@ TEST(PlanLosses, PartitionWhereTheTableIs_HasNoScript) {
     Disk backup_table = EmptyDisk(1, Style::kGpt);
     Add(backup_table, 1, 99);
     Disk fits = EmptyDisk(2, Style::kGpt);
-    Add(fits, 1, 98);
+    Add(fits, 1, 98).id = "{BBBBBBBB-0000-4000-8000-000000000000}";
     EXPECT_THAT(Losses(MachineOf({super_floppy, backup_table, fits})),
                 ElementsAre("P006 note disk 0", "P006 note disk 1"));
 }

@@ -48,7 +48,8 @@ TEST(PlanTable, ExtendedWithoutLogicals_IsThere) {
     EXPECT_THAT(Entries(disk), ElementsAre("1x from 20", "2 from 1"));
 }
 
-// sfdisk 2.38 says "No free sectors available" to a logical partition that ends less than 1 MiB before one that it has.
+// sfdisk 2.38 says "No free sectors available" to a logical partition that ends less than 1 MiB before one
+// that it has.
 TEST(PlanTable, LogicalsThatTheToolsCannotMakeInOrder_AreSorted) {
     Disk disk = EmptyDisk(0, Style::kMbr);
     Add(disk, 40, 5, PartitionKind::kLogical);
