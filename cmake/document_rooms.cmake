@@ -27,10 +27,14 @@ orvane_room(NAME documents_commands DIR documents/commands ROOT . PORTABLE
          documents_model documents_text
     PACKAGES orvane_json orvane_cli11)
 
-# The template and the style of the report become texts of its room.
+# The templates and the style of the report become texts of its room.
 set(folder "${CMAKE_CURRENT_LIST_DIR}/../documents/report")
-file(READ "${folder}/page.mustache" ORVANE_PAGE_TEMPLATE)
-file(READ "${folder}/page.css" ORVANE_PAGE_STYLE)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${folder}/page.mustache" "${folder}/page.css")
-configure_file("${folder}/page_template.cpp.in" "${PROJECT_BINARY_DIR}/page_template.cpp" @ONLY)
-target_sources(documents_report PRIVATE "${PROJECT_BINARY_DIR}/page_template.cpp")
+foreach(template begin middle end disk part volume)
+    string(TOUPPER "ORVANE_${template}" variable)
+    file(READ "${folder}/${template}.mustache" ${variable})
+endforeach()
+file(READ "${folder}/page.css" ORVANE_STYLE)
+file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.mustache" "${folder}/*.css")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${sources})
+configure_file("${folder}/template_texts.cpp.in" "${PROJECT_BINARY_DIR}/template_texts.cpp" @ONLY)
+target_sources(documents_report PRIVATE "${PROJECT_BINARY_DIR}/template_texts.cpp")

@@ -1,6 +1,7 @@
 #include "documents/report/disk_section.h"
 
 #include "documents/report/disk_map.h"
+#include "documents/report/page_template.h"
 #include "documents/report/part_texts.h"
 #include "documents/report/volume_section.h"
 #include "documents/show/show.h"
@@ -97,30 +98,36 @@ PageData RowOf(const DiskPart& part) {
     return row;
 }
 
-PageData DiskOf(const Disk& disk, const std::vector<DiskPart>& parts) {
-    PageData data;
-    data["disk_number"] = std::to_string(disk.number);
-    data["disk_size"] = disk.size ? SizeText(*disk.size, false) : "of unknown size";
-    data["disk_facts"] = FactsOf(disk);
-    data["disk_note"] = TextOrNone(NoteOf(disk, !parts.empty()));
-    data["maps"] = MapsOf(parts);
-    data["has_parts"] = PageData(!parts.empty());
-    PageList rows;
-    for (const DiskPart& part : parts) {
-        rows.push_back(RowOf(part));
+class DiskTemplates {
+public:
+    void AppendTo(std::string& page, const Disk& disk, const std::vector<DiskPart>& parts) {
+        std::string rows;
+        for (const DiskPart& part : parts) {
+            part_.AppendTo(rows, RowOf(part));
+        }
+        PageData data;
+        data["disk_number"] = std::to_string(disk.number);
+        data["disk_size"] = disk.size ? SizeText(*disk.size, false) : "of unknown size";
+        data["disk_facts"] = FactsOf(disk);
+        data["disk_note"] = TextOrNone(NoteOf(disk, !parts.empty()));
+        data["maps"] = MapsOf(parts);
+        data["has_parts"] = PageData(!parts.empty());
+        data["parts"] = rows;
+        disk_.AppendTo(page, data);
     }
-    data["parts"] = std::move(rows);
-    return data;
-}
+
+private:
+    PageTemplate disk_{kDiskTemplate};
+    PageTemplate part_{kPartTemplate};
+};
 
 }  // namespace
 
-PageData DisksOf(const Machine& machine, const MachineParts& parts) {
-    PageList disks;
+void AppendDisks(std::string& page, const Machine& machine, const MachineParts& parts) {
+    DiskTemplates templates;
     for (const Disk& disk : machine.disks) {
-        disks.push_back(DiskOf(disk, parts.Of(disk)));
+        templates.AppendTo(page, disk, parts.Of(disk));
     }
-    return disks;
 }
 
 }  // namespace documents

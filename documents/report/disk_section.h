@@ -1,11 +1,12 @@
 #pragma once
 
 #include "documents/report/machine_parts.h"
-#include "documents/report/page_data.h"
+
+#include <string>
 
 namespace documents {
 
-// The disks with their maps and tables.
-PageData DisksOf(const Machine& machine, const MachineParts& parts);
+// Appends the disks with their maps and tables.
+void AppendDisks(std::string& page, const Machine& machine, const MachineParts& parts);
 
 }  // namespace documents

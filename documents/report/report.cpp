@@ -5,11 +5,9 @@
 #include "documents/report/summary.h"
 #include "documents/report/verdict_section.h"
 #include "documents/report/volume_section.h"
-#include "documents/text/utf8.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -93,8 +91,8 @@ PageData FindingsOf(const std::vector<Finding>& findings) {
     return rows;
 }
 
-PageData PageOf(const ReportInput& input) {
-    const MachineParts parts(input.machine);
+// All but the disks and the volumes.
+PageData PageOf(const ReportInput& input, const MachineParts& parts) {
     PageData page;
     page["style"] = kPageStyle;
     page["computer"] = ComputerOf(input.machine);
@@ -102,9 +100,8 @@ PageData PageOf(const ReportInput& input) {
     page["windows"] = TextOrNone(WindowsOf(input.machine));
     page["states"] = StatesOf(input);
     page["summary"] = SummaryOf(input.machine, parts, input.document);
-    page["disks"] = DisksOf(input.machine, parts);
+    page["has_disks"] = PageData(!input.machine.disks.empty());
     page["has_volumes"] = PageData(!input.machine.volumes.empty());
-    page["volumes"] = VolumesOf(input.machine, parts, input.verdicts);
     page["has_verdicts"] = PageData(input.verdicts != nullptr);
     if (input.verdicts != nullptr) {
         page["verdict_tables"] = VerdictTablesOf(*input.verdicts);
@@ -119,13 +116,15 @@ PageData PageOf(const ReportInput& input) {
 }  // namespace
 
 std::string ReportPage(const ReportInput& input) {
-    kainjow::mustache::mustache page{std::string(kPageTemplate)};
-    if (!page.is_valid()) {
-        throw std::logic_error("page.mustache: " + page.error_message());
-    }
-    page.set_custom_escape(
-        [](const std::string& text) { return kainjow::mustache::html_escape(Escaped(text)); });
-    return page.render(PageOf(input));
+    const MachineParts parts(input.machine);
+    const PageData data = PageOf(input, parts);
+    std::string page;
+    PageTemplate(kBeginTemplate).AppendTo(page, data);
+    AppendDisks(page, input.machine, parts);
+    PageTemplate(kMiddleTemplate).AppendTo(page, data);
+    AppendVolumes(page, input.machine, parts, input.verdicts);
+    PageTemplate(kEndTemplate).AppendTo(page, data);
+    return page;
 }
 
 }  // namespace documents

@@ -1,6 +1,7 @@
 #include "documents/report/volume_section.h"
 
 #include "documents/report/disk_map.h"
+#include "documents/report/page_template.h"
 #include "documents/report/part_texts.h"
 #include "documents/report/verdict_section.h"
 #include "documents/show/show.h"
@@ -125,13 +126,13 @@ std::string LabelOf(const Volume& volume) {
     return text;
 }
 
-PageData VolumesOf(const Machine& machine, const MachineParts& parts, const Verdicts* verdicts) {
+void AppendVolumes(std::string& page, const Machine& machine, const MachineParts& parts,
+                   const Verdicts* verdicts) {
     const VerdictIndex index(verdicts);
-    PageList volumes;
+    PageTemplate row(kVolumeTemplate);
     for (const Volume& volume : machine.volumes) {
-        volumes.push_back(VolumeOf(volume, parts, index.Of(volume)));
+        row.AppendTo(page, VolumeOf(volume, parts, index.Of(volume)));
     }
-    return volumes;
 }
 
 }  // namespace documents

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "documents/report/machine_parts.h"
-#include "documents/report/page_data.h"
 #include "documents/report/verdicts.h"
 
 #include <string>
@@ -15,7 +14,8 @@ std::vector<std::string> MarksOf(const Volume& volume);
 // "Data, NTFS": the label, unless it is the volume's title, and the file system.
 std::string LabelOf(const Volume& volume);
 
-// The table of the volumes. `verdicts` may be null.
-PageData VolumesOf(const Machine& machine, const MachineParts& parts, const Verdicts* verdicts);
+// Appends the rows of the volumes. `verdicts` may be null.
+void AppendVolumes(std::string& page, const Machine& machine, const MachineParts& parts,
+                   const Verdicts* verdicts);
 
 }  // namespace documents

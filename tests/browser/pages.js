@@ -71,4 +71,4 @@ function makePages() {
   return {folder, pages};
 }
 
-module.exports = {hostile, makePages, report};
+module.exports = {hostile, machines, makePages, program, root};
