@@ -12,8 +12,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
-        const documents::Machine machine =
-            documents::ReadDocument(std::string(reinterpret_cast<const char*>(data), size), {.code_page = {}});
+        const documents::Machine machine = documents::ReadDocument(
+            std::string(reinterpret_cast<const char*>(data), size), {.code_page = {}});
         documents::Verify(machine);
         documents::TreeOf(machine, {.bytes = false, .colour = true, .width = 40});
         documents::JsonOf("file", machine);
