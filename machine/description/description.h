@@ -283,8 +283,9 @@ Description LoadDescription(const std::filesystem::path& machine);
 Description ParseDescription(const std::string& json, const std::string& name,
                              const std::filesystem::path& directory = {});
 
-// The JSON text of a description, without what ParseDescription derives by itself. Image paths below
-// `directory` are written relative to it. Throws std::bad_alloc only.
+// The JSON text of a description, without what ParseDescription derives by itself. Image paths are written
+// relative to `directory`. What the format cannot say is left out: the partition of a volume except for its
+// number if it is not that of its disk, and that a WMI object lacks a property of the derived one.
 std::string WriteDescription(const Description& description, const std::filesystem::path& directory = {});
 
 }  // namespace machine
