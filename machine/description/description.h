@@ -6,13 +6,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -92,11 +92,19 @@ struct WmiClass {
 };
 
 inline bool operator==(const DISK_INT13_INFO& left, const DISK_INT13_INFO& right) noexcept {
-    return std::memcmp(&left, &right, sizeof(left)) == 0;
+    const auto members = [](const DISK_INT13_INFO& info) {
+        return std::tie(info.DriveSelect, info.MaxCylinders, info.SectorsPerTrack, info.MaxHeads,
+                        info.NumberDrives);
+    };
+    return members(left) == members(right);
 }
 
 inline bool operator==(const DISK_EX_INT13_INFO& left, const DISK_EX_INT13_INFO& right) noexcept {
-    return std::memcmp(&left, &right, sizeof(left)) == 0;
+    const auto members = [](const DISK_EX_INT13_INFO& info) {
+        return std::tie(info.ExBufferSize, info.ExFlags, info.ExCylinders, info.ExHeads,
+                        info.ExSectorsPerTrack, info.ExSectorsPerDrive, info.ExSectorSize, info.ExReserved);
+    };
+    return members(left) == members(right);
 }
 
 struct Disk {

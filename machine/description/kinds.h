@@ -33,8 +33,8 @@ Kind<std::uint32_t> Named(std::span<const NamedNumber> table);
 
 // Values of a kind for which `fault` returns null; otherwise it returns the reason to refuse them.
 template <class T>
-Kind<T> Checked(std::string name, Kind<T> kind, const char* (*fault)(const T&)) {
-    kind.name = std::move(name);
+Kind<T> Checked(const std::string& name, Kind<T> kind, const char* (*fault)(const T&)) {
+    kind.name = name;
     kind.read = [read = std::move(kind.read), fault](const JsonCursor& cursor, const Place& place) {
         T value = read(cursor, place);
         if (const char* reason = fault(value)) {

@@ -17,8 +17,8 @@ std::vector<Partition> Numbered(const Disk& disk) {
     return numbered.partitions;
 }
 
-std::uint32_t SectorsBetween(const Disk& disk, std::uint64_t record, std::uint64_t offset) {
-    return static_cast<std::uint32_t>((offset >= record ? offset - record : 0) / disk.bytes_per_sector);
+std::uint32_t SectorsBetween(const Disk& disk, std::uint64_t from, std::uint64_t to) {
+    return static_cast<std::uint32_t>((to >= from ? to - from : 0) / disk.bytes_per_sector);
 }
 
 // Puts described MBR partitions into the entries of a disk.
@@ -63,7 +63,7 @@ private:
     }
 
     Partition Entry(const DescribedPartition& described, std::size_t entry, std::uint64_t record) {
-        Partition partition = described;
+        auto partition = static_cast<const Partition&>(described);
         partition.style = PARTITION_STYLE_MBR;
         partition.hidden_sectors =
             described.given_hidden.value_or(SectorsBetween(disk_, record, described.offset));

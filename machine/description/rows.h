@@ -151,8 +151,7 @@ struct Row {
               Derived{"", [initial = Copy(std::invoke(member, Initial()))](const Owner&,
                                                                            const Place&) { return initial; }},
               std::move(own_meaning)) {
-        otherwise = DefaultText(Written(own_kind, std::invoke(member, Initial()), Place{}));
-        fill = nullptr;
+        KeepInitial(DefaultText(Written(own_kind, std::invoke(member, Initial()), Place{})));
     }
 
     template <class Member, class T>
@@ -165,7 +164,7 @@ struct Row {
               [member, own_kind](const Owner& owner, const Place& place) {
                   return std::optional(Written(own_kind, std::invoke(member, owner), place));
               }) {
-        required = true;
+        Require();
     }
 
     // The same row with another text for its default.
@@ -185,6 +184,13 @@ private:
         static const Owner initial{};
         return initial;
     }
+    // The initial value of the member is the default.
+    void KeepInitial(std::string text) {
+        otherwise = std::move(text);
+        fill = nullptr;
+    }
+    void Require() { required = true; }
+
     template <class Member>
     static Member Copy(const Member& member) {
         return member;

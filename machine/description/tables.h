@@ -35,8 +35,8 @@ const Table<DescribedPartition>& MbrTable();
 const Table<DescribedPartition>& GptTable();
 
 // The partitions of an MBR or GPT disk. Its size, sector size and style must be set.
-void ReadPartitions(Disk& disk, const JsonCursor& cursor, const Place& place);
-Json WritePartitions(const Disk& disk, const Place& place);
+void ReadPartitions(Disk& disk, const JsonCursor& cursor, const Place& outer);
+Json WritePartitions(const Disk& disk, const Place& outer);
 
 // The same for the described partitions of an MBR disk; `cursor` is their list.
 void PutMbrPartitions(Disk& disk, const std::vector<DescribedPartition>& list, const JsonCursor& cursor);

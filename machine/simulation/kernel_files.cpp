@@ -56,7 +56,7 @@ bool IsFile(const OpenObject* object) {
 }
 
 const CallErrors* ErrorsOfFile(Simulation& simulation, const OpenObject* object) {
-    if (!IsFile(object)) {
+    if (object == nullptr || !IsFile(object)) {
         return nullptr;
     }
     if (object->kind == OpenObject::Kind::kDisk) {

@@ -38,7 +38,7 @@ public:
     const VARIANT& get() const { return value_; }
 
 private:
-    VARIANT value_;
+    VARIANT value_{};
 };
 
 class OwnArray {

@@ -28,10 +28,11 @@ struct Sizes {
     bool exact = false;
 };
 
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the order of the columns of the table
 struct QuestionRow {
-    Subject subject;
-    const char* call;
-    const wchar_t* object;  // of kMachine
+    Subject subject = Subject::kMachine;
+    const char* call = nullptr;
+    const wchar_t* object = nullptr;  // of kMachine
     Sizes sizes;
     bool opens = false;  // asked with read access and with none
 };

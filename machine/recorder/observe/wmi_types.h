@@ -13,8 +13,8 @@ namespace recorder {
 // A type of property and its name in the observations. `element_bytes` is the size of an element of an array
 // of numbers, 0 for all other types.
 struct WmiType {
-    VARTYPE type;
-    const wchar_t* name;
+    VARTYPE type = VT_EMPTY;
+    const wchar_t* name = nullptr;
     std::size_t element_bytes = 0;
 };
 
