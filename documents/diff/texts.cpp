@@ -9,9 +9,8 @@ namespace {
 std::string Hexadecimal(std::uint32_t number, std::size_t digits) {
     static constexpr std::string_view kDigits = "0123456789ABCDEF";
     std::string text(digits, '0');
-    for (auto digit = text.rbegin(); digit != text.rend(); ++digit) {
-        *digit = kDigits[number % 16U];
-        number /= 16U;
+    for (std::size_t place = digits; place-- > 0; number /= 16U) {
+        text[place] = kDigits[number % 16U];
     }
     return text;
 }

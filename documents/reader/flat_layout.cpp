@@ -147,7 +147,7 @@ void FlatLayout::TakeDiskDrives(Row& /*row*/) {
                      [](const Disk& one, const Disk& other) { return one.number < other.number; });
 }
 
-Extent FlatLayout::PlaceOf(Row& row) const {
+Extent FlatLayout::PlaceOf(Row& row) {
     Extent extent;
     extent.signature = NotZero(row.Unsigned32("m_dwDiskSignature"));
     extent.disk_id = row.Guid("disk_guid");

@@ -32,7 +32,7 @@ private:
     void TakeDriveLetterTable(Row& row);
     void TakeBootConfig(Row& row);
 
-    Extent PlaceOf(Row& row) const;
+    static Extent PlaceOf(Row& row);
     void TakeStyle(Row& row, Disk& disk) const;
     void RequireDisks() const;
     void GiveIdsToDisks();

@@ -11,6 +11,7 @@ namespace {
 // The ranges by offset, without overlaps and with at least a byte between them.
 std::vector<Range> Merged(const std::vector<Partition>& partitions) {
     std::vector<Range> ranges;
+    ranges.reserve(partitions.size());
     for (const Partition& partition : partitions) {
         ranges.push_back(partition.place);
     }

@@ -16,7 +16,7 @@ private:
     void TakePartition(Row& row);
     void TakeDisk(Row& row);
     void TakeReadableDisk(Row& row, Disk& disk);
-    void TakeStyle(Row& row, Disk& disk);
+    static void TakeStyle(Row& row, Disk& disk);
     void TakeDeviceInfo(Row& row);
     void TakeExtent(Row& row);
     void TakeVolume(Row& row);

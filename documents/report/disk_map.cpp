@@ -128,7 +128,7 @@ PageData MapOf(const std::vector<DiskPart>& parts, const MapKind& kind) {
         pieces.push_back(std::move(piece));
         x += widths[index];
     }
-    map["pieces"] = std::move(pieces);
+    map["pieces"] = pieces;
     return map;
 }
 

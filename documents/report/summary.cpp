@@ -164,7 +164,7 @@ PageData FactSectionsOf(const Machine& machine) {
     for (auto& [name, rows] : sections) {
         PageData section;
         section["fact_section"] = name;
-        section["fact_rows"] = std::move(rows);
+        section["fact_rows"] = rows;
         data.push_back(std::move(section));
     }
     return data;

@@ -24,7 +24,7 @@ PageData RowOf(const Verdict& verdict, const std::string& title, const std::stri
     for (const Reason& reason : verdict.reasons) {
         reasons.emplace_back(reason.code.empty() ? reason.text : reason.code + ": " + reason.text);
     }
-    row["reasons"] = std::move(reasons);
+    row["reasons"] = reasons;
     return row;
 }
 
@@ -64,7 +64,7 @@ PageData TableOf(const TableTexts& texts, const List* list) {
                                                    : rows.empty()  ? "None found."
                                                                    : ""));
     table["has_rows"] = PageData(!rows.empty());
-    table["verdict_rows"] = std::move(rows);
+    table["verdict_rows"] = rows;
     return table;
 }
 
