@@ -57,7 +57,7 @@ std::optional<std::string> CaptureDocument(const CaptureOptions& options, std::o
         const std::wstring list = MultiStringOf(options.volumes);
         library.SetupSelectedVolumesList(list.data(), list.size());
     }
-    const std::optional<std::string> document = FetchDocument(library.CaptureSystemRestorePointInfo);
+    std::optional<std::string> document = FetchDocument(library.CaptureSystemRestorePointInfo);
     log.RequireWritten();
     if (!document || options.raw) {
         return document;
