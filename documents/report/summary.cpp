@@ -40,7 +40,7 @@ public:
         rows_.push_back(std::move(row));
     }
 
-    PageData Take() { return std::move(rows_); }
+    PageList Take() { return std::move(rows_); }
 
 private:
     PageList rows_;

@@ -8,6 +8,7 @@
 #include <psapi.h>
 
 #include <array>
+#include <span>
 
 namespace faults {
 

@@ -2,6 +2,8 @@
 
 #include "support/debugger_capture.h"
 
+#include <gtest/gtest.h>
+
 #include <ctime>
 #include <regex>
 #include <string>
