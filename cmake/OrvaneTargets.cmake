@@ -77,6 +77,16 @@ function(orvane_program name)
     target_link_options(${name} PRIVATE -static)
 endfunction()
 
+# Gives a program or library its version resource. TYPE is VFT_APP or VFT_DLL, FILE the name of the target's file. A library
+# of its own, because the resource compiler does not take the compile options of the target.
+function(orvane_version_resource target)
+    cmake_parse_arguments(PARSE_ARGV 1 RESOURCE "" "TYPE;FILE;DESCRIPTION" "")
+    set(resource "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/version.rc.in" "${resource}" @ONLY)
+    add_library(${target}_version OBJECT "${resource}")
+    target_sources(${target} PRIVATE $<TARGET_OBJECTS:${target}_version>)
+endfunction()
+
 # No optimisation, because tests are compiled often and run once.
 add_library(orvane_test_options INTERFACE)
 target_compile_options(orvane_test_options INTERFACE -O0)

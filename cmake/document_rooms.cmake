@@ -27,6 +27,8 @@ orvane_room(NAME documents_commands DIR documents/commands ROOT . PORTABLE
          documents_model documents_text
     PACKAGES orvane_json orvane_cli11)
 
+target_compile_definitions(documents_commands PRIVATE ORVANE_VERSION="${ORVANE_VERSION}")
+
 # The templates and the style of the report become texts of its room.
 set(folder "${CMAKE_CURRENT_LIST_DIR}/../documents/report")
 foreach(template begin middle end disk part volume)

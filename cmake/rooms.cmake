@@ -32,8 +32,7 @@ orvane_room(NAME orvane_grabber DIR src/capture/grabber
 orvane_room(NAME orvane_exports DIR src/capture/exports
     USES orvane_grabber orvane_environment orvane_disk orvane_platform orvane_logger orvane_text)
 
-# The version is defined only in CMakeLists.txt.
-target_compile_definitions(orvane_environment PUBLIC ORVANE_VERSION="${PROJECT_VERSION}")
+target_compile_definitions(orvane_environment PUBLIC ORVANE_VERSION="${ORVANE_VERSION}")
 
 # The library's entry point, its heap and the memory of the C++ runtime. Only the finished DLL links it.
 orvane_room(NAME orvane_runtime DIR src/runtime)

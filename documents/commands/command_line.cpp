@@ -7,6 +7,7 @@
 namespace documents {
 
 CommandLine::CommandLine(CLI::App& program, const AddCapture& capture) {
+    program.set_version_flag("--version", "orvane " ORVANE_VERSION, "Shows the version of this program");
     for (const auto& add : {AddShow, AddVerify, AddReport, AddPlan}) {
         commands_.push_back(add(program));
     }

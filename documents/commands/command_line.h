@@ -7,8 +7,8 @@
 
 namespace documents {
 
-// The commands for documents of a program. Refers to the program's parser, which must outlive it. `capture`
-// is that of AddDiff.
+// The commands for documents of a program, and its version. Refers to the program's parser, which must
+// outlive it. `capture` is that of AddDiff.
 class CommandLine {
 public:
     explicit CommandLine(CLI::App& program, const AddCapture& capture = {});

@@ -15,6 +15,7 @@ import xml.etree.ElementTree as ElementTree
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLES = ROOT / "examples/machines"
 PROGRAM = pathlib.Path(os.environ["ORVANE_EXE"])
+VERSION = (ROOT / "VERSION").read_text().strip()
 MACHINES = sorted(file.parent for file in EXAMPLES.glob("*/machine.json"))
 WORKSTATION = EXAMPLES / "uefi-workstation"
 

@@ -4,7 +4,7 @@
 import shutil
 import unittest
 
-from host import HostTest, PROGRAM, run
+from host import HostTest, PROGRAM, VERSION, run
 
 MACHINE_OPTIONS = ["--machine", "--log", "--verbose"]
 OPTIONS = {
@@ -29,10 +29,15 @@ class Arguments(HostTest):
                 for option in options:
                     self.assertIn(option.encode(), result.out)
 
+    def test_version_option_tells_the_version_of_the_program(self):
+        result = run("--version")
+        self.assert_done(result)
+        self.assertEqual(result.out, f"orvane {VERSION}\n".encode())
+
     def test_version_tells_library_and_interface(self):
         result = run("version")
         self.assert_done(result)
-        self.assertEqual(result.out, b"Orvane.dll 9.50.6732.0, interface version 4\n")
+        self.assertEqual(result.out, f"Orvane.dll {VERSION}.0, interface version 4\n".encode())
 
     def test_bad_usage_is_refused(self):
         for arguments in ([], ["frobnicate"], ["capture", "--frobnicate"], ["capture", "--format", "two"],

@@ -2,8 +2,7 @@
 
 #include <string>
 
-// The product version, "9.50.6732". The build defines it once, for the version resource and for this
-// constant.
+// The product version, "9.50.6732". It stands in the file VERSION, for the whole build.
 inline constexpr char kDllVersion[] = ORVANE_VERSION;
 
 // The version as the record holds it, with a trailing dot: compatibility C61
