@@ -5,7 +5,7 @@
 #                             These three describe an example workstation unless ARGS contains --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
 #   make native               orvane for this system, with the commands for documents alone: build/native/bin/orvane
-#   make fuzz                 feeds the reader of documents with altered ones; ARGS=3600 for an hour instead of a minute
+#   make fuzz                 feeds the readers of documents and descriptions with altered ones; ARGS=3600 for an hour instead of a minute
 #   make test-documents       the tests of the documents that need a browser or DuckDB; installs them
 #   make loop ARGS="..."      random disks: captured, planned, made again, captured again (ARGS=--help lists the options)
 #   make expect CASE=NAME     writes the expected files of a described machine, to be read as a difference
