@@ -2,7 +2,8 @@
 #   make capture ARGS="..."   the environment document on standard output (ARGS=--help lists the arguments)
 #   make dump ARGS=disks      lines for support staff: wmi, disks, volumes or firmware
 #   make check ARGS="..."     what can be backed up, and why not
-#                             These three describe an example workstation unless ARGS contains --machine.
+#   make record ARGS="..."    records a machine as a description, with a proof (ARGS=--help lists the arguments)
+#                             These four describe an example workstation unless ARGS contains --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
 #   make native               orvane for this system, with the commands for documents alone: build/native/bin/orvane
 #   make fuzz                 feeds the readers of documents and descriptions with altered ones; ARGS=3600 for an hour instead of a minute
@@ -29,14 +30,14 @@ DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/ue
 
 export JOBS
 
-.PHONY: capture dump check test test-documents native fuzz loop expect format-page faults alter bench lint format coverage build setup clean
+.PHONY: capture dump check record test test-documents native fuzz loop expect format-page faults alter bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
 	@scripts/setup build test lint coverage
 
 # Only the command itself writes to standard output.
-capture dump check:
+capture dump check record:
 	@scripts/setup build >&2
 	@scripts/build $(PRESET) --target Orvane orvane >&2
 	@scripts/wine-run $(BUILD)/bin/orvane.exe $@ $(ARGS) $(DESCRIBED)

@@ -116,6 +116,9 @@ struct Disk {
     std::uint32_t tracks_per_cylinder = 255;
     std::uint32_t sectors_per_track = 63;
 
+    std::uint32_t open_for_reading_error = 0;  // nor for writing; with no access it can be opened
+    std::uint32_t geometry_bytes = 112;        // that the extended geometry control returns at most
+
     std::uint32_t detection_type = 0;  // 0 none, 1 int 13, 2 extended int 13
     DISK_INT13_INFO int13{};
     DISK_EX_INT13_INFO ex_int13{};
@@ -192,6 +195,7 @@ struct Volume {
     ShortExtents short_extents = ShortExtents::kFirst;
     std::optional<Partition> partition;        // what the partition controls return
     std::uint32_t open_for_writing_error = 0;  // 0: it can be opened for writing
+    std::uint32_t open_for_reading_error = 0;  // nor for writing; with no access it can be opened
     CallErrors errors;
 
     bool operator==(const Volume&) const = default;
@@ -248,6 +252,7 @@ struct Firmware {
 // what the system would return.
 struct Description {
     std::string name;
+    std::uint32_t recording = 0;  // 0 no recording, 1 as it was recorded, 2 redacted
     std::vector<Disk> disks;
     std::vector<Volume> volumes;
     std::vector<DosDevice> dos_devices;  // in addition to those of disks and volumes

@@ -227,6 +227,9 @@ Table<Disk> PartitionRows() {
 
 Table<Disk> DeviceRows() {
     return {
+        {"openForReadingError", &Disk::open_for_reading_error, Number(),
+         "the error with which opening it for reading or writing fails, but not with no access; 0: it does "
+         "not"},
         {"openForWritingError", &Disk::open_for_writing_error, Number(),
          "the error with which opening it for writing fails; 0: it does not"},
         {"mediaType", &Disk::media_type, Named(kMediaTypes), ""},
@@ -305,6 +308,8 @@ const Table<Disk>& DiskTable() {
         {{{"index", &Disk::index, Number(), Required{}, "the N of `\\\\.\\PhysicalDrive`N; unique"},
           {"bytesPerSector", &Disk::bytes_per_sector,
            Checked("512, 1024, 2048 or 4096", Number(), SectorSizeFault), ""},
+          {"geometryBytes", &Disk::geometry_bytes, Number(),
+           "what the extended geometry control returns at most; less than 112 without a detection record"},
           {"offline", &Disk::offline, Flag(), "true: the older layout control fails with error 21"},
           {"recognition", &Disk::recognizes_all, Named(kRecognitions),
            "`type`: MBR entries are recognised by their type; `used`: every used entry that is no "

@@ -7,6 +7,8 @@
 namespace machine::rows {
 namespace {
 
+constexpr NamedNumber kRecordings[] = {{"none", 0}, {"plain", 1}, {"redacted", 2}};
+
 Kind<std::wstring> DriveRoot() {
     return Checked<std::wstring>("text", Text(), [](const std::wstring& drive) {
         return !DriveNumber(drive) || drive.size() != 3 ? "must be a drive root like \"C:\\\\\"" : nullptr;
@@ -40,6 +42,8 @@ const Table<Description>& MachineTable() {
           {"comment", "text", "none", "ignored",
            [](Description&, const JsonCursor& cursor, Place&) { static_cast<void>(cursor.Text()); },
            [](const Description&, const Place&) { return std::nullopt; }},
+          {"recording", &Description::recording, Named(kRecordings),
+           "ignored; `orvane record` writes `plain`, or `redacted` if it replaced what tells about people"},
           {"disks", &Description::disks, Disks(), ""},
           {"volumes", &Description::volumes, Volumes(), ""},
           {"dosDevices", &Description::dos_devices, DosDevices(),

@@ -283,7 +283,10 @@ const Table<Volume>& VolumeTable() {
     static const Table<Volume> table =
         Joined({NameRows(),
                 SpaceRows(),
-                {{"openForWritingError", &Volume::open_for_writing_error, Number(),
+                {{"openForReadingError", &Volume::open_for_reading_error, Number(),
+                  "the error with which opening it for reading or writing fails, but not with no access; 0: "
+                  "it does not"},
+                 {"openForWritingError", &Volume::open_for_writing_error, Number(),
                   "the error with which opening it for writing fails; 0: it does not"},
                  {"extentsShortError", &Volume::extents_short_error, Number(),
                   "the error for a buffer that holds some extents but not all; none: 234"},

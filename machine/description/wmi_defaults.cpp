@@ -126,7 +126,7 @@ SystemPlaces PlacesOf(const Description& description) {
     places.partition = L"\\Device\\Harddisk0\\Partition1";
     if (const Volume* system = VolumeAt(description, description.current_drive)) {
         places.system_device = system->device;
-        if (system->partition && system->extents) {
+        if (system->partition && system->extents && !system->extents->empty()) {
             places.partition = L"\\Device\\Harddisk" + std::to_wstring(system->extents->front().disk) +
                                L"\\Partition" + std::to_wstring(system->partition->number);
         }

@@ -21,7 +21,7 @@ Answer DriveGeometryEx(Disk& disk, const ControlRequest& request) {
         return Answer::Failure(ERROR_INSUFFICIENT_BUFFER);
     }
     Bytes bytes = DriveGeometryExBytes(disk);
-    bytes.resize(std::min(bytes.size(), request.output_size));
+    bytes.resize(std::min({bytes.size(), request.output_size, std::size_t{disk.geometry_bytes}}));
     return Answer::Success(std::move(bytes));
 }
 
@@ -184,10 +184,14 @@ Answer AnswerVolumeControl(Simulation& simulation, const Volume& volume, const C
     }
 }
 
-Answer AnswerControl(Simulation& simulation, const OpenObject& object, const ControlRequest& request) {
+bool MayControl(DWORD code, std::uint32_t access) {
     // Bits 14 and 15 of a control code hold the access that it requires.
-    const std::uint32_t demanded = (request.code >> 14) & (FILE_READ_ACCESS | FILE_WRITE_ACCESS);
-    if ((demanded & ~request.access) != 0) {
+    const std::uint32_t demanded = (code >> 14) & (FILE_READ_ACCESS | FILE_WRITE_ACCESS);
+    return (demanded & ~access) == 0;
+}
+
+Answer AnswerControl(Simulation& simulation, const OpenObject& object, const ControlRequest& request) {
+    if (!MayControl(request.code, request.access)) {
         return Answer::Failure(ERROR_ACCESS_DENIED);
     }
     if (object.kind == OpenObject::Kind::kDisk) {

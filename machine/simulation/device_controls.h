@@ -18,6 +18,9 @@ struct ControlRequest {
     std::uint32_t access = 0;  // rights of the handle: FILE_READ_DATA, FILE_WRITE_DATA
 };
 
+// Whether a handle with these rights may send the control. The system checks it before any driver is asked.
+bool MayControl(DWORD code, std::uint32_t access);
+
 // Answers a device control on an open disk, volume or root directory. Returns at most `output_size` bytes.
 Answer AnswerControl(Simulation& simulation, const OpenObject& object, const ControlRequest& request);
 

@@ -32,17 +32,23 @@ Answer Opened(Simulation& simulation, const std::wstring& path, const NameIndex:
     OpenObject object;
     object.name = path;
     object.access = GrantedAccess(access);
+    std::uint32_t reading_error = 0;
     std::uint32_t writing_error = 0;
     if (target.kind == NameIndex::Target::Kind::kDisk) {
         const Disk& disk = simulation.machine().disks[target.position];
         object.kind = OpenObject::Kind::kDisk;
         object.disk = disk.index;
+        reading_error = disk.open_for_reading_error;
         writing_error = disk.open_for_writing_error;
     } else {
         const Volume& volume = simulation.machine().volumes[target.position];
         object.kind = target.root ? OpenObject::Kind::kRootDirectory : OpenObject::Kind::kVolume;
         object.device = volume.device;
+        reading_error = target.root ? 0 : volume.open_for_reading_error;
         writing_error = volume.open_for_writing_error;
+    }
+    if (reading_error != 0 && object.access != 0) {
+        return Answer::Failure(reading_error);
     }
     if (writing_error != 0 && (object.access & FILE_WRITE_ACCESS) != 0) {
         return Answer::Failure(writing_error);
@@ -69,10 +75,14 @@ const CallErrors* ErrorsOfFile(Simulation& simulation, const OpenObject* object)
 
 // Performs a call on an open file. `body` is not run for other handles.
 template <class Body>
-Answer PerformOnFile(CallFrame& frame, OpenObject* object, const Body& body) {
-    return frame.Perform(object == nullptr ? std::wstring() : object->name,
-                         ErrorsOfFile(frame.simulation(), object),
+Answer PerformOnFile(CallFrame& frame, OpenObject* object, const CallErrors* errors, const Body& body) {
+    return frame.Perform(object == nullptr ? std::wstring() : object->name, errors,
                          [&] { return IsFile(object) ? body() : Answer::Failure(ERROR_INVALID_HANDLE); });
+}
+
+template <class Body>
+Answer PerformOnFile(CallFrame& frame, OpenObject* object, const Body& body) {
+    return PerformOnFile(frame, object, ErrorsOfFile(frame.simulation(), object), body);
 }
 
 Answer Written(Simulation& simulation, OpenObject& object, const void* data, DWORD size,
@@ -150,7 +160,10 @@ BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID input, DWORD input
         [&](CallFrame& frame) {
             frame.SetKind(ControlName(code));
             OpenObject* object = frame.simulation().handles().Find(handle);
-            const Answer answer = PerformOnFile(frame, object, [&] {
+            // The system refuses a handle without the rights before the driver can fail.
+            const bool refused = IsFile(object) && !MayControl(code, object->access);
+            const CallErrors* errors = refused ? nullptr : ErrorsOfFile(frame.simulation(), object);
+            const Answer answer = PerformOnFile(frame, object, errors, [&] {
                 if (returned == nullptr && overlapped == nullptr) {
                     return Answer::Failure(ERROR_NOACCESS);
                 }

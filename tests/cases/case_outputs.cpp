@@ -1,7 +1,7 @@
 #include "cases/case_outputs.h"
 
 #include "cases/case_folder.h"
-#include "cases/masks.h"
+#include "machine/recorder/prove/masks.h"
 #include "machine/simulation/simulation.h"
 #include "support/log_capture.h"
 #include "tools/orvane/capture_command.h"
@@ -100,7 +100,7 @@ Output Document(const std::filesystem::path& folder, std::uint32_t format) {
     });
     RequireNothingLeft();
     if (document) {
-        return {FormatName(format) + ".xml", Masked(host::IndentXml(host::FromAnsi(*document)))};
+        return {FormatName(format) + ".xml", recorder::Masked(host::IndentXml(host::FromAnsi(*document)))};
     }
     // A reason may be a warning.
     const std::string reasons = LogText(log.all(), ORVANE_LEVEL_WARNING);

@@ -32,8 +32,9 @@ public:
 
 void AnswerLines(const recorder::SystemFunctions& functions) {
     for (std::string line; std::getline(std::cin, line);) {
-        const recorder::Answer answer = recorder::Ask(functions, recorder::ParseQuestion(line));
-        std::cout << recorder::AnswerLine(answer) << '\n' << std::flush;
+        recorder::Observation observation = recorder::ParseObservation(line);
+        observation.answer = recorder::Ask(functions, observation.question);
+        std::cout << recorder::ObservationLine(observation) << '\n' << std::flush;
     }
 }
 

@@ -15,9 +15,10 @@ recorder::Answer AskingProcess::Ask(const recorder::Question& question) {
         child_ = std::make_unique<ChildProcess>(command_);
     }
     std::string line;
-    const ChildProcess::Outcome outcome = child_->Exchange(recorder::QuestionLine(question), line, limit_);
+    const ChildProcess::Outcome outcome =
+        child_->Exchange(recorder::ObservationLine({question, {}}), line, limit_);
     if (outcome == ChildProcess::Outcome::kAnswered) {
-        return recorder::ParseAnswer(line);
+        return recorder::ParseObservation(line).answer;
     }
     recorder::Answer answer;
     answer.blocks = outcome == ChildProcess::Outcome::kTimedOut;

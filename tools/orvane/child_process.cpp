@@ -1,39 +1,12 @@
 #include "tools/orvane/child_process.h"
 
+#include "tools/orvane/command_line.h"
+
 #include <array>
-#include <stdexcept>
 
 namespace host {
 
 namespace {
-
-void Require(bool done, const char* what) {
-    if (!done) {
-        throw std::runtime_error(std::string(what) + ", error " + std::to_string(GetLastError()));
-    }
-}
-
-// By the rules with which the C runtime splits a command line.
-std::wstring Quoted(const std::wstring& argument) {
-    std::wstring quoted = L"\"";
-    std::size_t backslashes = 0;
-    for (const wchar_t c : argument) {
-        if (c == L'"') {
-            quoted.append(backslashes + 1, L'\\');
-        }
-        backslashes = c == L'\\' ? backslashes + 1 : 0;
-        quoted += c;
-    }
-    return quoted.append(backslashes, L'\\') + L'"';
-}
-
-std::wstring CommandLine(const std::vector<std::wstring>& command) {
-    std::wstring line;
-    for (const std::wstring& argument : command) {
-        line += (line.empty() ? L"" : L" ") + Quoted(argument);
-    }
-    return line;
-}
 
 // An anonymous pipe cannot be read with a time limit, so the output is a named one.
 std::wstring PipeName() {
@@ -42,13 +15,6 @@ std::wstring PipeName() {
 }
 
 }  // namespace
-
-void ChildProcess::Handle::Close() {
-    if (handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE) {
-        CloseHandle(handle_);
-    }
-    handle_ = nullptr;
-}
 
 ChildProcess::ChildProcess(const std::vector<std::wstring>& command) {
     SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
@@ -66,19 +32,7 @@ ChildProcess::ChildProcess(const std::vector<std::wstring>& command) {
     *read_.put() = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     Require(read_.get() != nullptr, "no event can be made");
 
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = child_input.get();
-    startup.hStdOutput = child_output.get();
-    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    PROCESS_INFORMATION started{};
-    std::wstring line = CommandLine(command);
-    Require(CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                           &started) != FALSE,
-            "a child process cannot be started");
-    CloseHandle(started.hThread);
-    *process_.put() = started.hProcess;
+    StartProcess(command, child_input.get(), child_output.get(), nullptr, process_);
 }
 
 ChildProcess::~ChildProcess() = default;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/windows.h"
+#include "tools/orvane/unique_handle.h"
 
 #include <string>
 #include <vector>
@@ -33,21 +33,6 @@ public:
 
 private:
     Outcome ReadLine(std::string& line, DWORD limit);
-
-    class Handle {
-    public:
-        Handle() = default;
-        ~Handle() { Close(); }
-        Handle(const Handle&) = delete;
-        Handle& operator=(const Handle&) = delete;
-
-        HANDLE get() const { return handle_; }
-        HANDLE* put() { return &handle_; }
-        void Close();
-
-    private:
-        HANDLE handle_ = nullptr;
-    };
 
     Handle process_;
     Handle input_;   // the writing end

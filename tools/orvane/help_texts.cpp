@@ -76,17 +76,36 @@ Examples:
   orvane check --machine examples/machines/spanned-dynamic)"};
 
 const HelpText kRecordHelp = {
-    R"(Records the answers of the system to all questions about disks, volumes, names, WMI, firmware and start options.
+    R"(Records a machine as a description that replays it: --machine FILE of all commands then describes that machine.
 It records the system it runs on, or the machine of --machine. It only reads.)",
-    R"(Run it as an administrator: otherwise disks and volumes refuse most questions, which is recorded too.
+    R"(All questions about disks, volumes, names, WMI, firmware and start options are asked and described. The proof
+then asks the description the same questions, and compares what the library makes of the machine and of its
+description. Every difference is a line on standard output: "unexplained" is a difference, "explained" follows
+from a call that did not answer, "changes by itself" is free space, a time or a clock speed.
+
+Run it as an administrator: otherwise disks and volumes refuse most questions, which is recorded too. In format 1
+the library opens disks and volumes for writing, without writing; --no-proof leaves the library out.
 
 Exit codes:
-  0  the file is written
+  0  the description is written and proved
   1  nothing was written
   2  the arguments or the machine description cannot be used
+  3  the description is written, but something is unexplained or unproved
 
 Examples:
-  orvane record --observations observations.json
-  orvane record --machine examples/machines/bios-laptop --observations observations.json)"};
+  orvane record --output machine.json
+  orvane record --output machine.json --observations observations.json --no-proof
+  orvane record --machine examples/machines/bios-laptop --output machine.json)"};
+
+const HelpText kProveHelp = {
+    R"(Describes the machine of an observations file anew, and compares the answers of the description with the observed
+ones. The machine itself is not needed.)",
+    R"(Exit codes:
+  0  everything is explained
+  2  the file cannot be used
+  3  something is unexplained; standard output says what
+
+Example:
+  orvane prove observations.json)"};
 
 }  // namespace host

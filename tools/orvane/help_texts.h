@@ -13,5 +13,6 @@ extern const HelpText kCaptureHelp;
 extern const HelpText kDumpHelp;
 extern const HelpText kCheckHelp;
 extern const HelpText kRecordHelp;
+extern const HelpText kProveHelp;
 
 }  // namespace host

@@ -105,12 +105,21 @@ void AddCheck(CLI::App& app, CheckOptions& options, Texts& texts) {
 
 void AddRecord(CLI::App& app, RecordOptions& options, Texts& texts) {
     CLI::App& record = AddCommand(app, "record", kRecordHelp);
-    record.add_option("--observations", texts.observations, "Write all answers of the system here")
+    record.add_option("--output", texts.output, "Write the description here")
         ->type_name("FILE")
         ->required()
         ->check(NotEmpty());
-    AddPath(record, "--machine", texts.machine, "Record the machine of this description (JSON) or folder");
+    AddPath(record, "--observations", texts.observations, "Write all answers of the system here");
+    record.add_flag("!--no-proof", options.proof, "Do not run the library to compare what it makes of both");
     record.add_flag("--force", options.force, "Replace existing files");
+    AddPath(record, "--machine", texts.machine, "Record the machine of this description (JSON) or folder");
+}
+
+void AddProve(CLI::App& app, Texts& texts) {
+    CLI::App& prove = AddCommand(app, "prove", kProveHelp);
+    prove.add_option("FILE", texts.observations, "An observations file of orvane record")
+        ->required()
+        ->check(NotEmpty());
 }
 
 // Not for users: the help does not list it.
@@ -147,6 +156,26 @@ Message Explain(const CLI::App& app, const CLI::ParseError& error) {
     return code == 0 ? Message{kExitDone, out.str()} : Message{kExitBadUsage, "orvane: " + problem.str()};
 }
 
+// None if the arguments are valid.
+std::optional<Message> Parse(CLI::App& app, const std::vector<std::wstring>& arguments) {
+    // The parser expects the arguments in reverse order.
+    std::vector<std::string> reversed;
+    std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(reversed),
+                   [](const std::wstring& argument) { return machine::Narrow(argument); });
+    try {
+        app.parse(std::move(reversed));
+    } catch (const CLI::ParseError& error) {
+        return Explain(app, error);
+    }
+    return std::nullopt;
+}
+
+void TakeRecordTexts(RecordOptions& record, const Texts& texts) {
+    record.machine = PathOf(texts.machine);
+    record.output = *PathOf(texts.output);
+    record.observations = PathOf(texts.observations);
+}
+
 }  // namespace
 
 Command ParseArguments(const std::vector<std::wstring>& arguments) {
@@ -164,18 +193,13 @@ Command ParseArguments(const std::vector<std::wstring>& arguments) {
     AddDump(app, dump, texts);
     AddCheck(app, check, texts);
     AddRecord(app, record, texts);
+    AddProve(app, texts);
     AddAnswer(app, texts);
     const documents::CommandLine document_commands(app, AddLiveCapture);
     app.add_subcommand("version", "Shows the versions of the library and of its interface");
 
-    // The parser expects the arguments in reverse order.
-    std::vector<std::string> reversed;
-    std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(reversed),
-                   [](const std::wstring& argument) { return machine::Narrow(argument); });
-    try {
-        app.parse(std::move(reversed));
-    } catch (const CLI::ParseError& error) {
-        return Explain(app, error);
+    if (auto message = Parse(app, arguments)) {
+        return *std::move(message);
     }
     if (app.got_subcommand("capture")) {
         TakeMachineTexts(capture, texts);
@@ -195,9 +219,11 @@ Command ParseArguments(const std::vector<std::wstring>& arguments) {
         return check;
     }
     if (app.got_subcommand("record")) {
-        record.machine = PathOf(texts.machine);
-        record.observations = *PathOf(texts.observations);
+        TakeRecordTexts(record, texts);
         return record;
+    }
+    if (app.got_subcommand("prove")) {
+        return ProveOptions{*PathOf(texts.observations)};
     }
     if (app.got_subcommand("answer")) {
         return AnswerOptions{PathOf(texts.machine)};

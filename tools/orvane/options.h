@@ -17,6 +17,7 @@ enum ExitCode : int {
     kExitDone = 0,
     kExitFailed = 1,    // no result, failed output, or a selected volume that cannot be backed up
     kExitBadUsage = 2,  // unusable arguments or machine description
+    kExitUnproved = 3,  // a recording is written, but something in it is unexplained or unproved
 };
 
 // The library's default.
@@ -58,8 +59,14 @@ struct CheckOptions : MachineOptions {
 
 struct RecordOptions {
     std::optional<std::filesystem::path> machine;  // none: the system that this program runs on
+    std::filesystem::path output;
+    std::optional<std::filesystem::path> observations;
+    bool proof = true;   // the library is run on the machine and on its description
+    bool force = false;  // existing files are replaced
+};
+
+struct ProveOptions {
     std::filesystem::path observations;
-    bool force = false;  // replaces existing files
 };
 
 // The child process of a recording, which asks the questions.
@@ -79,7 +86,7 @@ struct Message {
 };
 
 using Command = std::variant<VersionOptions, CaptureOptions, DumpOptions, CheckOptions, RecordOptions,
-                             AnswerOptions, DocumentOptions, Message>;
+                             ProveOptions, AnswerOptions, DocumentOptions, Message>;
 
 // Parses the arguments, without the program name. Returns a Message, instead of throwing, if they are
 // invalid.

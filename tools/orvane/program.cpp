@@ -54,7 +54,11 @@ int Execute(const CheckOptions& options, const Terminal& terminal) {
 }
 
 int Execute(const RecordOptions& options, const Terminal& terminal) {
-    return Record(options, terminal.errors);
+    return Record(options, terminal.out, terminal.errors);
+}
+
+int Execute(const ProveOptions& options, const Terminal& terminal) {
+    return Prove(options, terminal.out, terminal.errors);
 }
 
 int Execute(const AnswerOptions& options, const Terminal& /*terminal*/) {

@@ -1,12 +1,18 @@
 #include "tools/orvane/record_command.h"
 
 #include "machine/description/text.h"
+#include "machine/recorder/describe/describe.h"
+#include "machine/recorder/describe/replay.h"
 #include "machine/recorder/observe/observations_file.h"
-#include "machine/recorder/observe/observe.h"
+#include "machine/recorder/prove/proof.h"
 #include "tools/orvane/administrator.h"
 #include "tools/orvane/asking_process.h"
+#include "tools/orvane/library_runs.h"
 #include "tools/orvane/progress_line.h"
 #include "tools/orvane/whole_file.h"
+
+#include <algorithm>
+#include <stdexcept>
 
 namespace host {
 
@@ -14,34 +20,137 @@ namespace {
 
 constexpr DWORD kAnswerLimit = 30'000;  // milliseconds
 
-recorder::Observations ObserveMachine(const RecordOptions& options, std::ostream& errors) {
-    const bool administrator = RunsAsAdministrator();
+using Findings = std::vector<recorder::Finding>;
+
+recorder::Progress ShownOn(ProgressLine& line, const std::string& doing) {
+    return [&line, doing](std::size_t asked, const recorder::Question& next) {
+        line.Show(doing + std::to_string(asked) + ", " + next.call + " " + machine::Narrow(next.object));
+    };
+}
+
+recorder::Observations ObserveMachine(const RecordOptions& options, std::ostream& errors,
+                                      ProgressLine& progress) {
+    const bool administrator =
+        options.machine || RunsAsAdministrator();  // a described machine refuses nobody
     if (!administrator) {
         errors << "orvane: without administrator's rights, disks and volumes may refuse to answer\n";
     }
     AskingProcess process(AskingCommand(options.machine), kAnswerLimit);
-    ProgressLine progress(errors);
     recorder::Observations observations =
         recorder::Observe([&](const recorder::Question& question) { return process.Ask(question); },
-                          [&](std::size_t asked, const recorder::Question& next) {
-                              progress.Show(std::to_string(asked) + " questions, " + next.call + " " +
-                                            machine::Narrow(next.object));
-                          });
+                          ShownOn(progress, "question "));
     observations.circumstances.administrator = administrator;
     return observations;
 }
 
-}  // namespace
+// A machine as the reader of the format sees it.
+struct Recording {
+    std::string text;
+    machine::Description machine;
+};
 
-int Record(const RecordOptions& options, std::ostream& errors) {
+Recording DescribeMachine(const recorder::Observations& observations) {
+    Recording recording;
+    recording.text = machine::WriteDescription(recorder::Describe(observations));
+    try {
+        recording.machine = machine::ParseDescription(recording.text, "the recording");
+    } catch (const machine::DescriptionError& error) {
+        throw std::runtime_error(std::string("the machine cannot be described: ") + error.what());
+    }
+    return recording;
+}
+
+Findings CompareWithRecording(const recorder::Observations& observations, const machine::Description& machine,
+                              ProgressLine& progress) {
+    return recorder::CompareAnswers(
+        observations, recorder::Replay(machine, observations, ShownOn(progress, "proof of question ")));
+}
+
+void Append(Findings& findings, const Findings& more) {
+    findings.insert(findings.end(), more.begin(), more.end());
+}
+
+// Refuses before the machine is asked for minutes.
+void RequireUsable(const RecordOptions& options) {
     const Existing existing = options.force ? Existing::kReplaced : Existing::kKept;
-    RequireFree(options.observations, existing);
+    RequireFree(options.output, existing);
+    if (options.observations) {
+        RequireFree(*options.observations, existing);
+        if (std::filesystem::weakly_canonical(*options.observations) ==
+            std::filesystem::weakly_canonical(options.output)) {
+            throw UsageError("--output and --observations name the same file");
+        }
+    }
     if (options.machine) {
         machine::LoadDescription(*options.machine);  // refused here, and not by the asking process
     }
-    const recorder::Observations observations = ObserveMachine(options, errors);
-    WriteWholeFile(options.observations, recorder::ObservationsText(observations), existing);
-    return kExitDone;
+}
+
+void WriteFiles(const RecordOptions& options, const recorder::Observations& observations,
+                const Recording& recording) {
+    std::vector<WholeFile> files = {{options.output, recording.text}};
+    if (options.observations) {
+        files.push_back({*options.observations, recorder::ObservationsText(observations)});
+    }
+    WriteWholeFiles(files, options.force ? Existing::kReplaced : Existing::kKept);
+}
+
+// Prints the findings: first what is unexplained, then what is explained, then what changes by itself.
+// Returns whether nothing is unexplained.
+bool Report(const Findings& findings, std::ostream& out) {
+    using Kind = recorder::Finding::Kind;
+    for (const Kind kind : {Kind::kUnexplained, Kind::kExplained, Kind::kChanging}) {
+        for (const recorder::Finding& finding : findings) {
+            if (finding.kind == kind) {
+                out << recorder::LineOf(finding) << '\n';
+            }
+        }
+    }
+    return std::none_of(findings.begin(), findings.end(),
+                        [](const recorder::Finding& finding) { return finding.kind == Kind::kUnexplained; });
+}
+
+int Result(bool explained, bool library_ran, std::size_t questions, std::ostream& out) {
+    out << questions << " questions"
+        << (!explained     ? ", something is unexplained"
+            : !library_ran ? ", all explained; the library was not run"
+                           : ", proved")
+        << '\n';
+    return explained && library_ran ? kExitDone : kExitUnproved;
+}
+
+}  // namespace
+
+int Record(const RecordOptions& options, std::ostream& out, std::ostream& errors) {
+    RequireUsable(options);
+    Findings findings;
+    std::size_t questions = 0;
+    {
+        ProgressLine progress(errors);
+        const recorder::Observations observations = ObserveMachine(options, errors, progress);
+        questions = observations.all().size();
+        const Recording recording = DescribeMachine(observations);
+        WriteFiles(options, observations, recording);
+        findings = CompareWithRecording(observations, recording.machine, progress);
+        if (options.proof) {
+            Append(findings, CompareLibraryRuns(observations, options.machine, options.output,
+                                                [&](const std::string& text) { progress.Show(text); }));
+        }
+    }
+    return Result(Report(findings, out), options.proof, questions, out);
+}
+
+int Prove(const ProveOptions& options, std::ostream& out, std::ostream& errors) {
+    Findings findings;
+    const recorder::Observations observations = recorder::LoadObservations(options.observations);
+    {
+        ProgressLine progress(errors);
+        findings = CompareWithRecording(observations, DescribeMachine(observations).machine, progress);
+    }
+    const bool explained = Report(findings, out);
+    out << observations.all().size() << " questions, "
+        << (explained ? "all explained" : "something is unexplained") << '\n';
+    return explained ? kExitDone : kExitUnproved;
 }
 
 }  // namespace host

@@ -4,6 +4,7 @@
 #include "machine/description/text.h"
 
 #include <fstream>
+#include <list>
 #include <stdexcept>
 
 namespace host {
@@ -14,6 +15,36 @@ namespace {
     throw std::runtime_error(machine::Narrow(file.wstring()) + ": " + reason);
 }
 
+// A new file beside its place; deleted again unless it is moved there.
+class PartFile {
+public:
+    explicit PartFile(const WholeFile& whole) : file_(whole.file), part_(whole.file) {
+        part_ += L".part-" + std::to_wstring(GetCurrentProcessId());
+        std::ofstream out(part_, std::ios::binary);
+        out.write(whole.text.data(), static_cast<std::streamsize>(whole.text.size()));
+        out.close();
+        if (!out) {
+            DeleteFileW(part_.c_str());
+            Refuse(file_, "cannot be written");
+        }
+    }
+    ~PartFile() { DeleteFileW(part_.c_str()); }
+    PartFile(const PartFile&) = delete;
+    PartFile& operator=(const PartFile&) = delete;
+
+    void Move(Existing existing) const {
+        const DWORD flags =
+            MOVEFILE_WRITE_THROUGH | (existing == Existing::kReplaced ? MOVEFILE_REPLACE_EXISTING : 0);
+        if (MoveFileExW(part_.c_str(), file_.c_str(), flags) == FALSE) {
+            Refuse(file_, "cannot be written, error " + std::to_string(GetLastError()));
+        }
+    }
+
+private:
+    std::filesystem::path file_;
+    std::filesystem::path part_;
+};
+
 }  // namespace
 
 void RequireFree(const std::filesystem::path& file, Existing existing) {
@@ -22,19 +53,14 @@ void RequireFree(const std::filesystem::path& file, Existing existing) {
     }
 }
 
-void WriteWholeFile(const std::filesystem::path& file, const std::string& text, Existing existing) {
-    RequireFree(file, existing);
-    std::filesystem::path part = file;
-    part += L".part-" + std::to_wstring(GetCurrentProcessId());
-    std::ofstream out(part, std::ios::binary);
-    out.write(text.data(), static_cast<std::streamsize>(text.size()));
-    out.close();
-    const DWORD flags =
-        MOVEFILE_WRITE_THROUGH | (existing == Existing::kReplaced ? MOVEFILE_REPLACE_EXISTING : 0);
-    if (!out || MoveFileExW(part.c_str(), file.c_str(), flags) == FALSE) {
-        const std::string error = out ? ", error " + std::to_string(GetLastError()) : "";
-        DeleteFileW(part.c_str());
-        Refuse(file, "cannot be written" + error);
+void WriteWholeFiles(const std::vector<WholeFile>& files, Existing existing) {
+    std::list<PartFile> parts;
+    for (const WholeFile& whole : files) {
+        RequireFree(whole.file, existing);
+        parts.emplace_back(whole);
+    }
+    for (const PartFile& part : parts) {
+        part.Move(existing);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -10,8 +11,13 @@ enum class Existing { kKept, kReplaced };
 // Throws std::runtime_error if the file exists and is to be kept.
 void RequireFree(const std::filesystem::path& file, Existing existing);
 
-// Writes the text into a new file in the same folder and moves it to its place when it is whole, so that a
-// failure leaves what was there before. Throws std::runtime_error.
-void WriteWholeFile(const std::filesystem::path& file, const std::string& text, Existing existing);
+struct WholeFile {
+    std::filesystem::path file;
+    std::string text;
+};
+
+// Writes each text into a new file in the folder of its place, and moves them all to their places when all
+// are whole, so that a failure leaves what was there before. Throws std::runtime_error.
+void WriteWholeFiles(const std::vector<WholeFile>& files, Existing existing);
 
 }  // namespace host

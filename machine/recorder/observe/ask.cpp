@@ -14,6 +14,7 @@ struct AskingRow {
 };
 
 constexpr AskingRow kAsking[] = {
+    {"CoCreateInstance", AskXmlComponent},
     {"CreateFileW", AskOpening},
     {"FindFirstVolumeW", AskVolumes},
     {"GetDiskFreeSpaceExW", AskFreeSpaceEx},

@@ -12,6 +12,9 @@ namespace {
 constexpr CLSID kAdministrativeLocator = {
     0xCB8555CC, 0x9128, 0x11D1, {0xAD, 0x9B, 0x00, 0xC0, 0x4F, 0xD8, 0xFD, 0xFF}};
 
+constexpr CLSID kDomDocument30 = {
+    0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+
 struct Releaser {
     void operator()(IUnknown* object) const { object->Release(); }
 };
@@ -261,6 +264,14 @@ Answer AskWmiWithoutSecurity(const SystemFunctions& /*functions*/, const Questio
     }
     HRESULT result = S_OK;
     NextObject(*query.enumerator, result);
+    return FAILED(result) ? Failure(static_cast<std::uint32_t>(result)) : Answer{};
+}
+
+// Whether the document of the XML component can be created.
+Answer AskXmlComponent(const SystemFunctions& /*functions*/, const Question& /*question*/) {
+    void* made = nullptr;
+    const HRESULT result = CoCreateInstance(kDomDocument30, nullptr, CLSCTX_SERVER, IID_IUnknown, &made);
+    const Pointer<IUnknown> document(static_cast<IUnknown*>(made));
     return FAILED(result) ? Failure(static_cast<std::uint32_t>(result)) : Answer{};
 }
 

@@ -137,7 +137,8 @@ std::vector<std::wstring> VolumeDevices(const Observations& observations) {
         }
     }
     for (const std::wstring& name : DosNames(observations)) {
-        if (machine::StartsWith(name, L"Volume{") || (name.size() == 2 && name[1] == L':')) {
+        const bool drive = name.size() == 2 && name[1] == L':';
+        if (machine::StartsWith(name, L"Volume{") || drive || IsVolumeDeviceName(name)) {
             add_target(name);
         }
     }

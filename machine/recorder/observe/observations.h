@@ -13,8 +13,8 @@ namespace recorder {
 
 // What was true of the recording as a whole.
 struct Circumstances {
-    bool administrator = true;  // the recorder had administrator's rights
-    bool redacted = false;      // values that tell about people and organisations were replaced
+    bool administrator = false;  // the recorder had administrator's rights
+    bool redacted = false;       // values that tell about people and organisations were replaced
 
     bool operator==(const Circumstances&) const = default;
 };

@@ -1,158 +1,118 @@
 #include "machine/recorder/observe/observations_file.h"
 
-#include "machine/description/json_cursor.h"
+#include "machine/description/kinds.h"
+#include "machine/description/rows.h"
 #include "machine/description/text.h"
 
-#include <nlohmann/json.hpp>
-
-#include <algorithm>
-#include <array>
 #include <fstream>
 #include <iterator>
 
 namespace recorder {
 namespace {
 
-using Json = nlohmann::ordered_json;
+namespace rows = machine::rows;
+using rows::Json;
 
 constexpr std::uint32_t kVersion = 1;
-constexpr const char* kRead = "read";
 
-std::string Hexadecimal(const Bytes& bytes) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string text;
-    text.reserve(bytes.size() * 2);
-    for (const std::uint8_t byte : bytes) {
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 0xF];
-    }
-    return text;
+const rows::Kind<Bytes>& HexBytes() {
+    static const rows::Kind<Bytes> kind = {
+        "hex bytes", [](const machine::JsonCursor& cursor, const rows::Place&) { return cursor.HexBytes(); },
+        [](const Bytes& bytes, const rows::Place&) {
+            constexpr char kDigits[] = "0123456789abcdef";
+            std::string text;
+            text.reserve(bytes.size() * 2);
+            for (const std::uint8_t byte : bytes) {
+                text += kDigits[byte >> 4];
+                text += kDigits[byte & 0xF];
+            }
+            return Json(text);
+        }};
+    return kind;
 }
 
-// Text that is not valid Unicode is written as its code units, as in a description.
-Json TextOf(const std::wstring& text) {
-    const std::string utf8 = machine::Narrow(text);
-    if (machine::Widen(utf8) == text) {
-        return utf8;
-    }
-    std::string units;
-    for (const wchar_t unit : text) {
-        std::array<char, 6> digits{};
-        std::snprintf(digits.data(), digits.size(), "%04X", static_cast<unsigned>(unit));
-        units += (units.empty() ? "" : " ") + std::string(digits.data());
-    }
-    return {{"utf16", units}};
+const rows::Kind<std::uint32_t>& Access() {
+    static const rows::Kind<std::uint32_t> kind = {
+        "`read`",
+        [](const machine::JsonCursor& cursor, const rows::Place&) {
+            if (cursor.Utf8() != "read") {
+                cursor.Refuse("must be \"read\"");
+            }
+            return static_cast<std::uint32_t>(GENERIC_READ);
+        },
+        [](std::uint32_t access, const rows::Place&) { return access == 0 ? Json() : Json("read"); }};
+    return kind;
 }
 
-void AddQuestion(Json& json, const Question& question) {
-    json["call"] = question.call;
-    if (!question.object.empty()) {
-        json["object"] = TextOf(question.object);
-    }
-    if (question.access != 0) {
-        json["access"] = kRead;
-    }
-    if (question.size != 0) {
-        json["size"] = question.size;
-    }
+const rows::Table<Part>& PartTable() {
+    static const rows::Table<Part> table = {
+        {"instance", &Part::instance, rows::Number(), ""},
+        {"name", &Part::name, rows::Text(), rows::Required{}, ""},
+        {"type", &Part::type, rows::Text(), ""},
+        {"error", &Part::error, rows::Number(), ""},
+        {"value", &Part::value, rows::LongNumber(), ""},
+        {"bytes", &Part::bytes, HexBytes(), ""},
+    };
+    return table;
 }
 
-void AddNumber(Json& json, const char* key, std::uint64_t number) {
-    if (number != 0) {
-        json[key] = number;
-    }
+// A member of a member, for the row of a table.
+template <class Owner, class Inner, class Member>
+auto Within(Inner Owner::*inner, Member Inner::*member) {
+    return [ inner, member ](auto& owner) -> auto& {
+        return (owner.*inner).*member;
+    };
 }
 
-void AddBytes(Json& json, const Bytes& bytes) {
-    if (!bytes.empty()) {
-        json["bytes"] = Hexadecimal(bytes);
-    }
+template <class Member>
+auto Asked(Member Question::*member) {
+    return Within(&Observation::question, member);
 }
 
-Json PartOf(const Part& part) {
-    Json json = Json::object();
-    AddNumber(json, "instance", part.instance);
-    json["name"] = TextOf(part.name);
-    if (!part.type.empty()) {
-        json["type"] = TextOf(part.type);
-    }
-    AddNumber(json, "error", part.error);
-    AddNumber(json, "value", part.value);
-    AddBytes(json, part.bytes);
-    return json;
+template <class Member>
+auto Told(Member Answer::*member) {
+    return Within(&Observation::answer, member);
 }
 
-void AddAnswer(Json& json, const Answer& answer) {
-    if (answer.blocks) {
-        json["blocks"] = true;
-    }
-    if (answer.crashed) {
-        json["crashed"] = true;
-    }
-    if (!answer.step.empty()) {
-        json["step"] = answer.step;
-    }
-    AddNumber(json, "error", answer.error);
-    AddNumber(json, "value", answer.value);
-    AddNumber(json, "returned", answer.returned);
-    AddBytes(json, answer.bytes);
-    if (!answer.parts.empty()) {
-        json["parts"] = Json::array();
-        for (const Part& part : answer.parts) {
-            json["parts"].push_back(PartOf(part));
-        }
-    }
+// The members of question and answer in one object.
+const rows::Table<Observation>& ObservationTable() {
+    static const rows::Table<Observation> table = {
+        {"call", Asked(&Question::call), rows::Utf8(), rows::Required{}, ""},
+        {"object", Asked(&Question::object), rows::Text(), ""},
+        {"access", Asked(&Question::access), Access(), ""},
+        {"size", Asked(&Question::size), rows::Number(), ""},
+        {"blocks", Told(&Answer::blocks), rows::Flag(), ""},
+        {"crashed", Told(&Answer::crashed), rows::Flag(), ""},
+        {"step", Told(&Answer::step), rows::Utf8(), ""},
+        {"error", Told(&Answer::error), rows::Number(), ""},
+        {"value", Told(&Answer::value), rows::LongNumber(), ""},
+        {"returned", Told(&Answer::returned), rows::LongNumber(), ""},
+        {"bytes", Told(&Answer::bytes), HexBytes(), ""},
+        {"parts", Told(&Answer::parts), rows::List("list of parts", rows::Object("", PartTable())), ""},
+    };
+    return table;
 }
 
-Question TakeQuestion(machine::JsonObject& object) {
-    Question question;
-    question.call = object.Require("call").Utf8();
-    question.object = object.Text("object", L"");
-    if (const auto access = object.Find("access")) {
-        if (access->Utf8() != kRead) {
-            access->Refuse("must be \"read\"");
-        }
-        question.access = GENERIC_READ;
-    }
-    question.size = object.Number32("size", 0);
-    return question;
-}
+// The whole file.
+struct File {
+    std::uint32_t version = 0;
+    Circumstances circumstances;
+    std::vector<Observation> answers;
+};
 
-Bytes TakeBytes(machine::JsonObject& object) {
-    const auto bytes = object.Find("bytes");
-    return bytes ? bytes->HexBytes() : Bytes();
-}
-
-Part TakePart(const machine::JsonCursor& cursor) {
-    machine::JsonObject object = cursor.Object();
-    Part part;
-    part.instance = object.Number32("instance", 0);
-    part.name = object.Require("name").Text();
-    part.type = object.Text("type", L"");
-    part.error = object.Number32("error", 0);
-    part.value = object.Number("value", 0);
-    part.bytes = TakeBytes(object);
-    object.RefuseOthers();
-    return part;
-}
-
-Answer TakeAnswer(machine::JsonObject& object) {
-    Answer answer;
-    answer.blocks = object.Bool("blocks", false);
-    answer.crashed = object.Bool("crashed", false);
-    if (const auto step = object.Find("step")) {
-        answer.step = step->Utf8();
-    }
-    answer.error = object.Number32("error", 0);
-    answer.value = object.Number("value", 0);
-    answer.returned = object.Number("returned", 0);
-    answer.bytes = TakeBytes(object);
-    if (const auto parts = object.Find("parts")) {
-        for (const machine::JsonCursor& part : parts->Elements()) {
-            answer.parts.push_back(TakePart(part));
-        }
-    }
-    return answer;
+const rows::Table<File>& FileTable() {
+    static const auto version =
+        rows::Checked<std::uint32_t>("number", rows::Number(), [](const std::uint32_t& number) {
+            return number == kVersion ? nullptr : "is a version that this program does not read";
+        });
+    static const rows::Table<File> table = {
+        {"observations", &File::version, version, rows::Required{}, ""},
+        {"administrator", Within(&File::circumstances, &Circumstances::administrator), rows::Flag(), ""},
+        {"redacted", Within(&File::circumstances, &Circumstances::redacted), rows::Flag(), ""},
+        {"answers", &File::answers, rows::List("list of answers", rows::Object("", ObservationTable())),
+         rows::Required{}, ""},
+    };
+    return table;
 }
 
 nlohmann::json Parsed(const std::string& text, const std::string& name) {
@@ -163,77 +123,43 @@ nlohmann::json Parsed(const std::string& text, const std::string& name) {
     }
 }
 
-Circumstances TakeCircumstances(machine::JsonObject& root) {
-    Circumstances circumstances;
-    circumstances.administrator = root.Bool("administrator", true);
-    circumstances.redacted = root.Bool("redacted", false);
-    return circumstances;
-}
-
-// What was read from a line that one process passed to another.
-template <class Take>
-auto FromLine(const std::string& line, Take take) {
-    const std::string name = "the answer of the asking process";
-    const nlohmann::json json = Parsed(line, name);
-    machine::JsonObject object = machine::JsonCursor(json, name).Object();
-    auto taken = take(object);
-    object.RefuseOthers();
-    return taken;
-}
-
 }  // namespace
 
-std::string QuestionLine(const Question& question) {
-    Json json = Json::object();
-    AddQuestion(json, question);
-    return json.dump();
+std::string ObservationLine(const Observation& observation) {
+    return rows::WriteRows(ObservationTable(), observation, rows::Place{}).dump();
 }
 
-std::string AnswerLine(const Answer& answer) {
-    Json json = Json::object();
-    AddAnswer(json, answer);
-    return json.dump();
-}
-
-Question ParseQuestion(const std::string& line) {
-    return FromLine(line, TakeQuestion);
-}
-
-Answer ParseAnswer(const std::string& line) {
-    return FromLine(line, TakeAnswer);
+Observation ParseObservation(const std::string& line) {
+    const std::string name = "a line of the asking process";
+    const nlohmann::json json = Parsed(line, name);
+    Observation observation;
+    rows::Place place;
+    rows::ReadRows(ObservationTable(), machine::JsonCursor(json, name).Object(), observation, place);
+    return observation;
 }
 
 std::string ObservationsText(const Observations& observations) {
-    std::string text = "{\n\"observations\": " + std::to_string(kVersion) + ",\n";
-    text += std::string("\"administrator\": ") +
-            (observations.circumstances.administrator ? "true" : "false") + ",\n";
-    text += std::string("\"redacted\": ") + (observations.circumstances.redacted ? "true" : "false") + ",\n";
-    text += "\"answers\": [\n";
+    const auto flag = [](bool value) { return std::string(value ? "true" : "false"); };
+    std::string text = "{\n\"observations\": " + std::to_string(kVersion) +
+                       ",\n\"administrator\": " + flag(observations.circumstances.administrator) +
+                       ",\n\"redacted\": " + flag(observations.circumstances.redacted) +
+                       ",\n\"answers\": [\n";
     for (const Observation& observation : observations.all()) {
-        Json json = Json::object();
-        AddQuestion(json, observation.question);
-        AddAnswer(json, observation.answer);
-        text += json.dump() + (&observation == &observations.all().back() ? "\n" : ",\n");
+        text += ObservationLine(observation) + (&observation == &observations.all().back() ? "\n" : ",\n");
     }
     return text + "]\n}\n";
 }
 
 Observations ParseObservations(const std::string& text, const std::string& name) {
     const nlohmann::json json = Parsed(text, name);
-    machine::JsonObject root = machine::JsonCursor(json, name).Object();
-    const machine::JsonCursor version = root.Require("observations");
-    if (version.Number32() != kVersion) {
-        version.Refuse("is a version that this program does not read");
-    }
+    File file;
+    rows::Place place;
+    rows::ReadRows(FileTable(), machine::JsonCursor(json, name).Object(), file, place);
     Observations observations;
-    observations.circumstances = TakeCircumstances(root);
-    for (const machine::JsonCursor& element : root.Require("answers").Elements()) {
-        machine::JsonObject object = element.Object();
-        Observation observation{TakeQuestion(object), TakeAnswer(object)};
-        object.RefuseOthers();
-        observations.Add(std::move(observation));
+    observations.circumstances = file.circumstances;
+    for (Observation& answer : file.answers) {
+        observations.Add(std::move(answer));
     }
-    root.RefuseOthers();
     return observations;
 }
 

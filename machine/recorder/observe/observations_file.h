@@ -16,12 +16,8 @@ Observations ParseObservations(const std::string& text, const std::string& name)
 // Reads an observations file. Throws machine::DescriptionError.
 Observations LoadObservations(const std::filesystem::path& file);
 
-// One question or answer as one line without its end, to be passed between processes.
-
-std::string QuestionLine(const Question& question);
-std::string AnswerLine(const Answer& answer);
-// Both throw machine::DescriptionError.
-Question ParseQuestion(const std::string& line);
-Answer ParseAnswer(const std::string& line);
+// One observation as a line of that file without its end; a question without an answer can be passed too.
+std::string ObservationLine(const Observation& observation);
+Observation ParseObservation(const std::string& line);  // throws machine::DescriptionError
 
 }  // namespace recorder

@@ -40,6 +40,7 @@ constexpr QuestionRow kTable[] = {
     {Subject::kMachine, "IWbemServices::ExecQuery", L"Win32_ComputerSystem", {kNothing}},
     {Subject::kMachine, "IWbemServices::ExecQuery", L"Win32_BootConfiguration", {kNothing}},
     {Subject::kMachine, "IEnumWbemClassObject::Next", L"Win32_BootConfiguration", {kNothing}},
+    {Subject::kMachine, "CoCreateInstance", L"Msxml2.DOMDocument.3.0", {kNothing}},
 
     {Subject::kDosName, "QueryDosDeviceW", nullptr, {kName}},
 

@@ -28,28 +28,35 @@ protected:
 };
 
 TEST_F(WholeFile, NewFile_HasTheTextAndNothingLiesBesideIt) {
-    host::WriteWholeFile(file_, "text\n", host::Existing::kKept);
+    host::WriteWholeFiles({{file_, "text\n"}}, host::Existing::kKept);
     EXPECT_EQ(Text(), "text\n");
     EXPECT_EQ(FilesInFolder(), 1U);
 }
 
 TEST_F(WholeFile, ExistingFile_IsKeptUnlessReplacementIsAsked) {
-    host::WriteWholeFile(file_, "old", host::Existing::kKept);
-    EXPECT_THROW(host::WriteWholeFile(file_, "new", host::Existing::kKept), std::runtime_error);
+    host::WriteWholeFiles({{file_, "old"}}, host::Existing::kKept);
+    EXPECT_THROW(host::WriteWholeFiles({{file_, "new"}}, host::Existing::kKept), std::runtime_error);
     EXPECT_EQ(Text(), "old");
-    host::WriteWholeFile(file_, "new", host::Existing::kReplaced);
+    host::WriteWholeFiles({{file_, "new"}}, host::Existing::kReplaced);
     EXPECT_EQ(Text(), "new");
 }
 
 TEST_F(WholeFile, FolderThatDoesNotExist_IsAnError) {
-    EXPECT_THROW(host::WriteWholeFile(folder_ / "none" / "file.json", "text", host::Existing::kKept),
+    EXPECT_THROW(host::WriteWholeFiles({{folder_ / "none" / "file.json", "text"}}, host::Existing::kKept),
                  std::runtime_error);
 }
 
 TEST_F(WholeFile, PlaceThatCannotBeTaken_LeavesNothingHalf) {
     std::filesystem::create_directories(file_ / "in-the-way");
-    EXPECT_THROW(host::WriteWholeFile(file_, "text", host::Existing::kReplaced), std::runtime_error);
+    EXPECT_THROW(host::WriteWholeFiles({{file_, "text"}}, host::Existing::kReplaced), std::runtime_error);
     EXPECT_EQ(FilesInFolder(), 1U);
+}
+
+TEST_F(WholeFile, SecondFileThatCannotBeWritten_LeavesTheFirstOut) {
+    EXPECT_THROW(host::WriteWholeFiles({{file_, "text"}, {folder_ / "none" / "file.json", "text"}},
+                                       host::Existing::kKept),
+                 std::runtime_error);
+    EXPECT_EQ(FilesInFolder(), 0U);
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace cases {
+namespace recorder {
 
 // The indented document with everything masked that differs from capture to capture:
 // - the GUIDs that formats 1 and 2 make for the volumes of one document: "generated 1", "generated 2" and so
@@ -12,4 +12,4 @@ namespace cases {
 // and partitions. An empty element is written with an end tag, however the document wrote it.
 std::string Masked(const std::string& document);
 
-}  // namespace cases
+}  // namespace recorder

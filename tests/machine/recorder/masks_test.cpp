@@ -1,10 +1,10 @@
-#include "cases/masks.h"
+#include "machine/recorder/prove/masks.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using cases::Masked;
+using recorder::Masked;
 
 struct MaskRow {
     const char* name;

@@ -1,4 +1,4 @@
-#include "cases/masks.h"
+#include "machine/recorder/prove/masks.h"
 
 #include <algorithm>
 #include <iterator>
@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace cases {
+namespace recorder {
 
 namespace {
 
@@ -102,4 +102,4 @@ std::string Masked(const std::string& document) {
     return masked;
 }
 
-}  // namespace cases
+}  // namespace recorder

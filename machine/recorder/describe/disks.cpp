@@ -1,0 +1,257 @@
+#include "machine/description/partition_table.h"
+#include "machine/description/text.h"
+#include "machine/recorder/describe/facts.h"
+#include "machine/recorder/observe/answer_bytes.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+
+namespace recorder {
+namespace {
+
+constexpr const char* kGeometry = "DeviceIoControl:IOCTL_DISK_GET_DRIVE_GEOMETRY";
+constexpr const char* kGeometryEx = "DeviceIoControl:IOCTL_DISK_GET_DRIVE_GEOMETRY_EX";
+constexpr const char* kLayout = "DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT";
+constexpr const char* kLayoutEx = "DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT_EX";
+constexpr const char* kLength = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
+constexpr const char* kExtents = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
+constexpr const char* kPartitionEx = "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX";
+constexpr std::wstring_view kDiskPath = L"\\\\.\\PhysicalDrive";
+
+// What the disk driver puts behind DISK_GEOMETRY_EX.
+struct GeometryTail {
+    DISK_PARTITION_INFO partition;
+    DISK_DETECTION_INFO detection;
+};
+constexpr std::size_t kTailOffset = offsetof(DISK_GEOMETRY_EX, Data);
+
+const Bytes* BytesOf(const Observations& observations, const char* call, const std::wstring& object) {
+    const Observation* best = observations.Best(call, object);
+    return best != nullptr && best->answer.succeeded() ? &best->answer.bytes : nullptr;
+}
+
+template <class Enum>
+std::uint32_t NumberIn(const Enum& place) {
+    std::uint32_t number = 0;
+    static_assert(sizeof(place) == sizeof(number));
+    std::memcpy(&number, &place, sizeof(number));
+    return number;
+}
+
+void TakeGeometry(const DISK_GEOMETRY& geometry, machine::Disk& disk) {
+    disk.cylinders = static_cast<std::uint64_t>(geometry.Cylinders.QuadPart);
+    disk.media_type = NumberIn(geometry.MediaType);
+    disk.tracks_per_cylinder = geometry.TracksPerCylinder;
+    disk.sectors_per_track = geometry.SectorsPerTrack;
+    // Other sizes cannot be described.
+    constexpr std::uint32_t kSizes[] = {512, 1024, 2048, 4096};
+    const bool possible =
+        std::find(std::begin(kSizes), std::end(kSizes), geometry.BytesPerSector) != std::end(kSizes);
+    disk.bytes_per_sector = possible ? geometry.BytesPerSector : kSizes[0];
+}
+
+// The ends of the extents on a disk whose size nothing tells.
+std::uint64_t EndOfExtents(const Observations& observations, std::uint32_t index) {
+    std::uint64_t end = 0;
+    for (const std::wstring& object : observations.ObjectsOf(kExtents)) {
+        const Bytes* bytes = BytesOf(observations, kExtents, object);
+        for (const DISK_EXTENT& extent : bytes == nullptr ? std::vector<DISK_EXTENT>() : ExtentsIn(*bytes)) {
+            if (extent.DiskNumber == index) {
+                end = std::max(end, static_cast<std::uint64_t>(extent.StartingOffset.QuadPart +
+                                                               extent.ExtentLength.QuadPart));
+            }
+        }
+    }
+    return end;
+}
+
+void DescribeGeometry(const Observations& observations, const std::wstring& path, machine::Disk& disk) {
+    const Bytes* plain = BytesOf(observations, kGeometry, path);
+    const Bytes* full = BytesOf(observations, kGeometryEx, path);
+    if (const auto geometry = plain == nullptr ? std::nullopt : RecordAt<DISK_GEOMETRY>(*plain, 0)) {
+        TakeGeometry(*geometry, disk);
+    }
+    if (full == nullptr) {
+        const Bytes* length = BytesOf(observations, kLength, path);
+        const auto size = length == nullptr ? std::nullopt : RecordAt<std::uint64_t>(*length, 0);
+        disk.size = size ? *size : EndOfExtents(observations, disk.index);
+        return;
+    }
+    if (const auto geometry = RecordAt<DISK_GEOMETRY>(*full, 0)) {
+        TakeGeometry(*geometry, disk);
+    }
+    disk.geometry_bytes =
+        static_cast<std::uint32_t>(std::min(full->size(), std::size_t{disk.geometry_bytes}));
+    disk.size = RecordAt<std::uint64_t>(*full, offsetof(DISK_GEOMETRY_EX, DiskSize)).value_or(0);
+    if (const auto tail = RecordAt<GeometryTail>(*full, kTailOffset)) {
+        disk.blank = tail->partition.SizeOfPartitionInfo == 0;
+        disk.style = NumberIn(tail->partition.PartitionStyle);
+        if (disk.style == PARTITION_STYLE_MBR) {
+            disk.signature = tail->partition.Mbr.Signature;
+            disk.checksum = tail->partition.Mbr.CheckSum;
+        } else if (disk.style == PARTITION_STYLE_GPT) {
+            disk.disk_id = tail->partition.Gpt.DiskId;
+        }
+        disk.detection_type = NumberIn(tail->detection.DetectionType);
+        disk.int13 = tail->detection.Int13;
+        disk.ex_int13 = tail->detection.ExInt13;
+    }
+}
+
+// Whether every used entry is recognised, though not every type would be.
+bool RecognizesAll(const machine::Disk& disk) {
+    const auto agrees = [&](bool all) {
+        machine::Disk numbered = disk;
+        numbered.recognizes_all = all;
+        machine::NumberMbrEntries(numbered);
+        return std::equal(disk.partitions.begin(), disk.partitions.end(), numbered.partitions.begin(),
+                          [](const machine::Partition& left, const machine::Partition& right) {
+                              return left.recognized == right.recognized;
+                          });
+    };
+    return disk.style == PARTITION_STYLE_MBR && !agrees(false) && agrees(true);
+}
+
+void DescribeTable(const Bytes& bytes, machine::Disk& disk) {
+    const auto layout = LayoutHeaderIn(bytes);
+    if (!layout) {
+        return;
+    }
+    disk.style = layout->PartitionStyle;
+    disk.blank = disk.blank && disk.style == PARTITION_STYLE_MBR && layout->PartitionCount == 0;
+    if (disk.style == PARTITION_STYLE_GPT) {
+        disk.disk_id = layout->Gpt.DiskId;
+        disk.starting_usable_offset = static_cast<std::uint64_t>(layout->Gpt.StartingUsableOffset.QuadPart);
+        disk.usable_length = static_cast<std::uint64_t>(layout->Gpt.UsableLength.QuadPart);
+        disk.max_partition_count = layout->Gpt.MaxPartitionCount;
+    } else if (disk.style == PARTITION_STYLE_MBR) {
+        disk.signature = layout->Mbr.Signature;
+    }
+    disk.partitions = PartitionsIn(bytes);
+}
+
+// The partitions that volumes tell of, on a disk whose table nothing tells. Takes the style of the first one.
+void DescribeTableByVolumes(const Observations& observations, machine::Disk& disk) {
+    std::map<std::uint32_t, machine::Partition> found;
+    for (const std::wstring& object : observations.ObjectsOf(kExtents)) {
+        const Bytes* extents = BytesOf(observations, kExtents, object);
+        const Bytes* bytes = BytesOf(observations, kPartitionEx, object);
+        const auto own = bytes == nullptr ? std::nullopt : RecordAt<PARTITION_INFORMATION_EX>(*bytes, 0);
+        const auto list = extents == nullptr ? std::vector<DISK_EXTENT>() : ExtentsIn(*extents);
+        if (own && list.size() == 1 && list.front().DiskNumber == disk.index && own->PartitionNumber != 0) {
+            found.emplace(own->PartitionNumber, PartitionIn(*own));
+        }
+    }
+    if (found.empty() ||
+        (found.begin()->second.style == PARTITION_STYLE_MBR && found.size() > machine::kPrimarySlots)) {
+        return;
+    }
+    disk.style = found.begin()->second.style;
+    for (const auto& [number, partition] : found) {
+        disk.partitions.push_back(partition);
+    }
+    if (disk.style == PARTITION_STYLE_MBR) {
+        disk.partitions.resize(machine::kPrimarySlots);
+    } else {
+        machine::SetUsableRange(disk);
+    }
+}
+
+// What is larger cannot be described.
+void LimitNumbers(machine::Disk& disk) {
+    for (std::uint64_t* bytes : {&disk.size, &disk.starting_usable_offset, &disk.usable_length}) {
+        *bytes = std::min(*bytes, kMostBytes);
+    }
+    for (machine::Partition& partition : disk.partitions) {
+        partition.offset = std::min(partition.offset, kMostBytes);
+        partition.length = std::min(partition.length, kMostBytes);
+    }
+}
+
+machine::Disk DescribedDisk(const Observations& observations, std::uint32_t index) {
+    const std::wstring path = std::wstring(kDiskPath) + std::to_wstring(index);
+    machine::Disk disk;
+    disk.index = index;
+    DescribeGeometry(observations, path, disk);
+    const Bytes* layout = BytesOf(observations, kLayoutEx, path);
+    if (layout != nullptr) {
+        DescribeTable(*layout, disk);
+    } else if (!disk.blank) {
+        DescribeTableByVolumes(observations, disk);
+    }
+    disk.open_for_reading_error = ReadError(observations, path);
+    LimitNumbers(disk);
+    disk.recognizes_all = RecognizesAll(disk);
+    const Observation* older = observations.Best(kLayout, path);
+    disk.offline = older != nullptr && older->answer.error == ERROR_NOT_READY;
+    const std::uint64_t cylinder =
+        std::uint64_t{disk.tracks_per_cylinder} * disk.sectors_per_track * disk.bytes_per_sector;
+    if (disk.cylinders == 0 && cylinder != 0) {
+        disk.cylinders = disk.size / cylinder;
+    }
+    return disk;
+}
+
+// The numbers of WMI's drives, in their order, that belong to a disk.
+std::vector<std::uint32_t> WmiOrder(const Observations& observations) {
+    std::vector<std::uint32_t> order;
+    const Observation* drives = observations.Best("IWbemServices::ExecQuery", L"Win32_DiskDrive");
+    for (const Part& part : drives == nullptr ? std::vector<Part>() : drives->answer.parts) {
+        if (machine::EqualNames(part.name, L"Index")) {
+            order.push_back(static_cast<std::uint32_t>(part.value));
+        }
+    }
+    return order;
+}
+
+// Whether a disk has this number: not only a drive of WMI that has no disk.
+bool Exists(const Observations& observations, const std::wstring& path) {
+    const Observation* name = observations.Best("QueryDosDeviceW", path.substr(path.find(L"PhysicalDrive")));
+    const auto openings = observations.Find("CreateFileW", path);
+    return (name != nullptr && name->answer.succeeded()) ||
+           std::any_of(openings.begin(), openings.end(), [](const Observation* opening) {
+               return opening->answer.error != ERROR_FILE_NOT_FOUND;
+           });
+}
+
+}  // namespace
+
+std::uint32_t ReadError(const Observations& observations, const std::wstring& path) {
+    std::uint32_t error = 0;
+    bool opens = false;
+    for (const Observation* opening : observations.Find("CreateFileW", path)) {
+        const Answer& answer = opening->answer;
+        opens = opens || (opening->question.access == 0 && answer.succeeded());
+        if (opening->question.access != 0 && !answer.blocks && !answer.crashed) {
+            error = answer.error;
+        }
+    }
+    return opens ? error : 0;
+}
+
+std::vector<machine::Disk> DescribedDisks(const Observations& observations) {
+    std::vector<std::uint32_t> found;
+    for (const std::wstring& path : observations.ObjectsOf("CreateFileW")) {
+        if (machine::StartsWith(path, kDiskPath) && Exists(observations, path)) {
+            found.push_back(static_cast<std::uint32_t>(std::stoul(path.substr(kDiskPath.size()))));
+        }
+    }
+    std::vector<machine::Disk> disks;
+    const auto add = [&](std::uint32_t index) {
+        const auto waiting = std::find(found.begin(), found.end(), index);
+        if (waiting != found.end()) {
+            found.erase(waiting);
+            disks.push_back(DescribedDisk(observations, index));
+        }
+    };
+    for (const std::uint32_t index : WmiOrder(observations)) {
+        add(index);
+    }
+    while (!found.empty()) {
+        add(found.front());
+    }
+    return disks;
+}
+
+}  // namespace recorder

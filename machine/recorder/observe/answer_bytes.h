@@ -1,0 +1,47 @@
+#pragma once
+
+#include "machine/description/description.h"
+
+#include <cstddef>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+// The structures in the bytes of answers. Nothing beyond the bytes is read, whatever counts they hold.
+namespace recorder {
+
+// A structure at an offset; none if the bytes do not hold all of it.
+template <class Record>
+std::optional<Record> RecordAt(const machine::Bytes& bytes, std::size_t offset) {
+    if (offset > bytes.size() || bytes.size() - offset < sizeof(Record)) {
+        return std::nullopt;
+    }
+    Record record{};
+    std::memcpy(&record, bytes.data() + offset, sizeof(record));
+    return record;
+}
+
+// `count` structures from an offset, or as many as the bytes hold.
+template <class Record>
+std::vector<Record> RecordsAt(const machine::Bytes& bytes, std::size_t offset, std::size_t count) {
+    std::vector<Record> records;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto record = RecordAt<Record>(bytes, offset + i * sizeof(Record));
+        if (!record) {
+            break;
+        }
+        records.push_back(*record);
+    }
+    return records;
+}
+
+// The extents of an answer to the extents control.
+std::vector<DISK_EXTENT> ExtentsIn(const machine::Bytes& bytes);
+
+// An answer to the layout control: what stands before the entries, and the entries.
+std::optional<DRIVE_LAYOUT_INFORMATION_EX> LayoutHeaderIn(const machine::Bytes& bytes);
+std::vector<machine::Partition> PartitionsIn(const machine::Bytes& bytes);
+
+machine::Partition PartitionIn(const PARTITION_INFORMATION_EX& information);
+
+}  // namespace recorder
