@@ -24,4 +24,10 @@ install(FILES README.md DESTINATION "${documentation_dir}")
 install(DIRECTORY docs DESTINATION "${documentation_dir}"
     FILES_MATCHING PATTERN "*.md" PATTERN "*.xsd")
 install(FILES examples/agent.c DESTINATION "${documentation_dir}/examples")
+# The list is in the host, with this licence.
+install(FILES
+    machine/recorder/redact/everyday_words.copyright
+    machine/recorder/redact/everyday_words.inc
+    machine/recorder/redact/known_names.cpp
+    DESTINATION "${documentation_dir}/machine/recorder/redact")
 install(DIRECTORY examples/machines DESTINATION "${documentation_dir}/examples")

@@ -55,6 +55,9 @@ orvane_room(NAME orvane_describe DIR machine/recorder/describe ROOT .
     USES orvane_observe orvane_session orvane_simulation orvane_description)
 orvane_room(NAME orvane_prove DIR machine/recorder/prove ROOT .
     USES orvane_observe orvane_description)
+orvane_room(NAME orvane_redact DIR machine/recorder/redact ROOT .
+    USES orvane_observe orvane_description
+    PACKAGES orvane_json)
 include("${CMAKE_CURRENT_LIST_DIR}/document_rooms.cmake")
 orvane_room(NAME orvane_host DIR tools/orvane ROOT .
     USES documents_commands orvane_prove orvane_describe orvane_observe orvane_session orvane_simulation
@@ -63,6 +66,6 @@ orvane_room(NAME orvane_host DIR tools/orvane ROOT .
 
 # For these, which are not part of the library, a fast build is more important than fast code.
 foreach(room orvane_description orvane_simulation orvane_wmi orvane_session orvane_observe
-        orvane_describe orvane_prove orvane_host)
+        orvane_describe orvane_prove orvane_redact orvane_host)
     target_compile_options(${room} PRIVATE $<$<CONFIG:Release>:-O1>)
 endforeach()
