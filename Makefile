@@ -111,7 +111,7 @@ format:
 	@scripts/setup lint
 	@scripts/format
 
-coverage:
+coverage: native
 	@scripts/setup build test coverage
 	@scripts/coverage
 

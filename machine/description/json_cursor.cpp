@@ -254,24 +254,4 @@ void JsonObject::RefuseOthers() const {
     }
 }
 
-bool JsonObject::Bool(const char* key, bool otherwise) const {
-    const auto found = Find(key);
-    return found ? found->Bool() : otherwise;
-}
-
-std::uint32_t JsonObject::Number32(const char* key, std::uint32_t otherwise) const {
-    const auto found = Find(key);
-    return found ? found->Number32() : otherwise;
-}
-
-std::uint64_t JsonObject::Number(const char* key, std::uint64_t otherwise) const {
-    const auto found = Find(key);
-    return found ? found->Number() : otherwise;
-}
-
-std::wstring JsonObject::Text(const char* key, const std::wstring& otherwise) const {
-    const auto found = Find(key);
-    return found ? found->Text() : otherwise;
-}
-
 }  // namespace machine

@@ -76,11 +76,6 @@ public:
 
     void RefuseOthers() const;
 
-    bool Bool(const char* key, bool otherwise) const;
-    std::uint32_t Number32(const char* key, std::uint32_t otherwise) const;
-    std::uint64_t Number(const char* key, std::uint64_t otherwise) const;
-    std::wstring Text(const char* key, const std::wstring& otherwise) const;
-
 private:
     JsonCursor cursor_;
     const std::string* file_;

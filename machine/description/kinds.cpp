@@ -109,7 +109,7 @@ const Kind<std::uint64_t>& ByteCount() {
 
 const Kind<std::string>& Utf8() {
     static const auto kind =
-        Simple<std::string>("text", [](const JsonCursor& cursor) { return cursor.Utf8(); });
+        Simple<std::string>("valid text", [](const JsonCursor& cursor) { return cursor.Utf8(); });
     return kind;
 }
 

@@ -55,7 +55,7 @@ const Table<Description>& MachineTable() {
            Derived{"derived", UsualFirmware}, ""},
           {"registry", &Description::registry, Registry(), Derived{"the usual start options", UsualRegistry},
            ""},
-          {"missing", &Description::missing, ListOf<std::set<std::string>>("list of text", Utf8()),
+          {"missing", &Description::missing, ListOf<std::set<std::string>>("list of valid text", Utf8()),
            "functions that kernel32 and ntdll do not export"},
           {"enumeratorRefusal", &Description::enumerator_refusal, Number(),
            "the HRESULT with which Next and Skip of a WMI enumerator fail until its own security is set; 0: "

@@ -10,6 +10,7 @@ namespace cases {
 inline constexpr const char* kMachineFile = "machine.json";
 inline constexpr const char* kReadmeFile = "README.md";
 inline constexpr const char* kSelectedFile = "selected.txt";
+inline constexpr const char* kExceptionsFile = "exceptions.txt";  // read by the tests of the description
 inline constexpr const char* kExpectedFolder = "expected";
 
 // The folders inside `examples`, in the order of their names. What is no folder is left out.

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -49,72 +50,40 @@ const machine::Disk* FindDisk(const machine::Description& description, std::uint
 
 // A disk or volume of which a condition below does not hold on the real machine either.
 struct Exception {
-    const char* machine;
-    const char* test;
+    std::string test;
     std::wstring object;  // the index of a disk, or the device of a volume
-    const char* reason;
 };
 
-const Exception kExceptions[] = {
-    {"card-reader", "Partitions_LieInsideTheDiskOnSectorBounds", L"1", "an empty slot has no geometry"},
-    {"card-reader", "Partitions_LieInsideTheDiskOnSectorBounds", L"2", "an empty slot has no geometry"},
-    {"card-reader", "Partitions_LieInsideTheDiskOnSectorBounds", L"3", "an empty slot has no geometry"},
-    {"card-reader", "Partitions_LieInsideTheDiskOnSectorBounds", L"4", "an empty slot has no geometry"},
-    {"container-on-a-share", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\RiegelVolumeK",
-     "its disk does not exist"},
-    {"container-on-a-share", "EveryVolumeOnOnePartition_KnowsItsPartition", L"\\Device\\RiegelVolumeK",
-     "its disk does not exist"},
-    {"dynamic-stripe-mirror", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolume1",
-     "a mirror is as long as one of its extents"},
-    {"dynamic-stripe-mirror", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolume2",
-     "a mirror is as long as one of its extents"},
-    {"encrypted-container", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\RiegelVolumeK",
-     "its place is made up"},
-    {"encrypted-container", "ExtentsOfVolumes_DoNotOverlap", L"\\Device\\RiegelVolumeK",
-     "its place is made up"},
-    {"foreign-file-system", "ExtentsOfVolumes_DoNotOverlap",
-     L"\\Device\\Fibra{5d1c70aa-93b4-4e02-8f6e-2b7c0d9a4411}", "a second volume of one partition"},
-    {"rescue-fixed-ram-disk", "Volumes_LieOnOnePartitionOrOnDynamicDisks",
-     L"\\Device\\Ramdisk{d9b257fc-684e-4dcb-ab79-03cfa2f6b750}", "a RAM disk is on no disk"},
-    {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy1",
-     "that of its original"},
-    {"shadow-copies", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy2",
-     "that of its original"},
-    {"shadow-copies", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolumeShadowCopy1",
-     "its driver does not tell its extents"},
-    {"shadow-copies", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolumeShadowCopy2",
-     "its driver does not tell its extents"},
-    {"shadow-copies-with-extents", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy1",
-     "that of its original"},
-    {"shadow-copies-with-extents", "Identifiers_AreUnique", L"\\Device\\HarddiskVolumeShadowCopy2",
-     "that of its original"},
-    {"shadow-copies-with-extents", "ExtentsOfVolumes_DoNotOverlap", L"\\Device\\HarddiskVolumeShadowCopy1",
-     "those of its original"},
-    {"shadow-copies-with-extents", "ExtentsOfVolumes_DoNotOverlap", L"\\Device\\HarddiskVolumeShadowCopy2",
-     "those of its original"},
-    {"super-floppies", "Identifiers_AreUnique", L"2", "every disk without a table has the signature 1"},
-    {"super-floppies", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolume4",
-     "its entry has no number"},
-    {"super-floppies", "EveryVolumeOnOnePartition_KnowsItsPartition", L"\\Device\\HarddiskVolume4",
-     "its entry has no number"},
-    {"super-floppy-without-number", "Volumes_LieOnOnePartitionOrOnDynamicDisks", L"\\Device\\HarddiskVolume3",
-     "its entry has no number"},
-};
+// The lines of exceptions.txt: the condition, the object, and in words the reason.
+std::vector<Exception> ExceptionsOf(const std::filesystem::path& folder) {
+    std::vector<Exception> exceptions;
+    std::ifstream file(folder / "exceptions.txt");
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream words(line);
+        std::string test;
+        std::string object;
+        std::string reason;
+        words >> test >> object >> reason;
+        EXPECT_FALSE(reason.empty()) << folder << ": no reason: " << line;
+        exceptions.push_back({test, machine::Widen(object)});
+    }
+    return exceptions;
+}
 
 // Conditions that every real machine fulfils, but for the exceptions.
 class Example : public testing::TestWithParam<std::filesystem::path> {
 protected:
-    static bool Excepted(const std::wstring& object) {
-        const std::string machine = GetParam().filename().string();
+    bool Excepted(const std::wstring& object) const {
         const std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
-        return std::any_of(std::begin(kExceptions), std::end(kExceptions), [&](const Exception& row) {
-            return machine == row.machine && test.starts_with(row.test) && object == row.object;
+        return std::any_of(exceptions_.begin(), exceptions_.end(), [&](const Exception& row) {
+            return test.starts_with(row.test + '/') && object == row.object;
         });
     }
-    static bool Excepted(const machine::Disk& disk) { return Excepted(std::to_wstring(disk.index)); }
-    static bool Excepted(const machine::Volume& volume) { return Excepted(volume.device); }
+    bool Excepted(const machine::Disk& disk) const { return Excepted(std::to_wstring(disk.index)); }
+    bool Excepted(const machine::Volume& volume) const { return Excepted(volume.device); }
 
     const machine::Description description_ = machine::LoadDescription(GetParam());
+    const std::vector<Exception> exceptions_ = ExceptionsOf(GetParam());
 };
 
 TEST_P(Example, Partitions_LieInsideTheDiskOnSectorBounds) {
@@ -262,25 +231,23 @@ TEST_P(Example, EveryVolumeOnOnePartition_KnowsItsPartition) {
     }
 }
 
+TEST_P(Example, Exceptions_NameWhatIsThere) {
+    for (const Exception& row : exceptions_) {
+        const bool disk =
+            std::any_of(description_.disks.begin(), description_.disks.end(),
+                        [&](const auto& own) { return std::to_wstring(own.index) == row.object; });
+        const bool volume = std::any_of(description_.volumes.begin(), description_.volumes.end(),
+                                        [&](const auto& own) { return own.device == row.object; });
+        EXPECT_TRUE(disk || volume) << row.test;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Machines, Example, testing::ValuesIn(ExampleFolders()),
                          [](const testing::TestParamInfo<std::filesystem::path>& example) {
                              std::string name = example.param.filename().string();
                              std::replace(name.begin(), name.end(), '-', '_');
                              return name;
                          });
-
-TEST(Examples, Exceptions_NameWhatIsThere) {
-    for (const Exception& row : kExceptions) {
-        const machine::Description description = machine::LoadDescription(
-            std::filesystem::path(ORVANE_SOURCE_DIR "/examples/machines") / row.machine);
-        const bool disk =
-            std::any_of(description.disks.begin(), description.disks.end(),
-                        [&](const auto& own) { return std::to_wstring(own.index) == row.object; });
-        const bool volume = std::any_of(description.volumes.begin(), description.volumes.end(),
-                                        [&](const auto& own) { return own.device == row.object; });
-        EXPECT_TRUE(disk || volume) << row.machine << ": " << row.reason;
-    }
-}
 
 // The JSON blocks of the README are whole machines, and must load like the files.
 TEST(Examples, Readme_ShowsMachinesThatLoad) {
