@@ -14,7 +14,8 @@ namespace cases {
 
 namespace {
 
-constexpr const char* kFilesOfACase[] = {kMachineFile, kReadmeFile, kSelectedFile, kExceptionsFile, kExpectedFolder};
+constexpr const char* kFilesOfACase[] = {kMachineFile, kReadmeFile, kSelectedFile, kExceptionsFile,
+                                         kExpectedFolder};
 
 std::string NameOf(const std::filesystem::path& path) {
     return machine::Narrow(path.filename().wstring());
