@@ -28,15 +28,21 @@ constexpr Section kSections[] = {{"size", &bench::MeasureSize},
 
 int main(int count, char** arguments) {
     std::string only;
+    std::string documents;
     std::size_t effort = 1;
     CLI::App app("Benchmarks: ratios between things that are measured in the same run.", "bench");
     app.add_option("--section", only, "size, floor, logging, growth or repetition alone");
     app.add_option("--effort", effort, "How many times as often each figure is measured")
         ->check(CLI::PositiveNumber);
+    app.add_option("--documents", documents, "Only write the documents for bench_documents into this folder");
     CLI11_PARSE(app, count, arguments);
     try {
         const host::OrvaneLibrary library(ORVANE_DLL_PATH);
         bench::PutOnSimulation(library);
+        if (!documents.empty()) {
+            bench::WriteDocuments(library, documents);
+            return 0;
+        }
         bench::Report report;
         for (const Section& section : kSections) {
             if (only.empty() || only == section.name) {

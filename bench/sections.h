@@ -4,6 +4,7 @@
 #include "tools/orvane/orvane_library.h"
 
 #include <cstddef>
+#include <filesystem>
 
 namespace bench {
 
@@ -19,5 +20,9 @@ void MeasureLogging(const host::OrvaneLibrary& library, std::size_t effort, Repo
 void MeasureGrowth(const host::OrvaneLibrary& library, std::size_t effort, Report& report);
 // A thousand captures in one process.
 void MeasureRepetition(const host::OrvaneLibrary& library, std::size_t effort, Report& report);
+
+// Writes the documents that bench/documents reads: "1000-format2.xml" and "10000-format2.xml", by the number
+// of volumes, and the same in format 3.
+void WriteDocuments(const host::OrvaneLibrary& library, const std::filesystem::path& folder);
 
 }  // namespace bench

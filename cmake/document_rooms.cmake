@@ -31,7 +31,7 @@ target_compile_definitions(documents_commands PRIVATE ORVANE_VERSION="${ORVANE_V
 
 # The templates and the style of the report become texts of its room.
 set(folder "${CMAKE_CURRENT_LIST_DIR}/../documents/report")
-foreach(template begin middle end disk part volume)
+foreach(template begin middle end disk piece part volume)
     string(TOUPPER "ORVANE_${template}" variable)
     file(READ "${folder}/${template}.mustache" ${variable})
 endforeach()

@@ -103,7 +103,7 @@ std::string TipOf(const DiskPart& part) {
     return tip;
 }
 
-PageData MapOf(const std::vector<DiskPart>& parts, const MapKind& kind) {
+PageData MapOf(const std::vector<DiskPart>& parts, const MapKind& kind, PageTemplate& piece) {
     PageData map;
     map["map_look"] = kind.look;
     map["map_width"] = std::to_string(kind.width);
@@ -115,17 +115,17 @@ PageData MapOf(const std::vector<DiskPart>& parts, const MapKind& kind) {
     std::transform(parts.begin(), parts.end(), std::back_inserter(lengths),
                    [](const DiskPart& part) { return part.place.length; });
     const std::vector<double> widths = MapWidths(lengths, kind.width);
-    PageList pieces;
+    std::string pieces;
     double x = 0;
+    PageData data;
     for (std::size_t index = 0; index < parts.size(); ++index) {
-        PageData piece;
-        piece["piece_look"] = LookOf(parts[index]);
-        piece["piece_x"] = Decimal(x);
-        piece["piece_width"] = Decimal(widths[index]);
-        piece["piece_tip"] = TipOf(parts[index]);
-        piece["piece_lines"] = VisibleLines(parts[index], widths[index]);
-        piece["piece_extended"] = PageData(parts[index].in_extended);
-        pieces.push_back(std::move(piece));
+        data["piece_look"] = LookOf(parts[index]);
+        data["piece_x"] = Decimal(x);
+        data["piece_width"] = Decimal(widths[index]);
+        data["piece_tip"] = TipOf(parts[index]);
+        data["piece_lines"] = VisibleLines(parts[index], widths[index]);
+        data["piece_extended"] = PageData(parts[index].in_extended);
+        piece.AppendTo(pieces, data);
         x += widths[index];
     }
     map["pieces"] = pieces;
@@ -157,11 +157,11 @@ std::string LookOf(const DiskPart& part) {
     return "partition";
 }
 
-PageData MapsOf(const std::vector<DiskPart>& parts) {
+PageData MapsOf(const std::vector<DiskPart>& parts, PageTemplate& piece) {
     PageList maps;
     if (!parts.empty()) {
         for (const MapKind& kind : kMaps) {
-            maps.push_back(MapOf(parts, kind));
+            maps.push_back(MapOf(parts, kind, piece));
         }
     }
     return maps;

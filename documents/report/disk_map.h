@@ -2,6 +2,7 @@
 
 #include "documents/report/disk_parts.h"
 #include "documents/report/page_data.h"
+#include "documents/report/page_template.h"
 
 #include <string>
 #include <vector>
@@ -13,7 +14,7 @@ std::string LookOf(const Volume& volume);
 std::string LookOf(const DiskPart& part);
 
 // The maps of a disk: one for paper and screens, one for telephones. A map is not drawn if its parts do not
-// fit.
-PageData MapsOf(const std::vector<DiskPart>& parts);
+// fit. `piece` is made of kPieceTemplate.
+PageData MapsOf(const std::vector<DiskPart>& parts, PageTemplate& piece);
 
 }  // namespace documents

@@ -77,8 +77,7 @@ std::string NoteOf(const Disk& disk, bool has_parts) {
     return disk.partitions ? "" : "The document does not say what is on the disk.";
 }
 
-PageData RowOf(const DiskPart& part) {
-    PageData row;
+void Fill(PageData& row, const DiskPart& part) {
     row["look"] = LookOf(part);
     row["part_title"] = TitleOf(part);
     const Partition* const partition = part.partition;
@@ -95,22 +94,23 @@ PageData RowOf(const DiskPart& part) {
     row["start_bytes"] = std::to_string(part.place.start);
     row["size"] = SizeText(part.place.length, false);
     row["size_bytes"] = std::to_string(part.place.length);
-    return row;
 }
 
 class DiskTemplates {
 public:
     void AppendTo(std::string& page, const Disk& disk, const std::vector<DiskPart>& parts) {
         std::string rows;
+        PageData row;
         for (const DiskPart& part : parts) {
-            part_.AppendTo(rows, RowOf(part));
+            Fill(row, part);
+            part_.AppendTo(rows, row);
         }
         PageData data;
         data["disk_number"] = std::to_string(disk.number);
         data["disk_size"] = disk.size ? SizeText(*disk.size, false) : "of unknown size";
         data["disk_facts"] = FactsOf(disk);
         data["disk_note"] = TextOrNone(NoteOf(disk, !parts.empty()));
-        data["maps"] = MapsOf(parts);
+        data["maps"] = MapsOf(parts, piece_);
         data["has_parts"] = PageData(!parts.empty());
         data["parts"] = rows;
         disk_.AppendTo(page, data);
@@ -118,6 +118,7 @@ public:
 
 private:
     PageTemplate disk_{kDiskTemplate};
+    PageTemplate piece_{kPieceTemplate};
     PageTemplate part_{kPartTemplate};
 };
 

@@ -12,6 +12,7 @@ extern const char* const kBeginTemplate;
 extern const char* const kMiddleTemplate;
 extern const char* const kEndTemplate;
 extern const char* const kDiskTemplate;
+extern const char* const kPieceTemplate;
 extern const char* const kPartTemplate;
 extern const char* const kVolumeTemplate;
 extern const char* const kPageStyle;

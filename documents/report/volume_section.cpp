@@ -72,14 +72,13 @@ PageData PlacesOf(const Volume& volume, const MachineParts& parts) {
     return TextsOf(places);
 }
 
-PageData VolumeOf(const Volume& volume, const MachineParts& parts, const Verdict* verdict) {
+void Fill(PageData& data, const Volume& volume, const MachineParts& parts, const Verdict* verdict) {
     const auto size_of = [](const std::optional<std::uint64_t>& size) {
         return size ? SizeText(*size, false) : "unknown";
     };
     const auto bytes_of = [](const std::optional<std::uint64_t>& size) {
         return size ? std::to_string(*size) : "";
     };
-    PageData data;
     data["look"] = LookOf(volume);
     data["volume_title"] = TitleOf(volume);
     data["volume_label"] = TextOrNone(LabelOf(volume));
@@ -96,7 +95,6 @@ PageData VolumeOf(const Volume& volume, const MachineParts& parts, const Verdict
     } else {
         data["volume_verdict"] = WordOf(*verdict);
     }
-    return data;
 }
 
 }  // namespace
@@ -130,8 +128,10 @@ void AppendVolumes(std::string& page, const Machine& machine, const MachineParts
                    const Verdicts* verdicts) {
     const VerdictIndex index(verdicts);
     PageTemplate row(kVolumeTemplate);
+    PageData data;
     for (const Volume& volume : machine.volumes) {
-        row.AppendTo(page, VolumeOf(volume, parts, index.Of(volume)));
+        Fill(data, volume, parts, index.Of(volume));
+        row.AppendTo(page, data);
     }
 }
 

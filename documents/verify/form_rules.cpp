@@ -3,7 +3,8 @@
 #include "documents/verify/rules.h"
 
 #include <algorithm>
-#include <map>
+#include <string_view>
+#include <unordered_map>
 
 namespace documents {
 
@@ -63,7 +64,7 @@ void FirstExtents(const Subject& subject, Report& report) {
 }
 
 void DriveLetters(const Subject& subject, Report& report) {
-    std::map<std::string, const Volume*> by_reference;
+    std::unordered_map<std::string_view, const Volume*> by_reference;
     for (const Volume& volume : subject.machine.volumes) {
         if (volume.reference) {
             by_reference.emplace(*volume.reference, &volume);

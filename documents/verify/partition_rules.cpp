@@ -3,7 +3,9 @@
 #include "documents/verify/rules.h"
 
 #include <algorithm>
-#include <map>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
 namespace documents {
 
@@ -64,15 +66,16 @@ void Sectors(const Subject& subject, Report& report) {
 }
 
 void UniqueIds(const Subject& subject, Report& report) {
-    std::map<std::string, std::string> seen;
+    std::unordered_map<std::string_view, std::pair<const Disk*, const Partition*>> seen;
     ForEachPartition(subject, [&](const Disk& disk, const Partition& partition) {
         if (!partition.id) {
             return;
         }
-        const auto [first, added] = seen.emplace(*partition.id, PlaceOf(disk, partition));
+        const auto [found, added] = seen.emplace(*partition.id, std::pair(&disk, &partition));
         if (!added) {
-            report.Error(PlaceOf(disk, partition),
-                         "It has the same id as " + first->second + ": " + *partition.id + ".");
+            const auto [first_disk, first] = found->second;
+            report.Error(PlaceOf(disk, partition), "It has the same id as " + PlaceOf(*first_disk, *first) +
+                                                       ": " + *partition.id + ".");
         }
     });
 }

@@ -3,7 +3,8 @@
 #include "documents/verify/rules.h"
 
 #include <algorithm>
-#include <map>
+#include <string_view>
+#include <unordered_set>
 
 namespace documents {
 
@@ -116,12 +117,12 @@ void Sizes(const Subject& subject, Report& report) {
 }
 
 // Reports every volume that has a text which an earlier one has.
-template <class TextOfVolume>
-void Unique(const Subject& subject, Report& report, const char* what, TextOfVolume text_of) {
-    std::map<std::string, const Volume*> seen;
+void Unique(const Subject& subject, Report& report, const char* what,
+            std::optional<std::string> Volume::*text_of) {
+    std::unordered_set<std::string_view> seen;
     for (const Volume& volume : subject.machine.volumes) {
-        const std::optional<std::string> text = text_of(volume);
-        if (text && !text->empty() && !seen.emplace(*text, &volume).second) {
+        const std::optional<std::string>& text = volume.*text_of;
+        if (text && !text->empty() && !seen.insert(*text).second) {
             report.Error(PlaceOf(volume),
                          std::string("An earlier volume has the same ") + what + ": " + *text + ".");
         }
@@ -129,15 +130,15 @@ void Unique(const Subject& subject, Report& report, const char* what, TextOfVolu
 }
 
 void UniquePaths(const Subject& subject, Report& report) {
-    Unique(subject, report, "GUID path", [](const Volume& volume) { return volume.path; });
+    Unique(subject, report, "GUID path", &Volume::path);
 }
 
 void UniqueReferences(const Subject& subject, Report& report) {
-    Unique(subject, report, "m_GUID", [](const Volume& volume) { return volume.reference; });
+    Unique(subject, report, "m_GUID", &Volume::reference);
 }
 
 void UniqueLetters(const Subject& subject, Report& report) {
-    Unique(subject, report, "drive letter", [](const Volume& volume) { return volume.letter; });
+    Unique(subject, report, "drive letter", &Volume::letter);
 }
 
 void Dynamic(const Subject& subject, Report& report) {

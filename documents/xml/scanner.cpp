@@ -51,8 +51,17 @@ bool StartsName(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
 }
 
+constexpr std::array<bool, 256> kNameCharacters = [] {
+    std::array<bool, 256> characters{};
+    for (const char c :
+         std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_0123456789-.")) {
+        characters.at(static_cast<unsigned char>(c)) = true;
+    }
+    return characters;
+}();
+
 bool ContinuesName(char c) {
-    return StartsName(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+    return kNameCharacters[static_cast<unsigned char>(c)];
 }
 
 class Scanner {
