@@ -5,10 +5,11 @@ sfdisk made is what sfdisk says of them."""
 import json
 import os
 import pathlib
+import shutil
 import subprocess
 import unittest
 
-from host import EXAMPLES, HostTest, run
+from host import EXAMPLES, ROOT, HostTest, Result, run
 
 NATIVE = pathlib.Path(os.environ["ORVANE_NATIVE"])
 IMAGES = pathlib.Path(os.environ["ORVANE_IMAGES"])
@@ -18,7 +19,7 @@ EXTENDED_TYPES = {"5", "f", "85"}
 
 def run_native(*arguments):
     process = subprocess.run([NATIVE, *map(str, arguments)], capture_output=True, check=False, stdin=subprocess.DEVNULL)
-    return process.returncode, process.stdout, process.stderr.decode("utf-8").splitlines()
+    return Result(process.returncode, process.stdout, process.stderr)
 
 
 class BothBuilds(HostTest):
@@ -26,7 +27,8 @@ class BothBuilds(HostTest):
         windows = run(*arguments)
         # Wine has lines of its own when it begins.
         errors = [line for line in windows.errors if line.startswith("orvane: ")]
-        self.assertEqual((windows.code, windows.out, errors), run_native(*arguments))
+        native = run_native(*arguments)
+        self.assertEqual((windows.code, windows.out, errors), (native.code, native.out, native.errors))
 
     def test_documents_of_all_cases(self):
         self.assertGreater(len(DOCUMENTS), 10)
@@ -61,14 +63,54 @@ class BothBuilds(HostTest):
             self.assert_same(*command, *names)
         self.assert_same("show", "--code-page", "437", self.folder / "no-utf8.xml")
 
+    def test_reports(self):
+        for document in DOCUMENTS[::9]:
+            pages = [self.folder / "windows.html", self.folder / "native.html"]
+            verdicts = ROOT / document.parent / "check.json"
+            for page, program in zip(pages, (run, run_native)):
+                result = program("report", document, "--output", page, "--force", "--verdicts", verdicts)
+                self.assertEqual(result.code, 0, result.errors)
+            with self.subTest(document=document):
+                self.assertTrue(pages[0].read_bytes().startswith(b"<!DOCTYPE html>"))
+                self.assertEqual(pages[0].read_bytes(), pages[1].read_bytes())
+
+    def test_differences(self):
+        text = (EXAMPLES / "spanned-dynamic/expected/format2.xml").read_text(encoding="utf-8")
+        changed = self.folder / "changed.xml"
+        changed.write_text(text.replace("<index>1</index>", "<index>7</index>").replace(
+            "<Label>Archive<", "<Label>\u202eOld &amp; \u4e2d<"), encoding="utf-8")
+        for old, new in ((EXAMPLES / "spanned-dynamic/expected/format2.xml", changed),
+                         (EXAMPLES / "spanned-dynamic/expected/format3.xml", changed),
+                         (DOCUMENTS[0], DOCUMENTS[-1])):
+            for options in ([], ["--all"], ["--json", "--all"]):
+                self.assert_same("diff", *options, old, new)
+        self.assert_same("diff", changed, changed)
+
+    def test_plans(self):
+        made = 0
+        folder = self.folder / "plan"
+        for document in [file for file in DOCUMENTS if file.name == "format2.xml"][::4]:
+            outcomes = []
+            for program in (run, run_native):
+                result = program("plan", document, "--output", folder)
+                files = {file.name: file.read_bytes() for file in folder.iterdir()} if folder.exists() else {}
+                errors = [line for line in result.errors if line.startswith("orvane: ")]
+                outcomes.append((result.code, result.out, errors, files))
+                shutil.rmtree(folder, ignore_errors=True)
+            with self.subTest(document=document):
+                self.assertEqual(*outcomes)
+                self.assertIn("plan.md", outcomes[0][3])
+                made += len(outcomes[0][3])
+        self.assertGreater(made, 10)
+
     def test_bad_arguments(self):
         for arguments in (["show"], ["show", "--lines", "x"], ["verify", "no-such-file"], ["show", "--code-page", "7", "x"],
                           ["show", "--from", "no-such-list"]):
             windows = run(*arguments)
-            code, out, errors = run_native(*arguments)
-            self.assertEqual((windows.code, windows.out), (code, out))
-            self.assertEqual(code, 2)
-            self.assertEqual(windows.errors[-len(errors):], errors)
+            native = run_native(*arguments)
+            self.assertEqual((windows.code, windows.out), (native.code, native.out))
+            self.assertEqual(native.code, 2)
+            self.assertEqual(windows.errors[-len(native.errors):], native.errors)
 
 
 class DisksOfSfdisk(HostTest):
@@ -85,9 +127,9 @@ class DisksOfSfdisk(HostTest):
         description.write_text(json.dumps(machine), encoding="utf-8")
         document = self.folder / "document.xml"
         self.assert_done(run("capture", "--machine", description, "--output", document))
-        code, out, errors = run_native("show", "--json", document)
-        self.assertEqual((code, errors), (0, []))
-        return json.loads(out)["documents"][0]["disks"][1]
+        shown = run_native("show", "--json", document)
+        self.assertEqual((shown.code, shown.errors), (0, []))
+        return json.loads(shown.out)["documents"][0]["disks"][1]
 
     def test_show_says_what_sfdisk_says(self):
         images = [image for image in sorted(IMAGES.glob("*.img")) if image.with_suffix(".json").exists()]
