@@ -7,6 +7,7 @@
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
 #   make native               orvane for this system, with the commands for documents alone: build/native/bin/orvane
 #   make man                  the manual page of that program: build/native/orvane.1
+#   make report-picture       docs/report.png, the picture of a report in the README
 #   make fuzz                 feeds the readers of documents and descriptions with altered ones; ARGS=3600 for an hour instead of a minute
 #   make test-documents       the tests of the documents that need a browser or DuckDB; installs them
 #   make loop ARGS="..."      random disks: captured, planned, made again, captured again (ARGS=--help lists the options)
@@ -31,7 +32,7 @@ DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/ue
 
 export JOBS
 
-.PHONY: capture dump check record test test-documents native man fuzz loop expect format-page faults alter bench lint format coverage build setup clean
+.PHONY: capture dump check record test test-documents native report-picture man fuzz loop expect format-page faults alter bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -70,6 +71,10 @@ native:
 man:
 	@scripts/setup native
 	@scripts/build native --target man_page
+
+report-picture: native
+	@scripts/setup browser
+	@scripts/report-picture
 
 fuzz:
 	@scripts/setup native fuzz
