@@ -86,6 +86,10 @@ from a call that did not answer, "changes by itself" is free space, a time or a 
 Run it as an administrator: otherwise disks and volumes refuse most questions, which is recorded too. In format 1
 the library opens disks and volumes for writing, without writing; --no-proof leaves the library out.
 
+--redact replaces names, serial numbers and ids, in the description and in the observations alike; models, sizes and
+errors stay (docs/redaction.md). If one of them is still in another value, nothing is written. Without --redact the last
+line says how many of them the file holds.
+
 Exit codes:
   0  the description is written and proved
   1  nothing was written
@@ -95,6 +99,7 @@ Exit codes:
 Examples:
   orvane record --output machine.json
   orvane record --output machine.json --observations observations.json --no-proof
+  orvane record --output machine.json --redact --map replacements.json
   orvane record --machine examples/machines/bios-laptop --output machine.json)"};
 
 const HelpText kProveHelp = {

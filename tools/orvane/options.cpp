@@ -24,6 +24,7 @@ struct Texts {
     std::string log;
     std::string kind;
     std::string observations;
+    std::string map;
 };
 
 const std::map<std::string, DumpKind> kDumpKinds = {
@@ -110,6 +111,10 @@ void AddRecord(CLI::App& app, RecordOptions& options, Texts& texts) {
         ->required()
         ->check(NotEmpty());
     AddPath(record, "--observations", texts.observations, "Write all answers of the system here");
+    CLI::Option* const redact =
+        record.add_flag("--redact", options.redact, "Replace what tells about people and organisations");
+    AddPath(record, "--map", texts.map, "Write here what was replaced by what, readable by you alone");
+    record.get_option("--map")->needs(redact);
     record.add_flag("!--no-proof", options.proof, "Do not run the library to compare what it makes of both");
     record.add_flag("--force", options.force, "Replace existing files");
     AddPath(record, "--machine", texts.machine, "Record the machine of this description (JSON) or folder");
@@ -174,6 +179,7 @@ void TakeRecordTexts(RecordOptions& record, const Texts& texts) {
     record.machine = PathOf(texts.machine);
     record.output = *PathOf(texts.output);
     record.observations = PathOf(texts.observations);
+    record.map = PathOf(texts.map);
 }
 
 }  // namespace

@@ -61,8 +61,10 @@ struct RecordOptions {
     std::optional<std::filesystem::path> machine;  // none: the system that this program runs on
     std::filesystem::path output;
     std::optional<std::filesystem::path> observations;
-    bool proof = true;   // the library is run on the machine and on its description
-    bool force = false;  // existing files are replaced
+    bool redact = false;                       // what tells about people and organisations is replaced
+    std::optional<std::filesystem::path> map;  // the replacements; only with `redact`
+    bool proof = true;                         // the library is run on the machine and on its description
+    bool force = false;                        // existing files are replaced
 };
 
 struct ProveOptions {

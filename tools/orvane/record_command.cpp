@@ -5,13 +5,19 @@
 #include "machine/recorder/describe/replay.h"
 #include "machine/recorder/observe/observations_file.h"
 #include "machine/recorder/prove/proof.h"
+#include "machine/recorder/redact/map_text.h"
+#include "machine/recorder/redact/redact.h"
 #include "tools/orvane/administrator.h"
 #include "tools/orvane/asking_process.h"
 #include "tools/orvane/library_runs.h"
+#include "tools/orvane/private_file.h"
 #include "tools/orvane/progress_line.h"
+#include "tools/orvane/redaction.h"
 #include "tools/orvane/whole_file.h"
 
 #include <algorithm>
+#include <optional>
+#include <set>
 #include <stdexcept>
 
 namespace host {
@@ -73,12 +79,14 @@ void Append(Findings& findings, const Findings& more) {
 // Refuses before the machine is asked for minutes.
 void RequireUsable(const RecordOptions& options) {
     const Existing existing = options.force ? Existing::kReplaced : Existing::kKept;
-    RequireFree(options.output, existing);
-    if (options.observations) {
-        RequireFree(*options.observations, existing);
-        if (std::filesystem::weakly_canonical(*options.observations) ==
-            std::filesystem::weakly_canonical(options.output)) {
-            throw UsageError("--output and --observations name the same file");
+    std::set<std::filesystem::path> files;
+    for (const auto& file : {std::optional(options.output), options.observations, options.map}) {
+        if (!file) {
+            continue;
+        }
+        RequireFree(*file, existing);
+        if (!files.insert(std::filesystem::weakly_canonical(*file)).second) {
+            throw UsageError("two of --output, --observations and --map name the same file");
         }
     }
     if (options.machine) {
@@ -87,12 +95,27 @@ void RequireUsable(const RecordOptions& options) {
 }
 
 void WriteFiles(const RecordOptions& options, const recorder::Observations& observations,
-                const Recording& recording) {
+                const Recording& recording, const recorder::Replacements& replacements) {
     std::vector<WholeFile> files = {{options.output, recording.text}};
     if (options.observations) {
         files.push_back({*options.observations, recorder::ObservationsText(observations)});
     }
+    if (options.map) {
+        files.push_back({*options.map, recorder::MapText(replacements), true});
+    }
     WriteWholeFiles(files, options.force ? Existing::kReplaced : Existing::kKept);
+}
+
+// What the library makes of the machine and of its description. A redacted description has other names than
+// the machine, so the machine is described with its own once more for this.
+Findings CompareLibrary(const RecordOptions& options, const recorder::Observations& observed,
+                        ProgressLine& progress) {
+    std::optional<TemporaryPrivateFile> unredacted;
+    if (options.redact) {
+        unredacted.emplace(DescribeMachine(observed).text);
+    }
+    return CompareLibraryRuns(observed, options.machine, unredacted ? unredacted->path() : options.output,
+                              [&](const std::string& text) { progress.Show(text); });
 }
 
 // Prints the findings: first what is unexplained, then what is explained, then what changes by itself.
@@ -125,19 +148,28 @@ int Record(const RecordOptions& options, std::ostream& out, std::ostream& errors
     RequireUsable(options);
     Findings findings;
     std::size_t questions = 0;
+    recorder::Replacements replacements;
     {
         ProgressLine progress(errors);
-        const recorder::Observations observations = ObserveMachine(options, errors, progress);
-        questions = observations.all().size();
-        const Recording recording = DescribeMachine(observations);
-        WriteFiles(options, observations, recording);
-        findings = CompareWithRecording(observations, recording.machine, progress);
+        const recorder::Observations observed = ObserveMachine(options, errors, progress);
+        questions = observed.all().size();
+        const recorder::Observations redacted = recorder::Redact(observed, replacements);
+        const recorder::Observations& kept = options.redact ? redacted : observed;
+        const Recording recording = DescribeMachine(kept);
+        if (options.redact) {
+            RequireNoLeak(replacements, kept, recording.text);
+        }
+        WriteFiles(options, kept, recording, replacements);
+        findings = CompareWithRecording(kept, recording.machine, progress);
         if (options.proof) {
-            Append(findings, CompareLibraryRuns(observations, options.machine, options.output,
-                                                [&](const std::string& text) { progress.Show(text); }));
+            Append(findings, CompareLibrary(options, observed, progress));
         }
     }
-    return Result(Report(findings, out), options.proof, questions, out);
+    const int result = Result(Report(findings, out), options.proof, questions, out);
+    if (!options.redact) {
+        out << PrivateValuesInWords(machine::Narrow(options.output.wstring()), replacements) << '\n';
+    }
+    return result;
 }
 
 int Prove(const ProveOptions& options, std::ostream& out, std::ostream& errors) {

@@ -2,6 +2,7 @@
 
 #include "common/windows.h"
 #include "machine/description/text.h"
+#include "tools/orvane/private_file.h"
 
 #include <fstream>
 #include <list>
@@ -20,6 +21,9 @@ class PartFile {
 public:
     explicit PartFile(const WholeFile& whole) : file_(whole.file), part_(whole.file) {
         part_ += L".part-" + std::to_wstring(GetCurrentProcessId());
+        if (whole.for_owner) {
+            CreatePrivateFile(part_);
+        }
         std::ofstream out(part_, std::ios::binary);
         out.write(whole.text.data(), static_cast<std::streamsize>(whole.text.size()));
         out.close();

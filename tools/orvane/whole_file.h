@@ -14,6 +14,8 @@ void RequireFree(const std::filesystem::path& file, Existing existing);
 struct WholeFile {
     std::filesystem::path file;
     std::string text;
+    bool for_owner =
+        false;  // readable by its owner alone; refused where the file system cannot (private_file.h)
 };
 
 // Writes each text into a new file in the folder of its place, and moves them all to their places when all

@@ -15,14 +15,17 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Keys of a description whose values only the system chooses.
-constexpr std::string_view kWordKeys[] = {
-    "type",      "style",       "fileSystem", "driveType",          "mediaType",
-    "recording", "recognition", "missing",    "extentsShortAnswer", "currentDrive",
+// Keys of a description whose values are words of the format, which are not searched.
+constexpr std::string_view kFormatKeys[] = {
+    "type", "style", "driveType", "mediaType", "recording", "recognition", "missing", "extentsShortAnswer",
 };
 
+bool IsFormatKey(const std::string& key) {
+    return std::find(std::begin(kFormatKeys), std::end(kFormatKeys), key) != std::end(kFormatKeys);
+}
+
 bool IsWordKey(const std::string& key) {
-    return std::find(std::begin(kWordKeys), std::end(kWordKeys), key) != std::end(kWordKeys);
+    return key == "fileSystem" || key == "currentDrive";
 }
 
 // The objects whose keys are names of the machine and not of the format.
@@ -151,6 +154,9 @@ void AddJson(const Json& json, const std::string& place, bool word, Collector& c
             const bool known = IsWordKey(key) || IsWordProperty(name);
             if (HasNamesAsKeys(place)) {
                 collector.Add(name, place, false);
+            }
+            if (IsFormatKey(key) && !HasNamesAsKeys(place)) {
+                continue;
             }
             AddJson(value, std::string(place).append("/").append(key), word || known, collector);
         }

@@ -1,5 +1,7 @@
 #include "tools/orvane/whole_file.h"
 
+#include "tools/orvane/private_file.h"
+
 #include <gmock/gmock.h>
 
 #include <fstream>
@@ -49,6 +51,15 @@ TEST_F(WholeFile, FolderThatDoesNotExist_IsAnError) {
 TEST_F(WholeFile, PlaceThatCannotBeTaken_LeavesNothingHalf) {
     std::filesystem::create_directories(file_ / "in-the-way");
     EXPECT_THROW(host::WriteWholeFiles({{file_, "text"}}, host::Existing::kReplaced), std::runtime_error);
+    EXPECT_EQ(FilesInFolder(), 1U);
+}
+
+TEST_F(WholeFile, FileForItsOwner_ReplacesOneThatOthersMayRead) {
+    host::WriteWholeFiles({{file_, "old"}}, host::Existing::kKept);
+    EXPECT_FALSE(host::OnlyOwnerMayRead(file_));
+    host::WriteWholeFiles({{file_, "new", true}}, host::Existing::kReplaced);
+    EXPECT_TRUE(host::OnlyOwnerMayRead(file_));
+    EXPECT_EQ(Text(), "new");
     EXPECT_EQ(FilesInFolder(), 1U);
 }
 

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "machine/recorder/observe/observations.h"
+#include "machine/recorder/redact/replacements.h"
+
+#include <string>
+
+namespace host {
+
+// Throws std::runtime_error, which names values and places, if the observations or the text of their
+// description still hold a value that was to be replaced.
+void RequireNoLeak(const recorder::Replacements& replacements, const recorder::Observations& observations,
+                   const std::string& description);
+
+// "machine.json holds 12 names and 30 ids; --redact replaces them"
+std::string PrivateValuesInWords(const std::string& file, const recorder::Replacements& replacements);
+
+}  // namespace host
