@@ -1,17 +1,29 @@
 #!/usr/bin/env -S python3 -B
 """The comparisons of the closed loop notice every difference that counts, and no other."""
 
+import importlib.machinery
+import importlib.util
+import os
+import pathlib
 import random
 import re
 import sys
+import tempfile
 import unittest
+from unittest import mock
+import xml.etree.ElementTree as ElementTree
 
 from program import ROOT
 
 sys.path.insert(0, str(ROOT / "tests/documents/loop"))
 import compare  # noqa: E402
+import library_writers  # noqa: E402
 import tables  # noqa: E402
 import tools  # noqa: E402
+
+_loader = importlib.machinery.SourceFileLoader("run_loop", str(ROOT / "tests/documents/loop/run-loop"))
+run_loop = importlib.util.module_from_spec(importlib.util.spec_from_loader("run_loop", _loader))
+_loader.exec_module(run_loop)
 
 MBR = """label: dos
 label-id: 0x1badcafe
@@ -100,6 +112,39 @@ class Comparisons(unittest.TestCase):
                 self.assertEqual(len(numbers), len(set(numbers)))
                 self.assertLessEqual(max(one.end for one in disk.partitions), disk.sectors)
                 self.assertTrue(tables.SMALLEST - disk.sector < disk.size <= tables.LARGEST)
+
+
+class Failures(unittest.TestCase):
+    """Every failure is told of its case, whose seed is then printed."""
+
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder = pathlib.Path(scratch.name)
+
+    def test_any_error_of_a_step_is_told(self):
+        for number, error in enumerate((tools.ToolError("x"), ElementTree.ParseError("x"), AttributeError("x"), TypeError("x"))):
+            case = run_loop.Case(number, self.folder)
+            case.attempt(mock.Mock(side_effect=error))
+            self.assertEqual(case.wrong, [f"{type(error).__name__}: x"])
+
+    def test_answers_of_the_writer_that_cannot_be_used_are_told(self):
+        disk = tables.Disk("gpt", "sfdisk", 512, 204800, "6F1F4A52-9C0D-4E1B-8A37-52D1B0C4E9A1", [])
+        cases = [run_loop.Case(seed, self.folder) for seed in range(3)]
+        for case in cases:
+            case.disks = [disk]
+        answers = '{"ids": []\n{"error": "no"}\n'
+        library_writers.check(cases, self.folder, lambda *_: answers, str)
+        for case, text in zip(cases, ("JSONDecodeError", "writer: no", "no answer")):
+            self.assertEqual(len(case.wrong), 1)
+            self.assertIn(text, case.wrong[0])
+
+    def test_a_program_that_does_not_end_is_ended(self):
+        program = self.folder / "sleeps"
+        program.write_text("#!/bin/sh\necho begun\nexec sleep 60\n")
+        program.chmod(0o755)
+        with mock.patch.dict(os.environ, {"ORVANE_RUN": "", "SLEEPS": str(program)}), mock.patch.object(run_loop, "LIMIT", 1):
+            self.assertEqual(run_loop.run_on_windows("SLEEPS"), "begun\n\nended after 1 seconds\n")
 
 
 if __name__ == "__main__":

@@ -55,21 +55,30 @@ def check_one(disk, image, answer):
     return [] if found == wanted else [f"the library's writer: meant {wanted}\n    found {found}"]
 
 
+def failure(error):
+    return f"the library's writer: {type(error).__name__}: {error}"
+
+
 def check(cases, folder, run_on_windows, windows_path):
+    """Whatever goes wrong is told of its case, so that its seed is printed."""
     disks = []
+    orders = []
     for case in cases:
         for number, disk in enumerate(case.disks):
-            image = case.folder / f"written{number}.img"
-            tools.make_blank(image, disk.size)
-            disks.append((case, disk, image))
+            try:
+                image = case.folder / f"written{number}.img"
+                tools.make_blank(image, disk.size)
+                orders.append(json.dumps(order(disk, windows_path(image))) + "\n")
+                disks.append((case, disk, image))
+            except Exception as error:
+                case.wrong.append(failure(error))
     lines = folder / "tables.txt"
-    lines.write_text(
-        "".join(json.dumps(order(disk, windows_path(image))) + "\n" for _, disk, image in disks), encoding="utf-8"
-    )
-    answers = [json.loads(line) for line in run_on_windows("ORVANE_WRITES", lines).splitlines() if line.startswith("{")]
+    lines.write_text("".join(orders), encoding="utf-8")
+    said = run_on_windows("ORVANE_WRITES", lines)
+    answers = [line for line in said.splitlines() if line.startswith("{")]
     for index, (case, disk, image) in enumerate(disks):
         try:
-            answer = answers[index] if index < len(answers) else {"error": "no answer"}
+            answer = json.loads(answers[index]) if index < len(answers) else {"error": f"no answer: {said}"}
             case.wrong += check_one(disk, image, answer)
-        except tools.ToolError as error:
-            case.wrong.append(f"the library's writer: {error}")
+        except Exception as error:
+            case.wrong.append(failure(error))
