@@ -132,15 +132,26 @@ std::string PathIn(const std::string& folder, const std::string& name) {
     return {path.begin(), path.end()};
 }
 
-void Write(const PlanArguments& arguments, const Plan& plan) {
+// A file that is there can be a target, also by another name.
+void RequireNoTarget(const std::string& file, const TargetRequests& targets) {
+    const Target written{file, {}, {}, true};
+    for (const auto& [disk, target] : targets) {
+        if (SameTarget(written, {target.path, {}, {}, true})) {
+            throw Trouble(file + ": the file is the target of disk " + std::to_string(disk));
+        }
+    }
+}
+
+void Write(const PlanArguments& arguments, const TargetRequests& targets, const Plan& plan) {
     std::error_code error;
     const std::filesystem::path folder(std::u8string(arguments.folder.begin(), arguments.folder.end()));
     std::filesystem::create_directories(folder, error);
     if (!std::filesystem::is_directory(folder)) {
         throw Trouble(arguments.folder + ": the folder cannot be made");
     }
-    if (!arguments.force) {
-        for (const PlanFile& file : plan.files) {
+    for (const PlanFile& file : plan.files) {
+        RequireNoTarget(PathIn(arguments.folder, file.name), targets);
+        if (!arguments.force) {
             RequireFree(PathIn(arguments.folder, file.name));
         }
     }
@@ -156,7 +167,7 @@ int MakePlan(const PlanArguments& arguments, const PlanRequest& request, const M
         Tell(terminal, plan.refusals);
         return kAnswer;
     }
-    Write(arguments, plan);
+    Write(arguments, request.targets, plan);
     Tell(terminal, plan.losses);
     std::string names;
     for (const PlanFile& file : plan.files) {

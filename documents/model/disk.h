@@ -30,6 +30,7 @@ struct Partition {
     std::optional<std::string> gpt_type;  // "{C12A7328-F81F-11D2-BA4B-00A0C93EC93B}", upper case
     std::optional<std::string> id;        // the GUID of a GPT partition, written in the same way
     std::optional<bool> active;           // MBR only
+    std::optional<std::uint32_t> slot;    // format 3: of a primary partition of an MBR disk, from 1
 
     std::optional<std::uint32_t> row_number;     // formats 1 and 2: the position by offset, from 1
     std::optional<std::uint32_t> system_number;  // the number that Windows gives it: format 3; format 2
@@ -43,6 +44,12 @@ struct Partition {
 struct Gap {
     Range place;
     bool in_extended = false;
+};
+
+// The extended partition's entry in the MBR. Format 3.
+struct ExtendedEntry {
+    std::uint32_t slot = 0;  // from 1
+    std::uint8_t type = 0;   // 0x05 or 0x0F
 };
 
 // Format 3.
@@ -72,6 +79,7 @@ struct Disk {
     std::optional<std::vector<Gap>> gaps;
     // The extended partition: formats 1 and 2 say its place by the rows in it.
     std::optional<Range> extended;
+    std::optional<ExtendedEntry> extended_entry;
     // With an extended partition: the number of primary ones in the slots before its own.
     std::size_t primaries_before_extended = 0;
 };

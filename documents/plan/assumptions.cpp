@@ -1,6 +1,7 @@
 #include "documents/plan/assumptions.h"
 
 #include "documents/model/lookup.h"
+#include "documents/verify/rules.h"
 
 #include <algorithm>
 
@@ -13,18 +14,24 @@ void AddMbr(const Disk& disk, const Table& table, std::vector<std::string>& text
         texts.emplace_back(
             "Signature unknown: no volume lies on the disk. The script has none; the tool makes one.");
     }
-    texts.emplace_back("Empty slots: the partitions take the first slots, in the order of the document.");
+    if (!table.told_slots) {
+        texts.emplace_back("Empty slots: the partitions take the first slots, in the order of the document.");
+    }
     const bool extended = std::any_of(table.entries.begin(), table.entries.end(),
                                       [](const TableEntry& entry) { return entry.partition == nullptr; });
     if (!extended) {
         return;
     }
-    texts.emplace_back(table.guessed_extended
-                           ? "Place of the extended partition: from the end of the partition before the "
-                             "first logical one to the "
-                             "end of the last logical one."
-                           : "Place of the extended partition: it follows from the rows in it.");
-    texts.emplace_back("Type of the extended partition: 0F.");
+    if (table.guessed_extended) {
+        texts.emplace_back(
+            "Place of the extended partition: from the end of the partition before the first logical one to "
+            "the end of the last logical one.");
+    } else if (!disk.extended_entry) {
+        texts.emplace_back("Place of the extended partition: it follows from the rows in it.");
+    }
+    if (!disk.extended_entry) {
+        texts.emplace_back("Type of the extended partition: 0F.");
+    }
     if (table.sorted_logicals) {
         texts.emplace_back(
             "Order of the logical partitions: that of their offsets. The tools cannot make that of the "
@@ -37,6 +44,16 @@ void AddMbr(const Disk& disk, const Table& table, std::vector<std::string>& text
 void AddGpt(const Disk& disk, const Table& table, std::vector<std::string>& texts) {
     if (!disk.id) {
         texts.emplace_back("Id of the disk: unknown. The script has none; the tool makes one.");
+    }
+    std::vector<std::uint32_t> without_id;
+    for (const TableEntry& entry : table.entries) {
+        if (!entry.partition->id) {
+            without_id.push_back(entry.number);
+        }
+    }
+    if (!without_id.empty()) {
+        texts.push_back("Ids of these entries: unknown. The script has none; the tool makes them. " +
+                        ListOf(without_id) + ".");
     }
     texts.emplace_back(
         "GPT names and attributes: those that Windows gives the type; none for types that Windows does not "

@@ -7,6 +7,8 @@
 #include "documents/show/show.h"
 #include "documents/text/utf8.h"
 
+#include <algorithm>
+
 namespace documents {
 
 namespace {
@@ -33,6 +35,14 @@ std::string BothSizes(std::uint64_t bytes) {
 
 std::string NameOf(const Volume& volume) {
     return PlaceOf(volume).substr(std::string_view("volume ").size());
+}
+
+// The number of the entry that the place is inside of.
+std::string EntryOf(const Table& table, const Range& place) {
+    const auto found = std::find_if(table.entries.begin(), table.entries.end(), [&](const TableEntry& entry) {
+        return entry.partition != nullptr && Contains(entry.place, place);
+    });
+    return found == table.entries.end() ? "none" : std::to_string(found->number);
 }
 
 class Page {
@@ -72,7 +82,7 @@ private:
             AddUse(plan);
             AddEntries(plan);
         }
-        AddVolumes(disk);
+        AddVolumes(plan);
         if (!plan.obstacle) {
             text_ += "\nNot in the document, and assumed:\n\n";
             for (const std::string& assumption : AssumptionsOf(disk, plan.table)) {
@@ -92,6 +102,9 @@ private:
         if (disk.size && plan.target.size && *plan.target.size > *disk.size) {
             text_ +=
                 Row({"Left over on the target", BothSizes(*plan.target.size - *disk.size) + " at its end"});
+        } else if (disk.size && plan.target.size && *plan.target.size < *disk.size) {
+            text_ += Row({"Less than the disk",
+                          BothSizes(*disk.size - *plan.target.size) + " at its end, behind the partitions"});
         }
     }
 
@@ -110,17 +123,20 @@ private:
 
     void AddEntries(const DiskPlan& plan) {
         const bool gpt = plan.disk->style == Style::kGpt;
-        text_ +=
-            "\n" + Heading({"Entry", "Start", "Size", "Type", gpt ? "Id" : "Active", gpt ? "Name" : "Kind"});
+        text_ += "\n" + (gpt ? Heading({"Entry", "Start", "Size", "Type", "Id", "Name", "Attributes"})
+                             : Heading({"Entry", "Start", "Size", "Type", "Active", "Kind"}));
         for (const TableEntry& entry : plan.table.entries) {
             const Partition* const partition = entry.partition;
             std::vector<std::string> cells = {std::to_string(entry.number), std::to_string(entry.place.start),
                                               BothSizes(entry.place.length)};
             if (partition == nullptr) {
-                cells.insert(cells.end(), {"extended (0F)", "no", "extended"});
+                cells.insert(cells.end(), {plan.table.extended_type == kUsualExtendedType ? "extended (0F)"
+                                                                                          : "extended (05)",
+                                           "no", "extended"});
             } else if (gpt) {
+                const GptName name = GptNameOf(*partition);
                 cells.insert(cells.end(), {TypeName(*partition), partition->id.value_or("unknown"),
-                                           std::string(GptNameOf(*partition).name)});
+                                           std::string(name.name), std::string(name.attributes)});
             } else {
                 cells.insert(cells.end(),
                              {TypeName(*partition), partition->active == true ? "yes" : "no",
@@ -130,20 +146,21 @@ private:
         }
     }
 
-    void AddVolumes(const Disk& disk) {
-        const std::vector<PlacedExtent>& extents = subject_.extents.On(disk.number);
+    void AddVolumes(const DiskPlan& plan) {
+        const std::vector<PlacedExtent>& extents = subject_.extents.On(plan.disk->number);
         if (extents.empty()) {
             return;
         }
-        text_ += "\n" +
-                 Heading({"Volume", "File system", "Label", "Size", "Cluster", "Belongs at", "Length there"});
+        text_ += "\n" + Heading({"Volume", "File system", "Label", "Size", "Cluster", "Entry", "Belongs at",
+                                 "Length there"});
         for (const PlacedExtent& placed : extents) {
             const Volume& volume = *placed.volume;
             text_ +=
                 Row({NameOf(volume), volume.file_system.value_or("unknown"), volume.label.value_or("unknown"),
                      volume.size ? BothSizes(*volume.size) : "unknown",
                      volume.block_size ? std::to_string(*volume.block_size) : "unknown",
-                     std::to_string(placed.extent->place.start), BothSizes(placed.extent->place.length)});
+                     EntryOf(plan.table, placed.extent->place), std::to_string(placed.extent->place.start),
+                     BothSizes(placed.extent->place.length)});
         }
     }
 

@@ -6,22 +6,26 @@
 #include "documents/plan/page.h"
 #include "documents/plan/script.h"
 
+#include <set>
+
 namespace documents {
 
 namespace {
 
-void RequireDisk(const Machine& machine, std::uint32_t number) {
-    if (FindDisk(machine, number) == nullptr) {
+void RequireDisks(const Subject& subject, const PlanRequest& request) {
+    const auto refuse = [](std::uint32_t number) {
         throw TargetError("the document has no disk " + std::to_string(number));
-    }
-}
-
-void RequireDisks(const Machine& machine, const PlanRequest& request) {
+    };
+    const std::set<std::uint32_t> left_out = LeftOutDisks(subject);
     for (const std::uint32_t number : request.disks) {
-        RequireDisk(machine, number);
+        if (FindDisk(subject.machine, number) == nullptr && !left_out.contains(number)) {
+            refuse(number);
+        }
     }
     for (const auto& [number, target] : request.targets) {
-        RequireDisk(machine, number);
+        if (FindDisk(subject.machine, number) == nullptr) {
+            refuse(number);
+        }
         if (!request.disks.empty() && !request.disks.contains(number)) {
             throw TargetError("disk " + std::to_string(number) + " has a target, but is not to be planned");
         }
@@ -45,10 +49,7 @@ DiskPlan PlanDisk(const Subject& subject, const Disk& disk, const PlanRequest& r
 std::vector<Finding> RefusalsOf(const std::vector<DiskPlan>& plans) {
     std::vector<Finding> refusals;
     for (const DiskPlan& plan : plans) {
-        if (plan.obstacle) {
-            continue;
-        }
-        const std::vector<Finding> own = RefusalsOf(*plan.disk, plan.table, plan.target);
+        const std::vector<Finding> own = RefusalsOf(plan);
         refusals.insert(refusals.end(), own.begin(), own.end());
         for (const DiskPlan& earlier : plans) {
             if (&earlier == &plan) {
@@ -65,8 +66,8 @@ std::vector<Finding> RefusalsOf(const std::vector<DiskPlan>& plans) {
 }  // namespace
 
 Plan PlanOf(const Machine& machine, const PlanRequest& request) {
-    RequireDisks(machine, request);
     const Subject subject(machine);
+    RequireDisks(subject, request);
     const std::vector<Finding> verified = Verify(machine);
     std::vector<DiskPlan> plans;
     Plan plan;
@@ -79,9 +80,9 @@ Plan PlanOf(const Machine& machine, const PlanRequest& request) {
     if (!plan.refusals.empty()) {
         return plan;
     }
-    if (request.disks.empty()) {
-        plan.losses = MissingDisks(subject);
-    }
+    plan.losses = MissingDisks(subject, request.disks);
+    const std::vector<Finding> unplaced = UnplacedVolumes(verified);
+    plan.losses.insert(plan.losses.end(), unplaced.begin(), unplaced.end());
     for (const DiskPlan& one : plans) {
         if (one.obstacle) {
             plan.losses.push_back(*one.obstacle);
@@ -89,7 +90,7 @@ Plan PlanOf(const Machine& machine, const PlanRequest& request) {
             plan.files.push_back(
                 {ScriptName(*one.disk), ScriptOf(machine, *one.disk, one.table, one.target)});
         }
-        const std::vector<Finding> losses = LossesOn(subject, *one.disk);
+        const std::vector<Finding> losses = LossesOn(subject, one);
         plan.losses.insert(plan.losses.end(), losses.begin(), losses.end());
     }
     plan.files.push_back({"plan.md", PageOf(subject, plans, plan.losses)});

@@ -12,9 +12,6 @@ namespace documents {
 
 namespace {
 
-// The type of an extended partition that is addressed by sectors.
-constexpr std::uint8_t kExtendedType = 0x0F;
-
 std::string Hex(std::uint32_t number) {
     std::array<char, 8> digits{};
     return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr};
@@ -54,12 +51,20 @@ std::string Header(const Disk& disk, const Table& table) {
     return text + "sector-size: " + std::to_string(sector) + "\n";
 }
 
-std::string Line(const Disk& disk, const TableEntry& entry) {
+// "7", "C12A7328-..."
+std::string TypeOf(const Table& table, const TableEntry& entry) {
+    if (entry.partition != nullptr && entry.partition->gpt_type) {
+        return WithoutBraces(*entry.partition->gpt_type);
+    }
+    return Hex(entry.partition == nullptr ? table.extended_type : entry.partition->mbr_type.value_or(0));
+}
+
+std::string Line(const Disk& disk, const Table& table, const TableEntry& entry) {
     const std::uint32_t sector = SectorSizeOf(disk);
     std::string text = "disk" + std::to_string(disk.number) + "p" + std::to_string(entry.number) +
                        " : start=" + std::to_string(entry.place.start / sector) +
                        ", size=" + std::to_string(entry.place.length / sector) +
-                       ", type=" + ScriptType(entry);
+                       ", type=" + TypeOf(table, entry);
     if (entry.partition == nullptr) {
         return text + "\n";
     }
@@ -92,18 +97,11 @@ std::string DiskIdText(const Disk& disk) {
     return disk.signature ? SignatureText(*disk.signature) : "unknown";
 }
 
-std::string ScriptType(const TableEntry& entry) {
-    if (entry.partition != nullptr && entry.partition->gpt_type) {
-        return WithoutBraces(*entry.partition->gpt_type);
-    }
-    return Hex(entry.partition == nullptr ? kExtendedType : entry.partition->mbr_type.value_or(0));
-}
-
 std::string ScriptOf(const Machine& machine, const Disk& disk, const Table& table, const Target& target) {
     std::string text = Introduction(machine, disk, target) + Header(disk, table) + "\n";
     // The extended partition must be there before the logical ones.
     for (const TableEntry& entry : table.entries) {
-        text += Line(disk, entry);
+        text += Line(disk, table, entry);
     }
     return text;
 }

@@ -18,8 +18,4 @@ std::string ScriptOf(const Machine& machine, const Disk& disk, const Table& tabl
 // "{...}", "0x7A3C91E8" or "unknown"
 std::string DiskIdText(const Disk& disk);
 
-// "EFI system partition" and the like is for people; this is the type as scripts have it: "7",
-// "C12A7328-...".
-std::string ScriptType(const TableEntry& entry);
-
 }  // namespace documents

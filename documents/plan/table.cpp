@@ -77,20 +77,44 @@ void AddLogicals(const Disk& disk, Table& table) {
     }
 }
 
+bool TellsSlots(const Disk& disk, bool extended) {
+    return (!extended || disk.extended_entry) &&
+           std::all_of(disk.partitions->begin(), disk.partitions->end(), [](const Partition& partition) {
+               return partition.kind == PartitionKind::kLogical || partition.slot;
+           });
+}
+
+void AddBySlot(const Disk& disk, Table& table) {
+    for (const Partition& partition : *disk.partitions) {
+        if (partition.kind == PartitionKind::kPrimary) {
+            table.entries.push_back({*partition.slot, partition.place, &partition});
+        }
+    }
+}
+
 Table MbrTable(const Disk& disk) {
     Table table;
     AddLogicals(disk, table);
     const std::size_t primaries = disk.partitions->size() - table.entries.size();
     const bool extended = !table.entries.empty() || disk.extended;
     table.guessed_extended = extended && !disk.extended;
-    const std::size_t slot = disk.extended ? std::min(disk.primaries_before_extended, primaries) : primaries;
+    table.told_slots = TellsSlots(disk, extended);
+    table.extended_type = disk.extended_entry ? disk.extended_entry->type : kUsualExtendedType;
+    const Range around = disk.extended ? *disk.extended : AroundLogicals(disk);
+    if (table.told_slots) {
+        AddBySlot(disk, table);
+        if (extended) {
+            table.entries.push_back({disk.extended_entry->slot, around, nullptr});
+        }
+        return table;
+    }
 
+    const std::size_t slot = disk.extended ? std::min(disk.primaries_before_extended, primaries) : primaries;
     std::uint32_t number = 1;
     std::size_t placed = 0;
     const auto add_extended = [&] {
         if (extended && placed == slot) {
-            table.entries.push_back(
-                {number++, disk.extended ? *disk.extended : AroundLogicals(disk), nullptr});
+            table.entries.push_back({number++, around, nullptr});
         }
     };
     for (const Partition& partition : *disk.partitions) {

@@ -15,11 +15,16 @@ struct TableEntry {
     const Partition* partition = nullptr;  // none: the extended partition
 };
 
+// The type of an extended partition that is addressed by sectors.
+inline constexpr std::uint8_t kUsualExtendedType = 0x0F;
+
 // The partition table of a disk. Refers to the disk, which must outlive it.
 struct Table {
     std::vector<TableEntry> entries;  // by number
     // The extended partition's place is not in the document and was taken from the logical ones.
     bool guessed_extended = false;
+    bool told_slots = false;                          // of an MBR: the document has the slot of each entry
+    std::uint8_t extended_type = kUsualExtendedType;  // that of the document, if it has one
     // The tools cannot make the logical partitions in the document's order; they are in that of their
     // offsets.
     bool sorted_logicals = false;
@@ -27,9 +32,10 @@ struct Table {
     std::size_t told_numbers = 0;  // of a GPT: how many entries have a number that the document tells
 };
 
-// Gives each partition its entry: on an MBR disk in the order of the document, with the extended partition at
-// its slot; on a GPT disk by the number that a volume tells, else the next free one. The disk must have a
-// table in the document.
+// Gives each partition its entry: on an MBR disk its slot, or, if the document does not tell the slots, the
+// first ones in the order of the document, with the extended partition where it was among the others; on a
+// GPT disk by the number that a volume tells, else the next free one. The disk must have a table in the
+// document.
 Table TableOf(const Disk& disk);
 
 std::uint32_t SectorSizeOf(const Disk& disk);

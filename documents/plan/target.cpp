@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -36,13 +37,36 @@ void AskDevice(Target& target) {
     if (!known) {
         throw TargetError(*target.path + ": the device cannot be read");
     }
-    target.size = size;
-    target.sector_size = static_cast<std::uint32_t>(sector);
+    SetDeviceFacts(target, size, static_cast<std::uint32_t>(sector));
+}
+
+// Nodes with different names can be of the same device.
+bool SameDevice(const std::string& one, const std::string& other) {
+    struct stat facts = {};
+    struct stat others = {};
+    return stat(one.c_str(), &facts) == 0 && stat(other.c_str(), &others) == 0 && S_ISBLK(facts.st_mode) &&
+           S_ISBLK(others.st_mode) && facts.st_rdev == others.st_rdev;
+}
+
+bool NamesADevice(const std::string& /*path*/) {
+    return false;
 }
 #else
 void AskDevice(Target& target) {
-    throw TargetError(*target.path +
-                      ": only images can be looked at on this system; --target-size gives a size");
+    throw TargetError(
+        *target.path +
+        ": only images can be looked at on this system; --target-size and --sector-size tell of a disk");
+}
+
+bool SameDevice(const std::string& /*one*/, const std::string& /*other*/) {
+    return false;
+}
+
+// "\\\\.\\PhysicalDrive0", which cannot be asked for its kind.
+bool NamesADevice(const std::string& path) {
+    std::string slashes = path.substr(0, 4);
+    std::replace(slashes.begin(), slashes.end(), '/', '\\');
+    return slashes == R"(\\.\)";
 }
 #endif
 
@@ -70,6 +94,10 @@ Target LookAt(const TargetRequest& request) {
     if (!target.path) {
         return target;
     }
+    if (NamesADevice(*target.path)) {
+        AskDevice(target);
+        return target;
+    }
     std::error_code error;
     const std::filesystem::path path = PathOf(*target.path);
     const std::filesystem::file_status status = std::filesystem::status(path, error);
@@ -93,7 +121,17 @@ Target LookAt(const TargetRequest& request) {
 bool SameTarget(const Target& one, const Target& other) {
     std::error_code error;
     return one.path && other.path &&
-           std::filesystem::equivalent(PathOf(*one.path), PathOf(*other.path), error);
+           (std::filesystem::equivalent(PathOf(*one.path), PathOf(*other.path), error) ||
+            SameDevice(*one.path, *other.path));
+}
+
+void SetDeviceFacts(Target& target, std::uint64_t size, std::uint32_t sector_size) {
+    if (target.sector_size && *target.sector_size != sector_size) {
+        throw TargetError(*target.path + ": the device has sectors of " + std::to_string(sector_size) +
+                          " bytes, but --sector-size says " + std::to_string(*target.sector_size));
+    }
+    target.size = size;
+    target.sector_size = sector_size;
 }
 
 std::string TextOf(const Target& target) {

@@ -33,7 +33,10 @@ public:
 // Looks at the target. Throws TargetError if that is impossible.
 Target LookAt(const TargetRequest& request);
 
-// Whether both are the same file or device.
+// What the system says of a device. Throws TargetError if the user says other sectors.
+void SetDeviceFacts(Target& target, std::uint64_t size, std::uint32_t sector_size);
+
+// Whether both are the same file or the same device.
 bool SameTarget(const Target& one, const Target& other);
 
 // "/dev/sdb, 320072933376 bytes", "none is chosen"

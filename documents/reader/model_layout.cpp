@@ -133,6 +133,7 @@ void ModelLayout::TakePartition(Row& row) {
     if (number == 0) {
         if (IsExtendedType(type) && entry < kPrimarySlots) {
             extended_ = place;
+            extended_entry_ = {static_cast<std::uint32_t>(entry + 1), static_cast<std::uint8_t>(type)};
             primaries_before_extended_ = partitions_.size();
         }
         return;
@@ -143,6 +144,9 @@ void ModelLayout::TakePartition(Row& row) {
     partition.mbr_type = static_cast<std::uint8_t>(type);
     partition.active = active;
     partition.system_number = number;
+    if (partition.kind == PartitionKind::kPrimary) {
+        partition.slot = static_cast<std::uint32_t>(entry + 1);
+    }
     partitions_.push_back(std::move(partition));
 }
 
@@ -175,6 +179,7 @@ void ModelLayout::TakeReadableDisk(Row& row, Disk& disk) {
         row.Text("PartitionStyle");  // the number of what was a word above
         disk.partitions = std::exchange(partitions_, {});
         disk.extended = std::exchange(extended_, {});
+        disk.extended_entry = std::exchange(extended_entry_, {});
         disk.primaries_before_extended = std::exchange(primaries_before_extended_, 0);
     }
 }
@@ -190,6 +195,7 @@ void ModelLayout::TakeDisk(Row& row) {
     }
     partitions_.clear();
     extended_.reset();
+    extended_entry_.reset();
     entries_ = 0;
     machine_.disks.push_back(std::move(disk));
 }

@@ -24,6 +24,7 @@ private:
 
     std::vector<Partition> partitions_;  // of the disk that is being read
     std::optional<Range> extended_;
+    std::optional<ExtendedEntry> extended_entry_;
     std::size_t primaries_before_extended_ = 0;
     std::size_t entries_ = 0;
     std::vector<Extent> extents_;  // of the volume that is being read

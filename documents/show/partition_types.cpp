@@ -31,6 +31,7 @@ constexpr GptType kGptTypes[] = {
     {"{AF9B60A0-1431-4F62-BC68-3311714A69AD}", "dynamic data"},
     {"{5808C8AA-7E8F-42E0-85D2-E1E90434CFB3}", "dynamic metadata"},
     {"{E75CAF8F-F680-4CEE-AFA3-B001E56EFC2D}", "storage space"},
+    {"{DB97DBA9-0840-4BAE-97F0-FFB9A327C7E1}", "cluster metadata"},
     {"{0FC63DAF-8483-4772-8E79-3D69D8477DE4}", "Linux"},
 };
 

@@ -28,23 +28,6 @@ void Unreadable(const Subject& subject, Report& report) {
     }
 }
 
-// "1, 3 to 7"
-std::string ListOf(const std::vector<std::uint32_t>& numbers) {
-    std::string text;
-    for (std::size_t begin = 0; begin < numbers.size();) {
-        std::size_t end = begin + 1;
-        while (end < numbers.size() && numbers[end] == numbers[end - 1] + 1) {
-            ++end;
-        }
-        text += (text.empty() ? "" : ", ") + std::to_string(numbers[begin]);
-        if (end - begin > 1) {
-            text += (end - begin == 2 ? ", " : " to ") + std::to_string(numbers[end - 1]);
-        }
-        begin = end;
-    }
-    return text;
-}
-
 // Format 1 has a placeholder for a GPT disk. One note for all of them: the list can run to 255.
 void Placeholders(const Subject& subject, Report& report) {
     if (subject.machine.format != Format::kOne) {

@@ -33,6 +33,22 @@ std::string TextOf(const Range& range) {
     return std::to_string(range.start) + " to " + std::to_string(EndOf(range) - (range.length == 0 ? 0 : 1));
 }
 
+std::string ListOf(const std::vector<std::uint32_t>& numbers) {
+    std::string text;
+    for (std::size_t begin = 0; begin < numbers.size();) {
+        std::size_t end = begin + 1;
+        while (end < numbers.size() && numbers[end] == numbers[end - 1] + 1) {
+            ++end;
+        }
+        text += (text.empty() ? "" : ", ") + std::to_string(numbers[begin]);
+        if (end - begin > 1) {
+            text += (end - begin == 2 ? ", " : " to ") + std::to_string(numbers[end - 1]);
+        }
+        begin = end;
+    }
+    return text;
+}
+
 std::string SignatureText(std::uint32_t signature) {
     std::array<char, 8> digits{};
     char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), signature, 16).ptr;

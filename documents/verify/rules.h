@@ -56,6 +56,8 @@ std::string PlaceOf(const Disk& disk, const Partition& partition);
 std::string PlaceOf(const Volume& volume);
 // "1048576 to 525336575"
 std::string TextOf(const Range& range);
+// "1, 3 to 7"; the numbers are sorted
+std::string ListOf(const std::vector<std::uint32_t>& numbers);
 // "0x7A3C91E8"
 std::string SignatureText(std::uint32_t signature);
 

@@ -105,6 +105,11 @@ TEST(ReadDocument, FormatThree_HasTheExtendedPartition) {
     const documents::Disk disk = Read(TextOf("bios-laptop", 3)).disks.at(0);
     ASSERT_TRUE(disk.extended);
     EXPECT_EQ(disk.extended->start, 157811736576U);
+    ASSERT_TRUE(disk.extended_entry);
+    EXPECT_EQ(disk.extended_entry->slot, 3U);
+    EXPECT_EQ(disk.extended_entry->type, 0x0FU);
+    EXPECT_EQ(disk.partitions->at(1).slot, 2U);
+    EXPECT_FALSE(disk.partitions->at(2).slot);  // logical
     ASSERT_THAT(disk.partitions, Optional(SizeIs(4)));
     EXPECT_EQ(disk.partitions->at(3).kind, documents::PartitionKind::kLogical);
 }

@@ -1,7 +1,6 @@
 #include "documents/plan/plan.h"
 
 #include "documents/plan/obstacles.h"
-#include "documents/plan/page.h"
 #include "documents/plan/planned_machine.h"
 
 #include <gmock/gmock.h>
@@ -15,16 +14,6 @@ using namespace planned;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
-
-std::vector<std::string> Lines(const std::vector<Finding>& findings) {
-    std::vector<std::string> lines;
-    for (const Finding& finding : findings) {
-        lines.push_back(std::string(finding.code) + " " + std::string(NameOf(finding.severity)) + " " +
-                        finding.place);
-    }
-    return lines;
-}
 
 std::vector<std::string> Losses(const Machine& machine) {
     return Lines(PlanOf(machine, {}).losses);
@@ -36,16 +25,6 @@ std::vector<std::string> Names(const Plan& plan) {
         names.push_back(file.name);
     }
     return names;
-}
-
-std::string PageIn(const Plan& plan) {
-    return plan.files.empty() ? "" : plan.files.back().text;
-}
-
-Disk UsualDisk(std::uint32_t number = 0) {
-    Disk disk = EmptyDisk(number, Style::kMbr);
-    Add(disk, 1, 9);
-    return disk;
 }
 
 TEST(Plan, WholeTable_HasAScriptAndNoLoss) {
@@ -79,7 +58,48 @@ TEST(PlanLosses, PlaceholderUnderAVolume_IsALoss) {
     machine.format = Format::kOne;
     machine.placeholders = {0, 1};
     AddVolume(machine, 1, 1, 9);
-    EXPECT_THAT(Losses(machine), ElementsAre("P002 error disk 1"));
+    EXPECT_THAT(Losses(machine), ElementsAre("P002 error disk 1", "P002 note DiskDrives"));
+}
+
+// Format 1 has a row for every number, and leaves out the facts of GPT disks.
+TEST(PlanLosses, PlaceholdersOfFormat1_MayBeDisks) {
+    Machine machine = MachineOf({UsualDisk()});
+    machine.format = Format::kOne;
+    machine.placeholders = {1, 3, 4, 5};
+    const Plan plan = PlanOf(machine, {});
+    ASSERT_THAT(Lines(plan.losses), ElementsAre("P002 note DiskDrives"));
+    EXPECT_THAT(plan.losses.front().text, HasSubstr("1, 3 to 5."));
+    EXPECT_THAT(Lines(PlanOf(machine, {{0}, {}}).losses), IsEmpty());
+}
+
+TEST(PlanLosses, ChosenPlaceholder_IsAnswered) {
+    Machine machine = MachineOf({UsualDisk()});
+    machine.format = Format::kOne;
+    machine.placeholders = {1, 3};
+    const Plan plan = PlanOf(machine, {{3}, {}});
+    EXPECT_THAT(Names(plan), ElementsAre("plan.md"));
+    ASSERT_THAT(Lines(plan.losses), ElementsAre("P002 note DiskDrives"));
+    EXPECT_THAT(plan.losses.front().text, HasSubstr("unknown: 3."));
+    EXPECT_THROW(PlanOf(machine, {{}, {{3, {}}}}), TargetError);
+    machine.format = Format::kTwo;  // there is no such disk
+    EXPECT_THROW(PlanOf(machine, {{3}, {}}), TargetError);
+}
+
+TEST(PlanLosses, VolumeOnADiskThatIsNotThere_IsALoss) {
+    Machine machine = MachineOf({UsualDisk()});
+    machine.format = Format::kThree;
+    AddVolume(machine, 2, 1, 9);
+    EXPECT_THAT(Losses(machine), ElementsAre("P002 error disk 2"));
+}
+
+TEST(PlanLosses, VolumeOfUnknownPlace_IsALoss) {
+    Machine machine = MachineOf({UsualDisk()});
+    machine.format = Format::kThree;
+    AddVolume(machine, 0, 1, 9).extents.reset();
+    Volume optical;
+    optical.device = "\\Device\\CdRom0";
+    machine.volumes.push_back(optical);
+    EXPECT_THAT(Losses(machine), ElementsAre("P011 error volume \\\\?\\Volume{0}\\"));
 }
 
 TEST(PlanLosses, GptDiskOfFormat3_HasNoScript) {
@@ -98,9 +118,40 @@ TEST(PlanLosses, DiskWithoutATable_HasNoScript) {
                 ElementsAre("P004 note disk 0", "P004 note disk 1"));
 }
 
+// Format 2 has one row for all of a GPT disk without partitions.
 TEST(PlanLosses, EmptyTable_HasAScript) {
-    EXPECT_THAT(Names(PlanOf(MachineOf({EmptyDisk(0, Style::kMbr)}), {})),
-                ElementsAre("disk0.sfdisk", "plan.md"));
+    Disk gpt = EmptyDisk(1, Style::kGpt);
+    gpt.gaps = {{{0, *gpt.size}, false}};
+    const Plan plan = PlanOf(MachineOf({EmptyDisk(0, Style::kMbr), gpt}), {});
+    EXPECT_THAT(Names(plan), ElementsAre("disk0.sfdisk", "disk1.sfdisk", "plan.md"));
+    EXPECT_THAT(plan.losses, IsEmpty());
+}
+
+TEST(PlanLosses, DiskOfUnknownStyle_HasNoScript) {
+    Disk disk = EmptyDisk(0, Style::kRaw);
+    disk.style.reset();
+    EXPECT_THAT(Losses(MachineOf({disk})), ElementsAre("P004 note disk 0"));
+}
+
+TEST(PlanLosses, PartitionWithoutAType_HasNoScript) {
+    Disk mbr = UsualDisk(0);
+    mbr.partitions->front().mbr_type = 0;
+    Disk gpt = EmptyDisk(1, Style::kGpt);
+    Add(gpt, 1, 9).gpt_type.reset();
+    gpt.partitions->front().mbr_type = 7;
+    EXPECT_THAT(Losses(MachineOf({mbr, gpt})), ElementsAre("P009 note disk 0", "P009 note disk 1"));
+}
+
+TEST(PlanLosses, SameIdsOnOneDisk_AreALoss) {
+    Disk disk = EmptyDisk(0, Style::kGpt);
+    Add(disk, 1, 9);
+    Add(disk, 10, 9);
+    Add(disk, 20, 9);
+    disk.partitions->back().id = disk.partitions->front().id;
+    const Plan plan = PlanOf(MachineOf({disk}), {});
+    EXPECT_THAT(Lines(plan.losses), ElementsAre("P010 error disk 0, partition at 20971520"));
+    EXPECT_THAT(plan.losses.front().text, HasSubstr("the partition at 1048576"));
+    EXPECT_THAT(Names(plan), ElementsAre("disk0.sfdisk", "plan.md"));
 }
 
 TEST(PlanLosses, ContradictoryTable_HasNoScript) {
@@ -141,55 +192,20 @@ TEST(PlanLosses, DynamicDisk_HasAScriptAndALossForEachExtent) {
     EXPECT_THAT(Names(plan), ElementsAre("disk0.sfdisk", "plan.md"));
 }
 
+TEST(PlanLosses, DynamicDiskWithoutAScript_DoesNotPromiseItsTable) {
+    Disk disk = UsualDisk();
+    disk.partitions->front().mbr_type = 0x42;
+    EXPECT_THAT(PlanOf(MachineOf({disk}), {}).losses.back().text, HasSubstr("its table is made"));
+    Add(disk, 5, 9);
+    const Plan plan = PlanOf(MachineOf({disk}), {});
+    EXPECT_THAT(Lines(plan.losses), ElementsAre("P005 note disk 0", "P007 note disk 0"));
+    EXPECT_THAT(plan.losses.back().text, HasSubstr("neither its table nor"));
+}
+
 TEST(PlanLosses, VolumeInNoPartition_IsALoss) {
     Machine machine = MachineOf({UsualDisk()});
     AddVolume(machine, 0, 50, 5);
     EXPECT_THAT(Losses(machine), ElementsAre("P008 error volume \\\\?\\Volume{0}\\"));
-}
-
-std::vector<std::string> Refusals(const Machine& machine, const TargetRequest& target) {
-    const Plan plan = PlanOf(machine, {{}, {{0, target}}});
-    EXPECT_TRUE(plan.refusals.empty() || plan.files.empty());
-    return Lines(plan.refusals);
-}
-
-TEST(PlanTargets, SizeAndSectors_AreCompared) {
-    const Machine machine = MachineOf({UsualDisk()});
-    EXPECT_THAT(Refusals(machine, {{}, 10 * kMiB, 512}), IsEmpty());
-    EXPECT_THAT(Refusals(machine, {{}, 10 * kMiB - 1, {}}), ElementsAre("P020 error disk 0"));
-    EXPECT_THAT(Refusals(machine, {{}, 10 * kMiB, 4096}), ElementsAre("P021 error disk 0"));
-}
-
-TEST(PlanTargets, MissingTarget_CannotBeLookedAt) {
-    EXPECT_THROW(PlanOf(MachineOf({UsualDisk()}), {{}, {{0, {ORVANE_BINARY_DIR "/no such target", {}, {}}}}}),
-                 TargetError);
-    EXPECT_THROW(PlanOf(MachineOf({UsualDisk()}), {{}, {{0, {ORVANE_BINARY_DIR, {}, {}}}}}), TargetError);
-}
-
-TEST(PlanTargets, LargerTarget_HasSomethingLeftOver) {
-    const Machine machine = MachineOf({UsualDisk()});
-    EXPECT_THAT(PageIn(PlanOf(machine, {{}, {{0, {{}, 101 * kMiB, {}}}}})),
-                HasSubstr("| Left over on the target | 1048576 bytes (1 MiB) at its end |"));
-    EXPECT_THAT(PageIn(PlanOf(machine, {{}, {{0, {{}, 100 * kMiB, {}}}}})), Not(HasSubstr("Left over")));
-}
-
-TEST(PlanPage, Assumptions_AreNamed) {
-    Disk mbr = UsualDisk(0);
-    mbr.extended = {20 * kMiB, 30 * kMiB};
-    Disk gpt = EmptyDisk(1, Style::kGpt);
-    Add(gpt, 1, 9);
-    const std::string page = PageIn(PlanOf(MachineOf({mbr, gpt}), {}));
-    for (const char* const text : {"Signature unknown", "Empty slots", "Place of the extended partition",
-                                   "Type of the extended partition", "Places of the logical records",
-                                   "GPT names and attributes", "Entry order"}) {
-        EXPECT_THAT(page, HasSubstr(text));
-    }
-}
-
-TEST(PlanPage, TextsOfTheDocument_AreEscaped) {
-    Machine machine = MachineOf({UsualDisk()});
-    AddVolume(machine, 0, 1, 9).label = "<b>|`x`*\n\xE2\x80\xAE";
-    EXPECT_THAT(PageIn(PlanOf(machine, {})), HasSubstr("| \\<b\\>\\|\\`x\\`\\*\\\\u000A\\\\u202E |"));
 }
 
 // The rows "| P001 | title |" of the page.

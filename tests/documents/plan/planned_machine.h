@@ -1,6 +1,6 @@
 #pragma once
 
-#include "documents/model/machine.h"
+#include "documents/plan/plan.h"
 
 #include <cstdint>
 #include <string>
@@ -59,6 +59,29 @@ inline documents::Volume& AddVolume(documents::Machine& machine, std::uint32_t d
     extent.place = {start * kMiB, length * kMiB};
     volume.extents = {extent};
     return machine.volumes.emplace_back(volume);
+}
+
+// An MBR disk with a partition from 1 to 10 MiB.
+inline documents::Disk UsualDisk(std::uint32_t number = 0) {
+    documents::Disk disk = EmptyDisk(number, documents::Style::kMbr);
+    Add(disk, 1, 9);
+    return disk;
+}
+
+// "P002 error disk 1"
+inline std::vector<std::string> Lines(const std::vector<documents::Finding>& findings) {
+    std::vector<std::string> lines;
+    lines.reserve(findings.size());
+    for (const documents::Finding& finding : findings) {
+        lines.push_back(std::string(finding.code) + " " + std::string(NameOf(finding.severity)) + " " +
+                        finding.place);
+    }
+    return lines;
+}
+
+// plan.md
+inline std::string PageIn(const documents::Plan& plan) {
+    return plan.files.empty() ? "" : plan.files.back().text;
 }
 
 }  // namespace planned

@@ -41,6 +41,21 @@ TEST(PlanTable, Extended_HasItsSlotAndLogicalsBeginAtFive) {
     EXPECT_FALSE(TableOf(disk).guessed_extended);
 }
 
+// Format 3 has all four slots.
+TEST(PlanTable, SlotsThatTheDocumentTells_AreKept) {
+    Disk disk = EmptyDisk(0, Style::kMbr);
+    Add(disk, 50, 10).slot = 4;
+    Add(disk, 1, 10).slot = 1;
+    Add(disk, 21, 5, PartitionKind::kLogical);
+    disk.extended = {20 * kMiB, 30 * kMiB};
+    disk.extended_entry = {3, 0x05};
+    EXPECT_THAT(Entries(disk), ElementsAre("1 from 1", "3x from 20", "4 from 50", "5 from 21"));
+    EXPECT_THAT(ScriptOf(MachineOf({disk}), disk, TableOf(disk), {}),
+                HasSubstr("disk0p3 : start=40960, size=61440, type=5\n"));
+    disk.partitions->front().slot.reset();
+    EXPECT_THAT(Entries(disk), ElementsAre("1x from 20", "2 from 50", "3 from 1", "5 from 21"));
+}
+
 TEST(PlanTable, ExtendedWithoutLogicals_IsThere) {
     Disk disk = EmptyDisk(0, Style::kMbr);
     Add(disk, 1, 9);
