@@ -113,6 +113,95 @@ class BothBuilds(HostTest):
             self.assertEqual(windows.errors[-len(native.errors):], native.errors)
 
 
+class PlansOfBothBuilds(HostTest):
+    """orvane plan says and writes the same, byte by byte."""
+
+    LAPTOP = EXAMPLES / "bios-laptop/expected/format2.xml"
+    LAPTOP_SIZE = 320072933376
+
+    def setUp(self):
+        super().setUp()
+        self.plan = self.folder / "plan"
+
+    def files(self):
+        return {file.name: file.read_bytes() for file in self.plan.glob("*")}
+
+    def windows(self, *arguments):
+        return self.outcome(run, *arguments)
+
+    def native(self, *arguments):
+        return self.outcome(run_native, *arguments)
+
+    def outcome(self, program, *arguments):
+        result = program("plan", *arguments, "--output", self.plan)
+        return result.code, result.out, [line for line in result.errors if line.startswith("orvane: ")], self.files()
+
+    def assert_same(self, code, names, *arguments):
+        windows = self.windows(*arguments)
+        shutil.rmtree(self.plan, ignore_errors=True)
+        native = self.native(*arguments)
+        self.assertEqual(windows, native)
+        self.assertEqual((native[0], sorted(native[3])), (code, names))
+        shutil.rmtree(self.plan, ignore_errors=True)
+        return native[2]
+
+    def image(self, size, data=b""):
+        image = self.folder / "target.img"
+        image.write_bytes(data)
+        os.truncate(image, size)
+        return image
+
+    def test_documents(self):
+        for case, number, code, names in (
+            ("bios-laptop", 2, 0, ["disk0.sfdisk", "plan.md"]),
+            ("bios-laptop", 3, 0, ["disk0.sfdisk", "plan.md"]),
+            ("large-4kn", 2, 0, ["disk0.sfdisk", "disk1.sfdisk", "plan.md"]),
+            ("uefi-workstation", 3, 1, ["plan.md"]),
+            ("pooled-disks", 1, 0, ["disk0.sfdisk", "disk3.sfdisk", "plan.md"]),
+        ):
+            with self.subTest(case=case, format=number):
+                self.assert_same(code, names, EXAMPLES / f"{case}/expected/format{number}.xml")
+
+    def test_targets(self):
+        image = self.image(self.LAPTOP_SIZE + (1 << 20))
+        self.assert_same(0, ["disk0.sfdisk", "plan.md"], self.LAPTOP, "--target", f"0={image}")
+        self.assertEqual(image.stat().st_size, self.LAPTOP_SIZE + (1 << 20))
+
+    def test_refusals(self):
+        workstation = EXAMPLES / "uefi-workstation/expected/format2.xml"
+        for code, document, *arguments in (
+            ("P020", self.LAPTOP, "--target-size", "0=64 GiB"),
+            ("P021", self.LAPTOP, "--target", f"0={self.image(self.LAPTOP_SIZE)}", "--sector-size", "0=4096"),
+            ("P022", workstation, "--target", f"0={self.folder}/target.img", "--target", f"1={self.folder}/./target.img"),
+        ):
+            with self.subTest(code=code):
+                errors = self.assert_same(1, [], document, *arguments)
+                self.assertIn(code, [line.split()[1] for line in errors])
+        image = self.image(self.LAPTOP_SIZE, b"\x01")
+        errors = self.assert_same(1, [], self.LAPTOP, "--target", f"0={image}")
+        self.assertEqual([line.split()[1] for line in errors], ["P023"])
+
+    def test_trouble(self):
+        for arguments in (["--target", f"0={self.folder}/none.img"], ["--disk", "7"], ["--target-size", "0=many"]):
+            self.assertEqual(len(self.assert_same(2, [], self.LAPTOP, *arguments)), 1)
+
+    def test_a_second_run_replaces_nothing_without_force(self):
+        self.assertEqual(self.windows(self.LAPTOP)[0], 0)
+        (self.plan / "plan.md").write_text("mine")
+        before = self.files()
+        windows = self.windows(self.LAPTOP)
+        self.assertEqual(windows, (*self.native(self.LAPTOP)[:3], before))
+        self.assertEqual(self.files(), before)
+        self.assertEqual(windows[0], 2)
+        self.assertEqual(self.windows(self.LAPTOP, "--force")[0], 0)
+        self.assertNotEqual(self.files()["plan.md"], b"mine")
+
+    def test_a_disk_of_windows_is_no_target(self):
+        code, out, errors, files = self.windows(self.LAPTOP, "--target", "0=\\\\.\\PhysicalDrive0")
+        self.assertEqual((code, out, files, len(errors)), (2, b"", {}, 1))
+        self.assertIn("only images can be looked at on this system; --target-size and --sector-size tell of a disk", errors[0])
+
+
 class DisksOfSfdisk(HostTest):
     def shown(self, image):
         """The second disk of a machine, which has the image; its first partition has a volume."""
