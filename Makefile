@@ -101,8 +101,9 @@ format-page:
 
 faults:
 	@scripts/setup build test
-	@scripts/build $(PRESET) --target Orvane faults
+	@scripts/build $(PRESET) --target Orvane faults recordings
 	@ORVANE_FAULTS=$(BUILD)/bin/faults.exe ORVANE_RUN=scripts/wine-run tests/faults/run-faults --jobs $(JOBS) $(ARGS)
+	@[ -n "$(ARGS)" ] || ORVANE_RUN=scripts/wine-run tests/recordings/run-faults $(BUILD)/bin/recordings.exe
 
 alter:
 	@scripts/setup build test

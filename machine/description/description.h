@@ -116,6 +116,7 @@ struct Disk {
     std::uint32_t tracks_per_cylinder = 255;
     std::uint32_t sectors_per_track = 63;
 
+    std::wstring device;                       // "\Device\Harddisk0\DR0"
     std::uint32_t open_for_reading_error = 0;  // nor for writing; with no access it can be opened
     std::uint32_t geometry_bytes = 112;        // that the extended geometry control returns at most
 
@@ -151,6 +152,15 @@ struct Extent {
     std::uint64_t length = 0;  // bytes
 
     bool operator==(const Extent&) const = default;
+};
+
+// What the device number control returns.
+struct StorageNumber {
+    std::uint32_t type = 0;  // 7: a disk, 2: an optical drive
+    std::uint32_t number = 0;
+    std::uint32_t partition = 0;
+
+    bool operator==(const StorageNumber&) const = default;
 };
 
 // What the extents control puts into a buffer that holds an extent, but not all.
@@ -193,9 +203,10 @@ struct Volume {
     std::optional<std::vector<Extent>> extents;        // none: the extents control is not supported
     std::optional<std::uint32_t> extents_short_error;  // if the buffer cannot hold all extents
     ShortExtents short_extents = ShortExtents::kFirst;
-    std::optional<Partition> partition;        // what the partition controls return
-    std::uint32_t open_for_writing_error = 0;  // 0: it can be opened for writing
-    std::uint32_t open_for_reading_error = 0;  // nor for writing; with no access it can be opened
+    std::optional<Partition> partition;             // what the partition controls return
+    std::optional<StorageNumber> storage_number{};  // none: that of the partition, if there is one extent
+    std::uint32_t open_for_writing_error = 0;       // 0: it can be opened for writing
+    std::uint32_t open_for_reading_error = 0;       // nor for writing; with no access it can be opened
     CallErrors errors;
 
     bool operator==(const Volume&) const = default;
@@ -255,7 +266,8 @@ struct Description {
     std::uint32_t recording = 0;  // 0 no recording, 1 as it was recorded, 2 redacted
     std::vector<Disk> disks;
     std::vector<Volume> volumes;
-    std::vector<DosDevice> dos_devices;  // in addition to those of disks and volumes
+    std::vector<DosDevice> dos_devices;  // in addition to, or instead of, those of disks and volumes
+    std::optional<std::vector<std::wstring>> dos_names;  // that are listed; none: those of \GLOBAL??
     std::vector<ObjectDirectory> directories;
     std::wstring current_drive = L"C:\\";
     std::map<std::wstring, WmiClass> wmi;  // key: class name in upper case

@@ -303,9 +303,18 @@ const Table<Disk>& DetectionTable() {
     return table;
 }
 
+std::wstring UsualDiskDevice(std::uint32_t index) {
+    const std::wstring number = std::to_wstring(index);
+    return L"\\Device\\Harddisk" + number + L"\\DR" + number;
+}
+
 const Table<Disk>& DiskTable() {
     static const Table<Disk> table = Joined<Disk>(
         {{{"index", &Disk::index, Number(), Required{}, "the N of `\\\\.\\PhysicalDrive`N; unique"},
+          {"device", &Disk::device, DeviceName(),
+           Derived{"`\\Device\\Harddisk`N`\\DR`N",
+                   [](const Disk& disk, const Place&) { return UsualDiskDevice(disk.index); }},
+           ""},
           {"bytesPerSector", &Disk::bytes_per_sector,
            Checked("512, 1024, 2048 or 4096", Number(), SectorSizeFault), ""},
           {"geometryBytes", &Disk::geometry_bytes, Number(),

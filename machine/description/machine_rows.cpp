@@ -47,7 +47,11 @@ const Table<Description>& MachineTable() {
           {"disks", &Description::disks, Disks(), ""},
           {"volumes", &Description::volumes, Volumes(), ""},
           {"dosDevices", &Description::dos_devices, DosDevices(),
-           "in addition to the names of disks and volumes"},
+           "in addition to the names of disks and volumes, or with other targets"},
+          Row<Description>("dosNames", &Description::dos_names,
+                           ListOf<std::vector<std::wstring>>("list of text", Text()),
+                           "what QueryDosDeviceW lists, in this order")
+              .Otherwise("the names of `\\GLOBAL??`"),
           Row<Description>("directories", &Description::directories, Directories(), "").Otherwise("derived"),
           {"currentDrive", &Description::current_drive, DriveRoot(),
            "the drive root for paths without a volume; Windows is assumed to be installed there"},

@@ -2,6 +2,7 @@
 
 #include "machine/description/kinds.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +16,7 @@ const Table<Disk>& DiskTable();
 const Table<Disk>& GeometryTable();
 const Table<Disk>& DetectionTable();
 Kind<std::vector<Disk>> Disks();
+std::wstring UsualDiskDevice(std::uint32_t index);  // "\Device\Harddisk0\DR0"
 
 // The file system of a disk without a table, which the layout reports as one partition: the whole disk.
 const Table<Partition>& SuperFloppyTable();
@@ -48,6 +50,7 @@ std::string PartitionFault(const Disk& disk);
 
 const Table<Volume>& VolumeTable();
 Kind<std::vector<Volume>> Volumes();
+Kind<std::wstring> DeviceName();
 
 // The defaults of a volume's size and file system, from its other members.
 Table<Volume> SpaceRows();

@@ -67,14 +67,6 @@ constexpr NamedNumber kShortExtents[] = {{"first", static_cast<std::uint32_t>(Sh
                                          {"fitting", static_cast<std::uint32_t>(ShortExtents::kFitting)},
                                          {"none", static_cast<std::uint32_t>(ShortExtents::kNone)}};
 
-Kind<std::wstring> DeviceName() {
-    return Checked<std::wstring>("text: an NT device name", Text(), [](const std::wstring& name) {
-        return !StartsWith(name, L"\\Device\\") || name.back() == L'\\'
-                   ? "must be a device name like \"\\\\Device\\\\HarddiskVolume1\""
-                   : nullptr;
-    });
-}
-
 Kind<std::wstring> MountPoint() {
     return Checked<std::wstring>("text", Text(), [](const std::wstring& path) {
         return path.size() < 3 || !DriveNumber(path.substr(0, 3)) || path.back() != L'\\'
@@ -220,6 +212,14 @@ const Table<Extent>& ExtentTable() {
     return table;
 }
 
+const Table<StorageNumber>& StorageNumberTable() {
+    static const Table<StorageNumber> table = {
+        {"type", &StorageNumber::type, Number(), Required{}, ""},
+        {"number", &StorageNumber::number, Number(), Required{}, ""},
+        {"partition", &StorageNumber::partition, Number(), Required{}, ""}};
+    return table;
+}
+
 Table<Volume> NameRows() {
     return {
         {"driveType", &Volume::drive_type, Named(kDriveTypes), ""},
@@ -279,22 +279,35 @@ void Finished(const Volume& volume, const JsonObject* object, const Place& place
 
 }  // namespace
 
+Kind<std::wstring> DeviceName() {
+    return Checked<std::wstring>("text: an NT device name", Text(), [](const std::wstring& name) {
+        return !StartsWith(name, L"\\Device\\") || name.back() == L'\\'
+                   ? "must be a device name like \"\\\\Device\\\\HarddiskVolume1\""
+                   : nullptr;
+    });
+}
+
 const Table<Volume>& VolumeTable() {
-    static const Table<Volume> table =
-        Joined({NameRows(),
-                SpaceRows(),
-                {{"openForReadingError", &Volume::open_for_reading_error, Number(),
-                  "the error with which opening it for reading or writing fails, but not with no access; 0: "
-                  "it does not"},
-                 {"openForWritingError", &Volume::open_for_writing_error, Number(),
-                  "the error with which opening it for writing fails; 0: it does not"},
-                 {"extentsShortError", &Volume::extents_short_error, Number(),
-                  "the error for a buffer that holds some extents but not all; none: 234"},
-                 {"extentsShortAnswer", &Volume::short_extents, Named(kShortExtents),
-                  "what such a buffer gets: `first` (the count and the first extent, 32 bytes), `fitting` "
-                  "(the count "
-                  "and all extents that fit) or `none` (0 bytes)"}},
-                ErrorRows<Volume>(CallScope::kVolume)});
+    static const Table<Volume> table = Joined(
+        {NameRows(),
+         SpaceRows(),
+         {Row<Volume>("storageNumber", &Volume::storage_number,
+                      Object("object with `type`, `number` and `partition`", StorageNumberTable()),
+                      "what the device number control returns: the type is 7 for a disk, 2 for an optical "
+                      "drive, whose partition is 4294967295")
+              .Otherwise("disk and partition of the only extent; else the control fails"),
+          {"openForReadingError", &Volume::open_for_reading_error, Number(),
+           "the error with which opening it for reading or writing fails, but not with no access; 0: "
+           "it does not"},
+          {"openForWritingError", &Volume::open_for_writing_error, Number(),
+           "the error with which opening it for writing fails; 0: it does not"},
+          {"extentsShortError", &Volume::extents_short_error, Number(),
+           "the error for a buffer that holds some extents but not all; none: 234"},
+          {"extentsShortAnswer", &Volume::short_extents, Named(kShortExtents),
+           "what such a buffer gets: `first` (the count and the first extent, 32 bytes), `fitting` "
+           "(the count "
+           "and all extents that fit) or `none` (0 bytes)"}},
+         ErrorRows<Volume>(CallScope::kVolume)});
     return table;
 }
 

@@ -48,11 +48,11 @@ Answer LengthInfo(std::uint64_t length, const ControlRequest& request) {
     return BytesOrTooSmall(BytesOf(information), request);
 }
 
-Answer DeviceNumber(std::uint32_t disk, std::uint32_t partition, const ControlRequest& request) {
+Answer DeviceNumber(const StorageNumber& described, const ControlRequest& request) {
     STORAGE_DEVICE_NUMBER number{};
-    number.DeviceType = FILE_DEVICE_DISK;
-    number.DeviceNumber = disk;
-    number.PartitionNumber = partition;
+    number.DeviceType = described.type;
+    number.DeviceNumber = described.number;
+    number.PartitionNumber = described.partition;
     return BytesOrTooSmall(BytesOf(number), request);
 }
 
@@ -80,7 +80,9 @@ const DiskControlRow kDiskControls[] = {
          return BytesOrTooSmall(PartitionExBytes(WholeDisk(disk)), request);
      }},
     {IOCTL_STORAGE_GET_DEVICE_NUMBER,
-     [](Disk& disk, const ControlRequest& request) { return DeviceNumber(disk.index, 0, request); }},
+     [](Disk& disk, const ControlRequest& request) {
+         return DeviceNumber({FILE_DEVICE_DISK, disk.index, 0}, request);
+     }},
     {IOCTL_DISK_IS_WRITABLE, [](Disk&, const ControlRequest&) { return Answer{}; }},
     {IOCTL_DISK_UPDATE_PROPERTIES, [](Disk& disk, const ControlRequest&) { return UpdateProperties(disk); }},
     {IOCTL_DISK_SET_DRIVE_LAYOUT_EX, SetDriveLayout},
@@ -137,6 +139,11 @@ Answer VolumePartition(const Volume& volume, const ControlRequest& request, bool
                            request);
 }
 
+Answer VolumeNumber(const Volume& volume, const ControlRequest& request) {
+    const auto number = volume.storage_number ? volume.storage_number : UsualStorageNumber(volume);
+    return number ? DeviceNumber(*number, request) : Answer::Failure(ERROR_INVALID_FUNCTION);
+}
+
 // A volume with exactly one extent forwards geometry and layout controls to its disk.
 Answer PassToDisk(Simulation& simulation, const Volume& volume, const ControlRequest& request) {
     constexpr DWORD kPassed[] = {IOCTL_DISK_GET_DRIVE_GEOMETRY, IOCTL_DISK_GET_DRIVE_GEOMETRY_EX,
@@ -154,6 +161,13 @@ Answer PassToDisk(Simulation& simulation, const Volume& volume, const ControlReq
 Answer BytesOrTooSmall(Bytes bytes, const ControlRequest& request) {
     return request.output_size < bytes.size() ? Answer::Failure(ERROR_INSUFFICIENT_BUFFER)
                                               : Answer::Success(std::move(bytes));
+}
+
+std::optional<StorageNumber> UsualStorageNumber(const Volume& volume) {
+    if (!volume.partition || !volume.extents || volume.extents->size() != 1) {
+        return std::nullopt;
+    }
+    return StorageNumber{FILE_DEVICE_DISK, volume.extents->front().disk, volume.partition->number};
 }
 
 Answer AnswerDiskControl(Disk& disk, const ControlRequest& request) {
@@ -175,10 +189,7 @@ Answer AnswerVolumeControl(Simulation& simulation, const Volume& volume, const C
         case IOCTL_DISK_GET_PARTITION_INFO_EX:
             return VolumePartition(volume, request, true);
         case IOCTL_STORAGE_GET_DEVICE_NUMBER:
-            if (volume.partition && volume.extents && volume.extents->size() == 1) {
-                return DeviceNumber(volume.extents->front().disk, volume.partition->number, request);
-            }
-            return Answer::Failure(ERROR_INVALID_FUNCTION);
+            return VolumeNumber(volume, request);
         default:
             return PassToDisk(simulation, volume, request);
     }

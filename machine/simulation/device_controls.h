@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace machine {
 
@@ -17,6 +18,9 @@ struct ControlRequest {
     std::size_t output_size = 0;
     std::uint32_t access = 0;  // rights of the handle: FILE_READ_DATA, FILE_WRITE_DATA
 };
+
+// The number of a volume that is described without one.
+std::optional<StorageNumber> UsualStorageNumber(const Volume& volume);
 
 // Whether a handle with these rights may send the control. The system checks it before any driver is asked.
 bool MayControl(DWORD code, std::uint32_t access);

@@ -46,8 +46,8 @@ Answer MountPoints(const Simulation& simulation, const std::wstring& name, const
 Answer DosTargets(const NameIndex& names, LPCWSTR device, DWORD size) {
     Answer answer;
     if (device == nullptr) {
-        for (const DosDevice& dos_device : names.dos_devices()) {
-            AppendText(answer.bytes, dos_device.name);
+        for (const std::wstring& name : names.dos_names()) {
+            AppendText(answer.bytes, name);
         }
     } else {
         const std::wstring name = device;

@@ -3,6 +3,8 @@
 #include "machine/description/text.h"
 #include "machine/simulation/other_names.h"
 
+#include <algorithm>
+
 namespace machine {
 namespace {
 
@@ -60,18 +62,18 @@ NameIndex::NameIndex(const Description& description) : current_drive_(descriptio
         AddDosDevice(device.name, device.target);
     }
     for (const DosDevice& device : description.dos_devices) {
-        AddDosDevice(device.name, device.target);
+        SetDosDevice(device.name, device.target);
     }
     AddOtherLinks(description);
     AddDirectories(description);
+    AddDosNames(description);
 }
 
 void NameIndex::AddDisk(const Disk& disk, std::size_t position) {
     const std::wstring number = std::to_wstring(disk.index);
-    const std::wstring device = L"\\Device\\Harddisk" + number + L"\\DR" + number;
     disks_.emplace(disk.index, position);
-    devices_.emplace(Folded(device), Target{Target::Kind::kDisk, position, false});
-    AddDosDevice(L"PhysicalDrive" + number, device);
+    devices_.emplace(Folded(disk.device), Target{Target::Kind::kDisk, position, false});
+    AddDosDevice(L"PhysicalDrive" + number, disk.device);
 }
 
 void NameIndex::AddVolume(const Volume& volume, std::size_t position) {
@@ -112,6 +114,30 @@ void NameIndex::AddVolumeName(const std::wstring& guid, const Volume& volume, st
 void NameIndex::AddDosDevice(const std::wstring& name, const std::wstring& target) {
     if (dos_targets_.emplace(Folded(name), target).second) {
         dos_devices_.push_back({name, target});
+    }
+}
+
+// The target replaces the one that follows from a disk or volume.
+void NameIndex::SetDosDevice(const std::wstring& name, const std::wstring& target) {
+    AddDosDevice(name, target);
+    std::wstring& known = dos_targets_[Folded(name)];
+    if (known != target) {
+        known = target;
+        std::find_if(dos_devices_.begin(), dos_devices_.end(), [&](const DosDevice& device) {
+            return EqualNames(device.name, name);
+        })->target = target;
+    }
+}
+
+void NameIndex::AddDosNames(const Description& description) {
+    if (description.dos_names) {
+        dos_names_ = *description.dos_names;
+        return;
+    }
+    for (const DirectoryEntry& entry : directories_[Folded(kLinkDirectory)]) {
+        if (entry.type == L"SymbolicLink") {
+            dos_names_.push_back(entry.name);
+        }
     }
 }
 

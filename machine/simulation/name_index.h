@@ -39,8 +39,8 @@ public:
     const std::wstring* FindDosDevice(std::wstring_view name) const;
     const std::vector<DirectoryEntry>* FindDirectory(std::wstring_view path) const;
 
-    // In the order of \GLOBAL??.
-    const std::vector<DosDevice>& dos_devices() const noexcept { return dos_devices_; }
+    // What QueryDosDeviceW lists, in order.
+    const std::vector<std::wstring>& dos_names() const noexcept { return dos_names_; }
 
     // The names that a volume search returns, in order: "\\?\Volume{...}\".
     const std::vector<std::wstring>& volume_names() const noexcept { return volume_names_; }
@@ -52,6 +52,8 @@ private:
     void AddVolume(const Volume& volume, std::size_t position);
     void AddVolumeName(const std::wstring& guid, const Volume& volume, std::size_t position, bool enumerated);
     void AddDosDevice(const std::wstring& name, const std::wstring& target);
+    void SetDosDevice(const std::wstring& name, const std::wstring& target);
+    void AddDosNames(const Description& description);
     void AddDirectories(const Description& description);
     void AddDevice(std::vector<DirectoryEntry>& devices, const std::wstring& path);
     void AddOtherLinks(const Description& description);
@@ -63,6 +65,7 @@ private:
     std::unordered_map<std::wstring, std::wstring> dos_targets_;
     std::unordered_map<std::wstring, std::vector<DirectoryEntry>> directories_;
     std::vector<DosDevice> dos_devices_;
+    std::vector<std::wstring> dos_names_;
     std::vector<std::wstring> volume_names_;
     std::wstring current_drive_;
     std::uint32_t drive_mask_ = 0;

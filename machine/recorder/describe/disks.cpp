@@ -1,7 +1,9 @@
 #include "machine/description/partition_table.h"
+#include "machine/description/tables.h"
 #include "machine/description/text.h"
 #include "machine/recorder/describe/facts.h"
 #include "machine/recorder/observe/answer_bytes.h"
+#include "machine/recorder/observe/answer_texts.h"
 
 #include <algorithm>
 #include <map>
@@ -113,6 +115,16 @@ bool RecognizesAll(const machine::Disk& disk) {
     return disk.style == PARTITION_STYLE_MBR && !agrees(false) && agrees(true);
 }
 
+// Only whole boot records with a partition can be described: those before the first other one.
+void KeepWholeRecords(std::vector<machine::Partition>& entries) {
+    std::size_t whole = machine::kPrimarySlots;
+    while (whole + machine::kPrimarySlots <= entries.size() &&
+           entries[whole].mbr_type != PARTITION_ENTRY_UNUSED) {
+        whole += machine::kPrimarySlots;
+    }
+    entries.resize(std::min(whole, entries.size()));
+}
+
 void DescribeTable(const Bytes& bytes, machine::Disk& disk) {
     const auto layout = LayoutHeaderIn(bytes);
     if (!layout) {
@@ -129,6 +141,62 @@ void DescribeTable(const Bytes& bytes, machine::Disk& disk) {
         disk.signature = layout->Mbr.Signature;
     }
     disk.partitions = PartitionsIn(bytes);
+    if (disk.style == PARTITION_STYLE_MBR) {
+        KeepWholeRecords(disk.partitions);
+    }
+}
+
+// The boot record of a partition: its hidden sectors are the distance from there.
+std::uint64_t RecordOf(const machine::Partition& partition, const machine::Disk& disk) {
+    return partition.offset - std::uint64_t{partition.hidden_sectors} * disk.bytes_per_sector;
+}
+
+// Partitions that have boot records of their own lie in an extended partition, which no volume tells of.
+void PutLogical(const std::vector<machine::Partition>& logical, machine::Disk& disk) {
+    constexpr std::uint8_t kExtendedLba = 0x0F;
+    machine::Partition container;
+    container.style = PARTITION_STYLE_MBR;
+    container.mbr_type = kExtendedLba;
+    container.offset = RecordOf(logical.front(), disk);
+    container.length = logical.back().offset + logical.back().length - container.offset;
+    container.hidden_sectors = static_cast<std::uint32_t>(container.offset / disk.bytes_per_sector);
+    disk.partitions.push_back(container);
+    disk.partitions.resize(machine::kPrimarySlots);
+    for (std::size_t i = 0; i < logical.size(); ++i) {
+        machine::Partition link;
+        link.style = PARTITION_STYLE_MBR;
+        if (i + 1 < logical.size()) {
+            const machine::Partition& next = logical[i + 1];
+            link.mbr_type = PARTITION_EXTENDED;
+            link.offset = RecordOf(next, disk);
+            link.length = next.offset + next.length - link.offset;
+            link.hidden_sectors =
+                static_cast<std::uint32_t>((link.offset - container.offset) / disk.bytes_per_sector);
+        }
+        machine::AppendLogicalGroup(disk.partitions, logical[i], link);
+    }
+}
+
+// A table of these partitions, sorted by their numbers. More than four need an extended partition.
+void PutMbrTable(std::vector<machine::Partition> partitions, machine::Disk& disk) {
+    std::vector<machine::Partition> logical;
+    if (partitions.size() > machine::kPrimarySlots) {
+        const auto first =
+            std::find_if(partitions.begin(), partitions.end(),
+                         [&](const machine::Partition& partition) { return RecordOf(partition, disk) != 0; });
+        logical.assign(first, partitions.end());
+        partitions.erase(first, partitions.end());
+    }
+    if (partitions.size() > machine::kPrimarySlots - (logical.empty() ? 0 : 1)) {
+        return;
+    }
+    disk.style = PARTITION_STYLE_MBR;
+    disk.partitions = std::move(partitions);
+    if (logical.empty()) {
+        disk.partitions.resize(machine::kPrimarySlots);
+    } else {
+        PutLogical(logical, disk);
+    }
 }
 
 // The partitions that volumes tell of, on a disk whose table nothing tells. Takes the style of the first one.
@@ -143,17 +211,19 @@ void DescribeTableByVolumes(const Observations& observations, machine::Disk& dis
             found.emplace(own->PartitionNumber, PartitionIn(*own));
         }
     }
-    if (found.empty() ||
-        (found.begin()->second.style == PARTITION_STYLE_MBR && found.size() > machine::kPrimarySlots)) {
+    if (found.empty()) {
         return;
     }
-    disk.style = found.begin()->second.style;
+    std::vector<machine::Partition> partitions;
+    partitions.reserve(found.size());
     for (const auto& [number, partition] : found) {
-        disk.partitions.push_back(partition);
+        partitions.push_back(partition);
     }
-    if (disk.style == PARTITION_STYLE_MBR) {
-        disk.partitions.resize(machine::kPrimarySlots);
+    if (partitions.front().style == PARTITION_STYLE_MBR) {
+        PutMbrTable(std::move(partitions), disk);
     } else {
+        disk.style = PARTITION_STYLE_GPT;
+        disk.partitions = std::move(partitions);
         machine::SetUsableRange(disk);
     }
 }
@@ -169,10 +239,19 @@ void LimitNumbers(machine::Disk& disk) {
     }
 }
 
+std::wstring DeviceOf(const Observations& observations, std::uint32_t index) {
+    const auto targets =
+        AnsweredTexts(observations, "QueryDosDeviceW", L"PhysicalDrive" + std::to_wstring(index));
+    const bool device = !targets.empty() && machine::StartsWith(targets.front(), L"\\Device\\") &&
+                        !targets.front().ends_with(L'\\');
+    return device ? targets.front() : machine::rows::UsualDiskDevice(index);
+}
+
 machine::Disk DescribedDisk(const Observations& observations, std::uint32_t index) {
     const std::wstring path = std::wstring(kDiskPath) + std::to_wstring(index);
     machine::Disk disk;
     disk.index = index;
+    disk.device = DeviceOf(observations, index);
     DescribeGeometry(observations, path, disk);
     const Bytes* layout = BytesOf(observations, kLayoutEx, path);
     if (layout != nullptr) {

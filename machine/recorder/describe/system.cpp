@@ -21,10 +21,23 @@ bool IsValidName(const std::wstring& name) {
 void DescribeDosDevices(const Observations& observations, machine::Description& description) {
     const machine::NameIndex derived(description);
     for (const std::wstring& name : observations.ObjectsOf("QueryDosDeviceW")) {
-        const auto targets = AnsweredTexts(observations, "QueryDosDeviceW", name);
-        const std::wstring* own = derived.FindDosDevice(name);
-        if (IsValidName(name) && !targets.empty() && (own == nullptr || *own != targets.front())) {
-            description.dos_devices.push_back({name, targets.front()});
+        const Answer& answer = observations.Best("QueryDosDeviceW", name)->answer;
+        const std::vector<std::wstring> targets = TextsOf(answer.bytes);
+        const std::wstring target = targets.empty() ? std::wstring() : targets.front();
+        const std::wstring* usual = derived.FindDosDevice(name);
+        if (IsValidName(name) && answer.succeeded() && (usual == nullptr || *usual != target)) {
+            description.dos_devices.push_back({name, target});
+        }
+    }
+}
+
+// The listed names, if they are not those of the directory of links.
+void DescribeDosNames(const Observations& observations, machine::Description& description) {
+    const Observation* list = observations.Best("QueryDosDeviceW", L"");
+    if (list != nullptr && list->answer.succeeded()) {
+        std::vector<std::wstring> names = TextsOf(list->answer.bytes);
+        if (names != machine::NameIndex(description).dos_names()) {
+            description.dos_names = std::move(names);
         }
     }
 }
@@ -60,6 +73,7 @@ void DescribeNames(const Observations& observations, machine::Description& descr
     for (const std::wstring& path : observations.ObjectsOf("ZwQueryDirectoryObject")) {
         DescribeDirectory(*observations.Best("ZwQueryDirectoryObject", path), description);
     }
+    DescribeDosNames(observations, description);
 }
 
 void DescribeRegistry(const Observations& observations, machine::Description& description) {

@@ -4,6 +4,7 @@
 #include "machine/recorder/describe/volume_names.h"
 #include "machine/recorder/observe/answer_bytes.h"
 #include "machine/recorder/observe/answer_texts.h"
+#include "machine/simulation/device_controls.h"
 
 #include <algorithm>
 #include <functional>
@@ -173,7 +174,10 @@ void Complete(const Facts& facts, const machine::Description& description, Volum
             row.fill(volume, place);
         }
     }
-    // Other answers cannot be described.
+    // More clusters, or more bytes in them, cannot be described.
+    const std::uint64_t cluster = std::uint64_t{volume.sectors_per_cluster} * volume.bytes_per_sector;
+    const std::uint64_t most = cluster == 0 ? kMostBytes : kMostBytes / cluster;
+    volume.total_clusters = std::min(volume.total_clusters, most);
     volume.free_clusters = std::min(volume.free_clusters, volume.total_clusters);
 }
 
@@ -189,7 +193,7 @@ void DescribeExtentByPartition(const VolumeAnswers& answers, Volume& volume) {
     const Bytes* partition = answers.BytesOf(kPartitionEx);
     const auto place = number == nullptr ? std::nullopt : RecordAt<STORAGE_DEVICE_NUMBER>(*number, 0);
     const auto own = partition == nullptr ? std::nullopt : RecordAt<PARTITION_INFORMATION_EX>(*partition, 0);
-    if (place && own) {
+    if (place && own && place->DeviceType == FILE_DEVICE_DISK) {
         volume.extents = {ExtentAt(place->DeviceNumber, own->StartingOffset, own->PartitionLength)};
     }
 }
@@ -220,6 +224,18 @@ void DescribeExtents(const VolumeAnswers& answers, Volume& volume) {
         } else if (answer.bytes.size() > sizeof(VOLUME_DISK_EXTENTS)) {
             volume.short_extents = machine::ShortExtents::kFitting;
         }
+    }
+}
+
+void DescribeStorageNumber(const VolumeAnswers& answers, Volume& volume) {
+    const Bytes* bytes = answers.BytesOf(kDeviceNumber);
+    const auto number = bytes == nullptr ? std::nullopt : RecordAt<STORAGE_DEVICE_NUMBER>(*bytes, 0);
+    if (!number) {
+        return;
+    }
+    const machine::StorageNumber own = {number->DeviceType, number->DeviceNumber, number->PartitionNumber};
+    if (machine::UsualStorageNumber(volume) != own) {
+        volume.storage_number = own;
     }
 }
 
@@ -276,6 +292,7 @@ Volume DescribedVolume(const Observations& observations, const NamedVolume& name
     volume.open_for_reading_error = ReadError(observations, named.forms.front());
     DescribeExtents(answers, volume);
     Complete(SpaceFacts(answers), description, volume);
+    DescribeStorageNumber(answers, volume);
     return volume;
 }
 

@@ -144,6 +144,45 @@ TEST(QueryDosDevice, DescribedDevice_IsListedBesideTheDerivedOnes) {
     EXPECT_STREQ(target, L"\\??\\C:\\Folder");
 }
 
+std::vector<std::wstring> ListedBy(Machine& machine) {
+    std::vector<wchar_t> names(4096);
+    machine.kernel.QueryDosDeviceW(nullptr, names.data(), 4096);
+    std::vector<std::wstring> listed;
+    for (const wchar_t* name = names.data(); *name != 0; name += listed.back().size() + 1) {
+        listed.emplace_back(name);
+    }
+    return listed;
+}
+
+TEST(QueryDosDevice, DescribedTarget_ReplacesTheDerivedOne) {
+    Machine machine(R"({"dosDevices": {"MAILSLOT": "\\Device\\MailSlot", "GLOBALROOT": ""}})");
+    wchar_t target[64];
+    EXPECT_NE(machine.kernel.QueryDosDeviceW(L"MAILSLOT", target, 64), 0u);
+    EXPECT_STREQ(target, L"\\Device\\MailSlot");
+    EXPECT_EQ(machine.kernel.QueryDosDeviceW(L"GLOBALROOT", target, 64), 2u);
+}
+
+TEST(QueryDosDevice, DescribedLinkDirectory_IsWhatIsListed) {
+    Machine machine(
+        R"({"directories": {"\\GLOBAL??": {"entries": ["C:", {"name": "X", "type": "Device"}, "A"]}}})");
+    EXPECT_EQ(ListedBy(machine), (std::vector<std::wstring>{L"C:", L"A"}));
+}
+
+TEST(QueryDosDevice, DescribedNames_AreListedInTheirOrder) {
+    Machine machine(R"({"dosNames": ["B", "A"], "dosDevices": {"A": "\\Device\\A"}})");
+    EXPECT_EQ(ListedBy(machine), (std::vector<std::wstring>{L"B", L"A"}));
+}
+
+TEST(DiskDevice, DescribedDevice_IsTheTargetOfTheDisk) {
+    Machine machine(R"({"disks": [{"index": 1, "size": "1 GiB", "device": "\\Device\\Harddisk1\\DR5"}]})");
+    wchar_t target[64];
+    EXPECT_NE(machine.kernel.QueryDosDeviceW(L"PhysicalDrive1", target, 64), 0u);
+    EXPECT_STREQ(target, L"\\Device\\Harddisk1\\DR5");
+    const HANDLE handle = machine.kernel.Open(L"\\\\?\\GLOBALROOT\\Device\\Harddisk1\\DR5");
+    EXPECT_NE(handle, INVALID_HANDLE_VALUE);
+    machine.kernel.CloseHandle(handle);
+}
+
 TEST(LogicalDrives, AreTheMountedRoots) {
     Machine machine(SmallMachine());
     EXPECT_EQ(machine.kernel.GetLogicalDrives(), DWORD{1U << 2 | 1U << 3 | 1U << 4});

@@ -116,6 +116,18 @@ TEST_F(VolumeControls, PartitionInfo_IsThatOfTheOnlyExtent) {
     machine.kernel.CloseHandle(handle);
 }
 
+TEST_F(VolumeControls, DescribedStorageNumber_IsReturned) {
+    Machine machine(R"({"volumes": [{"driveType": "cdrom", "mountPoints": ["E:\\"], "media": false,
+                        "storageNumber": {"type": 2, "number": 1, "partition": 4294967295}}]})");
+    const HANDLE handle = machine.kernel.Open(L"\\\\.\\E:");
+    const auto number =
+        machine.kernel.Ask(handle, IOCTL_STORAGE_GET_DEVICE_NUMBER, 12).As<STORAGE_DEVICE_NUMBER>();
+    EXPECT_EQ(number.DeviceType, DWORD{FILE_DEVICE_CD_ROM});
+    EXPECT_EQ(number.DeviceNumber, 1u);
+    EXPECT_EQ(number.PartitionNumber, 0xFFFFFFFF);
+    machine.kernel.CloseHandle(handle);
+}
+
 TEST_F(VolumeControls, PartitionInfoOnGpt_OnlyTheExtendedFormAnswers) {
     Machine machine(SmallMachine());
     const HANDLE handle = machine.kernel.Open(L"\\\\.\\D:", GENERIC_READ);
