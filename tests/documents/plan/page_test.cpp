@@ -13,17 +13,17 @@ using testing::Not;
 
 TEST(PlanPage, LargerTarget_TellsWhatIsLeftOver) {
     const Machine machine = MachineOf({UsualDisk()});
-    EXPECT_THAT(PageIn(PlanOf(machine, {{}, {{0, {{}, 101 * kMiB, {}}}}})),
+    EXPECT_THAT(PlanPage(PlanOf(machine, {{}, {{0, {{}, 101 * kMiB, {}}}}})),
                 HasSubstr("| Left over on the target | 1048576 bytes (1 MiB) at its end |"));
-    EXPECT_THAT(PageIn(PlanOf(machine, {{}, {{0, {{}, 100 * kMiB, {}}}}})), Not(HasSubstr("Left over")));
+    EXPECT_THAT(PlanPage(PlanOf(machine, {{}, {{0, {{}, 100 * kMiB, {}}}}})), Not(HasSubstr("Left over")));
 }
 
 TEST(PlanPage, SmallerTarget_TellsWhatIsMissing) {
     const Machine machine = MachineOf({UsualDisk()});
     EXPECT_THAT(
-        PageIn(PlanOf(machine, {{}, {{0, {{}, 99 * kMiB, {}}}}})),
+        PlanPage(PlanOf(machine, {{}, {{0, {{}, 99 * kMiB, {}}}}})),
         HasSubstr("| Less than the disk | 1048576 bytes (1 MiB) at its end, behind the partitions |"));
-    EXPECT_THAT(PageIn(PlanOf(machine, {{}, {{0, {{}, 100 * kMiB, {}}}}})), Not(HasSubstr("Less than")));
+    EXPECT_THAT(PlanPage(PlanOf(machine, {{}, {{0, {{}, 100 * kMiB, {}}}}})), Not(HasSubstr("Less than")));
 }
 
 TEST(PlanPage, Volume_HasTheEntryThatItBelongsTo) {
@@ -31,7 +31,7 @@ TEST(PlanPage, Volume_HasTheEntryThatItBelongsTo) {
     Add(machine.disks.front(), 20, 9);
     AddVolume(machine, 0, 20, 9);
     AddVolume(machine, 0, 50, 9);
-    const std::string page = PageIn(PlanOf(machine, {}));
+    const std::string page = PlanPage(PlanOf(machine, {}));
     EXPECT_THAT(page, HasSubstr("| Cluster | Entry | Belongs at | Length there |"));
     EXPECT_THAT(page, HasSubstr("| unknown | 2 | 20971520 |"));
     EXPECT_THAT(page, HasSubstr("| unknown | none | 52428800 |"));
@@ -58,7 +58,7 @@ TEST(PlanPage, GptEntries_HaveTheNamesAndAttributesOfWindows) {
     for (const Row& row : kRows) {
         Disk disk = EmptyDisk(0, Style::kGpt);
         Add(disk, 1, 9).gpt_type = row.type;
-        EXPECT_THAT(PageIn(PlanOf(MachineOf({disk}), {})),
+        EXPECT_THAT(PlanPage(PlanOf(MachineOf({disk}), {})),
                     HasSubstr(std::string(" | ") + row.name_and_attributes + "\n"));
     }
 }
@@ -68,7 +68,7 @@ TEST(PlanPage, Assumptions_AreNamed) {
     mbr.extended = {20 * kMiB, 30 * kMiB};
     Disk gpt = EmptyDisk(1, Style::kGpt);
     Add(gpt, 1, 9);
-    const std::string page = PageIn(PlanOf(MachineOf({mbr, gpt}), {}));
+    const std::string page = PlanPage(PlanOf(MachineOf({mbr, gpt}), {}));
     for (const char* const text : {"Signature unknown", "Empty slots", "Place of the extended partition",
                                    "Type of the extended partition", "Places of the logical records",
                                    "GPT names and attributes", "Entry order"}) {
@@ -81,7 +81,7 @@ TEST(PlanPage, WhatFormat3Tells_IsNotAssumed) {
     disk.partitions->front().slot = 3;
     disk.extended = {20 * kMiB, 30 * kMiB};
     disk.extended_entry = {4, 0x05};
-    const std::string page = PageIn(PlanOf(MachineOf({disk}), {}));
+    const std::string page = PlanPage(PlanOf(MachineOf({disk}), {}));
     EXPECT_THAT(page, HasSubstr("| extended (05) |"));
     for (const char* const text :
          {"Empty slots", "Place of the extended partition", "Type of the extended partition"}) {
@@ -93,16 +93,16 @@ TEST(PlanPage, EntriesWithoutAnId_AreNamed) {
     Disk disk = EmptyDisk(0, Style::kGpt);
     Add(disk, 1, 9);
     Add(disk, 10, 9).id.reset();
-    EXPECT_THAT(PageIn(PlanOf(MachineOf({disk}), {})),
+    EXPECT_THAT(PlanPage(PlanOf(MachineOf({disk}), {})),
                 HasSubstr("Ids of these entries: unknown. The script has none; the tool makes them. 2."));
     disk.partitions->back().id = "{BBBBBBBB-0000-4000-8000-000000000000}";
-    EXPECT_THAT(PageIn(PlanOf(MachineOf({disk}), {})), Not(HasSubstr("Ids of these entries")));
+    EXPECT_THAT(PlanPage(PlanOf(MachineOf({disk}), {})), Not(HasSubstr("Ids of these entries")));
 }
 
 TEST(PlanPage, TextsOfTheDocument_AreEscaped) {
     Machine machine = MachineOf({UsualDisk()});
     AddVolume(machine, 0, 1, 9).label = "<b>|`x`*\n\xE2\x80\xAE";
-    EXPECT_THAT(PageIn(PlanOf(machine, {})), HasSubstr("| \\<b\\>\\|\\`x\\`\\*\\\\u000A\\\\u202E |"));
+    EXPECT_THAT(PlanPage(PlanOf(machine, {})), HasSubstr("| \\<b\\>\\|\\`x\\`\\*\\\\u000A\\\\u202E |"));
 }
 
 }  // namespace

@@ -80,7 +80,7 @@ inline std::vector<std::string> Lines(const std::vector<documents::Finding>& fin
 }
 
 // plan.md
-inline std::string PageIn(const documents::Plan& plan) {
+inline std::string PlanPage(const documents::Plan& plan) {
     return plan.files.empty() ? "" : plan.files.back().text;
 }
 
