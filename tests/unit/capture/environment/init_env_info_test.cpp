@@ -219,6 +219,7 @@ TEST_F(InitEnvInfoTest, VolumeOnADiskWithoutPartitions_FailsOnTheWholeDiskRow) {
     extent.offset = 0;
     machine::Disk disk = description().disks[0];
     disk.index = 1;
+    disk.device = L"\\Device\\Harddisk1\\DR1";
     disk.style = PARTITION_STYLE_GPT;
     disk.partitions.clear();
     description().disks.push_back(disk);
