@@ -15,6 +15,8 @@
 #   make format-page          writes the tables of docs/machine-format.md from the rows that read descriptions
 #   make faults ARGS="..."    fault injection (ARGS=--help lists the options)
 #   make alter ARGS="..."     alters the library in 40 places and shows what no test notices; takes hours
+#   make package              what is released, in dist: archives, debug symbols, check sums
+#   make test-package         builds the package in two folders and compares the bytes
 #   make bench                benchmarks of time and memory (ARGS=--help lists the options)
 #   make lint                 format, dependencies of the rooms, list of oddities, clang-tidy, warnings
 #   make format               corrects the format
@@ -32,7 +34,7 @@ DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/ue
 
 export JOBS
 
-.PHONY: capture dump check record test test-documents native report-picture man fuzz loop expect format-page faults alter bench lint format coverage build setup clean
+.PHONY: capture dump check record test test-documents native report-picture man fuzz loop expect format-page faults alter package test-package bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -108,6 +110,15 @@ faults:
 alter:
 	@scripts/setup build test
 	@scripts/alter $(ARGS)
+
+package:
+	@scripts/setup build native package
+	@scripts/package $(ARGS)
+
+test-package:
+	@scripts/setup build native package
+	@scripts/build $(PRESET) --target Orvane orvane
+	@tests/package/run-reproduce $(BUILD)
 
 # The commands for documents are measured natively, on documents that the library makes. ARGS are for the library alone.
 bench: native

@@ -7,8 +7,11 @@ target_compile_features(orvane_options INTERFACE cxx_std_20)
 target_compile_options(orvane_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 # Without optimisation, templates of the JSON library exceed the section limit of the classic object format.
 target_compile_options(orvane_options INTERFACE -Wa,-mbig-obj)
-# Keeps the path of the source folder out of the library.
-target_compile_options(orvane_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+# Keeps the path of the source folder out of what is built.
+target_compile_options(orvane_options INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+if(ORVANE_SYMBOLS)
+    target_compile_options(orvane_options INTERFACE -g)
+endif()
 target_compile_definitions(orvane_options INTERFACE UNICODE _UNICODE)
 
 # The base of all rooms: common/windows.h and the public header.
@@ -85,6 +88,15 @@ function(orvane_version_resource target)
     configure_file("${PROJECT_SOURCE_DIR}/cmake/version.rc.in" "${resource}" @ONLY)
     add_library(${target}_version OBJECT "${resource}")
     target_sources(${target} PRIVATE $<TARGET_OBJECTS:${target}_version>)
+endfunction()
+
+# The link options of what is shipped: the same bytes at any time, a map of what was linked, and no symbols, unless they
+# are separated later.
+function(orvane_shipped target)
+    target_link_options(${target} PRIVATE -Wl,--no-insert-timestamp "-Wl,-Map=$<TARGET_FILE:${target}>.map")
+    if(NOT ORVANE_SYMBOLS)
+        target_link_options(${target} PRIVATE $<$<CONFIG:Release>:-s>)
+    endif()
 endfunction()
 
 # No optimisation, because tests are compiled often and run once.

@@ -23,9 +23,6 @@ FIXED_FILES = {
     "lib/cmake/Orvane/OrvaneConfig.cmake",
     "lib/cmake/Orvane/OrvaneConfigVersion.cmake",
     "include/orvane/orvane.h",
-    f"{DOCUMENTATION}/docs/schema/environment-common.xsd",
-    f"{DOCUMENTATION}/docs/schema/environment-flat.xsd",
-    f"{DOCUMENTATION}/docs/schema/environment-model.xsd",
 }
 
 
@@ -61,7 +58,8 @@ class Package(HostTest):
 
     def test_installed_files_are_the_documented_ones(self):
         found = {file.relative_to(self.tree).as_posix() for file in self.tree.rglob("*") if file.is_file()}
-        pages = [ROOT / "README.md", AGENT_SOURCE, *ROOT.glob("docs/*.md"),
+        pages = [ROOT / "README.md", ROOT / "CHANGELOG.md", AGENT_SOURCE, *ROOT.glob("docs/*.md"),
+                 *ROOT.glob("docs/*.png"), *ROOT.glob("docs/schema/*.*"),
                  *(file for file in ROOT.glob("examples/machines/**/*") if file.is_file())]
         expected = FIXED_FILES | {f"{DOCUMENTATION}/{page.relative_to(ROOT).as_posix()}" for page in pages}
         self.assertEqual(sorted(found), sorted(expected))
