@@ -20,7 +20,7 @@ install(FILES
 
 # The same folders as in the source, so that the links between pages work.
 set(documentation_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc/orvane")
-install(FILES README.md CHANGELOG.md DESTINATION "${documentation_dir}")
+install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION "${documentation_dir}")
 install(DIRECTORY docs DESTINATION "${documentation_dir}"
     FILES_MATCHING PATTERN "*.md" PATTERN "*.xsd" PATTERN "*.schema.json" PATTERN "*.png")
 install(FILES examples/agent.c DESTINATION "${documentation_dir}/examples")

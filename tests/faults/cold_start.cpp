@@ -3,6 +3,7 @@
 
 #include "common/windows.h"
 #include "faults/case_runner.h"
+#include "support/request_watch.h"
 
 #include <algorithm>
 #include <array>
@@ -16,6 +17,7 @@ std::vector<std::string> RunCold(machine::Simulation& simulation, const std::fil
                                  const EntryPoint& entry, std::size_t ordinal, bool from_there_on,
                                  std::size_t& steps) {
     const Library library(file);
+    support::RequestsOfLibrary().Clear();
     const Balance before = Watch().balance;
     Meter& allocations = Watch().allocations;
     allocations.Arm(ordinal, from_there_on);
@@ -40,6 +42,7 @@ std::vector<std::string> RunCold(machine::Simulation& simulation, const std::fil
     require(simulation.live_objects() == 0, "object");
     require(after.com_initialisations == before.com_initialisations, "com");
     require(after.registry_keys == before.registry_keys && after.tokens == before.tokens, "key");
+    require(AskedOnlyWhatIsDocumented(entry), "request");
     return breaches;
 }
 

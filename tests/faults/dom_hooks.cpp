@@ -4,6 +4,8 @@
 
 #include "faults/dom_hooks.h"
 
+#include "support/request_watch.h"
+
 #include <msxml2.h>
 
 #include <cstring>
@@ -165,6 +167,24 @@ void WatchUnknown(IUnknown* object) {
     Put(table, SlotOf(&IUnknownVtbl::Release), reinterpret_cast<void*>(&WatchedRelease));
 }
 
+// The library makes and reads texts; a request to read or write a file or an address is one of
+// support/request_watch.h.
+HRESULT STDMETHODCALLTYPE WatchedLoad(IXMLDOMDocument* self, VARIANT source, VARIANT_BOOL* done) {
+    if (IsFromLibrary(__builtin_return_address(0))) {
+        support::RequestsOfLibrary().kinds.insert("IXMLDOMDocument::load");
+    }
+    const auto original = Originals().at({TableOf(self), SlotOf(&IXMLDOMDocumentVtbl::load)});
+    return reinterpret_cast<decltype(&WatchedLoad)>(original)(self, source, done);
+}
+
+HRESULT STDMETHODCALLTYPE WatchedSave(IXMLDOMDocument* self, VARIANT destination) {
+    if (IsFromLibrary(__builtin_return_address(0))) {
+        support::RequestsOfLibrary().kinds.insert("IXMLDOMDocument::save");
+    }
+    const auto original = Originals().at({TableOf(self), SlotOf(&IXMLDOMDocumentVtbl::save)});
+    return reinterpret_cast<decltype(&WatchedSave)>(original)(self, destination);
+}
+
 void WatchNode(IXMLDOMNode* node) {
     WatchUnknown(reinterpret_cast<IUnknown*>(node));
     Put<&IXMLDOMNodeVtbl::get_childNodes>(node);
@@ -184,6 +204,9 @@ void WatchDocumentInterface(IXMLDOMDocument* document) {
     Put<&IXMLDOMDocumentVtbl::get_documentElement>(document);
     Put<&IXMLDOMDocumentVtbl::createNode>(document);
     Put<&IXMLDOMDocumentVtbl::loadXML>(document);
+    const Table table = TableOf(document);
+    Put(table, SlotOf(&IXMLDOMDocumentVtbl::load), reinterpret_cast<void*>(&WatchedLoad));
+    Put(table, SlotOf(&IXMLDOMDocumentVtbl::save), reinterpret_cast<void*>(&WatchedSave));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include "faults/import_hooks.h"
 #include "machine/simulation/redirect.h"
+#include "support/request_watch.h"
+#include "support/security_page.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -28,6 +30,12 @@ Library::Library(const std::filesystem::path& file) : host::OrvaneLibrary(file) 
         throw std::runtime_error("the library cannot be put on the simulation");
     }
     InstallImportHooks(module());
+    support::WatchRequests(module());
+}
+
+bool AskedOnlyWhatIsDocumented(const EntryPoint& entry) {
+    static const auto page = support::SecurityPage::Read(ORVANE_SOURCE_DIR "/SECURITY.md");
+    return page.Covers(entry.name, support::RequestsOfLibrary().kinds);
 }
 
 const EntryPoint& FindEntryPoint(std::string_view name) {

@@ -22,6 +22,10 @@ struct EntryPoint {
     decltype(&::WMIDumpInfo) host::OrvaneLibrary::*dump = nullptr;
 };
 
+// True if everything that the library asked of the system since the requests were cleared
+// (support/request_watch.h) is what SECURITY.md says of this entry point.
+bool AskedOnlyWhatIsDocumented(const EntryPoint& entry);
+
 // Throws std::invalid_argument.
 const EntryPoint& FindEntryPoint(std::string_view name);
 

@@ -3,6 +3,7 @@
 #include "faults/com_memory.h"
 #include "faults/dom_hooks.h"
 #include "support/disk_addresses.h"
+#include "support/request_watch.h"
 #include "support/xml_tree.h"
 
 #include <exception>
@@ -95,6 +96,7 @@ Bench::~Bench() {
 
 Outcome Bench::Call() {
     ResetGuids();
+    support::RequestsOfLibrary().Clear();
     log_of_call.lines.clear();
     log_of_call.errors = 0;
     log_of_call.keep = entry_.format == 0;
@@ -143,6 +145,7 @@ std::vector<std::string> Bench::Breaches(const Outcome& outcome) {
     require(balance.registry_keys == balance_.registry_keys && balance.tokens == balance_.tokens, "key");
     require(balance.heap_blocks == balance_.heap_blocks, "memory");
     require(LiveComBlocks() == com_blocks_, "com-memory");
+    require(AskedOnlyWhatIsDocumented(entry_), "request");
     // Each leak is reported only once.
     TakeStock();
     if (entry_.format == 0) {
