@@ -5,6 +5,7 @@ usage: check_archives.py DIST PROGRAMS     PROGRAMS: the folder with the library
 """
 
 import hashlib
+import json
 import os
 import pathlib
 import struct
@@ -57,6 +58,19 @@ class Archives(unittest.TestCase):
                     for file in sorted(DIST.iterdir()) if file.name != "SHA256SUMS"]
         self.assertEqual(lines, expected)
         self.assertEqual(len([line for line in lines if line.endswith((".zip", ".tar.gz"))]), len(NAMES))
+
+    def test_bill_of_materials_names_the_archives(self):
+        bill = json.loads((DIST / f"orvane-{VERSION}.spdx.json").read_text())
+        sums = {package["name"]: package["checksums"][0]["checksumValue"] for package in bill["packages"]
+                if "checksums" in package}
+        archives = [file for file in DIST.iterdir() if file.suffix in (".zip", ".gz")]
+        self.assertEqual(sums, {file.name: hashlib.sha256(file.read_bytes()).hexdigest() for file in archives})
+
+    def test_programs_come_with_notices_and_pages(self):
+        for system, files in (("windows-x64", ["SECURITY.md"]), ("linux-x64", ["../../man/man1/orvane.1"])):
+            names = {row[0] for row in read(f"orvane-{VERSION}-{system}")}
+            for file in ["THIRD-PARTY-NOTICES", "README.md", "CHANGELOG.md", *files]:
+                self.assertIn(os.path.normpath(f"orvane-{VERSION}-{system}/share/doc/orvane/{file}"), names)
 
     def test_entries_are_sorted_have_one_time_and_lie_in_one_folder(self):
         for name in NAMES:
