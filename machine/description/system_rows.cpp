@@ -61,8 +61,7 @@ Bytes DataOf(const JsonCursor& value, std::uint32_t type) {
 
 // The texts of a multi-string, or of a string, which has one.
 std::vector<std::wstring> TextsIn(const Bytes& data) {
-    std::wstring all(data.size() / sizeof(wchar_t), L'\0');
-    std::memcpy(all.data(), data.data(), all.size() * sizeof(wchar_t));
+    const std::wstring all = WideText(data);
     std::vector<std::wstring> texts;
     for (std::size_t start = 0, end = 0; (end = all.find(L'\0', start)) != std::wstring::npos;
          start = end + 1) {

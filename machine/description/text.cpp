@@ -50,6 +50,12 @@ std::string Narrow(std::wstring_view text) {
     return utf8;
 }
 
+std::wstring WideText(const std::vector<std::uint8_t>& bytes) {
+    std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
+    std::copy_n(bytes.begin(), text.size() * sizeof(wchar_t), reinterpret_cast<std::uint8_t*>(text.data()));
+    return text;
+}
+
 std::wstring Folded(std::wstring_view text) {
     std::wstring folded(text);
     bool ascii = true;

@@ -2,14 +2,19 @@
 
 #include "common/windows.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace machine {
 
 std::wstring Widen(std::string_view utf8);
 std::string Narrow(std::wstring_view text);
+
+// The text whose UTF-16 units the bytes are. An odd byte at the end belongs to no unit.
+std::wstring WideText(const std::vector<std::uint8_t>& bytes);
 
 // Converts to upper case by the rules with which object and device names are compared.
 std::wstring Folded(std::wstring_view text);

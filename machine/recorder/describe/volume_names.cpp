@@ -138,7 +138,7 @@ private:
                 if (name == nullptr || !name->answer.succeeded()) {
                     continue;
                 }
-                const std::wstring form = TextOf(name->answer.bytes);
+                const std::wstring form = machine::WideText(name->answer.bytes);
                 const auto own =
                     std::find_if(volume.guids.begin(), volume.guids.end(), [&](const std::wstring& guid) {
                         return machine::EqualNames(L"\\\\?\\Volume" + guid + L"\\", form);

@@ -87,7 +87,7 @@ void KnowPart(Facts& facts, const Answer* answer, const wchar_t* name, const cha
         }
         facts[key] = [member, part](Volume& volume) {
             if constexpr (std::is_same_v<Member, std::wstring>) {
-                volume.*member = TextOf(part.bytes);
+                volume.*member = machine::WideText(part.bytes);
             } else {
                 volume.*member = static_cast<Member>(part.value);
             }

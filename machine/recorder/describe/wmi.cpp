@@ -1,7 +1,6 @@
 #include "machine/description/text.h"
 #include "machine/description/wmi_defaults.h"
 #include "machine/recorder/describe/facts.h"
-#include "machine/recorder/observe/answer_texts.h"
 #include "machine/recorder/observe/wmi_types.h"
 
 #include <algorithm>
@@ -25,9 +24,9 @@ machine::WmiValue ValueOf(const Part& part) {
     value.type = type == nullptr ? static_cast<VARTYPE>(VT_NULL) : type->type;
     value.number = static_cast<std::int64_t>(part.value);
     if (value.type == VT_BSTR) {
-        value.text = TextOf(part.bytes);
+        value.text = machine::WideText(part.bytes);
     } else if (value.type == (VT_ARRAY | VT_BSTR)) {
-        std::wstring all = TextOf(part.bytes);
+        std::wstring all = machine::WideText(part.bytes);
         for (std::size_t first = 0; first < all.size();) {
             const std::size_t end = std::min(all.find(L'\0', first), all.size());
             value.texts.push_back(all.substr(first, end - first));
@@ -198,7 +197,7 @@ void DescribeWmi(const Observations& observations, machine::Description& descrip
 std::wstring CurrentDrive(const Observations& observations) {
     const Observation* system = observations.Best(kQuery, L"Win32_OperatingSystem");
     for (const Part& part : system == nullptr ? std::vector<Part>() : system->answer.parts) {
-        const std::wstring drive = TextOf(part.bytes);
+        const std::wstring drive = machine::WideText(part.bytes);
         const bool letter =
             drive.size() == 2 && drive[1] == L':' && (drive[0] | 0x20) >= L'a' && (drive[0] | 0x20) <= L'z';
         if (machine::EqualNames(part.name, L"SystemDrive") && letter) {

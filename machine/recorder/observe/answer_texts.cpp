@@ -1,18 +1,15 @@
 #include "machine/recorder/observe/answer_texts.h"
 
-#include <cstring>
+#include "machine/description/text.h"
+
+#include <algorithm>
+#include <cstddef>
 
 namespace recorder {
 
-std::wstring TextOf(const Bytes& bytes) {
-    std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
-    std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));
-    return text;
-}
-
 std::vector<std::wstring> TextsOf(const Bytes& bytes) {
     std::vector<std::wstring> texts;
-    const std::wstring all = TextOf(bytes);
+    const std::wstring all = machine::WideText(bytes);
     std::size_t first = 0;
     while (first < all.size() && all[first] != L'\0') {
         const std::size_t end = std::min(all.find(L'\0', first), all.size());

@@ -8,9 +8,6 @@
 
 namespace recorder {
 
-// The text that the bytes hold.
-std::wstring TextOf(const Bytes& bytes);
-
 // The texts of a list in which a terminator follows each text, and another one the last.
 std::vector<std::wstring> TextsOf(const Bytes& bytes);
 

@@ -1,6 +1,7 @@
 #include "machine/recorder/redact/redact_bytes.h"
 
 #include "common/windows.h"
+#include "machine/description/text.h"
 #include "machine/recorder/redact/redact_texts.h"
 
 #include <algorithm>
@@ -152,8 +153,7 @@ void RedactGeometry(Structure& structure) {
 }  // namespace
 
 Bytes RedactedTexts(Content content, const Bytes& bytes, Replacements& replacements) {
-    std::wstring all(bytes.size() / sizeof(wchar_t), L'\0');
-    std::memcpy(all.data(), bytes.data(), all.size() * sizeof(wchar_t));
+    const std::wstring all = machine::WideText(bytes);
     std::wstring redacted;
     for (std::size_t first = 0; first < all.size();) {
         const std::size_t end = std::min(all.find(L'\0', first), all.size());
@@ -162,7 +162,8 @@ Bytes RedactedTexts(Content content, const Bytes& bytes, Replacements& replaceme
         first = end + 1;
     }
     Bytes result(bytes.size());  // an odd byte at the end is part of no unit and becomes 0
-    std::memcpy(result.data(), redacted.data(), redacted.size() * sizeof(wchar_t));
+    std::copy_n(reinterpret_cast<const std::uint8_t*>(redacted.data()), redacted.size() * sizeof(wchar_t),
+                result.begin());
     return result;
 }
 
