@@ -5,6 +5,7 @@
 #   make record ARGS="..."    records a machine as a description, with a proof (ARGS=--help lists the arguments)
 #                             These four describe an example workstation unless ARGS contains --machine.
 #   make test                 all tests; PRESET=debug for the build with assertions and traps
+#   make test-clang           builds the library with the second compiler, and runs the cases
 #   make native               orvane for this system, with the commands for documents alone: build/native/bin/orvane
 #   make man                  the manual page of that program: build/native/orvane.1
 #   make report-picture       docs/report.png, the picture of a report in the README
@@ -34,7 +35,7 @@ DESCRIBED = $(if $(findstring --machine,$(ARGS)),,--machine examples/machines/ue
 
 export JOBS
 
-.PHONY: capture dump check record test test-documents native report-picture man fuzz loop expect format-page faults alter package test-package bench lint format coverage build setup clean
+.PHONY: capture dump check record test test-clang test-documents native report-picture man fuzz loop expect format-page faults alter package test-package bench lint format coverage build setup clean
 .DEFAULT_GOAL := build
 
 setup:
@@ -57,6 +58,11 @@ test: native
 	@ctest --test-dir build/native-sanitized --output-on-failure -j $(JOBS)
 	@scripts/build $(PRESET)
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+test-clang:
+	@scripts/setup build clang
+	@scripts/build clang --target Orvane cases
+	@ctest --test-dir build/clang --output-on-failure -R '^(cases|imports)$$'
 
 # The packages of npm lie in the build folder; the lock file says which.
 test-documents: native
