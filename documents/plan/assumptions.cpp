@@ -56,8 +56,8 @@ void AddGpt(const Disk& disk, const Table& table, std::vector<std::string>& text
                         ListOf(without_id) + ".");
     }
     texts.emplace_back(
-        "GPT names and attributes: those that Windows gives the type; none for types that Windows does not "
-        "make.");
+        "GPT names and attributes: those that Windows gives the type; none for types of which they are not "
+        "known.");
     const std::size_t others = table.entries.size() - table.told_numbers;
     texts.push_back("Entry order: " + std::to_string(table.told_numbers) +
                     " entries have the number that a volume tells, " + std::to_string(others) +

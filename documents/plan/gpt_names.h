@@ -7,7 +7,7 @@
 namespace documents {
 
 // The name and the attributes that Windows gives to GPT partitions of the type. Attributes as sfdisk writes
-// them; both are empty for a type that Windows does not make.
+// them; both are empty for a type whose name is not known.
 struct GptName {
     std::string_view type;
     std::string_view name;

@@ -86,23 +86,6 @@ class BothBuilds(HostTest):
                 self.assert_same("diff", *options, old, new)
         self.assert_same("diff", changed, changed)
 
-    def test_plans(self):
-        made = 0
-        folder = self.folder / "plan"
-        for document in [file for file in DOCUMENTS if file.name == "format2.xml"][::4]:
-            outcomes = []
-            for program in (run, run_native):
-                result = program("plan", document, "--output", folder)
-                files = {file.name: file.read_bytes() for file in folder.iterdir()} if folder.exists() else {}
-                errors = [line for line in result.errors if line.startswith("orvane: ")]
-                outcomes.append((result.code, result.out, errors, files))
-                shutil.rmtree(folder, ignore_errors=True)
-            with self.subTest(document=document):
-                self.assertEqual(*outcomes)
-                self.assertIn("plan.md", outcomes[0][3])
-                made += len(outcomes[0][3])
-        self.assertGreater(made, 10)
-
     def test_bad_arguments(self):
         for arguments in (["show"], ["show", "--lines", "x"], ["verify", "no-such-file"], ["show", "--code-page", "7", "x"],
                           ["show", "--from", "no-such-list"]):
