@@ -71,6 +71,7 @@ void* AllocateFromHeap(std::size_t size) {
 
 // The first exception allocates a thread slot and a semaphore, the first static object another semaphore.
 // Without this code they would leak. The runtime itself releases what it allocates while it is being loaded.
+// It creates two semaphores. If a later runtime creates more than eight, the faults' part `reload` fails.
 constinit bool loaded = false;
 constinit DWORD thread_slot = TLS_OUT_OF_INDEXES;
 constinit std::array<HANDLE, 8> semaphores{};

@@ -38,6 +38,18 @@ protected:
     }
 };
 
+TEST_F(DumpsWithoutCallback, DiskDump_DiskThatCannotBeOpened_IsOneLine) {
+    simulation().faults().Fail("CreateFileW", 5, L"\\\\.\\PhysicalDrive1");
+
+    EXPECT_THAT(Seen(library_.DiskDumpInfo),
+                ElementsAre("operation Opening Disk failed - Failed to open hard disk 1 error: 5\n"));
+}
+
+TEST_F(DumpsWithoutCallback, WmiDump_NothingFails_IsSilent) {
+    EXPECT_THAT(Seen(library_.WMIDumpInfo), IsEmpty());
+    EXPECT_GT(simulation().calls().Count("IWbemServices::ExecQuery"), 0U);
+}
+
 TEST_F(DumpsWithoutCallback, VolumeDump_RefusedVolumes_AreTheirReasons) {
     std::erase_if(simulation().description().volumes, [](const machine::Volume& volume) {
         return volume.drive_type != DRIVE_FIXED || volume.mount_points != std::vector<std::wstring>{L"C:\\"};

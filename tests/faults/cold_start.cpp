@@ -29,6 +29,7 @@ std::vector<std::string> RunCold(machine::Simulation& simulation, const std::fil
         (library.*(entry.dump))();
     }
     steps = allocations.steps();
+    const bool reached = ordinal == 0 || allocations.hits() != 0;
     allocations.Disarm();
     const Balance& after = Watch().balance;
     std::vector<std::string> breaches;
@@ -37,6 +38,7 @@ std::vector<std::string> RunCold(machine::Simulation& simulation, const std::fil
             breaches.emplace_back(name);
         }
     };
+    require(reached, "not-reached");
     require(status <= ORVANE_BUFFER_TOO_SMALL, "status");
     require(simulation.open_handles() == 0 && simulation.stale_handle_uses() == 0, "handle");
     require(simulation.live_objects() == 0, "object");
