@@ -107,6 +107,7 @@ const HelpText kProveHelp = {
 ones. The machine itself is not needed.)",
     R"(Exit codes:
   0  everything is explained
+  1  the machine of the file cannot be described
   2  the file cannot be used
   3  something is unexplained; standard output says what
 

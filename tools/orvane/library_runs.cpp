@@ -11,8 +11,6 @@ namespace host {
 
 namespace {
 
-constexpr DWORD kRunLimit = 5 * 60 * 1000;  // milliseconds
-
 // What is run: the arguments of this program after its name.
 struct LibraryRun {
     std::string subject;  // "format 3, all volumes selected"
@@ -35,13 +33,13 @@ std::string WithoutOwnMessages(const std::string& text) {
 
 // The output of one run with its exit code; none if it did not end in time.
 std::optional<std::string> Output(const LibraryRun& run,
-                                  const std::optional<std::filesystem::path>& machine) {
+                                  const std::optional<std::filesystem::path>& machine, std::uint32_t limit) {
     std::vector<std::wstring> command = {ProgramPath().wstring()};
     command.insert(command.end(), run.arguments.begin(), run.arguments.end());
     if (machine) {
         command.insert(command.end(), {L"--machine", machine->wstring()});
     }
-    const std::optional<FinishedProcess> finished = RunToEnd(command, kRunLimit);
+    const std::optional<FinishedProcess> finished = RunToEnd(command, limit);
     if (!finished) {
         return std::nullopt;
     }
@@ -81,10 +79,13 @@ bool AnswerDidNotCome(const recorder::Observations& observations) {
 }
 
 // The run did not end on one of the machines. On the recorded one it met the same call that did not answer.
-recorder::Finding NoEnd(const recorder::Observations& observations, const LibraryRun& run, bool here) {
+recorder::Finding NoEnd(const recorder::Observations& observations, const LibraryRun& run, bool here,
+                        std::uint32_t limit) {
+    constexpr std::uint32_t kSecond = 1000;
     const bool explained = here && AnswerDidNotCome(observations);
     return {explained ? recorder::Finding::Kind::kExplained : recorder::Finding::Kind::kUnexplained,
-            run.subject + ": no end within five minutes " + (here ? "here" : "there")};
+            run.subject + ": no end within " + std::to_string(limit / kSecond) + " seconds " +
+                (here ? "here" : "there")};
 }
 
 }  // namespace
@@ -92,14 +93,15 @@ recorder::Finding NoEnd(const recorder::Observations& observations, const Librar
 std::vector<recorder::Finding> CompareLibraryRuns(const recorder::Observations& observations,
                                                   const std::optional<std::filesystem::path>& machine,
                                                   const std::filesystem::path& description,
-                                                  const std::function<void(const std::string&)>& progress) {
+                                                  const std::function<void(const std::string&)>& progress,
+                                                  std::uint32_t limit) {
     std::vector<recorder::Finding> findings;
     for (const LibraryRun& run : LibraryRuns(observations)) {
         progress("the library: " + run.subject);
-        const std::optional<std::string> here = Output(run, machine);
-        const std::optional<std::string> there = Output(run, description);
+        const std::optional<std::string> here = Output(run, machine, limit);
+        const std::optional<std::string> there = Output(run, description, limit);
         if (!here || !there) {
-            findings.push_back(NoEnd(observations, run, !here));
+            findings.push_back(NoEnd(observations, run, !here, limit));
             continue;
         }
         const auto own = recorder::CompareOutputs(run.subject, *here, *there);

@@ -16,6 +16,8 @@
 #include "tools/orvane/whole_file.h"
 
 #include <algorithm>
+#include <exception>
+#include <functional>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -57,8 +59,8 @@ struct Recording {
 
 Recording DescribeMachine(const recorder::Observations& observations) {
     Recording recording;
-    recording.text = machine::WriteDescription(recorder::Describe(observations));
     try {
+        recording.text = machine::WriteDescription(recorder::Describe(observations));
         recording.machine = machine::ParseDescription(recording.text, "the recording");
     } catch (const machine::DescriptionError& error) {
         throw std::runtime_error(std::string("the machine cannot be described: ") + error.what());
@@ -72,8 +74,15 @@ Findings CompareWithRecording(const recorder::Observations& observations, const 
         observations, recorder::Replay(machine, observations, ShownOn(progress, "proof of question ")));
 }
 
-void Append(Findings& findings, const Findings& more) {
-    findings.insert(findings.end(), more.begin(), more.end());
+// Adds what `compare` finds. The files are written by then: what stops a comparison leaves them unproved.
+void AddFindings(const char* what, const std::function<Findings()>& compare, Findings& findings) {
+    try {
+        const Findings found = compare();
+        findings.insert(findings.end(), found.begin(), found.end());
+    } catch (const std::exception& error) {
+        findings.push_back({recorder::Finding::Kind::kUnexplained,
+                            std::string(what) + " cannot be compared: " + error.what()});
+    }
 }
 
 // Refuses before the machine is asked for minutes.
@@ -160,9 +169,12 @@ int Record(const RecordOptions& options, std::ostream& out, std::ostream& errors
             RequireNoLeak(replacements, kept, recording.text);
         }
         WriteFiles(options, kept, recording, replacements);
-        findings = CompareWithRecording(kept, recording.machine, progress);
+        AddFindings(
+            "the answers", [&] { return CompareWithRecording(kept, recording.machine, progress); }, findings);
         if (options.proof) {
-            Append(findings, CompareLibrary(options, observed, progress));
+            AddFindings(
+                "the library's outputs", [&] { return CompareLibrary(options, observed, progress); },
+                findings);
         }
     }
     const int result = Result(Report(findings, out), options.proof, questions, out);

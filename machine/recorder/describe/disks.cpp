@@ -19,6 +19,7 @@ constexpr const char* kLayoutEx = "DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT_E
 constexpr const char* kLength = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
 constexpr const char* kExtents = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
 constexpr const char* kPartitionEx = "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX";
+constexpr std::wstring_view kDevices = L"\\\\.\\";
 constexpr std::wstring_view kDiskPath = L"\\\\.\\PhysicalDrive";
 
 // What the disk driver puts behind DISK_GEOMETRY_EX.
@@ -60,8 +61,8 @@ std::uint64_t EndOfExtents(const Observations& observations, std::uint32_t index
         const Bytes* bytes = BytesOf(observations, kExtents, object);
         for (const DISK_EXTENT& extent : bytes == nullptr ? std::vector<DISK_EXTENT>() : ExtentsIn(*bytes)) {
             if (extent.DiskNumber == index) {
-                end = std::max(end, static_cast<std::uint64_t>(extent.StartingOffset.QuadPart +
-                                                               extent.ExtentLength.QuadPart));
+                end = std::max(end, static_cast<std::uint64_t>(extent.StartingOffset.QuadPart) +
+                                        static_cast<std::uint64_t>(extent.ExtentLength.QuadPart));
             }
         }
     }
@@ -286,7 +287,7 @@ std::vector<std::uint32_t> WmiOrder(const Observations& observations) {
 
 // Whether a disk has this number: not only a drive of WMI that has no disk.
 bool Exists(const Observations& observations, const std::wstring& path) {
-    const Observation* name = observations.Best("QueryDosDeviceW", path.substr(path.find(L"PhysicalDrive")));
+    const Observation* name = observations.Best("QueryDosDeviceW", path.substr(kDevices.size()));
     const auto openings = observations.Find("CreateFileW", path);
     return (name != nullptr && name->answer.succeeded()) ||
            std::any_of(openings.begin(), openings.end(), [](const Observation* opening) {
