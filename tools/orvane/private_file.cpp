@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cstddef>
-#include <fstream>
 #include <stdexcept>
 #include <vector>
 
@@ -119,21 +118,13 @@ bool OnlyOwnerMayRead(const std::filesystem::path& file) {
 }
 
 TemporaryPrivateFile::TemporaryPrivateFile(const std::string& text)
-    : path_(std::filesystem::temp_directory_path() /
+    : file_(std::filesystem::temp_directory_path() /
             (L"orvane-" + std::to_wstring(GetCurrentProcessId()) + L".json")) {
-    DeleteFileW(path_.c_str());  // of an earlier process that was interrupted
-    CreatePrivateFile(path_);
-    std::ofstream out(path_, std::ios::binary);
-    out.write(text.data(), static_cast<std::streamsize>(text.size()));
-    out.close();
-    if (!out) {
-        DeleteFileW(path_.c_str());
-        Refuse(path_, "cannot be written");
+    DeleteFileW(path().c_str());  // of an earlier process that was ended
+    CreatePrivateFile(path());
+    if (!file_.Write(text)) {
+        Refuse(path(), "cannot be written");
     }
-}
-
-TemporaryPrivateFile::~TemporaryPrivateFile() {
-    DeleteFileW(path_.c_str());
 }
 
 }  // namespace host

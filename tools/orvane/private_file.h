@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/orvane/unfinished_file.h"
+
 #include <filesystem>
 #include <string>
 
@@ -12,18 +14,16 @@ void CreatePrivateFile(const std::filesystem::path& file);
 // Whether the file has an access list that lets in nobody but the user of this process and the system.
 bool OnlyOwnerMayRead(const std::filesystem::path& file);
 
-// A private file in the folder for temporary files, deleted at the end. Throws like CreatePrivateFile.
+// A private file in the folder for temporary files, deleted at the end, and when the program is interrupted.
+// Throws like CreatePrivateFile.
 class TemporaryPrivateFile {
 public:
     explicit TemporaryPrivateFile(const std::string& text);
-    ~TemporaryPrivateFile();
-    TemporaryPrivateFile(const TemporaryPrivateFile&) = delete;
-    TemporaryPrivateFile& operator=(const TemporaryPrivateFile&) = delete;
 
-    const std::filesystem::path& path() const noexcept { return path_; }
+    const std::filesystem::path& path() const noexcept { return file_.path(); }
 
 private:
-    std::filesystem::path path_;
+    UnfinishedFile file_;
 };
 
 }  // namespace host

@@ -3,8 +3,8 @@
 #include "common/windows.h"
 #include "machine/description/text.h"
 #include "tools/orvane/private_file.h"
+#include "tools/orvane/unfinished_file.h"
 
-#include <fstream>
 #include <list>
 #include <stdexcept>
 
@@ -19,39 +19,38 @@ namespace {
 // A new file beside its place; deleted again unless it is moved there.
 class PartFile {
 public:
-    explicit PartFile(const WholeFile& whole) : file_(whole.file), part_(whole.file) {
-        part_ += L".part-" + std::to_wstring(GetCurrentProcessId());
+    explicit PartFile(const WholeFile& whole) : file_(whole.file), part_(PartOf(whole.file)) {
         if (whole.for_owner) {
-            CreatePrivateFile(part_);
+            CreatePrivateFile(part_.path());
         }
-        std::ofstream out(part_, std::ios::binary);
-        out.write(whole.text.data(), static_cast<std::streamsize>(whole.text.size()));
-        out.close();
-        if (!out) {
-            DeleteFileW(part_.c_str());
+        if (!part_.Write(whole.text)) {
             Refuse(file_, "cannot be written");
         }
     }
-    ~PartFile() { DeleteFileW(part_.c_str()); }
-    PartFile(const PartFile&) = delete;
-    PartFile& operator=(const PartFile&) = delete;
 
     void Move(Existing existing) const {
         const DWORD flags =
             MOVEFILE_WRITE_THROUGH | (existing == Existing::kReplaced ? MOVEFILE_REPLACE_EXISTING : 0);
-        if (MoveFileExW(part_.c_str(), file_.c_str(), flags) == FALSE) {
+        if (MoveFileExW(part_.path().c_str(), file_.c_str(), flags) == FALSE) {
             Refuse(file_, "cannot be written, error " + std::to_string(GetLastError()));
         }
     }
 
 private:
+    static std::filesystem::path PartOf(std::filesystem::path file) {
+        return file += L".part-" + std::to_wstring(GetCurrentProcessId());
+    }
+
     std::filesystem::path file_;
-    std::filesystem::path part_;
+    UnfinishedFile part_;
 };
 
 }  // namespace
 
 void RequireFree(const std::filesystem::path& file, Existing existing) {
+    if (std::filesystem::is_directory(file)) {
+        Refuse(file, "is a folder");
+    }
     if (existing == Existing::kKept && std::filesystem::exists(file)) {
         Refuse(file, "exists already; --force replaces it");
     }

@@ -8,7 +8,7 @@ namespace host {
 
 enum class Existing { kKept, kReplaced };
 
-// Throws std::runtime_error if the file exists and is to be kept.
+// Throws std::runtime_error if the file exists and is to be kept, or is a folder.
 void RequireFree(const std::filesystem::path& file, Existing existing);
 
 struct WholeFile {

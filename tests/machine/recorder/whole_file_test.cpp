@@ -1,7 +1,11 @@
 #include "tools/orvane/whole_file.h"
 
+#include "common/windows.h"
+#include "support/own_process.h"
+#include "support/scoped_import.h"
 #include "tools/orvane/private_file.h"
 
+#include <aclapi.h>
 #include <gmock/gmock.h>
 
 #include <fstream>
@@ -52,6 +56,68 @@ TEST_F(WholeFile, PlaceThatCannotBeTaken_LeavesNothingHalf) {
     std::filesystem::create_directories(file_ / "in-the-way");
     EXPECT_THROW(host::WriteWholeFiles({{file_, "text"}}, host::Existing::kReplaced), std::runtime_error);
     EXPECT_EQ(FilesInFolder(), 1U);
+}
+
+TEST_F(WholeFile, SecondPlaceThatCannotBeTaken_LeavesTheFirstFileAsItWas) {
+    host::WriteWholeFiles({{file_, "old"}}, host::Existing::kKept);
+    std::filesystem::create_directories(folder_ / "folder");
+    EXPECT_THROW(
+        host::WriteWholeFiles({{file_, "new"}, {folder_ / "folder", "new"}}, host::Existing::kReplaced),
+        std::runtime_error);
+    EXPECT_EQ(Text(), "old");
+    EXPECT_EQ(FilesInFolder(), 2U);
+}
+
+// As on a file system without access lists, which gives everybody all access.
+DWORD WINAPI NoAccessList(HANDLE /*object*/, SE_OBJECT_TYPE /*type*/, SECURITY_INFORMATION /*wanted*/,
+                          PSID* /*owner*/, PSID* /*group*/, PACL* access, PACL* /*audit*/,
+                          PSECURITY_DESCRIPTOR* descriptor) {
+    *access = nullptr;
+    *descriptor = nullptr;
+    return ERROR_SUCCESS;
+}
+
+TEST_F(WholeFile, FileForItsOwner_IsRefusedWhereTheFileSystemHasNoAccessLists) {
+    const support::ScopedImport<decltype(&GetSecurityInfo)> import("GetSecurityInfo", &NoAccessList);
+    const auto write = [&] {
+        host::WriteWholeFiles({{folder_ / "first.json", "text"}, {file_, "names", true}},
+                              host::Existing::kKept);
+    };
+    EXPECT_THAT(write, testing::ThrowsMessage<std::runtime_error>(
+                           testing::HasSubstr("the file system cannot keep others from reading it")));
+    EXPECT_EQ(FilesInFolder(), 0U);
+}
+
+DWORD WINAPI UnknownAccessList(HANDLE /*object*/, SE_OBJECT_TYPE /*type*/, SECURITY_INFORMATION /*wanted*/,
+                               PSID* /*owner*/, PSID* /*group*/, PACL* /*access*/, PACL* /*audit*/,
+                               PSECURITY_DESCRIPTOR* /*descriptor*/) {
+    return ERROR_NOT_SUPPORTED;
+}
+
+TEST_F(WholeFile, FileForItsOwner_IsRefusedWhereNobodyKnowsWhoMayReadIt) {
+    const support::ScopedImport<decltype(&GetSecurityInfo)> import("GetSecurityInfo", &UnknownAccessList);
+    EXPECT_THROW(host::WriteWholeFiles({{file_, "names", true}}, host::Existing::kKept), std::runtime_error);
+    EXPECT_EQ(FilesInFolder(), 0U);
+}
+
+PHANDLER_ROUTINE interrupt = nullptr;
+
+BOOL WINAPI KeepHandler(PHANDLER_ROUTINE handler, BOOL add) {
+    interrupt = handler;
+    return add;
+}
+
+TEST(UnfinishedFile, Interruption_DeletesIt) {
+    if (!support::InOwnProcess()) {
+        return;  // the handler is set once per process
+    }
+    const support::ScopedImport<decltype(&SetConsoleCtrlHandler)> import("SetConsoleCtrlHandler",
+                                                                         &KeepHandler);
+    const host::TemporaryPrivateFile temporary("names");
+    ASSERT_TRUE(std::filesystem::exists(temporary.path()));
+    ASSERT_NE(interrupt, nullptr);
+    EXPECT_EQ(interrupt(CTRL_C_EVENT), FALSE) << "the process would go on";
+    EXPECT_FALSE(std::filesystem::exists(temporary.path()));
 }
 
 TEST_F(WholeFile, FileForItsOwner_ReplacesOneThatOthersMayRead) {
