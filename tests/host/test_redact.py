@@ -47,6 +47,20 @@ class Redact(HostTest):
         for pair in replaced["guids"]:
             self.assertNotIn(pair["from"].lower(), written)
 
+    def test_findings_hold_no_replaced_value(self):
+        # The recording does not refuse writing as the machine does, so that every line of its format 1 is a finding.
+        result = self.record("--redact", "--map", self.map, machine=EXAMPLES / "guarded-disks")
+        self.assertEqual(result.code, 3, result.errors)
+        printed = result.out.decode("utf-8").lower()
+        self.assertIn("unexplained: format 1, only there: ", printed)
+        replaced = json.loads(self.map.read_text(encoding="utf-8"))
+        names = [pair for pair in replaced["texts"] if len(pair["from"]) >= 10 and " " not in pair["from"]]
+        self.assertTrue(any(pair["to"].lower() in printed for pair in names))
+        for pair in names:
+            self.assertNotIn(pair["from"].lower(), printed)
+        for pair in replaced["guids"]:
+            self.assertNotIn(pair["from"].strip("{}").lower(), printed)
+
     def test_same_machine_gives_the_same_file(self):
         self.record("--redact", "--no-proof")
         first = self.machine.read_bytes()

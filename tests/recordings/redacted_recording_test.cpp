@@ -4,10 +4,9 @@
 #include "cases/case_folder.h"
 #include "cases/case_outputs.h"
 #include "cases/line_diff.h"
-#include "machine/description/text.h"
 #include "machine/recorder/describe/describe.h"
 #include "machine/recorder/redact/leak_search.h"
-#include "machine/recorder/redact/letters.h"
+#include "machine/recorder/redact/output_replacement.h"
 #include "machine/recorder/redact/redact.h"
 #include "recordings/recording.h"
 
@@ -15,9 +14,7 @@
 
 #include <algorithm>
 #include <clocale>
-#include <cstdio>
 #include <fstream>
-#include <map>
 #include <sstream>
 
 namespace {
@@ -32,107 +29,6 @@ recordings::Recording Redacted(const recordings::Recording& recording, recorder:
     redacted.machine = machine::ParseDescription(redacted.text, "the redacted recording");
     return redacted;
 }
-
-std::wstring Hexadecimal(std::uint32_t number) {
-    char digits[12] = {};
-    std::snprintf(digits, sizeof(digits), "0x%x", static_cast<unsigned>(number));
-    return machine::Widen(digits);
-}
-
-// Replaces in the library's output, which shows values as words of their own.
-class OutputReplacement {
-public:
-    explicit OutputReplacement(const recorder::Replacements& replacements) {
-        for (const auto& [original, made] : replacements.texts()) {
-            texts_[recorder::FoldedUnits(original)] = recorder::FoldedUnits(made);
-        }
-        for (const auto& [original, made] : replacements.guids()) {
-            AddExactly(machine::Widen(machine::GuidText(original)).substr(1, kGuidSize),
-                       machine::Widen(machine::GuidText(made)).substr(1, kGuidSize));
-            AddNumber(static_cast<std::uint32_t>(original.Data1), static_cast<std::uint32_t>(made.Data1));
-        }
-        for (const auto& [original, made] : replacements.ids()) {
-            AddNumber(original, made);
-        }
-    }
-
-    // In the value of an element or of a line "Name: value"; else in the whole line.
-    std::string InLine(const std::string& line) const {
-        const bool element =
-            line.find_first_not_of(' ') == line.find('<') && line.find("</") != std::string::npos;
-        const std::size_t colon = line.find(": ");
-        const bool named = std::all_of(
-            line.begin(), line.begin() + static_cast<std::ptrdiff_t>(std::min(colon, line.size())),
-            [](char c) { return c == ' ' || IsPartOfWord(static_cast<unsigned char>(c)); });
-        const std::size_t name = element ? line.find('>') : named ? colon : std::string::npos;
-        const std::size_t start = name == std::string::npos ? 0 : name + 1;
-        const std::size_t end = element ? line.rfind("</") : line.size();
-        const std::string value = Changed(line.substr(start, end - start), "&amp;", "&");
-        return line.substr(0, start) + (element ? Changed(InText(value), "&", "&amp;") : InText(value)) +
-               line.substr(end);
-    }
-
-    std::string InText(const std::string& utf8) const {
-        const std::wstring text = machine::Widen(utf8);
-        std::wstring replaced;
-        for (std::size_t start = 0; start < text.size();) {
-            std::size_t size = 0;
-            std::wstring made;
-            if (start == 0 || !IsPartOfWord(text[start - 1])) {
-                FindLongest(text, start, size, made);
-            }
-            replaced += size == 0 ? text.substr(start, 1) : made;
-            start += std::max<std::size_t>(size, 1);
-        }
-        return machine::Narrow(replaced);
-    }
-
-private:
-    static constexpr std::size_t kGuidSize = 36;  // without braces
-
-    static std::string Changed(std::string text, const std::string& from, const std::string& to) {
-        for (std::size_t at = text.find(from); at != std::string::npos;
-             at = text.find(from, at + to.size())) {
-            text.replace(at, from.size(), to);
-        }
-        return text;
-    }
-
-    static bool IsPartOfWord(wchar_t unit) {
-        const wchar_t folded = recorder::FoldedUnit(unit);
-        return (folded >= L'0' && folded <= L'9') || (folded >= L'A' && folded <= L'Z');
-    }
-
-    void AddExactly(const std::wstring& from, const std::wstring& to) {
-        exact_[from] = to;
-        exact_[recorder::FoldedUnits(from)] = recorder::FoldedUnits(to);
-    }
-
-    void AddNumber(std::uint32_t from, std::uint32_t to) {
-        AddExactly(std::to_wstring(from), std::to_wstring(to));
-        AddExactly(Hexadecimal(from), Hexadecimal(to));
-    }
-
-    void FindLongest(const std::wstring& text, std::size_t start, std::size_t& size,
-                     std::wstring& made) const {
-        const auto find = [&](const std::wstring& form, const std::map<std::wstring, std::wstring>& pairs,
-                              bool cased) {
-            for (const auto& [from, to] : pairs) {
-                const std::size_t end = start + from.size();
-                if (from.size() > size && form.compare(start, from.size(), from) == 0 &&
-                    (end >= text.size() || !IsPartOfWord(text[end]))) {
-                    size = from.size();
-                    made = cased ? recorder::WithCaseOf(text.substr(start, size), to) : to;
-                }
-            }
-        };
-        find(recorder::FoldedUnits(text.substr(0, std::min(text.size(), start + 300))), texts_, true);
-        find(text, exact_, false);
-    }
-
-    std::map<std::wstring, std::wstring> texts_;
-    std::map<std::wstring, std::wstring> exact_;
-};
 
 std::vector<std::string> LinesOf(const std::string& text) {
     std::vector<std::string> lines;
@@ -160,7 +56,7 @@ TEST_P(RedactedRecording, Recording_ProvesAsWellAndShowsTheLibraryTheSameMachine
         ADD_FAILURE() << leak.value << " in " << leak.place;
     }
 
-    const OutputReplacement replace(replacements);
+    const recorder::OutputReplacement replace(replacements);
     const std::filesystem::path plain_folder = kScratch / "plain" / GetParam().filename();
     const std::filesystem::path redacted_folder = kScratch / "redacted" / GetParam().filename();
     recordings::WriteFolder(plain_folder, recording.text, GetParam());

@@ -32,8 +32,8 @@ std::string WithoutOwnMessages(const std::string& text) {
 }
 
 // The output of one run with its exit code; none if it did not end in time.
-std::optional<std::string> Output(const LibraryRun& run,
-                                  const std::optional<std::filesystem::path>& machine, std::uint32_t limit) {
+std::optional<std::string> Output(const LibraryRun& run, const std::optional<std::filesystem::path>& machine,
+                                  std::uint32_t limit) {
     std::vector<std::wstring> command = {ProgramPath().wstring()};
     command.insert(command.end(), run.arguments.begin(), run.arguments.end());
     if (machine) {
@@ -93,6 +93,7 @@ recorder::Finding NoEnd(const recorder::Observations& observations, const Librar
 std::vector<recorder::Finding> CompareLibraryRuns(const recorder::Observations& observations,
                                                   const std::optional<std::filesystem::path>& machine,
                                                   const std::filesystem::path& description,
+                                                  const recorder::ShownLine& shown,
                                                   const std::function<void(const std::string&)>& progress,
                                                   std::uint32_t limit) {
     std::vector<recorder::Finding> findings;
@@ -104,7 +105,7 @@ std::vector<recorder::Finding> CompareLibraryRuns(const recorder::Observations& 
             findings.push_back(NoEnd(observations, run, !here, limit));
             continue;
         }
-        const auto own = recorder::CompareOutputs(run.subject, *here, *there);
+        const auto own = recorder::CompareOutputs(run.subject, *here, *there, shown);
         findings.insert(findings.end(), own.begin(), own.end());
     }
     return findings;

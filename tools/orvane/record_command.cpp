@@ -118,13 +118,15 @@ void WriteFiles(const RecordOptions& options, const recorder::Observations& obse
 // What the library makes of the machine and of its description. A redacted description has other names than
 // the machine, so the machine is described with its own once more for this.
 Findings CompareLibrary(const RecordOptions& options, const recorder::Observations& observed,
-                        ProgressLine& progress) {
+                        const recorder::Replacements& replacements, ProgressLine& progress) {
+    recorder::ShownLine shown = std::identity();
     std::optional<TemporaryPrivateFile> unredacted;
     if (options.redact) {
         unredacted.emplace(DescribeMachine(observed).text);
+        shown = WithoutPrivateValues(replacements);
     }
     return CompareLibraryRuns(observed, options.machine, unredacted ? unredacted->path() : options.output,
-                              [&](const std::string& text) { progress.Show(text); });
+                              shown, [&](const std::string& text) { progress.Show(text); });
 }
 
 // Prints the findings: first what is unexplained, then what is explained, then what changes by itself.
@@ -173,8 +175,8 @@ int Record(const RecordOptions& options, std::ostream& out, std::ostream& errors
             "the answers", [&] { return CompareWithRecording(kept, recording.machine, progress); }, findings);
         if (options.proof) {
             AddFindings(
-                "the library's outputs", [&] { return CompareLibrary(options, observed, progress); },
-                findings);
+                "the library's outputs",
+                [&] { return CompareLibrary(options, observed, replacements, progress); }, findings);
         }
     }
     const int result = Result(Report(findings, out), options.proof, questions, out);

@@ -1,6 +1,9 @@
 #include "tools/orvane/redaction.h"
 
+#include "machine/description/text.h"
 #include "machine/recorder/redact/leak_search.h"
+#include "machine/recorder/redact/letters.h"
+#include "machine/recorder/redact/output_replacement.h"
 #include "machine/recorder/redact/searched_texts.h"
 
 #include <nlohmann/json.hpp>
@@ -30,6 +33,16 @@ void RequireNoLeak(const recorder::Replacements& replacements, const recorder::O
         message += "\n  and in " + std::to_string(leaks.size() - kMostNamed) + " other places";
     }
     throw std::runtime_error(message);
+}
+
+recorder::ShownLine WithoutPrivateValues(const recorder::Replacements& replacements) {
+    return [&replacements, replacement = recorder::OutputReplacement(replacements)](const std::string& line) {
+        const std::string shown = replacement.InLine(line);
+        const std::wstring searched = recorder::FoldedUnits(machine::Widen(shown));
+        return recorder::FindLeaks(replacements, {{searched, "", false, true}}).empty()
+                   ? shown
+                   : "(a line with a private value)";
+    };
 }
 
 std::string PrivateValuesInWords(const std::string& file, const recorder::Replacements& replacements) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "machine/recorder/observe/observations.h"
+#include "machine/recorder/prove/proof.h"
 #include "machine/recorder/redact/replacements.h"
 
 #include <string>
@@ -11,6 +12,10 @@ namespace host {
 // description still hold a value that was to be replaced.
 void RequireNoLeak(const recorder::Replacements& replacements, const recorder::Observations& observations,
                    const std::string& description);
+
+// Replaces in a line of the library's output what the recording replaces. A line that still holds a private
+// value is left out.
+recorder::ShownLine WithoutPrivateValues(const recorder::Replacements& replacements);
 
 // "machine.json holds 12 names and 30 ids; --redact replaces them"
 std::string PrivateValuesInWords(const std::string& file, const recorder::Replacements& replacements);

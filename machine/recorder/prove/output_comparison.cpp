@@ -53,7 +53,7 @@ std::pair<std::size_t, std::size_t> Differing(const Lines& here, const Lines& th
 }  // namespace
 
 std::vector<Finding> CompareOutputs(const std::string& subject, const std::string& recorded,
-                                    const std::string& described) {
+                                    const std::string& described, const ShownLine& shown) {
     const std::string own_text = Masked(recorded);
     const std::string other_text = Masked(described);
     const Lines here = LinesOf(own_text);
@@ -61,7 +61,7 @@ std::vector<Finding> CompareOutputs(const std::string& subject, const std::strin
     std::vector<Finding> findings;
     const auto add = [&](std::string_view line, const char* where) {
         findings.push_back({Changes(line) ? Finding::Kind::kChanging : Finding::Kind::kUnexplained,
-                            subject + ", only " + where + ": " + std::string(line)});
+                            subject + ", only " + where + ": " + shown(std::string(line))});
     };
     std::size_t own = 0;
     std::size_t other = 0;

@@ -2,6 +2,7 @@
 
 #include "machine/recorder/observe/observations.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,11 +24,12 @@ struct Finding {
 std::vector<Finding> CompareAnswers(const Observations& recorded, const Observations& described);
 
 // The lines of an output of the library that differ; `subject` says which output it is. Documents are masked
-// first (masks.h).
+// first (masks.h). `shown` makes of a line what the finding shows of it.
+using ShownLine = std::function<std::string(const std::string& line)>;
 std::vector<Finding> CompareOutputs(const std::string& subject, const std::string& recorded,
-                                    const std::string& described);
+                                    const std::string& described, const ShownLine& shown = std::identity());
 
-// "unexplained: TEXT", with the word for the kind.
+// "unexplained: TEXT", with the word for the kind. Control characters are written as \x0A.
 std::string LineOf(const Finding& finding);
 
 }  // namespace recorder

@@ -24,6 +24,7 @@ using testing::EndsWith;
 using testing::Field;
 using testing::HasSubstr;
 using testing::SizeIs;
+using testing::StartsWith;
 
 const std::filesystem::path kMachine = ORVANE_SOURCE_DIR "/examples/machines/bios-laptop";
 
@@ -94,9 +95,24 @@ TEST_F(RecordCommand, MachineThatCannotBeDescribed_IsNoBadArgument) {
     EXPECT_THAT(errors_.str(), HasSubstr("the machine cannot be described"));
 }
 
+BOOL WINAPI NoMember(HANDLE /*token*/, PSID /*group*/, PBOOL member) {
+    *member = FALSE;
+    return TRUE;
+}
+
+TEST_F(RecordCommand, UserWithoutAdministratorsRights_IsToldAndRecorded) {
+    const support::ScopedImport<decltype(&CheckTokenMembership)> import("CheckTokenMembership", &NoMember);
+    options_.machine.reset();
+    options_.observations = folder_ / "observations.json";
+    options_.proof = false;
+    EXPECT_EQ(Record(), host::kExitUnproved);
+    EXPECT_THAT(errors_.str(), StartsWith("orvane: without administrator's rights"));
+    EXPECT_FALSE(recorder::LoadObservations(*options_.observations).circumstances.administrator);
+}
+
 std::vector<Finding> CompareInNoTime(const recorder::Observations& observations) {
     return host::CompareLibraryRuns(
-        observations, kMachine, kMachine, [](const std::string&) {}, 0);
+        observations, kMachine, kMachine, std::identity(), [](const std::string&) {}, 0);
 }
 
 TEST_F(RecordCommand, LibraryThatDoesNotEnd_IsNamed) {
