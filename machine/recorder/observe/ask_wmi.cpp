@@ -66,13 +66,16 @@ std::wstring_view ViewOf(BSTR text) {
     return {text == nullptr ? L"" : text, SysStringLen(text)};
 }
 
-// Calls `visit` with the address and the number of the elements of a one-dimensional array.
+// Calls `visit` with the address and the number of the elements of a one-dimensional array, if they have this
+// type. The value that holds an array may say another one.
 template <class Visit>
-void VisitElements(SAFEARRAY* array, Visit visit) {
+void VisitElements(SAFEARRAY* array, VARTYPE type, Visit visit) {
     LONG lower = 0;
     LONG upper = -1;
     void* data = nullptr;
-    if (array == nullptr || SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetLBound(array, 1, &lower)) ||
+    VARTYPE own_type = VT_EMPTY;
+    if (array == nullptr || SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetVartype(array, &own_type)) ||
+        own_type != type || FAILED(SafeArrayGetLBound(array, 1, &lower)) ||
         FAILED(SafeArrayGetUBound(array, 1, &upper)) || upper < lower ||
         FAILED(SafeArrayAccessData(array, &data))) {
         return;
@@ -83,7 +86,7 @@ void VisitElements(SAFEARRAY* array, Visit visit) {
 
 std::vector<std::wstring> TextsIn(SAFEARRAY* array) {
     std::vector<std::wstring> texts;
-    VisitElements(array, [&](const void* data, std::size_t count) {
+    VisitElements(array, VT_BSTR, [&](const void* data, std::size_t count) {
         const auto* elements = static_cast<const BSTR*>(data);
         for (std::size_t i = 0; i < count; ++i) {
             texts.emplace_back(ViewOf(elements[i]));
@@ -144,7 +147,7 @@ void StoreValue(const VARIANT& value, Part& part) {
         const auto* first = reinterpret_cast<const std::uint8_t*>(&real);
         part.bytes.assign(first, first + sizeof(real));
     } else if (type != nullptr && type->element_bytes != 0) {
-        VisitElements(value.parray, [&](const void* data, std::size_t count) {
+        VisitElements(value.parray, value.vt & VT_TYPEMASK, [&](const void* data, std::size_t count) {
             const auto* first = static_cast<const std::uint8_t*>(data);
             part.bytes.assign(first, first + count * type->element_bytes);
         });

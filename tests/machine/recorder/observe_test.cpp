@@ -6,6 +6,9 @@
 #include "machine/simulation/redirect.h"
 
 #include <gmock/gmock.h>
+#include <oleauto.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -86,6 +89,29 @@ TEST(Observe, PropertiesOfAClass_KeepTheirTypes) {
     ASSERT_NE(index, parts.end());
     EXPECT_EQ(index->type, L"VT_I4");
     EXPECT_EQ(index->value, 3U);
+}
+
+// A list of texts by its value, of numbers by itself.
+void LieAboutElements(machine::Answer& answer) {
+    if (answer.variant != nullptr) {
+        VariantClear(answer.variant);
+        answer.variant->parray = SafeArrayCreateVector(VT_I8, 0, 2);
+        void* data = nullptr;
+        SafeArrayAccessData(answer.variant->parray, &data);
+        std::fill_n(static_cast<std::uint64_t*>(data), 2, 0x10);
+        SafeArrayUnaccessData(answer.variant->parray);
+        answer.variant->vt = VT_ARRAY | VT_BSTR;
+    }
+}
+
+TEST(Observe, PropertyWithOtherElementsThanItSays_HasNone) {
+    machine::Session session(machine::ParseDescription(kOneDisk, "test"));
+    session.simulation().faults().Alter("IWbemClassObject::Get", &LieAboutElements);
+    const recorder::SystemFunctions functions(&machine::SimulatedProcAddress);
+    const auto drives = recorder::Ask(functions, {"IWbemServices::ExecQuery", L"Win32_DiskDrive", 0, 0});
+    ASSERT_FALSE(drives.parts.empty());
+    EXPECT_EQ(drives.parts.front().type, L"VT_ARRAY|VT_BSTR");
+    EXPECT_TRUE(drives.parts.front().bytes.empty());
 }
 
 TEST(Observe, ControlsThatRead_AreTheOnlyOnesSent) {
