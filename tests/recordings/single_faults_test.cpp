@@ -29,6 +29,10 @@ constexpr const char* kDiskCalls[] = {
     "DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT",
     "DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT_EX",
     "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO",
+    "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO",
+    "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX",
+    "DeviceIoControl:IOCTL_DISK_IS_WRITABLE",
+    "DeviceIoControl:IOCTL_STORAGE_GET_DEVICE_NUMBER",
     "QueryDosDeviceW",
 };
 constexpr const char* kVolumeCalls[] = {
@@ -38,6 +42,8 @@ constexpr const char* kVolumeCalls[] = {
     "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO",
     "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO",
     "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX",
+    "DeviceIoControl:IOCTL_STORAGE_GET_DEVICE_NUMBER",
+    "FindFirstVolumeW",
     "FindNextVolumeW",
     "GetDiskFreeSpaceW",
     "GetDiskFreeSpaceExW",
