@@ -28,6 +28,7 @@ constexpr AskingRow kAsking[] = {
     {"GetVolumePathNamesForVolumeNameW", AskMountPaths},
     {"IEnumWbemClassObject::Next", AskWmiWithoutSecurity},
     {"IWbemServices::ExecQuery", AskWmiClass},
+    {"IXMLDOMNode::get_xml", AskXmlText},
     {"QueryDosDeviceW", AskDosDevice},
     {"RegEnumValueW", AskRegistryValues},
     {"ZwQueryDirectoryObject", AskDirectory},

@@ -35,6 +35,7 @@ Answer AskFirmwareVariable(const SystemFunctions& functions, const Question& que
 Answer AskWmiClass(const SystemFunctions& functions, const Question& question);
 Answer AskWmiWithoutSecurity(const SystemFunctions& functions, const Question& question);
 Answer AskXmlComponent(const SystemFunctions& functions, const Question& question);
+Answer AskXmlText(const SystemFunctions& functions, const Question& question);
 Answer AskRegistryValues(const SystemFunctions& functions, const Question& question);
 
 inline Answer Failure(std::uint32_t error, std::string step = {}) {

@@ -1,34 +1,15 @@
 #include "machine/recorder/observe/ask_calls.h"
+#include "machine/recorder/observe/com_values.h"
 #include "machine/recorder/observe/wmi_types.h"
 
 #include <ole2.h>
 #include <wbemidl.h>
-
-#include <memory>
 
 namespace recorder {
 namespace {
 
 constexpr CLSID kAdministrativeLocator = {
     0xCB8555CC, 0x9128, 0x11D1, {0xAD, 0x9B, 0x00, 0xC0, 0x4F, 0xD8, 0xFD, 0xFF}};
-
-constexpr CLSID kDomDocument30 = {
-    0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
-
-struct Releaser {
-    void operator()(IUnknown* object) const { object->Release(); }
-};
-template <class Interface>
-using Pointer = std::unique_ptr<Interface, Releaser>;
-
-struct TextFreer {
-    void operator()(OLECHAR* text) const { SysFreeString(text); }
-};
-using Text = std::unique_ptr<OLECHAR, TextFreer>;
-
-Text TextOf(const std::wstring& text) {
-    return Text(SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
-}
 
 class OwnVariant {
 public:
@@ -61,10 +42,6 @@ public:
 private:
     SAFEARRAY* array_ = nullptr;
 };
-
-std::wstring_view ViewOf(BSTR text) {
-    return {text == nullptr ? L"" : text, SysStringLen(text)};
-}
 
 // Calls `visit` with the address and the number of the elements of a one-dimensional array, if they have this
 // type. The value that holds an array may say another one.
@@ -173,8 +150,8 @@ struct Query {
         locator.reset(static_cast<IWbemLocator*>(made));
         IWbemServices* connected = nullptr;
         if (Failed("IWbemLocator::ConnectServer",
-                   locator->ConnectServer(TextOf(L"root\\cimv2").get(), nullptr, nullptr, nullptr, 0, nullptr,
-                                          nullptr, &connected))) {
+                   locator->ConnectServer(ComTextOf(L"root\\cimv2").get(), nullptr, nullptr, nullptr, 0,
+                                          nullptr, nullptr, &connected))) {
             return;
         }
         services.reset(connected);
@@ -182,9 +159,10 @@ struct Query {
             return;
         }
         IEnumWbemClassObject* found = nullptr;
-        if (!Failed("IWbemServices::ExecQuery",
-                    services->ExecQuery(TextOf(L"WQL").get(), TextOf(L"Select * from " + class_name).get(),
-                                        WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, &found))) {
+        if (!Failed(
+                "IWbemServices::ExecQuery",
+                services->ExecQuery(ComTextOf(L"WQL").get(), ComTextOf(L"Select * from " + class_name).get(),
+                                    WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, &found))) {
             enumerator.reset(found);
         }
     }
@@ -267,14 +245,6 @@ Answer AskWmiWithoutSecurity(const SystemFunctions& /*functions*/, const Questio
     }
     HRESULT result = S_OK;
     NextObject(*query.enumerator, result);
-    return FAILED(result) ? Failure(static_cast<std::uint32_t>(result)) : Answer{};
-}
-
-// Whether the document of the XML component can be created.
-Answer AskXmlComponent(const SystemFunctions& /*functions*/, const Question& /*question*/) {
-    void* made = nullptr;
-    const HRESULT result = CoCreateInstance(kDomDocument30, nullptr, CLSCTX_SERVER, IID_IUnknown, &made);
-    const Pointer<IUnknown> document(static_cast<IUnknown*>(made));
     return FAILED(result) ? Failure(static_cast<std::uint32_t>(result)) : Answer{};
 }
 

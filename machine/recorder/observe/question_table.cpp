@@ -22,6 +22,7 @@ constexpr std::uint32_t kTexts[] = {2, 255, 260};
 constexpr std::uint32_t kEntry[] = {260};
 
 constexpr const wchar_t* kControlKey = L"SYSTEM\\CurrentControlSet\\Control";
+constexpr const wchar_t* kXmlDocument = L"Msxml2.DOMDocument.3.0";
 constexpr const wchar_t* kNoNameSpace = L"{00000000-0000-0000-0000-000000000000}";
 
 constexpr QuestionRow kTable[] = {
@@ -40,7 +41,8 @@ constexpr QuestionRow kTable[] = {
     {Subject::kMachine, "IWbemServices::ExecQuery", L"Win32_ComputerSystem", {kNothing}},
     {Subject::kMachine, "IWbemServices::ExecQuery", L"Win32_BootConfiguration", {kNothing}},
     {Subject::kMachine, "IEnumWbemClassObject::Next", L"Win32_BootConfiguration", {kNothing}},
-    {Subject::kMachine, "CoCreateInstance", L"Msxml2.DOMDocument.3.0", {kNothing}},
+    {Subject::kMachine, "CoCreateInstance", kXmlDocument, {kNothing}},
+    {Subject::kMachine, "IXMLDOMNode::get_xml", kXmlDocument, {kNothing}},
 
     {Subject::kDosName, "QueryDosDeviceW", nullptr, {kName}},
 

@@ -33,6 +33,7 @@ constexpr CallRow kCalls[] = {
     {"GetFirmwareType"},
     {"GetFirmwareEnvironmentVariableW"},
     {"CoCreateInstance"},
+    {"IXMLDOMNode::get_xml"},
     {"IWbemServices::ExecQuery", Content::kWord, Form::kNone, PartForm::kWmi},
     {"IEnumWbemClassObject::Next"},
     {"RegEnumValueW", Content::kWord, Form::kNone, PartForm::kRegistry},

@@ -1,5 +1,6 @@
 #include "machine/recorder/observe/observe.h"
 
+#include "machine/description/text.h"
 #include "machine/recorder/observe/answer_texts.h"
 #include "machine/recorder/observe/ask.h"
 #include "machine/session/session.h"
@@ -89,6 +90,24 @@ TEST(Observe, PropertiesOfAClass_KeepTheirTypes) {
     ASSERT_NE(index, parts.end());
     EXPECT_EQ(index->type, L"VT_I4");
     EXPECT_EQ(index->value, 3U);
+}
+
+TEST(Observe, XmlComponent_ShowsWhatItWrites) {
+    const auto observations = ObserveDescribed(kOneDisk);
+    const auto* written = observations.Best("IXMLDOMNode::get_xml", L"Msxml2.DOMDocument.3.0");
+    ASSERT_NE(written, nullptr);
+    ASSERT_TRUE(written->answer.succeeded());
+    const std::wstring text = machine::WideText(written->answer.bytes);
+    EXPECT_NE(text.find(L"<text>&lt;&amp;"), std::wstring::npos);
+    EXPECT_NE(text.find(L"\x00E4\x20AC</text>"), std::wstring::npos);
+}
+
+TEST(Observe, MachineWithoutXmlComponent_SaysWhy) {
+    const auto observations = ObserveDescribed(R"({"xmlComponent": false})");
+    const auto* written = observations.Best("IXMLDOMNode::get_xml", L"Msxml2.DOMDocument.3.0");
+    ASSERT_NE(written, nullptr);
+    EXPECT_EQ(written->answer.step, "CoCreateInstance");
+    EXPECT_EQ(written->answer.error, 0x80040154U);
 }
 
 // A list of texts by its value, of numbers by itself.
