@@ -29,6 +29,16 @@ std::size_t CallLog::Count(const std::string& name, const std::wstring& object) 
         }));
 }
 
+std::vector<std::wstring> CallLog::ObjectsOf(const std::string& name) const {
+    std::vector<std::wstring> objects;
+    for (const CallRecord& record : records_) {
+        if (IsCallNamed(record.name, name)) {
+            objects.push_back(record.object);
+        }
+    }
+    return objects;
+}
+
 void CallLog::Add(CallRecord record) {
     if (kept_) {
         records_.push_back(std::move(record));

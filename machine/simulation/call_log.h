@@ -28,6 +28,8 @@ public:
     // The number of calls with this name, with or without a suffix ("NAME" or "NAME:SUFFIX").
     std::size_t Count(const std::string& name) const;
     std::size_t Count(const std::string& name, const std::wstring& object) const;
+    // The object of every call with this name, in order.
+    std::vector<std::wstring> ObjectsOf(const std::string& name) const;
 
     // Removes the records. Ordinals continue after the last one.
     void Clear() noexcept { records_.clear(); }

@@ -10,6 +10,8 @@
 
 namespace {
 
+using support::Error;
+using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -45,7 +47,7 @@ TEST_P(FailingCollection, Capture_FailsWithItsLine) {
     library_.SetXmlFormat(format);
     simulation().faults().Fail(failing.call, failing.code, failing.object);
     ExpectFailure();
-    EXPECT_TRUE(log_.Contains(support::kHostError, failing.line)) << log_;
+    EXPECT_THAT(log_.all(), Contains(Error(failing.line)));
     EXPECT_EQ(LastError(), kNoEnvironment);
 }
 
@@ -129,7 +131,7 @@ TEST_F(CaptureFailures, IdentifiersThatCannotBeMade_FailTheCollection) {
     for (const std::uint32_t format : {2U, 3U}) {
         library_.SetXmlFormat(format);
         ExpectFailure();
-        EXPECT_TRUE(log_.Contains(support::kHostError, "CoCreateGuid call failed error: 2147500037")) << log_;
+        EXPECT_THAT(log_.all(), Contains(Error("CoCreateGuid call failed error: 2147500037")));
         EXPECT_EQ(LastError(), kNoEnvironment);
     }
 }

@@ -9,8 +9,11 @@
 
 namespace {
 
-using support::LogLine;
+using support::Error;
+using support::Trace;
+using testing::Contains;
 using testing::EndsWith;
+using testing::Not;
 using testing::StartsWith;
 
 class CaptureProtocol : public CaptureTest, public testing::WithParamInterface<std::uint32_t> {
@@ -23,8 +26,7 @@ TEST_P(CaptureProtocol, SizeQuery_TellsTheLengthAndIsNoError) {
     EXPECT_EQ(captured.status, ORVANE_BUFFER_TOO_SMALL);
     EXPECT_GT(captured.required_size, 1000U);
     EXPECT_LT(captured.required_size, 100000U);
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "InfoGrabber::CaptureInfo: output buffer too small"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("InfoGrabber::CaptureInfo: output buffer too small")));
     EXPECT_EQ(log_.Count(support::kHostError), 0U) << log_;
 }
 
@@ -81,10 +83,10 @@ TEST_P(CaptureProtocol, LinesOfTheExport_FrameTheCall) {
     log_.Clear();
     Capture(0);
     ASSERT_GT(log_.all().size(), 3U);
-    EXPECT_EQ(log_.all()[0], (LogLine{support::kHostTrace, "Entering CaptureSystemRestorePointInfo"}));
-    EXPECT_EQ(log_.all()[1], (LogLine{support::kHostTrace, "CaptureSystemRestorePointInfo gSaveXmlFormat=" +
-                                                               std::to_string(GetParam())}));
-    EXPECT_EQ(log_.all().back(), (LogLine{support::kHostTrace, "Exiting CaptureSystemRestorePointInfo"}));
+    EXPECT_EQ(log_.all()[0], Trace("Entering CaptureSystemRestorePointInfo"));
+    EXPECT_EQ(log_.all()[1],
+              Trace("CaptureSystemRestorePointInfo gSaveXmlFormat=" + std::to_string(GetParam())));
+    EXPECT_EQ(log_.all().back(), Trace("Exiting CaptureSystemRestorePointInfo"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, CaptureProtocol, testing::Values(2U, 3U));
@@ -124,10 +126,9 @@ TEST_P(DocumentOfFormat, Version_IsThatOfItsGrabber) {
     library_.SetXmlFormat(GetParam().format);
     log_.Clear();
     EXPECT_EQ(XmlTree::Of(Document()).Child("BMREnvInfo").Child("Version").text, GetParam().version);
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "CaptureSystemRestorePointInfo gSaveXmlFormat=" +
-                                                       std::to_string(GetParam().format)))
-        << log_;
-    EXPECT_FALSE(log_.Contains(support::kHostError, "Invalid type of information grabber")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("CaptureSystemRestorePointInfo gSaveXmlFormat=" +
+                                           std::to_string(GetParam().format))));
+    EXPECT_THAT(log_.all(), Not(Contains(Error("Invalid type of information grabber"))));
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, DocumentOfFormat,
@@ -145,7 +146,7 @@ TEST(DefaultFormat, Capture_IsThatOfFormat2) {
         machine::LoadDescription(ORVANE_SOURCE_DIR "/examples/machines/uefi-workstation"));
     const support::LogCapture log(library.SetEventFunc);
     EXPECT_EQ(library.CaptureSystemRestorePointInfo(nullptr, 0, nullptr), ORVANE_BUFFER_TOO_SMALL);
-    EXPECT_TRUE(log.Contains(support::kHostTrace, "CaptureSystemRestorePointInfo gSaveXmlFormat=2")) << log;
+    EXPECT_THAT(log.all(), Contains(Trace("CaptureSystemRestorePointInfo gSaveXmlFormat=2")));
     EXPECT_TRUE(log.ContainsPart(support::kHostTrace, "orvane::InfoGrabberV2::ObtainInformation")) << log;
 }
 

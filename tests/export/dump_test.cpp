@@ -9,10 +9,14 @@
 
 namespace {
 
+using support::Error;
+using support::Info;
 using support::kHostError;
 using support::kHostInformation;
 using support::kHostTrace;
 using support::LogLine;
+using support::Trace;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -51,10 +55,9 @@ TEST_F(Dumps, EachOne_LeavesFormatAndSelectionAlone) {
     }
     log_.Clear();
     EXPECT_EQ(Capture(0).status, ORVANE_FAILED);
-    EXPECT_TRUE(log_.Contains(kHostTrace, "CaptureSystemRestorePointInfo gSaveXmlFormat=2")) << log_;
-    EXPECT_TRUE(
-        log_.Contains(kHostError, "Backup cannot proceed. Failed to find any information about volume X:."))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("CaptureSystemRestorePointInfo gSaveXmlFormat=2")));
+    EXPECT_THAT(log_.all(),
+                Contains(Error("Backup cannot proceed. Failed to find any information about volume X:.")));
 }
 
 // --- WMIDumpInfo
@@ -102,11 +105,9 @@ HRESULT WINAPI RefuseCom(void*, DWORD) {
 TEST_F(Dumps, WithoutCom_WmiDumpSaysSoAndEnds) {
     const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module());
     Run(library_.WMIDumpInfo);
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{kHostError,
-                                    "CoInitializeEx failed error=0x8007000e calling function "
-                                    "WMIDumpInfo"},
-                            LogLine{kHostError, "WMIDumpInfo: Cannot initialize COM"}));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("CoInitializeEx failed error=0x8007000e calling function "
+                                                   "WMIDumpInfo"),
+                                             Error("WMIDumpInfo: Cannot initialize COM")));
 }
 
 int com_calls = 0;
@@ -119,10 +120,9 @@ TEST_F(Dumps, WithoutComForTheSections_WmiDumpSaysSoAndEnds) {
     com_calls = 0;
     const support::ScopedImport import("CoInitializeEx", &RefuseSecondCom, library_.module());
     Run(library_.WMIDumpInfo);
-    EXPECT_THAT(
-        log_.Messages(),
-        ElementsAre(LogLine{kHostError, "CoInitializeEx failed error=0x8007000e calling function GetWMIInfo"},
-                    LogLine{kHostError, "GetWMIInfo: Cannot initialize COM"}));
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Error("CoInitializeEx failed error=0x8007000e calling function GetWMIInfo"),
+                            Error("GetWMIInfo: Cannot initialize COM")));
 }
 
 // --- DiskDumpInfo
@@ -131,8 +131,8 @@ TEST_F(Dumps, DisksThatCannotBeListed_AreNone) {
     simulation().faults().Fail("IWbemServices::ExecQuery", 0x80041003, L"Win32_DiskDrive");
     Run(library_.DiskDumpInfo);
     EXPECT_THAT(Information(), ElementsAre("", "[Device Information]", "Number of Disks: 0"));
-    EXPECT_TRUE(log_.Contains(kHostError, "DeviceManager::ObtainPhysicalDrivesIndexes wmi not initialized"))
-        << log_;
+    EXPECT_THAT(log_.all(),
+                Contains(Error("DeviceManager::ObtainPhysicalDrivesIndexes wmi not initialized")));
 }
 
 // --- VolumeDumpInfo
@@ -195,10 +195,9 @@ TEST_F(Dumps, FirmwareTypes_HaveALineEach) {
     for (const FirmwareCase& each : cases) {
         simulation().description().firmware.type = each.type;
         Run(library_.FirmwareDumpInfo);
-        EXPECT_THAT(
-            log_.Messages(),
-            ElementsAre(LogLine{kHostInformation, "Capture DLL Version: 9.50.6732"},
-                        LogLine{kHostInformation, "==========Firmware Detection==========\n"}, each.line));
+        EXPECT_THAT(log_.Messages(),
+                    ElementsAre(Info("Capture DLL Version: 9.50.6732"),
+                                Info("==========Firmware Detection==========\n"), each.line));
     }
 }
 

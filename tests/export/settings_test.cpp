@@ -5,8 +5,8 @@
 
 namespace {
 
+using support::Error;
 using support::LogCapture;
-using support::LogLine;
 using testing::ElementsAre;
 using testing::StartsWith;
 
@@ -35,8 +35,7 @@ TEST_F(Settings, NullList_ClearsTheSelection) {
     EXPECT_EQ(library_.Select({L"a", L"b"}), 2);
     const LogCapture log(library_.SetEventFunc);
     EXPECT_EQ(library_.SetupSelectedVolumesList(nullptr, 0), 0);
-    EXPECT_THAT(log.Messages(), ElementsAre(LogLine{support::kHostError,
-                                                    "SetupSelectedVolumesList: volume_guid_list is NULL"}));
+    EXPECT_THAT(log.Messages(), ElementsAre(Error("SetupSelectedVolumesList: volume_guid_list is NULL")));
 }
 
 TEST_F(Settings, NullListWithACount_IsNotRead) {
@@ -48,8 +47,7 @@ TEST_F(Settings, EmptyList_ClearsTheSelection) {
     EXPECT_EQ(library_.Select({L"a", L"b"}), 2);
     const LogCapture log(library_.SetEventFunc);
     EXPECT_EQ(library_.SetupSelectedVolumesList(L"\0", 2), 0);
-    EXPECT_THAT(log.Messages(), ElementsAre(LogLine{support::kHostError,
-                                                    "SetupSelectedVolumesList: volume_guid_list is empty"}));
+    EXPECT_THAT(log.Messages(), ElementsAre(Error("SetupSelectedVolumesList: volume_guid_list is empty")));
 }
 
 TEST_F(Settings, List_ReplacesTheOneBefore) {

@@ -4,6 +4,7 @@
 #include "faults/dom_hooks.h"
 #include "faults/fault_kinds.h"
 #include "faults/import_hooks.h"
+#include "support/each_of.h"
 
 #include <algorithm>
 #include <array>
@@ -28,11 +29,7 @@ constexpr std::array<std::string_view, 2> kDomKinds = {"invalid-function", "out-
 constexpr std::array<std::string_view, 1> kAllocationKinds = {"out-of-memory"};
 
 std::vector<std::string> SystemCalls(Bench& bench) {
-    std::vector<std::string> names;
-    for (const machine::CallRecord& record : bench.CleanCalls()) {
-        names.push_back(record.name);
-    }
-    return names;
+    return support::EachOf(bench.CleanCalls(), &machine::CallRecord::name);
 }
 
 // Operations that are only counted; all have the same name.

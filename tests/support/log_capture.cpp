@@ -49,6 +49,14 @@ std::vector<LogLine> LogCapture::Messages() const {
     return messages;
 }
 
+std::vector<LogLine> LogCapture::Told() const {
+    std::vector<LogLine> told = lines_;
+    std::erase_if(told, [](const LogLine& line) {
+        return line.text.starts_with("Entering function ") || line.text.starts_with("Leaving function ");
+    });
+    return told;
+}
+
 std::vector<std::string> LogCapture::Lines(std::int32_t level) const {
     std::vector<std::string> texts;
     for (const LogLine& line : lines_) {
@@ -57,10 +65,6 @@ std::vector<std::string> LogCapture::Lines(std::int32_t level) const {
         }
     }
     return texts;
-}
-
-bool LogCapture::Contains(std::int32_t level, std::string_view text) const {
-    return Count(level, text) != 0;
 }
 
 bool LogCapture::ContainsPart(std::int32_t level, std::string_view part) const {

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace support {
@@ -25,6 +26,20 @@ struct LogLine {
 };
 std::ostream& operator<<(std::ostream& out, const LogLine& line);
 
+// Lines to compare with.
+inline LogLine Trace(std::string text) {
+    return {kHostTrace, std::move(text)};
+}
+inline LogLine Info(std::string text) {
+    return {kHostInformation, std::move(text)};
+}
+inline LogLine Warning(std::string text) {
+    return {kHostWarning, std::move(text)};
+}
+inline LogLine Error(std::string text) {
+    return {kHostError, std::move(text)};
+}
+
 // Collects the lines sent to the log callback for its lifetime. Captures nest: only the innermost one
 // collects. Destroying it restores the capture around it, or no callback. One thread at a time. Independent
 // of the library: `set` is any function that installs a callback, such as the library's export. Unit tests
@@ -44,10 +59,10 @@ public:
     const std::vector<LogLine>& all() const noexcept { return lines_; }
     // All lines except trace lines (host level 0), in order.
     std::vector<LogLine> Messages() const;
+    // All lines except the entering and leaving lines, which contain line numbers.
+    std::vector<LogLine> Told() const;
     // The texts of the lines of one host level, in order.
     std::vector<std::string> Lines(std::int32_t level) const;
-    // True if a line has this level and exactly this text.
-    bool Contains(std::int32_t level, std::string_view text) const;
     // True if a line has this level and contains this text.
     bool ContainsPart(std::int32_t level, std::string_view part) const;
     std::size_t Count(std::int32_t level) const;

@@ -30,14 +30,6 @@ struct XmlTree {
     bool Has(std::string_view wanted) const {
         return std::any_of(children.begin(), children.end(), Named{wanted});
     }
-    // The names of the children, in order.
-    std::vector<std::string> Names() const {
-        std::vector<std::string> names;
-        for (const XmlTree& child : children) {
-            names.push_back(child.name);
-        }
-        return names;
-    }
 
 private:
     class Reader;

@@ -9,7 +9,10 @@
 
 namespace {
 
+using support::Error;
 using support::LogLine;
+using support::Trace;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -91,8 +94,7 @@ TEST_P(GetBootOptionsAbsent, Value_IsReportedWithTheEndOfTheList) {
     EXPECT_FALSE(answer.result);
     EXPECT_EQ(answer.options, kUntouched);
     EXPECT_THAT(answer.messages,
-                ElementsAre(LogLine{support::kHostError,
-                                    "GetBootOptions failed to find SystemStartOptions error=259"}));
+                ElementsAre(Error("GetBootOptions failed to find SystemStartOptions error=259")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, GetBootOptionsAbsent,
@@ -105,16 +107,14 @@ TEST(GetBootOptions, DataLongerThanTheBuffer_EndTheSearchWithTheirError) {
     EXPECT_FALSE(answer.result);
     EXPECT_EQ(answer.options, kUntouched);
     EXPECT_THAT(answer.messages,
-                ElementsAre(LogLine{support::kHostError,
-                                    "GetBootOptions failed to find SystemStartOptions error=234"}));
+                ElementsAre(Error("GetBootOptions failed to find SystemStartOptions error=234")));
 }
 
 TEST(GetBootOptions, NoKey_IsReported) {
     const Answer answer = BootOptionsOf(MachineWith({}, L"SYSTEM\\Select"));
     EXPECT_FALSE(answer.result);
     EXPECT_EQ(answer.options, kUntouched);
-    EXPECT_THAT(answer.messages,
-                ElementsAre(LogLine{support::kHostError, "GetBootOptions Failed to open registry"}));
+    EXPECT_THAT(answer.messages, ElementsAre(Error("GetBootOptions Failed to open registry")));
     EXPECT_THAT(answer.trace, testing::Not(testing::Contains("Function CloseKey")));
 }
 
@@ -129,9 +129,8 @@ TEST(GetBootOptions, NoMemoryForTheBuffers_IsReportedAndTheKeyClosed) {
     }
     EXPECT_EQ(options, kUntouched);
     EXPECT_THAT(log.Messages(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "GetBootOptions failed to find SystemStartOptions error=14"}));
-    EXPECT_TRUE(log.Contains(support::kHostTrace, "CRegistry::CloseKey res=0")) << log;
+                ElementsAre(Error("GetBootOptions failed to find SystemStartOptions error=14")));
+    EXPECT_THAT(log.all(), Contains(Trace("CRegistry::CloseKey res=0")));
 }
 
 TEST(GetBootOptions, EachAllocationFails_FailsOrReadsAllWithoutThrowing) {

@@ -1,6 +1,7 @@
 #include "capture/environment/boot_volumes.h"
 
 #include "machine/session/session.h"
+#include "support/each_of.h"
 #include "support/logger_capture.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +11,7 @@
 
 namespace {
 
-using support::LogLine;
+using support::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -88,7 +89,7 @@ TEST_F(FindBootAndSystemVolumesTest, TwoWithTheSameDevice_LaterGuidStandsAndBoth
 
 TEST_F(FindBootAndSystemVolumesTest, NoVolumes_ReportsTheSystemVolumeAndKeepsTheIdentity) {
     EXPECT_FALSE(Find());
-    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoSystemVolume}));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error(kNoSystemVolume)));
     EXPECT_THAT(letters_, IsEmpty());
     EXPECT_EQ(boot_.m_strBootFolder, L"C:\\WINDOWS");
     EXPECT_EQ(boot_.m_strOS, L"The caption");
@@ -98,7 +99,7 @@ TEST_F(FindBootAndSystemVolumesTest, NoVolumes_ReportsTheSystemVolumeAndKeepsThe
 TEST_F(FindBootAndSystemVolumesTest, SystemVolumeMissing_ReportsItAloneEvenWhenBootIsFound) {
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\Boot")};
     EXPECT_FALSE(Find());
-    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoSystemVolume}));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error(kNoSystemVolume)));
     EXPECT_EQ(boot_.m_guidBootVolume, L"{1}");
     EXPECT_TRUE(volumes_[0].BootVolume);
     EXPECT_EQ(letters_.size(), 1U);
@@ -107,7 +108,7 @@ TEST_F(FindBootAndSystemVolumesTest, SystemVolumeMissing_ReportsItAloneEvenWhenB
 TEST_F(FindBootAndSystemVolumesTest, BootVolumeMissing_IsReportedAndNoOptionsAreRead) {
     volumes_ = {VolumeOf(L"{1}", L"\\Device\\System")};
     EXPECT_FALSE(Find());
-    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError, kNoBootVolume}));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error(kNoBootVolume)));
     EXPECT_EQ(boot_.m_guidSystemVolume, L"{1}");
     EXPECT_EQ(boot_.m_strBootOptions, L"");
 }
@@ -120,8 +121,7 @@ TEST_F(FindBootAndSystemVolumesTest, StartOptionsAbsent_FailsWithTheVolumesMarke
     EXPECT_FALSE(Find());
 
     EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "GetBootOptions failed to find SystemStartOptions error=259"}));
+                ElementsAre(Error("GetBootOptions failed to find SystemStartOptions error=259")));
     EXPECT_EQ(boot_.m_guidBootVolume, L"{1}");
     EXPECT_EQ(boot_.m_guidSystemVolume, L"{2}");
     EXPECT_EQ(boot_.m_strBootFolder, L"C:\\WINDOWS");
@@ -150,11 +150,7 @@ INSTANTIATE_TEST_SUITE_P(Names, FindBootAndSystemVolumesName,
 
 std::vector<std::wstring> GuidsSortedBy(std::vector<::Volume> volumes) {
     SortVolumeTable(volumes);
-    std::vector<std::wstring> guids;
-    for (const ::Volume& volume : volumes) {
-        guids.push_back(volume.m_GUID);
-    }
-    return guids;
+    return support::EachOf(volumes, &::Volume::m_GUID);
 }
 
 TEST(SortVolumeTable, Letters_AreComparedByCodeUnitAndPrefixesComeFirst) {

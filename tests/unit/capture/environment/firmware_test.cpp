@@ -4,7 +4,7 @@
 #include "support/logger_capture.h"
 #include "support/stub.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace {
 
@@ -56,13 +56,13 @@ TEST(DetectFirmwareType, AccessDenied_IsUndecidedWithTheTextLessFiveCharacters) 
     const Probe probe = ProbeWith(0, ERROR_ACCESS_DENIED);
     EXPECT_FALSE(probe.valid);
     EXPECT_EQ(probe.type, 0U);
-    EXPECT_TRUE(log.Contains(support::kHostError, kText + 5)) << log;
+    EXPECT_THAT(log.all(), testing::Contains(support::Error(kText + 5)));
 }
 
 TEST(DetectFirmwareType, ErrorPastTheText_LogsAnEmptyLine) {
     const support::LoggerCapture log;
     EXPECT_FALSE(ProbeWith(0, 1314).valid);
-    EXPECT_TRUE(log.Contains(support::kHostError, "")) << log;
+    EXPECT_THAT(log.all(), testing::Contains(support::Error("")));
 }
 
 TEST(DetectFirmwareType, FunctionMissing_IsUndecidedWithItsLine) {
@@ -72,7 +72,8 @@ TEST(DetectFirmwareType, FunctionMissing_IsUndecidedWithItsLine) {
     std::uint32_t type = kUntouched;
     EXPECT_FALSE(DetectFirmwareType(type));
     EXPECT_EQ(type, 0U);
-    EXPECT_TRUE(log.Contains(support::kHostError, "GetFirmwareEnvironment function does not exist.")) << log;
+    EXPECT_THAT(log.all(),
+                testing::Contains(support::Error("GetFirmwareEnvironment function does not exist.")));
 }
 
 }  // namespace

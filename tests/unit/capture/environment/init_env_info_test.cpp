@@ -13,7 +13,9 @@
 
 namespace {
 
+using support::Error;
 using support::LogLine;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -91,14 +93,9 @@ TEST_P(InitEnvInfoSection, ThatCannotBeRead_FailsAfterAllFourWereTried) {
     description().wmi[machine::WmiClassKey(GetParam().class_name)].instances.clear();
     EXPECT_FALSE(InitEnvInfo(record_));
     EXPECT_THAT(log_.Lines(support::kHostError), ElementsAre(GetParam().line, kFailed.text));
-    std::vector<std::wstring> queried;
-    for (const machine::CallRecord& record : simulation().calls().records()) {
-        if (record.name == "IWbemServices::ExecQuery") {
-            queried.push_back(record.object);
-        }
-    }
-    EXPECT_THAT(queried, ElementsAre(L"Win32_Processor", L"Win32_BootConfiguration", L"Win32_ComputerSystem",
-                                     L"Win32_OperatingSystem"));
+    EXPECT_THAT(simulation().calls().ObjectsOf("IWbemServices::ExecQuery"),
+                ElementsAre(L"Win32_Processor", L"Win32_BootConfiguration", L"Win32_ComputerSystem",
+                            L"Win32_OperatingSystem"));
     EXPECT_EQ(simulation().calls().Count("FindFirstVolumeW"), 0U);
 }
 
@@ -112,9 +109,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(InitEnvInfoTest, VolumesThatCannotBeListed_Fail) {
     simulation().faults().Fail("FindFirstVolumeW", 5);
     EXPECT_FALSE(InitEnvInfo(record_));
-    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError,
-                                                     "getFixedVolumes: FindFirstVolume failed error=0x5 5"},
-                                             kFailed));
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Error("getFixedVolumes: FindFirstVolume failed error=0x5 5"), kFailed));
 }
 
 TEST_F(InitEnvInfoTest, SystemVolumeThatIsMissing_FailsBeforeTheVersionIsSet) {
@@ -140,9 +136,7 @@ TEST_F(InitEnvInfoTest, BootOptionsValueThatIsAbsent_FailsWithTheVolumesFound) {
     EXPECT_FALSE(InitEnvInfo(record_));
 
     EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "GetBootOptions failed to find SystemStartOptions error=259"},
-                            kFailed));
+                ElementsAre(Error("GetBootOptions failed to find SystemStartOptions error=259"), kFailed));
     EXPECT_EQ(record_.Version, 0U);
     EXPECT_EQ(record_.DllVersion, L"");
     EXPECT_EQ(record_.VolumeTable.size(), 3U);
@@ -230,8 +224,7 @@ TEST_F(InitEnvInfoTest, VolumeOnADiskWithoutPartitions_FailsOnTheWholeDiskRow) {
     machine::SetProperty(drive, {L"Index", index});
     description().wmi[machine::WmiClassKey(L"Win32_DiskDrive")].instances.push_back(drive);
     EXPECT_FALSE(InitEnvInfo(record_));
-    EXPECT_TRUE(log_.Contains(support::kHostError, "InitEnvInfo failed to fix volume D:\\ partition number"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("InitEnvInfo failed to fix volume D:\\ partition number")));
     ASSERT_EQ(record_.DiskDrives.size(), 2U);
     EXPECT_EQ(record_.DiskDrives[1].size, 500U);
 }

@@ -28,9 +28,9 @@ public:
     // The properties of the class that were read, in order.
     std::vector<std::wstring> ReadProperties(const std::wstring& class_name) {
         std::vector<std::wstring> properties;
-        for (const machine::CallRecord& record : simulation().calls().records()) {
-            if (record.name == "IWbemClassObject::Get" && record.object.starts_with(class_name + L".")) {
-                properties.push_back(record.object.substr(class_name.size() + 1));
+        for (const std::wstring& object : simulation().calls().ObjectsOf("IWbemClassObject::Get")) {
+            if (object.starts_with(class_name + L".")) {
+                properties.push_back(object.substr(class_name.size() + 1));
             }
         }
         return properties;
@@ -38,13 +38,7 @@ public:
 
     // The classes that were queried, in order.
     std::vector<std::wstring> QueriedClasses() {
-        std::vector<std::wstring> classes;
-        for (const machine::CallRecord& record : simulation().calls().records()) {
-            if (record.name == "IWbemServices::ExecQuery") {
-                classes.push_back(record.object);
-            }
-        }
-        return classes;
+        return simulation().calls().ObjectsOf("IWbemServices::ExecQuery");
     }
 
 private:

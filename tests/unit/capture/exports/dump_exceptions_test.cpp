@@ -18,6 +18,7 @@
 
 namespace {
 
+using support::Error;
 using support::LogLine;
 using testing::ElementsAre;
 using testing::StartsWith;
@@ -29,7 +30,7 @@ protected:
         const std::vector<LogLine>& all = log_.all();
         ASSERT_GE(all.size(), 3U);
         EXPECT_THAT(all.front().text, StartsWith("Entering function " + dump + " line "));
-        EXPECT_EQ(all[all.size() - 2], (LogLine{support::kHostError, dump + " Exception"}));
+        EXPECT_EQ(all[all.size() - 2], Error(dump + " Exception"));
         EXPECT_THAT(all.back().text, StartsWith("Leaving function " + dump + " line "));
         EXPECT_EQ(log_.Count(support::kHostError), 1U) << log_;
     }

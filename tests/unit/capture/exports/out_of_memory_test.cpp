@@ -4,7 +4,7 @@
 #include "support/allocation_failure.h"
 #include "support/logger_capture.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 
@@ -30,7 +30,7 @@ TEST_F(OutOfMemory, SelectedVolumes_AreNoneAndALineSaysSo) {
         EXPECT_EQ(SetupSelectedVolumesList(list.data(), list.size()), 0);
         EXPECT_GT(failure.hits(), 0U);
     }
-    EXPECT_TRUE(log_.Contains(support::kHostError, "SetupSelectedVolumesList Exception")) << log_;
+    EXPECT_THAT(log_.all(), testing::Contains(support::Error("SetupSelectedVolumesList Exception")));
     EXPECT_EQ(log_.Messages().size(), 1U) << log_;
 }
 

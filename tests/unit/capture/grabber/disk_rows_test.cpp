@@ -13,7 +13,8 @@
 namespace {
 
 using orvane::VolumeOnDisk;
-using support::LogLine;
+using support::Error;
+using support::Warning;
 using testing::ElementsAre;
 
 // --- The largest disk number.
@@ -38,12 +39,10 @@ TEST(GetMaxPhysicalDiskId, NumberThatIsTooLarge_IsPassedOverWithALine) {
     EXPECT_EQ(maximum, 65'535U);
     // In the order of the map, which compares the numbers as texts.
     EXPECT_THAT(log.all(),
-                ElementsAre(LogLine{support::kHostWarning,
-                                    "DeviceManager::GetMaxPhysicalDiskId disk number 4294967295 is too large "
-                                    "- ignoring"},
-                            LogLine{support::kHostWarning,
-                                    "DeviceManager::GetMaxPhysicalDiskId disk number 65536 is too large - "
-                                    "ignoring"}));
+                ElementsAre(Warning("DeviceManager::GetMaxPhysicalDiskId disk number 4294967295 is too large "
+                                    "- ignoring"),
+                            Warning("DeviceManager::GetMaxPhysicalDiskId disk number 65536 is too large - "
+                                    "ignoring")));
 }
 
 TEST(GetMaxPhysicalDiskId, OnlyNumbersThatAreTooLarge_FailAsWithoutDisks) {
@@ -64,8 +63,7 @@ TEST(GetMaxPhysicalDiskId, EmptyEntry_IsReportedByItsKey) {
     std::uint32_t maximum = 77;
     EXPECT_TRUE(orvane::GetMaxPhysicalDiskId(disks, maximum));
     EXPECT_THAT(log.Messages(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "DeviceManager::GetMaxPhysicalDiskId - NULL device found with id 5"}));
+                ElementsAre(Error("DeviceManager::GetMaxPhysicalDiskId - NULL device found with id 5")));
 }
 
 // --- Existing disks.

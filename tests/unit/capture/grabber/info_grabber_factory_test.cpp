@@ -7,7 +7,7 @@
 
 namespace {
 
-using support::LogLine;
+using support::Error;
 using testing::ElementsAre;
 
 class CreateInfoGrabberInvalid : public testing::TestWithParam<std::uint32_t> {};
@@ -15,8 +15,7 @@ class CreateInfoGrabberInvalid : public testing::TestWithParam<std::uint32_t> {}
 TEST_P(CreateInfoGrabberInvalid, Type_GivesNoGrabberAndOneLine) {
     const support::LoggerCapture log;
     EXPECT_EQ(orvane::CreateInfoGrabber(GetParam()), nullptr);
-    EXPECT_THAT(log.Messages(),
-                ElementsAre(LogLine{support::kHostError, "Invalid type of information grabber"}));
+    EXPECT_THAT(log.Messages(), ElementsAre(Error("Invalid type of information grabber")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Types, CreateInfoGrabberInvalid, testing::Values(3U, 99U, 0xFFFFFFFFU));

@@ -8,6 +8,8 @@
 
 namespace {
 
+using support::Info;
+using support::Warning;
 using testing::Contains;
 using testing::ElementsAre;
 
@@ -37,10 +39,9 @@ TEST_F(InfoGrabberV2Test, DiskNumberThatIsAbsurd_StaysADiskWithoutARow) {
 
     EXPECT_TRUE(grabber_.ObtainInformation()) << log_;
 
-    EXPECT_TRUE(log_.Contains(support::kHostWarning,
-                              "DeviceManager::GetMaxPhysicalDiskId disk number 4294967295 is too large - "
-                              "ignoring"))
-        << log_;
+    EXPECT_THAT(log_.all(),
+                Contains(Warning("DeviceManager::GetMaxPhysicalDiskId disk number 4294967295 is too large - "
+                                 "ignoring")));
     EXPECT_EQ(record().DiskDrives.size(), 2U);
     EXPECT_EQ(simulation().calls().Count("CreateFileW", L"\\\\.\\PhysicalDrive4294967295"), 1U);
 }
@@ -71,7 +72,7 @@ TEST_F(InfoGrabberV2Test, DumpVolumeInfo_IsTheManagersDump) {
     ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
     log_.Clear();
     grabber_.DumpVolumeInfo();
-    EXPECT_TRUE(log_.Contains(support::kHostInformation, "Number of volumes: 7")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Info("Number of volumes: 7")));
 }
 
 }  // namespace

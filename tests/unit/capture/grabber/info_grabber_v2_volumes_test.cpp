@@ -6,6 +6,7 @@
 
 namespace {
 
+using support::Warning;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -17,10 +18,10 @@ TEST_F(InfoGrabberV2Volumes, FixedVolumeWithoutKnownExtents_GetsNoRowAndAWarning
     EXPECT_THROW(VolumeOn(record(), L"\\Device\\HarddiskVolume6"), std::out_of_range);
     EXPECT_EQ(record().VolumeTable.size(), 5U);
     EXPECT_EQ(record().DriveLetterTable.size(), 5U);
-    EXPECT_TRUE(log_.Contains(support::kHostWarning,
-                              "orvane::InfoGrabberV2::AddVolumeInfo volume \\Device\\HarddiskVolume6 has no "
-                              "known extents, it gets no row: Failed to GetVolumeDiskExtents"))
-        << log_;
+    EXPECT_THAT(
+        log_.all(),
+        Contains(Warning("orvane::InfoGrabberV2::AddVolumeInfo volume \\Device\\HarddiskVolume6 has no "
+                         "known extents, it gets no row: Failed to GetVolumeDiskExtents")));
 }
 
 TEST_F(InfoGrabberV2Volumes, LengthThatIsKnown_IsTheVolumesOwn) {
@@ -57,23 +58,23 @@ TEST_F(InfoGrabberV2Volumes, VolumeOnARawDisk_FailsTheCollection) {
 TEST_F(InfoGrabberV2Volumes, ExtentThatEndsPastItsPartition_FailsTheCollection) {
     DataVolume().extents->front().length = MiB(953852) + 1;
     EXPECT_FALSE(grabber_.ObtainInformation());
-    EXPECT_TRUE(log_.Contains(
-        support::kHostWarning,
-        "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem extent (16777216 to 1000203091968) from "
-        "volume \\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a06}\\ on disk 1 only partially inside "
-        "partition (16777216 to 1000203091967 length 1000186314752)."))
-        << log_;
+    EXPECT_THAT(
+        log_.all(),
+        Contains(Warning(
+            "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem extent (16777216 to 1000203091968) "
+            "from "
+            "volume \\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a06}\\ on disk 1 only partially inside "
+            "partition (16777216 to 1000203091967 length 1000186314752).")));
 }
 
 TEST_F(InfoGrabberV2Volumes, ExtentBehindAllPartitionsAndGaps_FailsTheCollection) {
     DataVolume().extents->front().offset = 1000204886016;
     DataVolume().extents->front().length = 512;
     EXPECT_FALSE(grabber_.ObtainInformation());
-    EXPECT_TRUE(log_.Contains(support::kHostWarning,
-                              "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem Failed to find "
-                              "extent (1000204886016 to 1000204886527) from volume "
-                              "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a06}\\"))
-        << log_;
+    EXPECT_THAT(log_.all(),
+                Contains(Warning("orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem Failed to find "
+                                 "extent (1000204886016 to 1000204886527) from volume "
+                                 "\\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a06}\\")));
 }
 
 TEST_F(InfoGrabberV2Volumes, ExtentInsideAPartitionButNotAtItsStart_HasNoNumber) {

@@ -3,7 +3,6 @@
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/listed_disks.h"
 #include "unit/common/disk/simulated_disks.h"
 
@@ -16,21 +15,14 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
 using simulated_disks::Machine;
+using support::Error;
+using support::Trace;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 // A machine without disks, for tests in which only the disk indexes matter.
 constexpr const char* kNoDisks = R"({"disks": []})";
-
-std::vector<std::wstring> Keys(const DeviceManager& manager) {
-    std::vector<std::wstring> keys;
-    for (const auto& [key, disk] : manager.disks()) {
-        keys.push_back(key);
-    }
-    return keys;
-}
 
 class CountingFactory : public DiskDriveManagerFactory {
 public:
@@ -55,7 +47,7 @@ TEST_F(DeviceManagerTest, Initialize_ListedDisks_AreMadeInTextOrder) {
 
     EXPECT_TRUE(manager.InitializeWithCurrentDisks());
 
-    EXPECT_THAT(Keys(manager), ElementsAre(L"0", L"1", L"10", L"2"));
+    EXPECT_THAT(listed::Keys(manager), ElementsAre(L"0", L"1", L"10", L"2"));
     EXPECT_THAT(factory->made, ElementsAre(0U, 1U, 10U, 2U));
     EXPECT_EQ(10U, manager.GetDevice(10)->disk_index());
 }
@@ -87,8 +79,7 @@ TEST_F(DeviceManagerTest, GetDevice_NoSuchIndex_IsEmptyAndTraced) {
     manager.Put(boost::make_shared<DiskDriveManagerMBR>(5));
 
     EXPECT_FALSE(manager.GetDevice(50));
-    EXPECT_THAT(log_.all(), ElementsAre(support::LogLine{
-                                support::kHostTrace, "DeviceManager::GetDevice no device with index 50"}));
+    EXPECT_THAT(log_.all(), ElementsAre(Trace("DeviceManager::GetDevice no device with index 50")));
 }
 
 TEST_F(DeviceManagerTest, GetDisks_Style_AppendsThoseInTextOrder) {

@@ -3,7 +3,7 @@
 #include "machine/session/session.h"
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
-#include "unit/common/disk/expected_lines.h"
+#include "unit/common/disk/listed_disks.h"
 
 #include <boost/make_shared.hpp>
 #include <gmock/gmock.h>
@@ -16,10 +16,12 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
-using expected::Info;
+using support::Error;
+using support::Info;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr const char* kServer = R"({"disks": [
     {"index": 2, "size": "1 GiB"}, {"index": 10, "size": "1 GiB"}, {"index": 0, "size": "1 GiB"},
@@ -31,14 +33,6 @@ public:
     LiveDisks() { disks_[L"77"] = boost::make_shared<DiskDriveManagerMBR>(77U); }
     void Forget() { disks_.clear(); }
 };
-
-std::vector<std::wstring> Keys(const DeviceManager& manager) {
-    std::vector<std::wstring> keys;
-    for (const auto& [key, disk] : manager.disks()) {
-        keys.push_back(key);
-    }
-    return keys;
-}
 
 // A machine that lists one disk drive for each of the "Index" properties.
 std::string ListingOf(const std::vector<std::string>& indexes) {
@@ -69,7 +63,7 @@ protected:
     std::vector<std::wstring> KeysOf(const std::vector<std::string>& indexes) {
         disks_.Forget();
         EXPECT_TRUE(Obtain(ListingOf(indexes)));
-        return Keys(disks_);
+        return listed::Keys(disks_);
     }
 
     LiveDisks disks_;
@@ -129,8 +123,8 @@ TEST_F(DeviceManagerWmiTest, Obtain_NoCom_IsAFailure) {
     const support::ScopedImport refusing("CoInitializeEx", &RefuseCom);
 
     EXPECT_FALSE(disks_.ObtainPhysicalDrivesIndexes());
-    EXPECT_FALSE(
-        log_.Contains(support::kHostError, "DeviceManager::ObtainPhysicalDrivesIndexes wmi not initialized"));
+    EXPECT_THAT(log_.all(),
+                Not(Contains(Error("DeviceManager::ObtainPhysicalDrivesIndexes wmi not initialized"))));
 }
 
 TEST_F(DeviceManagerWmiTest, Obtain_Exception_LogsAndEmptiesTheMap) {

@@ -3,7 +3,6 @@
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "support/logger_capture.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/simulated_disks.h"
 
 #include <gmock/gmock.h>
@@ -15,11 +14,11 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
 using simulated_disks::kGptDisk;
 using simulated_disks::kMbrDisk;
 using simulated_disks::kMiB;
 using simulated_disks::Machine;
+using support::Error;
 using testing::ElementsAre;
 
 DiskDriveManagerPtr DiskOf(const char* json) {

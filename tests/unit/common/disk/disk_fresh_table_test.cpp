@@ -1,7 +1,6 @@
 #include "common/disk/disk_drive_manager_gpt.h"
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "support/logger_capture.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/listed_disks.h"
 #include "unit/common/disk/simulated_disks.h"
 
@@ -16,8 +15,10 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
 using simulated_disks::Machine;
+using support::Error;
+using support::Info;
+using testing::Contains;
 using testing::ElementsAre;
 
 // 500107862016 bytes, with a detection record.
@@ -122,7 +123,7 @@ TEST_F(DiskFreshTableTest, Dump_GptAlone_SaysThatTheTypeWasNotVerified) {
 
     log_.Clear();
     mbr.DumpInfo();
-    EXPECT_TRUE(log_.Contains(support::kHostInformation, "  Number of partitions: 4")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Info("  Number of partitions: 4")));
     EXPECT_EQ(0U, log_.Count(support::kHostInformation, not_verified)) << log_;
 }
 

@@ -1,7 +1,6 @@
 #include "common/disk/disk_drive_manager_factory.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/simulated_disks.h"
 
 #include <gmock/gmock.h>
@@ -13,9 +12,9 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
-using expected::Info;
 using simulated_disks::Machine;
+using support::Error;
+using support::Info;
 using testing::ElementsAre;
 
 using Lines = std::vector<support::LogLine>;

@@ -3,7 +3,6 @@
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "common/platform/system_library.h"
 #include "support/logger_capture.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/simulated_disks.h"
 
 #include <gmock/gmock.h>
@@ -16,7 +15,7 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
+using support::Error;
 using testing::StartsWith;
 
 constexpr const char* kCreate = "DeviceIoControl:IOCTL_DISK_CREATE_DISK";

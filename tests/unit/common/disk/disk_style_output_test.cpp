@@ -4,7 +4,6 @@
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
-#include "unit/common/disk/expected_lines.h"
 
 #include <gmock/gmock.h>
 
@@ -16,7 +15,7 @@
 namespace bmr_common {
 namespace {
 
-using expected::Info;
+using support::Info;
 using testing::ElementsAre;
 
 class AcceptedDisk : public DiskDriveManagerUnknown {

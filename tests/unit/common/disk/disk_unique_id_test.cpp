@@ -3,7 +3,6 @@
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/listed_disks.h"
 
 #include <boost/make_shared.hpp>
@@ -15,7 +14,7 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
+using support::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

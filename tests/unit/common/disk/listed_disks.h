@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/disk/device_manager.h"
+#include "support/each_of.h"
 
 #include <initializer_list>
 #include <string>
@@ -33,5 +34,10 @@ private:
     std::vector<const wchar_t*> keys_;
     bool listing_succeeds_;
 };
+
+// The numbers of the disks, as the manager orders them.
+inline std::vector<std::wstring> Keys(const bmr_common::DeviceManager& manager) {
+    return support::EachOf(manager.disks(), [](const auto& entry) { return entry.first; });
+}
 
 }  // namespace listed

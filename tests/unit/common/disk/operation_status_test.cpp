@@ -1,7 +1,6 @@
 #include "common/disk/operation_status.h"
 
 #include "support/logger_capture.h"
-#include "unit/common/disk/expected_lines.h"
 
 #include <gmock/gmock.h>
 
@@ -13,8 +12,8 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
-using expected::Info;
+using support::Error;
+using support::Info;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

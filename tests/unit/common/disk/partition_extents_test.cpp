@@ -1,7 +1,6 @@
 #include "common/disk/partition_gpt.h"
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/partition_entries.h"
 
 #include <gmock/gmock.h>
@@ -13,7 +12,7 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
+using support::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -1,6 +1,6 @@
+#include "support/each_of.h"
 #include "support/logger_capture.h"
 #include "support/scoped_import.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
 
@@ -13,8 +13,8 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
 using made::GptManager;
+using support::Error;
 using testing::ElementsAre;
 
 constexpr std::int64_t kMiB = 1LL << 20;
@@ -31,11 +31,7 @@ protected:
     }
     const PARTITION_INFORMATION_EX& Last() const { return manager_.partitions().back()->entry(); }
     std::vector<std::int64_t> Starts() const {
-        std::vector<std::int64_t> starts;
-        for (const PartitionPtr& partition : manager_.partitions()) {
-            starts.push_back(partition->starting_offset());
-        }
-        return starts;
+        return support::EachOf(manager_.partitions(), &Partition::starting_offset);
     }
 
     GptManager manager_{entries::Gpt(100 * kMiB, 100 * kMiB),

@@ -2,6 +2,7 @@
 #include "common/disk/partition_manager_gpt.h"
 #include "common/disk/partition_manager_mbr.h"
 #include "common/disk/partition_mbr.h"
+#include "support/each_of.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
@@ -20,6 +21,8 @@ using simulated_disks::kGptDisk;
 using simulated_disks::kMbrDisk;
 using simulated_disks::kMiB;
 using simulated_disks::Machine;
+using support::Trace;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -29,14 +32,6 @@ std::vector<std::wstring> ReasonsOf(const PartitionManager& manager) {
     std::vector<std::wstring> reasons;
     EXPECT_FALSE(manager.can_backup(reasons));
     return reasons;
-}
-
-std::vector<std::int64_t> Starts(const PartitionManager& manager) {
-    std::vector<std::int64_t> starts;
-    for (const PartitionPtr& partition : manager.partitions()) {
-        starts.push_back(partition->starting_offset());
-    }
-    return starts;
 }
 
 class PartitionManagerInitializeTest : public testing::Test {
@@ -57,7 +52,8 @@ TEST_F(PartitionManagerInitializeTest, Gpt_EntriesNotSorted_KeepTheLayoutsOrder)
 
     Initialize(machine, manager);
 
-    EXPECT_THAT(Starts(manager), ElementsAre(117 * kMiB, 101 * kMiB, kMiB));
+    EXPECT_THAT(support::EachOf(manager.partitions(), &Partition::starting_offset),
+                ElementsAre(117 * kMiB, 101 * kMiB, kMiB));
 }
 
 TEST_F(PartitionManagerInitializeTest, Gpt_MbrDisk_RecordsTheOtherStyle) {
@@ -70,10 +66,8 @@ TEST_F(PartitionManagerInitializeTest, Gpt_MbrDisk_RecordsTheOtherStyle) {
     EXPECT_TRUE(manager.IsFailed(L"Verifying partition type"));
     EXPECT_THAT(manager.partitions(), IsEmpty());
     EXPECT_THAT(ReasonsOf(manager), ElementsAre(L"Partitions are not GPT but is 0 on disk 1"));
-    EXPECT_TRUE(log_.Contains(support::kHostTrace,
-                              "bmr_common::PartitionManagerGPT::Initialize Partitions are not "
-                              "GPT but is 0 on disk 1"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("bmr_common::PartitionManagerGPT::Initialize Partitions are not "
+                                           "GPT but is 0 on disk 1")));
 }
 
 TEST_F(PartitionManagerInitializeTest, Mbr_GptDisk_RecordsTheOtherStyle) {
@@ -84,10 +78,8 @@ TEST_F(PartitionManagerInitializeTest, Mbr_GptDisk_RecordsTheOtherStyle) {
 
     EXPECT_THAT(manager.partitions(), IsEmpty());
     EXPECT_THAT(ReasonsOf(manager), ElementsAre(L"Partitions are not MBR but is 1 on disk 3"));
-    EXPECT_TRUE(log_.Contains(support::kHostTrace,
-                              "bmr_common::PartitionManagerMBR::Initialize Partitions are not "
-                              "MBR but is 1 on disk 3"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("bmr_common::PartitionManagerMBR::Initialize Partitions are not "
+                                           "MBR but is 1 on disk 3")));
 }
 
 TEST_F(PartitionManagerInitializeTest, LayoutRefused_IsRecordedWithDiskAndError) {

@@ -2,7 +2,6 @@
 #include "common/disk/partition_manager_mbr.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/simulated_disks.h"
 
@@ -14,9 +13,9 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
-using expected::Info;
 using simulated_disks::Machine;
+using support::Error;
+using support::Info;
 using testing::ElementsAre;
 
 // A GPT disk with one partition.

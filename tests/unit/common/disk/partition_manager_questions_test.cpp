@@ -1,7 +1,6 @@
 #include "common/disk/partition_gpt.h"
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
 
@@ -15,10 +14,10 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
-using expected::Info;
 using made::GptManager;
 using made::MbrManager;
+using support::Error;
+using support::Info;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -1,7 +1,6 @@
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
 #include "unit/common/disk/simulated_disks.h"
@@ -17,8 +16,8 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
 using made::GptManager;
+using support::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

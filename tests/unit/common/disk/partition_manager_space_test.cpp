@@ -1,5 +1,4 @@
 #include "support/logger_capture.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
 
@@ -10,9 +9,9 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
 using made::GptManager;
 using made::MbrManager;
+using support::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

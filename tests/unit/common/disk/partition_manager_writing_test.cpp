@@ -1,7 +1,7 @@
 #include "common/disk/partition_manager_gpt.h"
 #include "common/platform/system_library.h"
+#include "support/each_of.h"
 #include "support/logger_capture.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/partition_entries.h"
 #include "unit/common/disk/simulated_disks.h"
 
@@ -15,8 +15,8 @@
 namespace bmr_common {
 namespace {
 
-using expected::Error;
 using simulated_disks::kMiB;
+using support::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -91,11 +91,8 @@ protected:
     }
 
     std::vector<std::uint64_t> StartsOnDisk() {
-        std::vector<std::uint64_t> starts;
-        for (const machine::Partition& partition : machine_.disk().partitions) {
-            starts.push_back(partition.offset >> 20);
-        }
-        return starts;
+        return support::EachOf(machine_.disk().partitions,
+                               [](const machine::Partition& partition) { return partition.offset >> 20; });
     }
 
     support::LoggerCapture log_;

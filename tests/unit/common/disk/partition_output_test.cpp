@@ -2,7 +2,6 @@
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
 #include "unit/common/disk/captured_elements.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/partition_entries.h"
 
 #include <gmock/gmock.h>
@@ -14,7 +13,7 @@
 namespace bmr_common {
 namespace {
 
-using expected::Info;
+using support::Info;
 using testing::Contains;
 using testing::ElementsAre;
 

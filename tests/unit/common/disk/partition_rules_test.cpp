@@ -2,7 +2,6 @@
 #include "common/disk/partition_mbr.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
-#include "unit/common/disk/expected_lines.h"
 #include "unit/common/disk/partition_entries.h"
 
 #include <gmock/gmock.h>
@@ -15,7 +14,7 @@
 namespace bmr_common {
 namespace {
 
-using expected::Info;
+using support::Info;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -1,14 +1,16 @@
 // The whole enumeration of physical disks, and the placeholder rows for unused disk numbers.
 
 #include "common/enumdisk/enum_disk.h"
+#include "support/each_of.h"
 #include "unit/common/enumdisk/enum_machine.h"
 #include "unit/common/enumdisk/layout_bytes.h"
 
 namespace {
 
-using enum_machine::Error;
 using enum_machine::kMiB;
-using support::LogLine;
+using support::Error;
+using support::Trace;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -20,21 +22,8 @@ protected:
     bool Get(const std::vector<DriveRow>* drives = nullptr) {
         return EnumDisk().GetDiskDetails(drives, disks_);
     }
-
-    std::vector<std::uint32_t> Numbers() const {
-        std::vector<std::uint32_t> numbers;
-        for (const DiskRow& disk : disks_) {
-            numbers.push_back(disk.disk_number);
-        }
-        return numbers;
-    }
-    std::vector<std::uint64_t> Sizes() const {
-        std::vector<std::uint64_t> sizes;
-        for (const DiskRow& disk : disks_) {
-            sizes.push_back(disk.size);
-        }
-        return sizes;
-    }
+    std::vector<std::uint32_t> Numbers() const { return support::EachOf(disks_, &DiskRow::disk_number); }
+    std::vector<std::uint64_t> Sizes() const { return support::EachOf(disks_, &DiskRow::size); }
 
     std::vector<DiskRow> disks_;
 };
@@ -100,7 +89,7 @@ TEST_F(DiskDetails, DetailsAndLayout_AreTracedTwice) {
     Use(enum_machine::kMbrAndGpt);
     EXPECT_TRUE(Get());
     for (const std::string name : {"GetDiskDetails", "GetDriveLayout"}) {
-        EXPECT_TRUE(log_.Contains(support::kHostTrace, "Entering " + name)) << log_;
+        EXPECT_THAT(log_.all(), Contains(Trace("Entering " + name)));
         EXPECT_TRUE(log_.ContainsPart(support::kHostTrace, "Entering function EnumDisk::" + name + " line "))
             << log_;
     }
@@ -128,10 +117,8 @@ TEST_F(DiskDetails, GeometryOpenFails_SkipsTheDisk) {
     faults().Add({"CreateFileW", enum_machine::kDrive0, 3, false, {5, 0, 0}, {}});
     EXPECT_TRUE(Get());
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
-    EXPECT_THAT(
-        log_.Messages(),
-        ElementsAre(LogLine{support::kHostError, "Opening the drive 0 failed in GetDriveGeometry 0x5"},
-                    LogLine{support::kHostError, "EnumDisk::GetDiskDetails GetDriveGeometry failed"}));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("Opening the drive 0 failed in GetDriveGeometry 0x5"),
+                                             Error("EnumDisk::GetDiskDetails GetDriveGeometry failed")));
     EXPECT_EQ(log_.Count(support::kHostTrace, "Entering Get Drive Geometry"), 2U) << log_;
     EXPECT_EQ(log_.Count(support::kHostTrace, "Leaving Get Drive Geometry"), 1U) << log_;
 }
@@ -141,9 +128,7 @@ TEST_F(DiskDetails, GeometryFails_SkipsTheDisk) {
     faults().Fail(enum_machine::kGeometry, 87, enum_machine::kDrive0);
     EXPECT_TRUE(Get());
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
-    EXPECT_TRUE(
-        log_.Contains(support::kHostError, "GetDriveGeometry on 0 IOCTL_DISK_GET_DRIVE_GEOMETRY 0x57"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("GetDriveGeometry on 0 IOCTL_DISK_GET_DRIVE_GEOMETRY 0x57")));
     EXPECT_EQ(log_.Count(support::kHostError), 2U) << log_;
 }
 
@@ -160,7 +145,7 @@ TEST_F(DiskDetails, LengthZero_SkipsTheDisk) {
     disk(0).size = 0;
     EXPECT_TRUE(Get());
     EXPECT_THAT(Sizes(), ElementsAre(500U, 2000U * kMiB));
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "GetDiskDetails disk 0 has size 0 - ignoring")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("GetDiskDetails disk 0 has size 0 - ignoring")));
     EXPECT_THAT(log_.Messages(), IsEmpty());
 }
 
@@ -172,8 +157,7 @@ TEST_F(DiskDetails, LengthFails_EndsTheEnumeration) {
     EXPECT_THAT(disks_, IsEmpty());
     EXPECT_THAT(
         log_.Messages(),
-        ElementsAre(LogLine{support::kHostError, "Get length of drive \\\\.\\PhysicalDrive0 failed error=21"},
-                    LogLine{support::kHostError, kFailure}));
+        ElementsAre(Error("Get length of drive \\\\.\\PhysicalDrive0 failed error=21"), Error(kFailure)));
     EXPECT_EQ(simulation().calls().Count("IWbemServices::ExecQuery"), 1U);  // placeholders are not added
 }
 
@@ -184,10 +168,8 @@ TEST_F(DiskDetails, ClassicLayoutFails_EndsTheEnumeration) {
     EXPECT_FALSE(Get());
     EXPECT_THAT(Numbers(), ElementsAre(0U));
     EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "Get drive layout of drive \\\\.\\PhysicalDrive1 failed error=1 0x1"},
-                            LogLine{support::kHostError, "GetPartitionInfo: GetDriveLayout failed"},
-                            LogLine{support::kHostError, kFailure}));
+                ElementsAre(Error("Get drive layout of drive \\\\.\\PhysicalDrive1 failed error=1 0x1"),
+                            Error("GetPartitionInfo: GetDriveLayout failed"), Error(kFailure)));
     EXPECT_EQ(log_.Count(support::kHostTrace, "Entering GetPartitionInfo"), 2U) << log_;
     EXPECT_EQ(log_.Count(support::kHostTrace, "Leaving GetPartitionInfo"), 1U) << log_;
 }
@@ -197,16 +179,16 @@ TEST_F(DiskDetails, ClassicLayoutThatLies_EndsTheEnumeration) {
     faults().Alter(enum_machine::kLayout,
                    [](machine::Answer& answer) { layout_bytes::SetCount(answer.bytes, false, 0xFFFFFFFF); });
     EXPECT_FALSE(Get());
-    EXPECT_TRUE(log_.Contains(support::kHostError, "GetPartitionInfo: GetDriveLayout failed")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("GetPartitionInfo: GetDriveLayout failed")));
 }
 
 TEST_F(DiskDetails, ListingFails_EndsWithTheCountOfTheDisksFoundSoFar) {
     Use(enum_machine::kTwoMbr);
     faults().Fail(enum_machine::kLayoutEx, 5, enum_machine::kDrive1);
     EXPECT_FALSE(Get());
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "GetDiskDetails: No Of Disks: 1")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("GetDiskDetails: No Of Disks: 1")));
     EXPECT_EQ(simulation().calls().Count(enum_machine::kGeometry), 0U);
-    EXPECT_EQ(Steps().back(), Error(kFailure));
+    EXPECT_EQ(log_.Told().back(), Error(kFailure));
 }
 
 TEST_F(DiskDetails, SecondListingFails_IsAFailureWithTheDisksKept) {
@@ -214,7 +196,7 @@ TEST_F(DiskDetails, SecondListingFails_IsAFailureWithTheDisksKept) {
     faults().Add({"IWbemServices::ExecQuery", {}, 2, false, {}, {}});
     EXPECT_FALSE(Get());
     EXPECT_THAT(Numbers(), ElementsAre(0U, 1U));
-    EXPECT_EQ(Steps().back(), Error(kFailure));
+    EXPECT_EQ(log_.Told().back(), Error(kFailure));
 }
 
 TEST_F(DiskDetails, DiskNumberThatIsAbsurd_Fails) {

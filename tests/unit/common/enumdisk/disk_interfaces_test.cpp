@@ -1,5 +1,6 @@
 #include "common/enumdisk/disk_interfaces.h"
 
+#include "support/each_of.h"
 #include "support/stub.h"
 #include "unit/common/enumdisk/enum_machine.h"
 
@@ -19,11 +20,7 @@ protected:
 
     std::vector<std::wstring> Assign() {
         AssignInterfaceTypes(disks_);
-        std::vector<std::wstring> types;
-        for (const DiskRow& disk : disks_) {
-            types.push_back(disk.interface_type);
-        }
-        return types;
+        return support::EachOf(disks_, &DiskRow::interface_type);
     }
 
     std::vector<DiskRow> disks_;

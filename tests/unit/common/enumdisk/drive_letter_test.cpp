@@ -2,7 +2,7 @@
 #include "support/logger_capture.h"
 #include "support/text.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace {
 
@@ -14,10 +14,9 @@ std::wstring LetterOf(std::initializer_list<std::wstring_view> paths) {
 TEST(GetDriveLetter, RootAndFolder_IsTheRootWithALineForTheFolder) {
     const support::LoggerCapture log;
     EXPECT_EQ(LetterOf({L"C:\\Mount\\", L"C:\\"}), L"C:\\");
-    EXPECT_TRUE(
-        log.Contains(support::kHostTrace,
-                     "EnumDisk::GetDriveLetter VOLUME volume mount path C:\\Mount\\ is not a drive letter"))
-        << log;
+    EXPECT_THAT(log.all(),
+                testing::Contains(support::Trace(
+                    "EnumDisk::GetDriveLetter VOLUME volume mount path C:\\Mount\\ is not a drive letter")));
 }
 
 TEST(GetDriveLetter, SeveralRoots_IsTheSmallest) {

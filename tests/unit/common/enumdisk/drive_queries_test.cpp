@@ -10,7 +10,9 @@
 
 namespace {
 
-using enum_machine::Trace;
+using support::Error;
+using support::Trace;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -113,21 +115,20 @@ TEST_F(DriveQueries, LayoutFails_IsLoggedWithTheErrorInBothBases) {
         faults().Fail(enum_machine::kLayoutEx, error);
         EXPECT_FALSE(Layout(true));
         EXPECT_EQ(error_, error);
-        EXPECT_TRUE(
-            log_.Contains(support::kHostError,
-                          std::string("Get drive layout of drive \\\\.\\PhysicalDrive0 failed ") + told))
-            << log_;
-        EXPECT_EQ(Steps().back(), Trace("Leaving GetDriveLayout"));
+        EXPECT_THAT(
+            log_.all(),
+            Contains(Error(std::string("Get drive layout of drive \\\\.\\PhysicalDrive0 failed ") + told)));
+        EXPECT_EQ(log_.Told().back(), Trace("Leaving GetDriveLayout"));
     }
 }
 
 TEST_F(DriveQueries, LayoutOpenFails_IsLoggedWithTheErrorInBothBases) {
     EXPECT_FALSE(Layout(true, 7));
     EXPECT_EQ(error_, DWORD{ERROR_FILE_NOT_FOUND});
-    EXPECT_TRUE(log_.Contains(support::kHostError,
-                              "GetDriveLayout: Opening the drive \\\\.\\PhysicalDrive7 failed error=2 0x2"))
-        << log_;
-    EXPECT_EQ(Steps().back(), Trace("Leaving GetDriveLayout"));
+    EXPECT_THAT(
+        log_.all(),
+        Contains(Error("GetDriveLayout: Opening the drive \\\\.\\PhysicalDrive7 failed error=2 0x2")));
+    EXPECT_EQ(log_.Told().back(), Trace("Leaving GetDriveLayout"));
 }
 
 TEST_F(DriveQueries, LayoutWithoutMemory_IsError14) {
@@ -137,7 +138,7 @@ TEST_F(DriveQueries, LayoutWithoutMemory_IsError14) {
     EXPECT_EQ(error_, 14U);
     EXPECT_GT(failing.hits(), 0U);
     EXPECT_EQ(log_.Count(support::kHostError), 0U) << log_;
-    EXPECT_EQ(Steps().back(), Trace("Leaving GetDriveLayout"));
+    EXPECT_EQ(log_.Told().back(), Trace("Leaving GetDriveLayout"));
 }
 
 TEST_F(DriveQueries, LayoutThatCountsMoreThanItHolds_Fails) {

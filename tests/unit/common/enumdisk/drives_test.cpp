@@ -1,12 +1,17 @@
 // The enumeration of the drives, with one row for each fixed volume.
 
 #include "common/enumdisk/enum_disk.h"
+#include "support/each_of.h"
 #include "unit/common/enumdisk/enum_machine.h"
 
 namespace {
 
 using enum_machine::kMiB;
+using support::Error;
 using support::LogLine;
+using support::Trace;
+using support::Warning;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -27,14 +32,7 @@ constexpr char kTwoVolumes[] = R"({"disks": [{"index": 0, "size": "1000 MiB", "s
 class Drives : public enum_machine::EnumMachine {
 protected:
     bool Get() { return EnumDisk().GetDrives(drives_); }
-
-    std::vector<std::wstring> Volumes() const {
-        std::vector<std::wstring> volumes;
-        for (const DriveRow& drive : drives_) {
-            volumes.push_back(drive.volume);
-        }
-        return volumes;
-    }
+    std::vector<std::wstring> Volumes() const { return support::EachOf(drives_, &DriveRow::volume); }
 
     std::vector<DriveRow> drives_;
 };
@@ -61,9 +59,9 @@ TEST_F(Drives, VolumeWithoutLetter_HasNoFileSystemAndItsLine) {
     EXPECT_TRUE(Get());
     EXPECT_EQ(drives_.at(0).letter, L"");
     EXPECT_EQ(drives_.at(0).file_system, L"");
-    EXPECT_TRUE(log_.Contains(support::kHostTrace,
-                              "EnumDisk::GetVolumeInfo GetVolumeInformation 'empty' drive letter passed in"))
-        << log_;
+    EXPECT_THAT(
+        log_.all(),
+        Contains(Trace("EnumDisk::GetVolumeInfo GetVolumeInformation 'empty' drive letter passed in")));
     EXPECT_EQ(simulation().calls().Count("GetVolumeInformationW"), 1U);
 }
 
@@ -72,9 +70,8 @@ TEST_F(Drives, PathsNotReadable_GoOnWithoutALetter) {
         EXPECT_TRUE(Get());
         EXPECT_EQ(drives_.at(0).letter, L"");
         EXPECT_THAT(log_.Messages(),
-                    ElementsAre(LogLine{support::kHostWarning,
-                                        std::string("EnumDisk::GetDrives on ") + kFirstText +
-                                            " GetVolumePathNamesForVolumeNameW error=" + error}));
+                    ElementsAre(Warning(std::string("EnumDisk::GetDrives on ") + kFirstText +
+                                        " GetVolumePathNamesForVolumeNameW error=" + error)));
         drives_.clear();
         log_.Clear();
     };
@@ -120,9 +117,8 @@ TEST_F(Drives, InformationNotReadable_LeavesTheFileSystemEmpty) {
     faults().Fail("GetVolumeInformationW", 1005, L"C:\\");
     EXPECT_TRUE(Get());
     EXPECT_EQ(drives_.at(0).file_system, L"");
-    EXPECT_TRUE(log_.Contains(support::kHostTrace,
-                              "EnumDisk::GetVolumeInfo GetVolumeInformation of C:\\ error=0x3ed 1005"))
-        << log_;
+    EXPECT_THAT(log_.all(),
+                Contains(Trace("EnumDisk::GetVolumeInfo GetVolumeInformation of C:\\ error=0x3ed 1005")));
     EXPECT_THAT(log_.Messages(), IsEmpty());
 }
 
@@ -132,8 +128,7 @@ TEST_F(Drives, SearchDoesNotBegin_Fails) {
     EXPECT_FALSE(Get());
     EXPECT_THAT(drives_, IsEmpty());
     EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "EnumDisk::GetDrives on FindFirstVolumeW failed with error code 5\n"}));
+                ElementsAre(Error("EnumDisk::GetDrives on FindFirstVolumeW failed with error code 5\n")));
     EXPECT_EQ(simulation().calls().Count("FindVolumeClose"), 0U);
 }
 
@@ -143,8 +138,7 @@ TEST_F(Drives, SearchBreaksOff_FailsWithTheRowsSoFar) {
     EXPECT_FALSE(Get());
     EXPECT_THAT(Volumes(), ElementsAre(kFirst));
     EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "EnumDisk::GetDrives FindNextVolumeW failed with error code 5\n"}));
+                ElementsAre(Error("EnumDisk::GetDrives FindNextVolumeW failed with error code 5\n")));
     EXPECT_EQ(simulation().calls().Count("FindVolumeClose"), 1U);
 }
 

@@ -12,13 +12,6 @@
 // Described machines for the enumerator's tests, and the log of the enumeration.
 namespace enum_machine {
 
-inline support::LogLine Trace(std::string text) {
-    return {support::kHostTrace, std::move(text)};
-}
-inline support::LogLine Error(std::string text) {
-    return {support::kHostError, std::move(text)};
-}
-
 inline constexpr std::int64_t kMiB = 1LL << 20;
 inline constexpr const wchar_t* kDrive0 = L"\\\\.\\PhysicalDrive0";
 inline constexpr const wchar_t* kDrive1 = L"\\\\.\\PhysicalDrive1";
@@ -66,28 +59,6 @@ protected:
     machine::FaultPlan& faults() { return simulation().faults(); }
     machine::Disk& disk(std::size_t position) { return simulation().description().disks.at(position); }
     machine::Volume& volume(std::size_t position) { return simulation().description().volumes.at(position); }
-
-    // All log lines except the entering and leaving lines, which contain line numbers.
-    std::vector<support::LogLine> Steps() const {
-        std::vector<support::LogLine> steps;
-        for (const support::LogLine& line : log_.all()) {
-            if (!line.text.starts_with("Entering function ") && !line.text.starts_with("Leaving function ")) {
-                steps.push_back(line);
-            }
-        }
-        return steps;
-    }
-
-    // The object of every call with this name, in order.
-    std::vector<std::wstring> ObjectsOf(const std::string& call) {
-        std::vector<std::wstring> objects;
-        for (const machine::CallRecord& record : simulation().calls().records()) {
-            if (record.name == call) {
-                objects.push_back(record.object);
-            }
-        }
-        return objects;
-    }
 
     support::LoggerCapture log_;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/enumdisk/fixed_volumes.h"
+#include "support/each_of.h"
 #include "unit/common/enumdisk/enum_machine.h"
 
 #include <algorithm>
@@ -35,17 +36,11 @@ protected:
 
     static std::string FirstName() { return "\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\"; }
 
-    std::vector<std::wstring> Names() const {
-        std::vector<std::wstring> names;
-        for (const ::Volume& volume : volumes_) {
-            names.push_back(volume.Name);
-        }
-        return names;
-    }
+    std::vector<std::wstring> Names() const { return support::EachOf(volumes_, &::Volume::Name); }
 
     // The paths that were opened, except physical drives.
     std::vector<std::wstring> OpenedVolumes() {
-        std::vector<std::wstring> paths = ObjectsOf("CreateFileW");
+        std::vector<std::wstring> paths = simulation().calls().ObjectsOf("CreateFileW");
         std::erase_if(paths,
                       [](const std::wstring& path) { return path.starts_with(L"\\\\.\\PhysicalDrive"); });
         return paths;

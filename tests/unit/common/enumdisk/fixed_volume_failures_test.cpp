@@ -8,7 +8,10 @@
 
 namespace {
 
+using support::Error;
 using support::LogLine;
+using support::Warning;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -23,13 +26,10 @@ protected:
     void ExpectLeftOut(const std::string& line, support::HostLevel level = support::kHostWarning) {
         EXPECT_TRUE(Get());
         EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));
-        EXPECT_THAT(log_.Messages(),
-                    ElementsAre(LogLine{level, line}, LogLine{support::kHostWarning, kLeftOut}));
+        EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{level, line}, Warning(kLeftOut)));
     }
 
-    void ExpectWarning(const std::string& line) {
-        EXPECT_TRUE(log_.Contains(support::kHostWarning, line)) << log_;
-    }
+    void ExpectWarning(const std::string& line) { EXPECT_THAT(log_.all(), Contains(Warning(line))); }
 
     // Expects that both volumes are listed, the first one without a letter after the failure of its mount
     // paths.
@@ -38,9 +38,8 @@ protected:
         ASSERT_THAT(volumes_, SizeIs(2));
         EXPECT_EQ(volumes_[0].VolumeLetter, L"");
         EXPECT_THAT(log_.Messages(),
-                    ElementsAre(LogLine{support::kHostWarning,
-                                        "getVolumeInfo for " + FirstName() +
-                                            " GetVolumePathNamesForVolumeName failed error=" + error}));
+                    ElementsAre(Warning("getVolumeInfo for " + FirstName() +
+                                        " GetVolumePathNamesForVolumeName failed error=" + error)));
     }
 
     static std::string Info(const std::string& rest) {
@@ -140,10 +139,9 @@ TEST_F(FixedVolumeFailures, Length_IsThatOfThePartition) {
     EXPECT_EQ(volumes_[0].m_Size, 54321U);
     EXPECT_THAT(
         log_.Messages(),
-        ElementsAre(LogLine{support::kHostWarning,
-                            "getVolumeInfo " + FirstName() +
-                                " C: DeviceIoControl IOCTL_DISK_GET_LENGTH_INFO failed error=0x57 87 (will "
-                                "use partition length)"}));
+        ElementsAre(Warning("getVolumeInfo " + FirstName() +
+                            " C: DeviceIoControl IOCTL_DISK_GET_LENGTH_INFO failed error=0x57 87 (will "
+                            "use partition length)")));
 }
 
 TEST_F(FixedVolumeFailures, LengthThatIsToldByTheVolume_GoesBeforeThePartitions) {
@@ -214,10 +212,8 @@ TEST_P(MalformedVolumeName, DeviceName_IsABadPathname) {
                              [](const wchar_t*) -> UINT { return DRIVE_FIXED; });
     EXPECT_TRUE(Get());
     EXPECT_THAT(volumes_, IsEmpty());
-    EXPECT_TRUE(log_.Contains(
-        support::kHostError,
-        "getDeviceName of " + std::string(name.begin(), name.end()) + " error ERROR_BAD_PATHNAME"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("getDeviceName of " + std::string(name.begin(), name.end()) +
+                                           " error ERROR_BAD_PATHNAME")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, MalformedVolumeName,

@@ -8,6 +8,10 @@
 namespace {
 
 using enum_machine::kMiB;
+using support::Error;
+using support::Trace;
+using support::Warning;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -27,9 +31,7 @@ TEST_F(FixedVolumes, TypeUnknown_IsSkippedWithItsLine) {
     volume(0).drive_type = DRIVE_UNKNOWN;
     ASSERT_TRUE(Get());
     EXPECT_THAT(Names(), ElementsAre(fixed_machine::kSecond));
-    EXPECT_TRUE(
-        log_.Contains(support::kHostError, "getFixedVolumes failed to get drive type of " + FirstName()))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("getFixedVolumes failed to get drive type of " + FirstName())));
 }
 
 TEST_F(FixedVolumes, NumbersOfTheSystem_AreReplacedByTheOrderOfOffsets) {
@@ -39,19 +41,17 @@ TEST_F(FixedVolumes, NumbersOfTheSystem_AreReplacedByTheOrderOfOffsets) {
     EXPECT_EQ(volumes_.at(0).m_PartitionNumber, 1);
     EXPECT_EQ(volumes_.at(0).extents.at(0).m_PartitionNumber, 1);
     EXPECT_EQ(volumes_.at(1).m_PartitionNumber, 2);
-    EXPECT_TRUE(
-        log_.Contains(support::kHostTrace,
-                      "DTS 19154 possible? assignPartitionNumbers 1 changing partition number from 2 to 1 "
-                      "for volume " +
-                          FirstName()))
-        << log_;
+    EXPECT_THAT(
+        log_.all(),
+        Contains(Trace("DTS 19154 possible? assignPartitionNumbers 1 changing partition number from 2 to 1 "
+                       "for volume " +
+                       FirstName())));
 }
 
 TEST_F(FixedVolumes, SearchDoesNotBegin_Fails) {
     faults().Fail("FindFirstVolumeW", 5);
     EXPECT_FALSE(Get());
-    EXPECT_TRUE(log_.Contains(support::kHostError, "getFixedVolumes: FindFirstVolume failed error=0x5 5"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("getFixedVolumes: FindFirstVolume failed error=0x5 5")));
 }
 
 TEST_F(FixedVolumes, SearchBreaksOff_IsLoggedAndTheVolumesSoFarAreFinished) {
@@ -59,8 +59,7 @@ TEST_F(FixedVolumes, SearchBreaksOff_IsLoggedAndTheVolumesSoFarAreFinished) {
     EXPECT_TRUE(Get());
     EXPECT_THAT(Names(), ElementsAre(fixed_machine::kFirst));
     EXPECT_EQ(volumes_.at(0).m_dwDiskSignature, 439041101U);
-    EXPECT_TRUE(log_.Contains(support::kHostError, "getFixedVolumes: FindNextVolume failed error=0x5 5"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("getFixedVolumes: FindNextVolume failed error=0x5 5")));
     EXPECT_EQ(simulation().calls().Count("FindVolumeClose"), 1U);
 }
 
@@ -95,9 +94,8 @@ TEST_F(FixedVolumes, DrivesNotReadable_IsLoggedAndTheVolumeOpenedByItsName) {
     faults().Fail("GetLogicalDrives", 8);
     ASSERT_TRUE(Get());
     EXPECT_THAT(OpenedVolumes(), ElementsAre(fixed_machine::kFirstDevice, fixed_machine::kSecondDevice));
-    EXPECT_TRUE(
-        log_.Contains(support::kHostError, "getDriveNameForVolumeName GetLogicalDrives returned error 0x8 8"))
-        << log_;
+    EXPECT_THAT(log_.all(),
+                Contains(Error("getDriveNameForVolumeName GetLogicalDrives returned error 0x8 8")));
 }
 
 TEST_F(FixedVolumes, LetterWithoutVolume_IsLoggedAndTheNextOneTried) {
@@ -105,11 +103,10 @@ TEST_F(FixedVolumes, LetterWithoutVolume_IsLoggedAndTheNextOneTried) {
     faults().Fail("GetVolumeNameForVolumeMountPointW", 21, L"C:\\");
     ASSERT_TRUE(Get());
     EXPECT_EQ(OpenedVolumes().at(0), L"\\\\.\\D:");
-    EXPECT_TRUE(
-        log_.Contains(support::kHostWarning,
-                      "getDriveNameForVolumeName GetVolumeNameForVolumeMountPoint for C:\\ returned error "
-                      "0x15 21"))
-        << log_;
+    EXPECT_THAT(
+        log_.all(),
+        Contains(Warning("getDriveNameForVolumeName GetVolumeNameForVolumeMountPoint for C:\\ returned error "
+                         "0x15 21")));
 }
 
 TEST_F(FixedVolumes, SpannedVolume_HasAllItsExtents) {

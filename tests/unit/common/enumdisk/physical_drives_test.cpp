@@ -8,7 +8,10 @@
 
 namespace {
 
-using support::LogLine;
+using support::Error;
+using support::Trace;
+using support::Warning;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -80,10 +83,8 @@ TEST_F(PhysicalDrivesIndexes, LayoutNotReadable_IsUnavailableForThreeErrors) {
             log_.Clear();
             EXPECT_TRUE(List()) << error;
             EXPECT_THAT(indexes_, ElementsAre(1U));
-            EXPECT_TRUE(
-                log_.Contains(support::kHostWarning,
-                              "EnumDisk::DiskUsable Drive 0: unavailable error=" + std::to_string(error)))
-                << log_;
+            EXPECT_THAT(log_.all(), Contains(Warning("EnumDisk::DiskUsable Drive 0: unavailable error=" +
+                                                     std::to_string(error))));
         }
     }
 }
@@ -94,30 +95,23 @@ TEST_F(PhysicalDrivesIndexes, LayoutNotReadableOtherwise_EndsTheListingWithError
     EXPECT_EQ(maximum_, 0);
     EXPECT_EQ(simulation().calls().Count("CreateFileW", enum_machine::kDrive1), 0U);
     EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=5 0x5"},
-                            LogLine{support::kHostWarning,
-                                    "EnumDisk::DiskUsable will return error. Drive 0: error=5"}));
+                ElementsAre(Error("Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=5 0x5"),
+                            Warning("EnumDisk::DiskUsable will return error. Drive 0: error=5")));
 }
 
 TEST_F(PhysicalDrivesIndexes, DriveThatCannotBeOpened_EndsTheListingWithError) {
     EXPECT_FALSE(ListWithFailure("CreateFileW", 5));
     EXPECT_THAT(
         log_.Messages(),
-        ElementsAre(
-            LogLine{support::kHostError,
-                    "GetDriveLayout: Opening the drive \\\\.\\PhysicalDrive0 failed error=5 0x5"},
-            LogLine{support::kHostWarning, "EnumDisk::DiskUsable will return error. Drive 0: error=5"}));
+        ElementsAre(Error("GetDriveLayout: Opening the drive \\\\.\\PhysicalDrive0 failed error=5 0x5"),
+                    Warning("EnumDisk::DiskUsable will return error. Drive 0: error=5")));
 }
 
 TEST_F(PhysicalDrivesIndexes, LengthNotReady_IsUnavailableAndItsFailureATrace) {
     EXPECT_TRUE(ListWithFailure(enum_machine::kLength, 21));
     EXPECT_THAT(indexes_, ElementsAre(1U));
-    EXPECT_TRUE(
-        log_.Contains(support::kHostTrace, "Get length of drive \\\\.\\PhysicalDrive0 failed error=21"))
-        << log_;
-    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostWarning,
-                                                     "EnumDisk::DiskUsable Drive 0: unavailable error=21"}));
+    EXPECT_THAT(log_.all(), Contains(Trace("Get length of drive \\\\.\\PhysicalDrive0 failed error=21")));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Warning("EnumDisk::DiskUsable Drive 0: unavailable error=21")));
 }
 
 TEST_F(PhysicalDrivesIndexes, LengthFailsOtherwise_EndsTheListingWithError) {
@@ -125,9 +119,8 @@ TEST_F(PhysicalDrivesIndexes, LengthFailsOtherwise_EndsTheListingWithError) {
         log_.Clear();
         EXPECT_FALSE(ListWithFailure(enum_machine::kLength, error)) << error;
         EXPECT_THAT(log_.Messages(),
-                    ElementsAre(LogLine{
-                        support::kHostWarning,
-                        "EnumDisk::DiskUsable will return error. Drive 0: error=" + std::to_string(error)}));
+                    ElementsAre(Warning("EnumDisk::DiskUsable will return error. Drive 0: error=" +
+                                        std::to_string(error))));
     }
 }
 
@@ -144,7 +137,7 @@ TEST_F(PhysicalDrivesIndexes, WmiWithoutConnection_FailsWithItsLine) {
     faults().Fail("IWbemLocator::ConnectServer", 0x80041003);
     EXPECT_FALSE(List());
     EXPECT_EQ(maximum_, -1);
-    EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes wmi not initialized")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("GetPhysicalDrivesIndexes wmi not initialized")));
 }
 
 TEST_F(PhysicalDrivesIndexes, ResetOrFirstFetchFails_FailsWithItsLine) {
@@ -153,8 +146,7 @@ TEST_F(PhysicalDrivesIndexes, ResetOrFirstFetchFails_FailsWithItsLine) {
         faults().Fail(call, 0x80041003);
         log_.Clear();
         EXPECT_FALSE(List());
-        EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostError,
-                                                         "GetPhysicalDrivesIndexes FindFirstObject failed"}));
+        EXPECT_THAT(log_.Messages(), ElementsAre(Error("GetPhysicalDrivesIndexes FindFirstObject failed")));
     }
 }
 
@@ -163,8 +155,7 @@ TEST_F(PhysicalDrivesIndexes, IndexNotReadable_FailsWithItsLine) {
     faults().Add({"IWbemClassObject::Get", L"Win32_DiskDrive.Index", 2, false, {}, {}});
     EXPECT_FALSE(List());
     EXPECT_THAT(indexes_, ElementsAre(0U));
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostError, "GetPhysicalDrivesIndexes wmi.Get failed"}));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("GetPhysicalDrivesIndexes wmi.Get failed")));
 }
 
 TEST_F(PhysicalDrivesIndexes, ComRefuses_FailsWithItsLine) {
@@ -172,11 +163,9 @@ TEST_F(PhysicalDrivesIndexes, ComRefuses_FailsWithItsLine) {
     const support::StubImport refused("CoInitializeEx", &::CoInitializeEx,
                                       [](void*, DWORD) -> HRESULT { return E_OUTOFMEMORY; });
     EXPECT_FALSE(List());
-    EXPECT_TRUE(log_.Contains(support::kHostError, "GetPhysicalDrivesIndexes InitializeCOM error")) << log_;
-    EXPECT_TRUE(log_.Contains(support::kHostError,
-                              "CoInitializeEx failed error=0x8007000e calling function "
-                              "EnumDisk::GetPhysicalDrivesIndexes"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("GetPhysicalDrivesIndexes InitializeCOM error")));
+    EXPECT_THAT(log_.all(), Contains(Error("CoInitializeEx failed error=0x8007000e calling function "
+                                           "EnumDisk::GetPhysicalDrivesIndexes")));
     EXPECT_EQ(simulation().calls().size(), 0U);
 }
 

@@ -1,7 +1,7 @@
 #include "common/enumdisk/fixed_volumes.h"
 #include "support/logger_capture.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace {
 
@@ -29,15 +29,14 @@ TEST(AssignPartitionNumbers, ReversedNumbers_FollowTheOffsets) {
     EXPECT_EQ(volumes[0].extents[0].m_PartitionNumber, 2);
     EXPECT_EQ(volumes[1].m_PartitionNumber, 1);
     EXPECT_EQ(volumes[1].extents[0].m_PartitionNumber, 1);
-    EXPECT_TRUE(
-        log.Contains(support::kHostTrace,
-                     "DTS 19154 possible? assignPartitionNumbers 1 changing partition number from 1 to 2 for "
-                     "volume a"))
-        << log;
-    EXPECT_TRUE(
-        log.Contains(support::kHostTrace,
-                     "DTS 19154 possible? assignPartitionNumbers 2 changing partition number from 2 to 1 for "
-                     "volume b"));
+    EXPECT_THAT(log.all(),
+                testing::Contains(support::Trace(
+                    "DTS 19154 possible? assignPartitionNumbers 1 changing partition number from 1 to 2 for "
+                    "volume a")));
+    EXPECT_THAT(log.all(),
+                testing::Contains(support::Trace(
+                    "DTS 19154 possible? assignPartitionNumbers 2 changing partition number from 2 to 1 for "
+                    "volume b")));
 }
 
 TEST(AssignPartitionNumbers, SpannedVolume_TakesPartInTheNumberingOfItsSecondDisk) {

@@ -10,7 +10,10 @@
 namespace {
 
 using enum_machine::kMiB;
-using support::LogLine;
+using support::Error;
+using support::Trace;
+using support::Warning;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -42,15 +45,11 @@ TEST_F(VolumeExtents, SpannedVolume_KeepsBothNumbersAtMinusOne) {
     EXPECT_EQ(drives_[0].disk_number, -1);
     EXPECT_EQ(drives_[0].offset, -1);
     EXPECT_EQ(drives_[0].file_system, L"NTFS");
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "GetVolumeExtents: DriveLetter:" + kText +
-                                                       " diskNum=1 offset:5242880 Size:10485760"))
-        << log_;
-    EXPECT_TRUE(
-        log_.Contains(support::kHostTrace, "GetVolumeExtentsInternal on " + kText + " extents.size() > 1"))
-        << log_;
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "EnumDisk::GetDrives volume " + kText +
-                                                       "\\ ignoring error from GetVolumeExtentsFromGUID"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("GetVolumeExtents: DriveLetter:" + kText +
+                                           " diskNum=1 offset:5242880 Size:10485760")));
+    EXPECT_THAT(log_.all(), Contains(Trace("GetVolumeExtentsInternal on " + kText + " extents.size() > 1")));
+    EXPECT_THAT(log_.all(), Contains(Trace("EnumDisk::GetDrives volume " + kText +
+                                           "\\ ignoring error from GetVolumeExtentsFromGUID")));
     EXPECT_THAT(log_.Messages(), IsEmpty());
 }
 
@@ -59,20 +58,17 @@ TEST_F(VolumeExtents, NoExtents_SkipTheVolume) {
     EXPECT_TRUE(Get());
     EXPECT_THAT(drives_, IsEmpty());
     EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostWarning,
-                                    "GetVolumeExtentsInternal on " + kText + " extents.size() == 0"},
-                            LogLine{support::kHostWarning, kSkipping}));
+                ElementsAre(Warning("GetVolumeExtentsInternal on " + kText + " extents.size() == 0"),
+                            Warning(kSkipping)));
 }
 
 TEST_F(VolumeExtents, Query_FailsOtherwise_SkipsTheVolume) {
     faults().Fail(enum_machine::kExtents, 1);
     EXPECT_TRUE(Get());
     EXPECT_THAT(drives_, IsEmpty());
-    EXPECT_THAT(
-        log_.Messages(),
-        ElementsAre(LogLine{support::kHostError, "GetVolumeExtents IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS " +
-                                                     kText + " failed error=0x1 1"},
-                    LogLine{support::kHostWarning, kSkipping}));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("GetVolumeExtents IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS " +
+                                                   kText + " failed error=0x1 1"),
+                                             Warning(kSkipping)));
 }
 
 TEST_F(VolumeExtents, RefusedForWriting_IsOpenedForReading) {
@@ -96,7 +92,7 @@ TEST_F(VolumeExtents, RefusedForWriting_IsOpenedForReading) {
     EXPECT_TRUE(openings == (std::vector<Opening>{{kDevice, GENERIC_READ | GENERIC_WRITE,
                                                    FILE_SHARE_READ | FILE_SHARE_WRITE, 3},
                                                   {kDevice, GENERIC_READ, FILE_SHARE_READ, 3}}));
-    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostWarning, kOpening + "5"}));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Warning(kOpening + "5")));
 }
 
 TEST_F(VolumeExtents, RefusedTwice_SkipsTheVolume) {
@@ -104,9 +100,8 @@ TEST_F(VolumeExtents, RefusedTwice_SkipsTheVolume) {
     faults().Add({"CreateFileW", kDevice, 2, false, {32, 0, 0}, {}});
     EXPECT_TRUE(Get());
     EXPECT_THAT(drives_, IsEmpty());
-    EXPECT_THAT(log_.Messages(), ElementsAre(LogLine{support::kHostWarning, kOpening + "5"},
-                                             LogLine{support::kHostError, kOpening + "32"},
-                                             LogLine{support::kHostWarning, kSkipping}));
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Warning(kOpening + "5"), Error(kOpening + "32"), Warning(kSkipping)));
 }
 
 // Records the buffer sizes of an extent query that returns error 234 until call number `last`.
@@ -149,10 +144,9 @@ TEST_F(GrowingExtents, Error234ForEver_SkipsTheVolume) {
     GetUntil(SIZE_MAX);
     EXPECT_THAT(drives_, IsEmpty());
     EXPECT_LT(sizes_.size(), 40U);
-    EXPECT_TRUE(log_.Contains(support::kHostError, "GetVolumeExtents IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS " +
-                                                       kText + " failed error=0xea 234"))
-        << log_;
-    EXPECT_TRUE(log_.Contains(support::kHostWarning, kSkipping)) << log_;
+    EXPECT_THAT(log_.all(), Contains(Error("GetVolumeExtents IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS " + kText +
+                                           " failed error=0xea 234")));
+    EXPECT_THAT(log_.all(), Contains(Warning(kSkipping)));
 }
 
 TEST_F(GrowingExtents, AbsurdCount_SkipsTheVolumeWithoutAskingForSuchABuffer) {
@@ -168,14 +162,14 @@ TEST_F(GrowingExtents, NoMemory_SkipsTheVolume) {
     GetUntil(SIZE_MAX);
     EXPECT_GT(failing.hits(), 0U);
     EXPECT_THAT(drives_, IsEmpty());
-    EXPECT_TRUE(log_.Contains(support::kHostWarning, kSkipping)) << log_;
+    EXPECT_THAT(log_.all(), Contains(Warning(kSkipping)));
 }
 
 TEST_F(GrowingExtents, CountThatLies_SkipsTheVolume) {
     faults().Alter(enum_machine::kExtents, [](machine::Answer& answer) { answer.bytes[0] = 2; });
     EXPECT_TRUE(Get());
     EXPECT_THAT(drives_, IsEmpty());
-    EXPECT_TRUE(log_.Contains(support::kHostWarning, kSkipping)) << log_;
+    EXPECT_THAT(log_.all(), Contains(Warning(kSkipping)));
 }
 
 }  // namespace

@@ -9,9 +9,10 @@
 namespace {
 
 using bmr_common::COMEnabler;
+using support::Error;
 using support::InOwnProcess;
 using support::LoggerCapture;
-using support::LogLine;
+using support::Trace;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -53,9 +54,8 @@ TEST_F(ComEnabler, InitializeCOM_ThreadIsMultithreaded_IsAcceptedWithATraceLine)
         EXPECT_EQ(com_.uninitialized, 0);
     }
     EXPECT_EQ(com_.uninitialized, 1);  // the call is paired even after this error
-    EXPECT_THAT(log_.all(), ElementsAre(LogLine{support::kHostTrace,
-                                                "CoInitializeEx error=RPC_E_CHANGED_MODE calling function "
-                                                "orvane::Caller"}));
+    EXPECT_THAT(log_.all(), ElementsAre(Trace("CoInitializeEx error=RPC_E_CHANGED_MODE calling function "
+                                              "orvane::Caller")));
 }
 
 class ComEnablerRefused : public ComEnabler,
@@ -70,9 +70,8 @@ TEST_P(ComEnablerRefused, InitializeCOM_AnyOtherResult_FailsAndUndoesNothing) {
     EXPECT_EQ(com_.security_calls, 0);
     EXPECT_EQ(com_.uninitialized, 0);
     EXPECT_THAT(log_.all(),
-                ElementsAre(LogLine{support::kHostError, "CoInitializeEx failed error=0x" +
-                                                             std::string(GetParam().second) +
-                                                             " calling function orvane::Caller"}));
+                ElementsAre(Error("CoInitializeEx failed error=0x" + std::string(GetParam().second) +
+                                  " calling function orvane::Caller")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Results, ComEnablerRefused,
@@ -133,9 +132,8 @@ TEST_F(ComEnabler, InitializeCOM_SecurityFails_UndoesTheInitializationAndFails) 
         EXPECT_EQ(com_.uninitialized, 1);
     }
     EXPECT_EQ(com_.uninitialized, 1);
-    EXPECT_THAT(log_.all(), ElementsAre(LogLine{support::kHostError,
-                                                "InitializeCOM: CoInitializeSecurity failed error=0x80070005 "
-                                                "calling function bmr_common::COMEnabler::InitializeCOM"}));
+    EXPECT_THAT(log_.all(), ElementsAre(Error("InitializeCOM: CoInitializeSecurity failed error=0x80070005 "
+                                              "calling function bmr_common::COMEnabler::InitializeCOM")));
 }
 
 TEST_F(ComEnabler, InitializeCOM_SecurityFailedBefore_IsTriedAgain) {

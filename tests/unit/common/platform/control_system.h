@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/platform/win_api_wrapper.h"
+#include "support/each_of.h"
 #include "support/stub.h"
 
 #include <cstring>
@@ -37,13 +38,7 @@ public:
                     return Answer(output, output_bytes, returned);
                 }) {}
 
-    std::vector<DWORD> output_sizes() const {
-        std::vector<DWORD> sizes;
-        for (const Request& request : requests) {
-            sizes.push_back(request.output_bytes);
-        }
-        return sizes;
-    }
+    std::vector<DWORD> output_sizes() const { return support::EachOf(requests, &Request::output_bytes); }
 
     win::ByteBuffer answer;
     DWORD claimed_bytes = 0;      // not 0: reported as the returned length

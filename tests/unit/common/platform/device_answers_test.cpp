@@ -12,6 +12,7 @@ namespace {
 
 using support::LoggerCapture;
 using support::LogLine;
+using support::Trace;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -113,9 +114,8 @@ TEST_F(DeviceAnswers, GetDriveLayoutEx_NoHandle_IsABadParameter) {
     EXPECT_EQ(error_, DWORD{ERROR_INVALID_PARAMETER});
     EXPECT_THAT(system.requests, IsEmpty());
     EXPECT_THAT(Inner(),
-                ElementsAre(LogLine{support::kHostTrace,
-                                    "WinAPIWrapper::GetDriveLayoutEx on drive index 5, internal error, "
-                                    "bad parameter"}));
+                ElementsAre(Trace("WinAPIWrapper::GetDriveLayoutEx on drive index 5, internal error, "
+                                  "bad parameter")));
 }
 
 TEST_F(DeviceAnswers, GetDriveLayoutEx_NoIndex_IsABadParameter) {
@@ -126,9 +126,8 @@ TEST_F(DeviceAnswers, GetDriveLayoutEx_NoIndex_IsABadParameter) {
     EXPECT_EQ(error_, DWORD{ERROR_INVALID_PARAMETER});
     EXPECT_THAT(system.requests, IsEmpty());
     EXPECT_THAT(Inner(),
-                ElementsAre(LogLine{support::kHostTrace,
-                                    "WinAPIWrapper::GetDriveLayoutEx on drive index -1, internal error, "
-                                    "bad parameter"}));
+                ElementsAre(Trace("WinAPIWrapper::GetDriveLayoutEx on drive index -1, internal error, "
+                                  "bad parameter")));
 }
 
 TEST_F(DeviceAnswers, GetDiskLengthInformation_Success_GivesThe64BitLength) {
@@ -175,8 +174,7 @@ TEST_F(DeviceAnswers, CreateDisk_NoHandle_IsABadParameter) {
     EXPECT_NE(error_, 0U);
     EXPECT_THAT(system.requests, IsEmpty());
     EXPECT_THAT(Inner(),
-                ElementsAre(LogLine{support::kHostTrace,
-                                    "win::WinAPIWrapper::CreateDisk - internal error, bad parameter"}));
+                ElementsAre(Trace("win::WinAPIWrapper::CreateDisk - internal error, bad parameter")));
 }
 
 TEST_F(DeviceAnswers, UpdateDiskProperties_Success_SendsTheCodeAlone) {
@@ -197,9 +195,9 @@ TEST_F(DeviceAnswers, UpdateDiskProperties_NoHandle_IsABadParameterAndTheLastErr
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
     EXPECT_EQ(error_, DWORD{ERROR_INVALID_PARAMETER});
     EXPECT_THAT(system.requests, IsEmpty());
-    EXPECT_THAT(Inner(), ElementsAre(LogLine{
-                             support::kHostTrace,
-                             "win::WinAPIWrapper::UpdateDiskProperties - internal error, bad parameter"}));
+    EXPECT_THAT(
+        Inner(),
+        ElementsAre(Trace("win::WinAPIWrapper::UpdateDiskProperties - internal error, bad parameter")));
 }
 
 TEST_F(DeviceAnswers, FlushFileBuffers_InvalidFunction_IsReportedForTheCallerToAccept) {

@@ -14,6 +14,8 @@ namespace {
 
 using support::AllocationFailure;
 using support::LoggerCapture;
+using support::Trace;
+using testing::Contains;
 using testing::IsEmpty;
 using testing::Le;
 using testing::SizeIs;
@@ -140,8 +142,7 @@ TEST_P(GrowingControl, AnotherError_EmptiesTheBufferAtOnce) {
         EXPECT_EQ(error_, code);
         EXPECT_THAT(buffer_, IsEmpty());
         EXPECT_THAT(system.requests, SizeIs(1));
-        EXPECT_TRUE(log_.Contains(support::kHostTrace, GetParam().failure_line + std::to_string(code)))
-            << log_;
+        EXPECT_THAT(log_.all(), Contains(Trace(GetParam().failure_line + std::to_string(code))));
     }
 }
 
@@ -154,7 +155,7 @@ TEST_P(GrowingControl, SystemThatAsksForMoreForEver_IsGivenUp) {
     EXPECT_EQ(error_, DWORD{ERROR_INSUFFICIENT_BUFFER});
     EXPECT_THAT(buffer_, IsEmpty());
     EXPECT_THAT(system.requests.size(), Le(32U));
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, GetParam().failure_line + "122")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace(GetParam().failure_line + "122")));
 }
 
 TEST_P(GrowingControl, SuccessWithAMisleadingLastError_IsSuccess) {
@@ -186,7 +187,7 @@ TEST_P(GrowingControl, NothingReturned_IsAnInvalidAnswer) {
 
     EXPECT_EQ(error_, DWORD{ERROR_INVALID_DATA});
     EXPECT_THAT(buffer_, IsEmpty());
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, GetParam().failure_line + "13")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace(GetParam().failure_line + "13")));
 }
 
 TEST_P(GrowingControl, AllocationFailsWhileGrowing_IsError14AndAnEmptyBuffer) {
@@ -198,7 +199,7 @@ TEST_P(GrowingControl, AllocationFailsWhileGrowing_IsError14AndAnEmptyBuffer) {
     }
     EXPECT_EQ(error_, 14U);
     EXPECT_THAT(buffer_, IsEmpty());
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, GetParam().failure_line + "14")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace(GetParam().failure_line + "14")));
     EXPECT_THAT(log_.all().back().text, testing::StartsWith("Leaving function "));
 }
 

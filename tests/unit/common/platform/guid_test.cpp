@@ -8,8 +8,8 @@
 
 namespace {
 
+using support::Error;
 using support::LoggerCapture;
-using support::LogLine;
 using support::StubImport;
 using testing::ElementsAre;
 
@@ -32,7 +32,7 @@ TEST(Guid, CreateGuid_SystemFails_LogsAndGivesTheZeroGuid) {
     EXPECT_FALSE(CreateGuid(guid));
 
     EXPECT_TRUE(IsEqualGUID(guid, GUID{}));
-    EXPECT_THAT(log.all(), ElementsAre(LogLine{3, "CoCreateGuid call failed error: 2147944122"}));
+    EXPECT_THAT(log.all(), ElementsAre(Error("CoCreateGuid call failed error: 2147944122")));
 }
 
 }  // namespace

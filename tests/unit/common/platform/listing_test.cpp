@@ -22,6 +22,8 @@ using support::AllocationFailure;
 using support::LoggerCapture;
 using support::MultiString;
 using support::Stub;
+using support::Trace;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::Le;
 using testing::SizeIs;
@@ -108,7 +110,7 @@ TEST_P(Lists, AllocationFailsWhileGrowing_IsError14) {
     EXPECT_FALSE(Get());
     EXPECT_EQ(error_, 14U);
     EXPECT_EQ(failing.hits(), 1U);
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, GetParam().failure_line + "14")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace(GetParam().failure_line + "14")));
 }
 
 // --- What only one of them does.
@@ -135,7 +137,7 @@ TEST_F(DosDevices, EmptyNameFails_IsLoggedAsNull) {
         return 0;
     });
     EXPECT_FALSE(Get(L""));
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "WinAPIWrapper::QueryDosDevice of NULL error=5")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("WinAPIWrapper::QueryDosDevice of NULL error=5")));
 }
 
 TEST_F(DosDevices, SystemThatAsksForMoreForEver_IsGivenUp) {

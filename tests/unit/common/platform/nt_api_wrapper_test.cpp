@@ -10,10 +10,12 @@
 
 namespace {
 
+using support::Error;
 using support::LoggerCapture;
 using support::LogLine;
 using support::ScopedValue;
 using support::Stub;
+using support::Trace;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using win::DirectoryEntry;
@@ -27,16 +29,6 @@ class NtApi : public testing::Test {
 protected:
     ~NtApi() override { directory_.Release(); }
 
-    // All lines except entering and leaving lines.
-    std::vector<LogLine> Told() const {
-        std::vector<LogLine> told;
-        for (const LogLine& line : log_.all()) {
-            if (!line.text.starts_with("Entering function ") && !line.text.starts_with("Leaving function ")) {
-                told.push_back(line);
-            }
-        }
-        return told;
-    }
     LoggerCapture log_;
     UniqueDirectory directory_;
     DWORD error_ = 0xDEAD;
@@ -51,7 +43,7 @@ TEST_F(NtApi, RtlInitUnicodeString_Text_CountsBytesWithAndWithoutTheTerminator) 
     EXPECT_EQ(counted.Length, 14);
     EXPECT_EQ(counted.MaximumLength, 16);
     EXPECT_EQ(counted.Buffer, text.c_str());
-    EXPECT_THAT(Told(), IsEmpty());
+    EXPECT_THAT(log_.Told(), IsEmpty());
 }
 
 TEST_F(NtApi, RtlInitUnicodeString_EmptyText_HasRoomForTheTerminator) {
@@ -69,8 +61,7 @@ TEST_F(NtApi, RtlInitUnicodeString_NullText_LogsAndLeavesItEmpty) {
     EXPECT_EQ(counted.Length, 0);
     EXPECT_EQ(counted.MaximumLength, 0);
     EXPECT_EQ(counted.Buffer, nullptr);
-    EXPECT_THAT(Told(), ElementsAre(LogLine{support::kHostError,
-                                            "win::NT_API::RtlInitUnicodeString - invalid parameter"}));
+    EXPECT_THAT(log_.Told(), ElementsAre(Error("win::NT_API::RtlInitUnicodeString - invalid parameter")));
 }
 
 TEST_F(NtApi, RtlInitUnicodeString_TextLongerThanItsCapacity_IsReadNoFurtherAndLeftEmpty) {
@@ -123,7 +114,7 @@ TEST_F(NtApi, OpenDirectoryObject_Success_AsksForTheNameAlone) {
     EXPECT_EQ(asked.RootDirectory, nullptr);
     EXPECT_EQ(asked.SecurityDescriptor, nullptr);
     EXPECT_EQ(asked.SecurityQualityOfService, nullptr);
-    EXPECT_THAT(Told(), IsEmpty());
+    EXPECT_THAT(log_.Told(), IsEmpty());
 }
 
 class NtApiStatuses : public NtApi,
@@ -147,8 +138,7 @@ TEST_P(NtApiStatuses, OpenDirectoryObject_OtherStatus_IsAGeneralFailure) {
 
     EXPECT_EQ(error_, DWORD{ERROR_GEN_FAILURE});
     EXPECT_FALSE(directory_);
-    EXPECT_THAT(Told(),
-                ElementsAre(LogLine{support::kHostTrace, Line("win::NtAPIWrapper::OpenDirectoryObject")}));
+    EXPECT_THAT(log_.Told(), ElementsAre(Trace(Line("win::NtAPIWrapper::OpenDirectoryObject"))));
 }
 
 TEST_P(NtApiStatuses, QueryDirectoryObject_OtherStatus_IsAGeneralFailure) {
@@ -162,8 +152,7 @@ TEST_P(NtApiStatuses, QueryDirectoryObject_OtherStatus_IsAGeneralFailure) {
     EXPECT_FALSE(NtAPIWrapper::QueryDirectoryObject(directory_, true, context, buffer, entry, error_));
 
     EXPECT_EQ(error_, DWORD{ERROR_GEN_FAILURE});
-    EXPECT_THAT(Told(),
-                ElementsAre(LogLine{support::kHostTrace, Line("win::NtAPIWrapper::QueryDirectoryObject")}));
+    EXPECT_THAT(log_.Told(), ElementsAre(Trace(Line("win::NtAPIWrapper::QueryDirectoryObject"))));
 }
 
 TEST_P(NtApiStatuses, CloseObject_OtherStatus_IsAGeneralFailure) {
@@ -174,7 +163,7 @@ TEST_P(NtApiStatuses, CloseObject_OtherStatus_IsAGeneralFailure) {
 
     EXPECT_EQ(error_, DWORD{ERROR_GEN_FAILURE});
     EXPECT_FALSE(directory_);
-    EXPECT_THAT(Told(), ElementsAre(LogLine{support::kHostTrace, Line("win::NtAPIWrapper::CloseObject")}));
+    EXPECT_THAT(log_.Told(), ElementsAre(Trace(Line("win::NtAPIWrapper::CloseObject"))));
 }
 
 TEST_F(NtApi, CloseObject_Success_ClosesOnce) {
@@ -189,7 +178,7 @@ TEST_F(NtApi, CloseObject_Success_ClosesOnce) {
     }
     EXPECT_EQ(error_, 0U);
     EXPECT_THAT(closed, ElementsAre(Handle(0x70)));
-    EXPECT_THAT(Told(), IsEmpty());
+    EXPECT_THAT(log_.Told(), IsEmpty());
 }
 
 TEST_F(NtApi, AllOperations_FunctionsAreNotBound_FailWithoutACrash) {

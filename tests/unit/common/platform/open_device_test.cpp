@@ -9,8 +9,9 @@
 namespace {
 
 using support::LoggerCapture;
-using support::LogLine;
 using support::Stub;
+using support::Trace;
+using testing::Contains;
 using testing::SizeIs;
 using win::WinAPIWrapper;
 
@@ -117,9 +118,7 @@ TEST_F(OpenDevice, OpenPhysicalDrive_Failure_IsLoggedAsTheOpening) {
     EXPECT_FALSE(WinAPIWrapper::OpenPhysicalDrive(7, 0, &drive, error_));
 
     EXPECT_EQ(error_, DWORD{ERROR_FILE_NOT_FOUND});
-    EXPECT_TRUE(
-        log_.Contains(support::kHostTrace, "WinAPIWrapper::CreateFile on \\\\.\\PhysicalDrive7 error=2"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("WinAPIWrapper::CreateFile on \\\\.\\PhysicalDrive7 error=2")));
 }
 
 TEST_F(OpenDevice, OpenPhysicalDrive_NoPlaceForTheHandle_IsRefusedWithoutOpening) {
@@ -134,9 +133,7 @@ TEST_F(OpenDevice, OpenPhysicalDrive_NoPlaceForTheHandle_IsRefusedWithoutOpening
     ASSERT_THAT(log_.all(), SizeIs(3)) << log_;
     EXPECT_EQ(
         log_.all()[1],
-        (LogLine{
-            support::kHostTrace,
-            "WinAPIWrapper::OpenPhysicalDrive on \\\\.\\PhysicalDrive7 internal error, bad parameters"}));
+        Trace("WinAPIWrapper::OpenPhysicalDrive on \\\\.\\PhysicalDrive7 internal error, bad parameters"));
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ namespace {
 using support::AllocationFailure;
 using support::LoggerCapture;
 using support::LogLine;
+using support::Trace;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Le;
@@ -91,14 +92,6 @@ protected:
         error_ = 0xDEAD;
         return NtAPIWrapper::QueryDirectoryObject(directory_, restart, context_, buffer_, entry_, error_);
     }
-    std::vector<LogLine> Told() const {
-        std::vector<LogLine> told;
-        std::copy_if(log_.all().begin(), log_.all().end(), std::back_inserter(told), [](const LogLine& line) {
-            return !line.text.starts_with("Entering function ") &&
-                   !line.text.starts_with("Leaving function ");
-        });
-        return told;
-    }
 
     LoggerCapture log_;
     UniqueDirectory directory_{reinterpret_cast<HANDLE>(0x70)};
@@ -119,7 +112,7 @@ TEST_F(QueryDirectory, EntryThatFits_IsGivenAndTheContextCarriedForward) {
     EXPECT_EQ(context_, 8U);
     EXPECT_THAT(system.handles, ElementsAre(reinterpret_cast<HANDLE>(0x70)));
     EXPECT_THAT(system.contexts, ElementsAre(7U));
-    EXPECT_THAT(Told(), IsEmpty());
+    EXPECT_THAT(log_.Told(), IsEmpty());
 }
 
 TEST_F(QueryDirectory, AnyCall_AsksForASingleEntryWithTheCallersRestartFlag) {
@@ -150,9 +143,9 @@ TEST_F(QueryDirectory, EntryThatDoesNotFit_IsReadByDoublingWithALineEach) {
     EXPECT_THAT(system.sizes, ElementsAre(260U, 520U, 1040U, 2080U));
     EXPECT_THAT(system.contexts, testing::Each(7U));
     EXPECT_THAT(system.restarts, testing::Each(TRUE));
-    EXPECT_THAT(Told(), ElementsAre(LogLine{support::kHostTrace, "Buffer too small - size=260, retry..."},
-                                    LogLine{support::kHostTrace, "Buffer too small - size=520, retry..."},
-                                    LogLine{support::kHostTrace, "Buffer too small - size=1040, retry..."}));
+    EXPECT_THAT(log_.Told(), ElementsAre(Trace("Buffer too small - size=260, retry..."),
+                                         Trace("Buffer too small - size=520, retry..."),
+                                         Trace("Buffer too small - size=1040, retry...")));
     EXPECT_EQ(entry_.name, L"Volume{1}");
 }
 
@@ -164,7 +157,7 @@ TEST_F(QueryDirectory, EndOfTheListing_IsError18WithoutALine) {
     EXPECT_FALSE(Query());
 
     EXPECT_EQ(error_, 18U);
-    EXPECT_THAT(Told(), IsEmpty());
+    EXPECT_THAT(log_.Told(), IsEmpty());
     EXPECT_THAT(log_.all(), SizeIs(2)) << log_;
 }
 

@@ -15,6 +15,8 @@
 
 namespace {
 
+using support::Trace;
+using testing::Contains;
 using testing::ElementsAre;
 
 const std::wstring kFound = L"\\system32\\config\\SYSTEM";
@@ -173,8 +175,7 @@ TEST_F(WrittenHive, CurrentControlSet_NoSelectKey_FailsWithItsPathAndUnloads) {
     EXPECT_EQ(ErrorOf(Windows()),
               kErrorIn + std::wstring(L"Failed to open the Key ControlSetSearchHive\\Select"));
     EXPECT_FALSE(IsLoaded());
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "CRegistry::UnloadHive subKey=ControlSetSearchHive res0"))
-        << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("CRegistry::UnloadHive subKey=ControlSetSearchHive res0")));
 }
 
 TEST_F(RegistryHive, CurrentControlSet_NoHive_FailsWithItsFile) {

@@ -12,8 +12,8 @@
 
 namespace {
 
+using support::Error;
 using support::kHostTrace;
-using support::LogLine;
 using testing::ElementsAre;
 
 class RegistryKeys : public testing::Test {
@@ -111,8 +111,7 @@ TEST_F(RegistryKeys, VerifyKeyExistance_KeyThere_IsTrueWithoutALine) {
 TEST_F(RegistryKeys, VerifyKeyExistance_KeyMissing_IsFalseWithItsLine) {
     EXPECT_FALSE(registry_.VerifyKeyExistance(scratch_.get(), L"A\\B"));
     EXPECT_THAT(log_.all(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "CRegistry::VerifyKeyExistance Failed to RegOpenKeyEx of A\\B error=2"}));
+                ElementsAre(Error("CRegistry::VerifyKeyExistance Failed to RegOpenKeyEx of A\\B error=2")));
 }
 
 TEST_F(RegistryKeys, VerifyKeyExistance_CloseFails_IsTrueWithItsLine) {
@@ -128,8 +127,7 @@ TEST_F(RegistryKeys, VerifyKeyExistance_CloseFails_IsTrueWithItsLine) {
     }
     EXPECT_EQ(RegCloseKey(opened), ERROR_SUCCESS);
     EXPECT_THAT(log_.Messages(),
-                ElementsAre(LogLine{support::kHostError,
-                                    "CRegistry::VerifyKeyExistance Failed to RegCloseKey of Key error=6"}));
+                ElementsAre(Error("CRegistry::VerifyKeyExistance Failed to RegCloseKey of Key error=6")));
 }
 
 TEST_F(RegistryKeys, ModifyRegValues_WritesEachValue) {

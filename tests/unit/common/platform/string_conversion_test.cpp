@@ -11,8 +11,8 @@
 
 namespace {
 
+using support::Error;
 using support::LoggerCapture;
-using support::LogLine;
 using support::StubImport;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -100,8 +100,7 @@ TEST_P(ConvertWStrToStrFailure, SystemFails_LogsAndIsEmpty) {
     EXPECT_EQ(ConvertWStrToStr(L"abc"), "");
 
     EXPECT_EQ(call, GetParam());
-    EXPECT_THAT(log.all(),
-                ElementsAre(LogLine{3, "ConvertWStrToStr: WideCharToMultiByte failed error = 1113"}));
+    EXPECT_THAT(log.all(), ElementsAre(Error("ConvertWStrToStr: WideCharToMultiByte failed error = 1113")));
 }
 
 INSTANTIATE_TEST_SUITE_P(MeasuringAndConverting, ConvertWStrToStrFailure, testing::Values(1, 2));

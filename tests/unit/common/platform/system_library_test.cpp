@@ -2,9 +2,11 @@
 
 #include "machine/simulation/redirect.h"
 #include "machine/simulation/simulation.h"
+#include "support/each_of.h"
 #include "support/logger_capture.h"
 #include "support/own_process.h"
 #include "support/stub.h"
+#include "support/text.h"
 #include "system_library_names.h"
 
 #include <gmock/gmock.h>
@@ -17,8 +19,8 @@ namespace {
 
 using machine::Description;
 using machine::Simulation;
+using support::Error;
 using support::LoggerCapture;
-using support::LogLine;
 using support::StubImport;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -68,13 +70,7 @@ Names Without(Names names, const std::string& name) {
 }
 
 Names LookedUp(Simulation& simulation) {
-    Names names;
-    for (const machine::CallRecord& record : simulation.calls().records()) {
-        if (record.name == "GetProcAddress") {
-            names.emplace_back(record.object.begin(), record.object.end());
-        }
-    }
-    return names;
+    return support::EachOf(simulation.calls().ObjectsOf("GetProcAddress"), support::Ansi);
 }
 
 Description Lacking(const std::string& function) {
@@ -134,7 +130,7 @@ void ExpectStop(const std::string& missing, const Names& order, const std::strin
     std::vector<const void*> expected = Expected<Table>(UpTo(order, missing));
     expected.push_back(nullptr);
     EXPECT_THAT(bound.pointers, ElementsAreArray(expected));
-    EXPECT_THAT(bound.log.all(), ElementsAre(LogLine{3, prefix + missing + " failed error=0x7f"}));
+    EXPECT_THAT(bound.log.all(), ElementsAre(Error(prefix + missing + " failed error=0x7f")));
     EXPECT_THAT(bound.freed, ElementsAre(LibraryOf<Table>()));
 }
 
@@ -178,9 +174,9 @@ TEST(Kernel32DLLBinding, Bind_NoFirmwareVariables_LogsAndBindsTheRest) {
         Expected<Kernel32DLL>(Without(kKernelBindingOrder, "GetFirmwareEnvironmentVariableW"));
     expected.push_back(LibraryOf<Kernel32DLL>());
     EXPECT_THAT(bound.pointers, ElementsAreArray(expected));
-    EXPECT_THAT(bound.log.all(),
-                ElementsAre(LogLine{
-                    3, "Kernel32DLL GetProcAddress of GetFirmwareEnvironmentVariable failed error=0x7f"}));
+    EXPECT_THAT(
+        bound.log.all(),
+        ElementsAre(Error("Kernel32DLL GetProcAddress of GetFirmwareEnvironmentVariable failed error=0x7f")));
     EXPECT_THAT(bound.freed, IsEmpty());
 }
 
@@ -196,7 +192,7 @@ void ExpectNoLibrary(const std::wstring& library, const std::string& line) {
 
     EXPECT_EQ(asked, library);
     EXPECT_THAT(bound.pointers, testing::Each(nullptr));
-    EXPECT_THAT(bound.log.all(), ElementsAre(LogLine{3, line}));
+    EXPECT_THAT(bound.log.all(), ElementsAre(Error(line)));
     EXPECT_THAT(bound.freed, IsEmpty());
 }
 
@@ -261,7 +257,7 @@ void ExpectNoSecondBinding(const std::string& missing, const Names& order, const
         const Simulation simulation(Lacking(missing));
         const LoggerCapture log;
         EXPECT_THAT(PointersOf(Table::Get()), ElementsAreArray(expected));
-        EXPECT_THAT(log.all(), ElementsAre(LogLine{3, prefix + missing + " failed error=0x7f"}));
+        EXPECT_THAT(log.all(), ElementsAre(Error(prefix + missing + " failed error=0x7f")));
     }
     Simulation simulation{Description{}};
     const LoggerCapture log;

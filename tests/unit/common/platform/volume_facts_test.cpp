@@ -14,6 +14,8 @@ namespace {
 
 using support::LoggerCapture;
 using support::Stub;
+using support::Trace;
+using testing::Contains;
 using testing::ElementsAre;
 using win::WinAPIWrapper;
 
@@ -47,7 +49,7 @@ TEST_F(VolumeFacts, GetDriveTypeW_Unknown_FailsAlthoughTheSystemLeftNoCode) {
 
     EXPECT_EQ(type, UINT{DRIVE_UNKNOWN});
     EXPECT_NE(error_, 0U);
-    EXPECT_TRUE(log_.Contains(support::kHostTrace, "WinAPIWrapper::GetDriveType Unknown")) << log_;
+    EXPECT_THAT(log_.all(), Contains(Trace("WinAPIWrapper::GetDriveType Unknown")));
 }
 
 TEST_F(VolumeFacts, GetDiskFreeSpaceExW_Success_GivesThe64BitNumbers) {

@@ -6,7 +6,7 @@
 
 namespace {
 
-using support::LogLine;
+using support::Error;
 using support::StubImport;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -29,7 +29,7 @@ protected:
             EXPECT_FALSE(wmi.FindNextObject());
             EXPECT_EQ(NameOf(wmi), L"(none)");
         }
-        EXPECT_THAT(log_.all(), ElementsAre(LogLine{support::kHostError, line})) << log_;
+        EXPECT_THAT(log_.all(), ElementsAre(Error(line))) << log_;
         EXPECT_EQ(simulation().calls().Count("IWbemServices::ExecQuery"), queries);
         EXPECT_EQ(simulation().live_objects(), 0U);
     }
@@ -144,8 +144,7 @@ TEST_F(WmiCursor, FindNextObject_ClassWithoutAnEnd_IsGivenUp) {
     }
 
     EXPECT_EQ(found, 100'000);
-    EXPECT_THAT(log_.all(),
-                ElementsAre(LogLine{support::kHostError, "CWmi::Fetch gave up after 100000 objects"}));
+    EXPECT_THAT(log_.all(), ElementsAre(Error("CWmi::Fetch gave up after 100000 objects")));
 }
 
 struct FailingStep {

@@ -1,8 +1,9 @@
 #include "common/record/partition_rows.h"
 
+#include "support/each_of.h"
 #include "support/logger_capture.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <ostream>
 #include <string>
@@ -177,11 +178,7 @@ DiskRow DiskWith(const std::vector<std::pair<std::int64_t, std::int32_t>>& offse
 }
 
 std::vector<std::int32_t> NumbersOf(const DiskRow& disk) {
-    std::vector<std::int32_t> numbers;
-    for (const PartitionRow& row : disk.partitions) {
-        numbers.push_back(row.partition_number);
-    }
-    return numbers;
+    return support::EachOf(disk.partitions, &PartitionRow::partition_number);
 }
 
 TEST(SortDiskPartitionNumbers, ReversedNumbers_FollowTheOffsets) {
@@ -189,13 +186,12 @@ TEST(SortDiskPartitionNumbers, ReversedNumbers_FollowTheOffsets) {
     DiskRow disk = DiskWith({{100, 2}, {200, -1}, {300, 1}});
     SortDiskPartitionNumbers(disk);
     EXPECT_EQ(NumbersOf(disk), (std::vector<std::int32_t>{1, -1, 2}));
-    EXPECT_TRUE(
-        log.Contains(support::kHostTrace,
-                     "SortDiskPartitionNumbers changing partition number from 2 to 1 for volume V100"))
-        << log;
-    EXPECT_TRUE(
-        log.Contains(support::kHostTrace,
-                     "SortDiskPartitionNumbers changing partition number from 1 to 2 for volume V300"));
+    EXPECT_THAT(log.all(),
+                testing::Contains(support::Trace(
+                    "SortDiskPartitionNumbers changing partition number from 2 to 1 for volume V100")));
+    EXPECT_THAT(log.all(),
+                testing::Contains(support::Trace(
+                    "SortDiskPartitionNumbers changing partition number from 1 to 2 for volume V300")));
 }
 
 TEST(SortDiskPartitionNumbers, RightNumbers_AreLeftWithoutALine) {

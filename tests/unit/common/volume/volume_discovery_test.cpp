@@ -1,6 +1,7 @@
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "common/volume/volume_manager.h"
 #include "support/dos_device_answers.h"
+#include "support/each_of.h"
 #include "support/logger_capture.h"
 #include "support/text.h"
 #include "unit/common/volume/described_volumes.h"
@@ -15,6 +16,7 @@
 namespace bmr_common {
 namespace {
 
+using support::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -29,11 +31,9 @@ protected:
 
     // "device=GUID path" for every volume found.
     std::vector<std::string> Found() const {
-        std::vector<std::string> found;
-        for (const VolumePtr& volume : manager_.volumes()) {
-            found.push_back(support::Ansi(volume->device_name()) + "=" + support::Ansi(volume->volume_id()));
-        }
-        return found;
+        return support::EachOf(manager_.volumes(), [](const VolumePtr& volume) {
+            return support::Ansi(volume->device_name()) + "=" + support::Ansi(volume->volume_id());
+        });
     }
 
     // Expects that discovery fails, logs the reason as its only message, and leaves no volumes.
@@ -42,8 +42,7 @@ protected:
         EXPECT_FALSE(manager.InitializeWithCurrentVolumes(machine_.disks(), L"", L""));
         EXPECT_TRUE(manager.IsFailed(L"Find Volume"));
         EXPECT_THAT(manager.volumes(), IsEmpty());
-        EXPECT_THAT(log_.Messages(), ElementsAre(support::LogLine{support::kHostError,
-                                                                  std::string(kFunction) + " " + reason}));
+        EXPECT_THAT(log_.Messages(), ElementsAre(Error(std::string(kFunction) + " " + reason)));
         EXPECT_EQ(0U, machine_.simulation().open_handles());
     }
 
@@ -172,9 +171,8 @@ TEST_F(VolumeDiscoveryTest, NoLinks_LogsAndFindsNothing) {
 
     EXPECT_TRUE(manager_.IsSucceeded(L"Find Volume"));
     EXPECT_THAT(manager_.volumes(), IsEmpty());
-    EXPECT_THAT(log_.Messages(), ElementsAre(support::LogLine{
-                                     support::kHostError,
-                                     "bmr_common::VolumeManager::GetDeviceNamesMap - volume list is empty"}));
+    EXPECT_THAT(log_.Messages(),
+                ElementsAre(Error("bmr_common::VolumeManager::GetDeviceNamesMap - volume list is empty")));
     EXPECT_EQ(0U, machine_.simulation().open_handles());
     EXPECT_EQ(0U, machine_.simulation().calls().Count("FindFirstVolumeW"));
 }
@@ -251,8 +249,7 @@ TEST_F(VolumeDiscoveryTest, Exception_IsLoggedAndDoesNotEscape) {
 
     EXPECT_THAT(manager_.volumes(), IsEmpty()) << "not even the one that stands before it";
 
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(support::LogLine{support::kHostError, std::string("Exception in ") + kFunction}));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error(std::string("Exception in ") + kFunction)));
     EXPECT_FALSE(manager_.IsSucceeded(L"Find Volume"));
     EXPECT_EQ(0U, machine_.simulation().open_handles());
 }

@@ -13,6 +13,7 @@
 namespace bmr_common {
 namespace {
 
+using support::Trace;
 using testing::ElementsAre;
 
 // A manager initialised with the machine's two volumes.
@@ -51,9 +52,8 @@ TEST_F(VolumeManagerTest, GetVolume_Guid_IsTracedAsADeviceNameInUnexpectedFormat
         log_.Clear();
         EXPECT_TRUE(manager_.GetVolume(name)) << text;
         EXPECT_THAT(log_.all(),
-                    ElementsAre(support::LogLine{
-                        support::kHostTrace, "bmr_common::Volume::ConvertToNormalizedDeviceId device name '" +
-                                                 std::string(text) + "' in unexpected format"}));
+                    ElementsAre(Trace("bmr_common::Volume::ConvertToNormalizedDeviceId device name '" +
+                                      std::string(text) + "' in unexpected format")));
     }
 }
 

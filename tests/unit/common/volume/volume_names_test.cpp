@@ -9,6 +9,8 @@
 namespace bmr_common {
 namespace {
 
+using support::Error;
+using support::Trace;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
@@ -56,9 +58,8 @@ TEST_F(VolumeNamesTest, ConvertToNormalizedDeviceId_OtherForm_IsTracedAndKept) {
         EXPECT_FALSE(Volume::ConvertToNormalizedDeviceId(name));
         EXPECT_EQ(other, name);
         EXPECT_THAT(log_.all(),
-                    ElementsAre(support::LogLine{
-                        support::kHostTrace, "bmr_common::Volume::ConvertToNormalizedDeviceId device name '" +
-                                                 support::Ansi(other) + "' in unexpected format"}));
+                    ElementsAre(Trace("bmr_common::Volume::ConvertToNormalizedDeviceId device name '" +
+                                      support::Ansi(other) + "' in unexpected format")));
     }
 }
 
@@ -75,9 +76,7 @@ TEST_F(VolumeNamesTest, GetNormalizedDeviceId_OtherForm_IsAFailedAssertion) {
 
     const std::vector<support::LogLine> lines = log_.Messages();
     ASSERT_EQ(2U, lines.size()) << log_;
-    EXPECT_EQ((support::LogLine{support::kHostError,
-                                "bmr_common::Volume::GetNormalizedDeviceId failed to convert device id C:"}),
-              lines[0]);
+    EXPECT_EQ((Error("bmr_common::Volume::GetNormalizedDeviceId failed to convert device id C:")), lines[0]);
     EXPECT_EQ(support::kHostWarning, lines[1].level);
     EXPECT_THAT(lines[1].text, StartsWith("ASSERTION FAILED, "));
     EXPECT_THAT(lines[1].text, EndsWith(" able_to_convert_device_id"));
@@ -94,9 +93,8 @@ TEST_F(VolumeNamesTest, GetWin32APICompatibleName_OtherForm_IsTracedAndEmpty) {
         log_.Clear();
         EXPECT_EQ(L"", Volume::GetWin32APICompatibleName(other));
         EXPECT_THAT(log_.all(),
-                    testing::ElementsAre(support::LogLine{
-                        support::kHostTrace, "bmr_common::Volume::GetWin32APICompatibleName device name '" +
-                                                 support::Ansi(other) + "' in unexpected format"}));
+                    testing::ElementsAre(Trace("bmr_common::Volume::GetWin32APICompatibleName device name '" +
+                                               support::Ansi(other) + "' in unexpected format")));
     }
 }
 
@@ -126,10 +124,8 @@ TEST_F(VolumeNamesTest, GetNormalizedVolumeGUID_NoGuid_IsAFailedAssertion) {
 
     const std::vector<support::LogLine> lines = log_.Messages();
     ASSERT_EQ(2U, lines.size()) << log_;
-    EXPECT_EQ(
-        (support::LogLine{support::kHostError,
-                          "bmr_common::Volume::GetNormalizedVolumeGUID failed to convert volume_guid "}),
-        lines[0]);
+    EXPECT_EQ((Error("bmr_common::Volume::GetNormalizedVolumeGUID failed to convert volume_guid ")),
+              lines[0]);
     EXPECT_EQ(support::kHostWarning, lines[1].level);
     EXPECT_THAT(lines[1].text, StartsWith("ASSERTION FAILED, "));
     EXPECT_THAT(lines[1].text, EndsWith(" able_to_convert_volume_GUID"));
