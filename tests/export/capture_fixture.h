@@ -3,10 +3,11 @@
 #include "export/shipped_library.h"
 #include "machine/session/session.h"
 #include "support/log_capture.h"
+#include "support/scoped_import.h"
 
 #include <gtest/gtest.h>
+#include <objbase.h>
 
-#include <optional>
 #include <string>
 
 // The shipped library. Resets its settings after each test.
@@ -78,6 +79,18 @@ protected:
         EXPECT_EQ(captured.required_size, Captured::kUntouched);
         EXPECT_EQ(captured.buffer, std::string(100000, '#'));
         EXPECT_EQ(log_.Lines(support::kHostTrace).back(), "Exiting CaptureSystemRestorePointInfo");
+    }
+
+    // As long as the returned object lives, the class of the document cannot be created, and all others can.
+    auto RefuseTheDocument() const {
+        const auto create = [](REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
+                               void** object) -> HRESULT {
+            constexpr CLSID kDocument = {
+                0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+            return IsEqualCLSID(clsid, kDocument) ? CO_E_NOTINITIALIZED
+                                                  : CoCreateInstance(clsid, outer, context, iid, object);
+        };
+        return support::ScopedImport("CoCreateInstance", +create, library_.module());
     }
 
     // The last error line of the log.

@@ -2,6 +2,7 @@
 
 #include "export/capture_fixture.h"
 #include "support/debugger_capture.h"
+#include "support/refused_imports.h"
 #include "support/scoped_import.h"
 
 #include <gmock/gmock.h>
@@ -98,12 +99,8 @@ TEST_F(Dumps, SectionThatFails_IsOneErrorInItsPlace) {
     }
 }
 
-HRESULT WINAPI RefuseCom(void*, DWORD) {
-    return E_OUTOFMEMORY;
-}
-
 TEST_F(Dumps, WithoutCom_WmiDumpSaysSoAndEnds) {
-    const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module());
+    const auto refused = support::RefuseCom(library_.module());
     Run(library_.WMIDumpInfo);
     EXPECT_THAT(log_.Messages(), ElementsAre(Error("CoInitializeEx failed error=0x8007000e calling function "
                                                    "WMIDumpInfo"),
@@ -138,7 +135,7 @@ TEST_F(Dumps, DisksThatCannotBeListed_AreNone) {
 // --- VolumeDumpInfo
 
 TEST_F(Dumps, WithoutCom_VolumeDumpSaysSoAndEnds) {
-    const support::ScopedImport import("CoInitializeEx", &RefuseCom, library_.module());
+    const auto refused = support::RefuseCom(library_.module());
     Run(library_.VolumeDumpInfo);
     EXPECT_THAT(Errors(), ElementsAre("CoInitializeEx failed error=0x8007000e calling function "
                                       "VolumeDumpInfo",

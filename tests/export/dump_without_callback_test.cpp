@@ -3,7 +3,6 @@
 
 #include "export/capture_fixture.h"
 #include "support/debugger_capture.h"
-#include "support/scoped_import.h"
 #include "support/text.h"
 
 #include <gmock/gmock.h>

@@ -1,10 +1,8 @@
 // The thread's critical-error mode: during system calls, in the callback and after an export.
 
 #include "export/capture_fixture.h"
-#include "support/scoped_import.h"
 
 #include <gmock/gmock.h>
-#include <objbase.h>
 
 #include <set>
 
@@ -66,17 +64,8 @@ TEST_F(ErrorMode, CaptureThatIsRefused_RestoresTheMode) {
     ExpectModes("refused", [&] { EXPECT_EQ(Capture(0).status, ORVANE_FAILED); });
 }
 
-// Fails for the document's class, which the library reports by an exception.
-HRESULT WINAPI CreateAllButTheDocument(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
-                                       void** object) {
-    constexpr CLSID kDocument = {
-        0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
-    return IsEqualCLSID(clsid, kDocument) ? CO_E_NOTINITIALIZED
-                                          : CoCreateInstance(clsid, outer, context, iid, object);
-}
-
 TEST_F(ErrorMode, CaptureThatThrows_RestoresTheMode) {
-    const support::ScopedImport import("CoCreateInstance", &CreateAllButTheDocument, library_.module());
+    const auto refused = RefuseTheDocument();
     ExpectModes("exception", [&] { EXPECT_EQ(Capture(0).status, ORVANE_FAILED); });
 }
 

@@ -3,24 +3,22 @@
 #include "machine/description/wmi_defaults.h"
 #include "machine/session/session.h"
 #include "support/logger_capture.h"
-#include "support/scoped_import.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <objbase.h>
 
-#include <optional>
+#include <string>
+#include <vector>
 
 namespace {
 
 using support::Error;
-using support::LogLine;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr std::uint64_t kMiB = 1ULL << 20;
-const LogLine kFailed{support::kHostError, "InitEnvInfo Failed"};
+const support::LogLine kFailed = Error("InitEnvInfo Failed");
 
 constexpr char kTwoPartitions[] = R"({
     "disks": [{"index": 0, "size": "64 GiB", "style": "mbr", "signature": "0x11223344", "partitions": [
@@ -39,13 +37,7 @@ constexpr char kTwoPartitions[] = R"({
 
 class InitEnvInfoTest : public testing::Test {
 protected:
-    InitEnvInfoTest() { Describe(machine::ParseDescription(kTwoPartitions, "legacy machine")); }
-
-    void Describe(machine::Description description) {
-        session_.reset();
-        session_.emplace(std::move(description));
-    }
-    machine::Simulation& simulation() { return session_->simulation(); }
+    machine::Simulation& simulation() { return session_.simulation(); }
     machine::Description& description() { return simulation().description(); }
 
     std::vector<std::string> DtsLines() const {
@@ -59,24 +51,11 @@ protected:
     }
 
     support::LoggerCapture log_;
-    std::optional<machine::Session> session_;
+    machine::Session session_{machine::ParseDescription(kTwoPartitions, "legacy machine")};
     EnvInfo record_;
 };
 
 // --- Steps that fail.
-
-HRESULT WINAPI RefuseCom(void*, DWORD) {
-    return E_OUTOFMEMORY;
-}
-
-TEST_F(InitEnvInfoTest, ComThatCannotBeInitialised_IsReportedBeforeTheFailure) {
-    const support::ScopedImport import("CoInitializeEx", &RefuseCom);
-    EXPECT_FALSE(InitEnvInfo(record_));
-    EXPECT_THAT(log_.Lines(support::kHostError),
-                ElementsAre("CoInitializeEx failed error=0x8007000e calling function GetWMIInfo",
-                            "GetWMIInfo: Cannot initialize COM", "InitEnvInfo Failed"));
-    EXPECT_EQ(record_.Version, 0U);
-}
 
 struct Section {
     const wchar_t* class_name;
@@ -113,42 +92,6 @@ TEST_F(InitEnvInfoTest, VolumesThatCannotBeListed_Fail) {
                 ElementsAre(Error("getFixedVolumes: FindFirstVolume failed error=0x5 5"), kFailed));
 }
 
-TEST_F(InitEnvInfoTest, SystemVolumeThatIsMissing_FailsBeforeTheVersionIsSet) {
-    description().volumes.erase(description().volumes.begin() + 1);
-    EXPECT_FALSE(InitEnvInfo(record_));
-    EXPECT_THAT(log_.Lines(support::kHostError),
-                ElementsAre("Failed to find System volume '\\Device\\HarddiskVolume2'. This happens if disk "
-                            "has been converted to Dynamic or after BMR restore. Rebooting usually fixes "
-                            "problem.",
-                            kFailed.text));
-    EXPECT_EQ(record_.Version, 0U);
-    EXPECT_EQ(record_.DllVersion, L"");
-    EXPECT_THAT(record_.DiskDrives, IsEmpty());
-    EXPECT_EQ(record_.VolumeTable.size(), 2U);
-}
-
-// The key exists but the value does not: the volumes are found and recorded, and the whole step fails.
-TEST_F(InitEnvInfoTest, BootOptionsValueThatIsAbsent_FailsWithTheVolumesFound) {
-    machine::Description machine = machine::ParseDescription(kTwoPartitions, "legacy machine");
-    machine.registry.at(0).values.at(0).name = L"SystemStartOptionsOld";
-    Describe(std::move(machine));
-
-    EXPECT_FALSE(InitEnvInfo(record_));
-
-    EXPECT_THAT(log_.Messages(),
-                ElementsAre(Error("GetBootOptions failed to find SystemStartOptions error=259"), kFailed));
-    EXPECT_EQ(record_.Version, 0U);
-    EXPECT_EQ(record_.DllVersion, L"");
-    EXPECT_EQ(record_.VolumeTable.size(), 3U);
-    EXPECT_EQ(record_.DriveLetterTable.size(), 3U);
-    EXPECT_EQ(record_.BootConfig.m_guidSystemVolume,
-              L"\\\\?\\Volume{22222222-0000-0000-0000-000000000000}\\");
-    EXPECT_EQ(record_.BootConfig.m_strBootOptions, L"");
-    EXPECT_THAT(record_.DiskDrives, IsEmpty());
-    EXPECT_EQ(simulation().open_handles(), 0U);
-    EXPECT_EQ(simulation().calls().Count("DeviceIoControl:IOCTL_DISK_GET_DRIVE_GEOMETRY"), 0U);
-}
-
 TEST_F(InitEnvInfoTest, DrivesThatCannotBeListed_FailWithTheirOwnLineAlone) {
     machine::FaultRule second;
     second.name = "FindFirstVolumeW";
@@ -160,16 +103,6 @@ TEST_F(InitEnvInfoTest, DrivesThatCannotBeListed_FailWithTheirOwnLineAlone) {
                 ElementsAre("EnumDisk::GetDrives on FindFirstVolumeW failed with error code 5\n"));
     EXPECT_EQ(record_.Version, 3U);
     EXPECT_THAT(record_.DiskDrives, IsEmpty());
-}
-
-TEST_F(InitEnvInfoTest, DisksThatCannotBeRead_FailWithTheirOwnLinesAlone) {
-    simulation().faults().Fail("DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT", 1117);
-    EXPECT_FALSE(InitEnvInfo(record_));
-    EXPECT_THAT(
-        log_.Lines(support::kHostError),
-        ElementsAre("Get drive layout of drive \\\\.\\PhysicalDrive0 failed error=1117 0x45d",
-                    "GetPartitionInfo: GetDriveLayout failed", "Error occurred in EnumDisk::GetDiskDetails"));
-    EXPECT_EQ(record_.Version, 3U);
 }
 
 // --- Correction of partition numbers.

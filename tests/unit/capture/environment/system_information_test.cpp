@@ -1,12 +1,11 @@
 #include "capture/environment/system_information.h"
 
 #include "support/logger_capture.h"
-#include "support/scoped_import.h"
+#include "support/refused_imports.h"
 #include "unit/capture/environment/wmi_machine.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <objbase.h>
 
 #include <functional>
 
@@ -174,14 +173,10 @@ TEST(GetWMIInfo, EachSectionThatFails_FailsTheWholeAfterAllWereAttempted) {
     }
 }
 
-HRESULT WINAPI RefuseCom(void*, DWORD) {
-    return E_OUTOFMEMORY;
-}
-
 TEST(GetWMIInfo, ComThatCannotBeInitialised_FailsBeforeAnyQuery) {
     WmiMachine machine;
     const support::LoggerCapture log;
-    const support::ScopedImport import("CoInitializeEx", &RefuseCom);
+    const auto refused = support::RefuseCom();
     SystemSections sections;
     EXPECT_FALSE(GetWMIInfo(sections));
     EXPECT_THAT(log.Lines(kHostError),

@@ -4,7 +4,6 @@
 #include "machine/session/session.h"
 
 #include <initializer_list>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>

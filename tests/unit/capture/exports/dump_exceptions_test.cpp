@@ -20,7 +20,6 @@ namespace {
 
 using support::Error;
 using support::LogLine;
-using testing::ElementsAre;
 using testing::StartsWith;
 
 class DumpExceptions : public testing::Test {

@@ -2,8 +2,8 @@
 
 #include "capture/grabber/grabber_exception.h"
 #include "support/logger_capture.h"
+#include "support/refused_imports.h"
 #include "support/scoped_import.h"
-#include "support/xml_tree.h"
 #include "unit/capture/grabber/fake_grabber.h"
 
 #include <boost/make_shared.hpp>
@@ -55,12 +55,8 @@ TEST_F(CaptureInfoTest, NoRecord_Throws) {
     EXPECT_EQ(MessageOfFailure(grabber), L"InfoGrabber::CaptureInfo: Cannot get BMREnvInfo");
 }
 
-HRESULT WINAPI RefuseCom(void*, DWORD) {
-    return E_OUTOFMEMORY;
-}
-
 TEST_F(CaptureInfoTest, ComThatCannotBeInitialised_Throws) {
-    const support::ScopedImport import("CoInitializeEx", &RefuseCom);
+    const auto refused = support::RefuseCom();
     FakeGrabber grabber(environment_);
     EXPECT_EQ(MessageOfFailure(grabber), L"Failed to initialize COM");
     EXPECT_THAT(
@@ -80,13 +76,8 @@ TEST_F(CaptureInfoTest, SystemWithoutTheDom_Throws) {
     EXPECT_EQ(MessageOfFailure(grabber), L"InfoGrabber::CaptureInfo: Failed to load XML configuration");
 }
 
-int WINAPI RefuseToConvert(UINT, DWORD, const wchar_t*, int, char*, int, const char*, BOOL*) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return 0;
-}
-
 TEST_F(CaptureInfoTest, DocumentThatCannotBeConverted_Throws) {
-    const support::ScopedImport import("WideCharToMultiByte", &RefuseToConvert);
+    const auto refused = support::RefuseConversions();
     FakeGrabber grabber(environment_);
     EXPECT_EQ(MessageOfFailure(grabber), L"InfoGrabber::CaptureInfo: XML is invalid");
     EXPECT_THAT(log_.Lines(support::kHostError),

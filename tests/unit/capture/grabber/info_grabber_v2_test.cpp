@@ -1,6 +1,5 @@
 // Format 2: each step of the collection and its failures; backup check and dump.
 
-#include "support/stub.h"
 #include "unit/capture/grabber/workstation_v2.h"
 
 #include <gmock/gmock.h>
@@ -9,7 +8,6 @@
 namespace {
 
 using support::Info;
-using support::Warning;
 using testing::Contains;
 using testing::ElementsAre;
 
@@ -27,24 +25,7 @@ TEST_F(InfoGrabberV2Test, BootOptionsThatAreMissing_FailLast) {
     EXPECT_EQ(record().DiskDrives.size(), 2U);
 }
 
-// --- Machines without disks, and with an impossible disk number.
-
-TEST_F(InfoGrabberV2Test, DiskNumberThatIsAbsurd_StaysADiskWithoutARow) {
-    machine::WmiInstance drive = Instances(L"Win32_DiskDrive").at(0);
-    machine::WmiValue index;
-    index.type = VT_I4;  // so WMI passes its unsigned numbers
-    index.number = -1;
-    machine::SetProperty(drive, {L"Index", index});
-    Instances(L"Win32_DiskDrive").push_back(drive);
-
-    EXPECT_TRUE(grabber_.ObtainInformation()) << log_;
-
-    EXPECT_THAT(log_.all(),
-                Contains(Warning("DeviceManager::GetMaxPhysicalDiskId disk number 4294967295 is too large - "
-                                 "ignoring")));
-    EXPECT_EQ(record().DiskDrives.size(), 2U);
-    EXPECT_EQ(simulation().calls().Count("CreateFileW", L"\\\\.\\PhysicalDrive4294967295"), 1U);
-}
+// --- Machines without disks.
 
 TEST_F(InfoGrabberV2Test, OnlyADriveWithoutNumber_HasNoMaximum) {
     machine::WmiValue index;

@@ -9,20 +9,7 @@ namespace {
 using support::Warning;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using InfoGrabberV2Volumes = InfoGrabberV2Test;
-
-TEST_F(InfoGrabberV2Volumes, FixedVolumeWithoutKnownExtents_GetsNoRowAndAWarning) {
-    DataVolume().errors.codes["DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS"] = 21;
-    ASSERT_TRUE(grabber_.ObtainInformation()) << log_;
-    EXPECT_THROW(VolumeOn(record(), L"\\Device\\HarddiskVolume6"), std::out_of_range);
-    EXPECT_EQ(record().VolumeTable.size(), 5U);
-    EXPECT_EQ(record().DriveLetterTable.size(), 5U);
-    EXPECT_THAT(
-        log_.all(),
-        Contains(Warning("orvane::InfoGrabberV2::AddVolumeInfo volume \\Device\\HarddiskVolume6 has no "
-                         "known extents, it gets no row: Failed to GetVolumeDiskExtents")));
-}
 
 TEST_F(InfoGrabberV2Volumes, LengthThatIsKnown_IsTheVolumesOwn) {
     DataVolume().length = MiB(1000);
@@ -32,39 +19,11 @@ TEST_F(InfoGrabberV2Volumes, LengthThatIsKnown_IsTheVolumesOwn) {
     EXPECT_EQ(volume.extents.at(0).m_Size, MiB(953852));
 }
 
-TEST_F(InfoGrabberV2Volumes, VolumeOnAMissingDisk_FailsTheCollection) {
-    DataVolume().extents->front().disk = 4;
-    EXPECT_FALSE(grabber_.ObtainInformation());
-    EXPECT_THAT(log_.Lines(support::kHostError),
-                Contains("orvane::InfoGrabberV2::AddVolumeInfo Can't find disk 4"));
-    EXPECT_THAT(record().DiskDrives, IsEmpty());
-}
-
 TEST_F(InfoGrabberV2Volumes, SecondExtentOnAMissingDisk_FailsTheCollection) {
     DataVolume().extents->push_back({4, MiB(1), MiB(1)});
     EXPECT_FALSE(grabber_.ObtainInformation());
     EXPECT_THAT(log_.Lines(support::kHostError),
                 Contains("orvane::InfoGrabberV2::AddVolumeInfo Can't find disk 4"));
-}
-
-TEST_F(InfoGrabberV2Volumes, VolumeOnARawDisk_FailsTheCollection) {
-    description().disks.at(1).style = PARTITION_STYLE_RAW;
-    description().disks.at(1).partitions.clear();
-    EXPECT_FALSE(grabber_.ObtainInformation());
-    EXPECT_THAT(log_.Lines(support::kHostError),
-                Contains("orvane::InfoGrabberV2::AddVolumeInfo unknown partition style"));
-}
-
-TEST_F(InfoGrabberV2Volumes, ExtentThatEndsPastItsPartition_FailsTheCollection) {
-    DataVolume().extents->front().length = MiB(953852) + 1;
-    EXPECT_FALSE(grabber_.ObtainInformation());
-    EXPECT_THAT(
-        log_.all(),
-        Contains(Warning(
-            "orvane::InfoGrabberV2::SetPartitionVolumeLetterFileSystem extent (16777216 to 1000203091968) "
-            "from "
-            "volume \\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a06}\\ on disk 1 only partially inside "
-            "partition (16777216 to 1000203091967 length 1000186314752).")));
 }
 
 TEST_F(InfoGrabberV2Volumes, ExtentBehindAllPartitionsAndGaps_FailsTheCollection) {

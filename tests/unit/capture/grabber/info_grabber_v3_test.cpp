@@ -2,7 +2,7 @@
 
 #include "capture/grabber/grabber_exception.h"
 #include "support/logger_capture.h"
-#include "support/scoped_import.h"
+#include "support/refused_imports.h"
 #include "unit/capture/grabber/mixed_machine.h"
 
 #include <boost/make_shared.hpp>
@@ -81,13 +81,8 @@ TEST_F(InfoGrabberV3Test, ThreadWithoutCom_CannotWriteTheDocument) {
     EXPECT_EQ(capture.failure, L"InfoGrabber::CaptureInfo: Failed to load XML configuration");
 }
 
-int WINAPI RefuseToConvert(UINT, DWORD, const wchar_t*, int, char*, int, const char*, BOOL*) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return 0;
-}
-
 TEST_F(InfoGrabberV3Test, DocumentThatCannotBeConverted_IsDeliveredEmpty) {
-    const support::ScopedImport import("WideCharToMultiByte", &RefuseToConvert);
+    const auto refused = support::RefuseConversions();
     std::uint32_t length = kUntouched;
     std::uint32_t status = kUntouched;
     char buffer = '#';

@@ -58,7 +58,7 @@ TEST_F(DeviceManagerTest, Initialize_ListingFails_IsItsFailure) {
 
     EXPECT_FALSE(manager.InitializeWithCurrentDisks());
 
-    EXPECT_EQ("", machine_.CallNames());
+    EXPECT_EQ(0U, machine_.simulation().calls().size());
     EXPECT_THAT(log_.Messages(), IsEmpty());
     EXPECT_FALSE(manager.GetDevice(5));
 }

@@ -2,6 +2,7 @@
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "machine/session/session.h"
 #include "support/logger_capture.h"
+#include "support/refused_imports.h"
 #include "support/scoped_import.h"
 #include "unit/common/disk/listed_disks.h"
 
@@ -112,15 +113,12 @@ TEST_F(DeviceManagerWmiTest, Dump_OneIndexUnreadable_ReportsTheNumbersReadBefore
                             Error("DeviceManager::DumpInfo - NULL device found with id 3")));
 }
 
-HRESULT WINAPI RefuseCom(void* /*reserved*/, DWORD /*model*/) {
-    return E_FAIL;
-}
 HRESULT WINAPI ThrowFromCom(void* /*reserved*/, DWORD /*model*/) {
     throw std::runtime_error("no COM");
 }
 
 TEST_F(DeviceManagerWmiTest, Obtain_NoCom_IsAFailure) {
-    const support::ScopedImport refusing("CoInitializeEx", &RefuseCom);
+    const auto refused = support::RefuseCom();
 
     EXPECT_FALSE(disks_.ObtainPhysicalDrivesIndexes());
     EXPECT_THAT(log_.all(),

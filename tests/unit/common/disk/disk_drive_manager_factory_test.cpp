@@ -114,18 +114,5 @@ TEST_F(DiskDriveManagerFactoryTest, CreateAndInitialize_LayoutRefused_StaysInThe
     EXPECT_THAT(ReasonsOf(disk), ElementsAre(L"Failed to get drive 3 layout information error: 21"));
 }
 
-TEST_F(DiskDriveManagerFactoryTest, CreateAndInitialize_LayoutOfTheOtherStyle_IsRefusedForThat) {
-    Machine machine(kGptDisk);
-    machine.simulation().faults().Alter(kLayoutCall, [](machine::Answer& answer) {
-        if (!answer.failed) {
-            std::memset(answer.bytes.data(), 0, sizeof(DWORD));
-        }
-    });
-
-    const DiskDriveManagerPtr disk = factory_.CreateAndInitialize(3);
-
-    EXPECT_THAT(ReasonsOf(disk), ElementsAre(L"Partitions are not GPT but is 0 on disk 3"));
-}
-
 }  // namespace
 }  // namespace bmr_common

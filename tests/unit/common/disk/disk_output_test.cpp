@@ -13,7 +13,6 @@ namespace bmr_common {
 namespace {
 
 using simulated_disks::Machine;
-using support::Error;
 using support::Info;
 using testing::ElementsAre;
 
@@ -24,9 +23,6 @@ constexpr const char* kMbrDisk = R"({"disks": [{"index": 1, "size": "8 GiB", "si
 constexpr const char* kEmptyMbrDisk = R"({"disks": [{"index": 10, "size": "8 GiB", "signature": 7}]})";
 constexpr const char* kRawDisk = R"({"disks": [{"index": 5, "size": "8 GiB", "bytesPerSector": 4096,
     "mediaType": "removable", "geometry": {"cylinders": 130, "tracksPerCylinder": 255, "sectorsPerTrack": 63}}]})";
-
-constexpr const char* kDynamicNotImplemented =
-    "bmr_common::DiskDriveManagerUnknown::is_dynamic not implemented for this disk type.";
 
 class DiskOutputTest : public testing::Test {
 protected:
@@ -67,41 +63,6 @@ protected:
 
     support::LoggerCapture log_;
 };
-
-TEST_F(DiskOutputTest, Dump_Raw_WritesTheStyleAndThatItIsNotSupported) {
-    EXPECT_THAT(
-        DumpOf(DiskOf(kRawDisk)),
-        ElementsAre(Info(""), Info("[Disk/Partition Information]"), Info("Disk id: 5"),
-                    Info("  Available for backup: False"),
-                    Info("    Failure reason: Unknown disk partition style 2"), Error(kDynamicNotImplemented),
-                    Info("  Dynamic disk: False"), Info("  Disk Size: 8589934592(8.00 GB)"),
-                    Info("  Cyclinders: 130"), Info("  MediaType: 11"), Info("  TracksPerCylinder: 255"),
-                    Info("  SectorsPerTrack: 63"), Info("  BytesPerSector: 4096"), Info("  DetectionType: 0"),
-                    Info("  Partition Style: RAW"),
-                    Info("The application does not support this partition style.")));
-}
-
-TEST_F(DiskOutputTest, Dump_MbrWithoutSignature_IsUnknownOfStyleZero) {
-    const Lines lines =
-        DumpOf(DiskOf(R"({"disks": [{"index": 1, "size": "8 GiB", "style": "mbr", "signature": 0}]})"));
-
-    ASSERT_GE(lines.size(), 2U);
-    EXPECT_EQ(Info("  Partition Style: UNKNOWN (0)"), lines[lines.size() - 2]);
-    EXPECT_EQ(Info("The application does not support this partition style."), lines.back());
-    EXPECT_THAT(lines, testing::Contains(Info("    Failure reason: Unknown disk partition style 0")));
-}
-
-TEST_F(DiskOutputTest, Dump_DiskThatCannotBeOpened_HasNoGeometryLines) {
-    Machine machine(kMbrDisk);
-
-    EXPECT_THAT(DumpOf(DiskDriveManagerFactory().CreateAndInitialize(12)),
-                ElementsAre(Info(""), Info("[Disk/Partition Information]"), Info("Disk id: 12"),
-                            Info("  Available for backup: False"),
-                            Info("    Failure reason: Failed to open hard disk 12 error: 2"),
-                            Info("operation Getting Drive Geometry has not attempted"),
-                            Error("operation Opening Disk failed - Failed to open hard disk 12 error: 2"),
-                            Info("The application does not support this partition style.")));
-}
 
 TEST_F(DiskOutputTest, Dump_RefusedByItsTable_GivesTheTablesReason) {
     const std::string reason = " All partitions are marked as unused entry - cannot backup disk 10";

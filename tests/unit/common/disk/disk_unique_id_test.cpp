@@ -2,12 +2,12 @@
 #include "common/disk/disk_drive_manager_mbr.h"
 #include "common/disk/disk_drive_manager_unknown.h"
 #include "support/logger_capture.h"
+#include "support/refused_imports.h"
 #include "support/scoped_import.h"
 #include "unit/common/disk/listed_disks.h"
 
 #include <boost/make_shared.hpp>
 #include <gmock/gmock.h>
-#include <objbase.h>
 
 #include <vector>
 
@@ -114,20 +114,15 @@ TEST_F(DiskUniqueIdTest, SetUniqueIdToRandom_Mbr_LeavesBits15And31Clear) {
     EXPECT_EQ(0x7FFF7FFFU, seen);
 }
 
-HRESULT WINAPI RefuseGuid(GUID* guid) {
-    guid->Data1 = 1;
-    return E_OUTOFMEMORY;
-}
-
 TEST_F(DiskUniqueIdTest, SetUniqueIdToRandom_Gpt_NoGuidToBeHad_LogsAndStoresZeros) {
     DiskDriveManagerGPT disk(0);
     disk.SetUniqueIdToRandom();
-    const support::ScopedImport refusing("CoCreateGuid", &RefuseGuid);
+    const auto refused = support::RefuseGuids();
 
     disk.SetUniqueIdToRandom();
 
     EXPECT_TRUE(IsEqualGUID(GUID{}, disk.geometry().disk_id()));
-    EXPECT_THAT(log_.Messages(), ElementsAre(Error("CoCreateGuid call failed error: 2147942414")));
+    EXPECT_THAT(log_.Messages(), ElementsAre(Error("CoCreateGuid call failed error: 2147500037")));
 }
 
 unsigned seed = 0;

@@ -1,11 +1,10 @@
 #include "support/each_of.h"
 #include "support/logger_capture.h"
-#include "support/scoped_import.h"
+#include "support/refused_imports.h"
 #include "unit/common/disk/made_managers.h"
 #include "unit/common/disk/partition_entries.h"
 
 #include <gmock/gmock.h>
-#include <objbase.h>
 
 #include <cstdint>
 #include <vector>
@@ -42,11 +41,6 @@ protected:
     support::LoggerCapture log_;
 };
 
-HRESULT WINAPI RefuseGuid(GUID* guid) {
-    *guid = entries::kForeign;
-    return E_FAIL;
-}
-
 TEST_F(PartitionManagerGptEditingTest, Add_NewEntry_IsFilledCompletely) {
     ASSERT_TRUE(Add(10 * kMiB, 20 * kMiB, kMiB, entries::kRecovery));
 
@@ -62,7 +56,7 @@ TEST_F(PartitionManagerGptEditingTest, Add_NewEntry_IsFilledCompletely) {
 }
 
 TEST_F(PartitionManagerGptEditingTest, Add_NoGuidToBeHad_LogsAndKeepsTheZeroId) {
-    const support::ScopedImport refusing("CoCreateGuid", &RefuseGuid);
+    const auto refused = support::RefuseGuids();
 
     ASSERT_TRUE(Add(10 * kMiB, kMiB, kMiB));
 

@@ -164,7 +164,7 @@ TEST_F(PartitionManagerWritingTest, Commit_Done_ReplacesTheManagersLayout) {
 TEST_F(PartitionManagerWritingTest, DeletePartitionsAndWrite_OneMissing_WritesNothing) {
     EXPECT_FALSE(manager_.DeletePartitionsAndWrite({117 * kMiB, 7}));
 
-    EXPECT_EQ("", machine_.CallNames());
+    EXPECT_EQ(0U, machine_.simulation().calls().size());
     EXPECT_EQ(2U, manager_.partitions().size());
 }
 
@@ -225,7 +225,7 @@ TEST_F(PartitionManagerWritingTest, Commit_LayoutNeverRead_LogsAndWritesNothing)
 
     EXPECT_FALSE(manager.CommitPartitionTable());
 
-    EXPECT_EQ("", machine_.CallNames());
+    EXPECT_EQ(0U, machine_.simulation().calls().size());
     EXPECT_THAT(log_.Messages(), ElementsAre(Error("bmr_common::PartitionManagerGPT::CommitPartitionTable "
                                                    "no GPT layout of disk 3 to write")));
 }
@@ -240,7 +240,7 @@ TEST_F(PartitionManagerWritingTest, Commit_LayoutOfAnotherStyle_LogsAndWritesNot
 
     EXPECT_FALSE(manager.CommitPartitionTable());
 
-    EXPECT_EQ("", machine_.CallNames());
+    EXPECT_EQ(0U, machine_.simulation().calls().size());
     EXPECT_THAT(log_.Messages(), ElementsAre(Error("bmr_common::PartitionManagerGPT::CommitPartitionTable "
                                                    "no GPT layout of disk 3 to write")));
 }
@@ -256,7 +256,7 @@ TEST_F(PartitionManagerWritingTest, WritePartitionTableToDisk_LayoutCutShort_Log
         EXPECT_THAT(log_.Messages(),
                     ElementsAre(Error(std::string(kWriteFunction) + " the layout of disk 3 is not whole")));
     }
-    EXPECT_EQ("", machine_.CallNames());
+    EXPECT_EQ(0U, machine_.simulation().calls().size());
     EXPECT_THAT(StartsOnDisk(), ElementsAre(1, 101, 117));
 }
 

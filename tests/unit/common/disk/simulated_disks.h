@@ -54,15 +54,6 @@ public:
         return drive;
     }
 
-    // The names of all simulated calls, in order, each followed by a space.
-    std::string CallNames() {
-        std::string names;
-        for (const machine::CallRecord& call : simulation_.calls().records()) {
-            names += call.name + " ";
-        }
-        return names;
-    }
-
 private:
     machine::Simulation simulation_;
 };

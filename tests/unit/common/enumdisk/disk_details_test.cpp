@@ -68,16 +68,6 @@ TEST_F(DiskDetails, MbrAndGpt_AreTheMbrDiskAndAPlaceholder) {
     EXPECT_THAT(log_.Messages(), IsEmpty());
 }
 
-TEST_F(DiskDetails, Index255_MakesTheList256Long) {
-    Use(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "mbr"}], "wmi": {"Win32_DiskDrive": [
-        {"Index": 0}, {"Index": 255}]}})");
-    EXPECT_TRUE(Get());
-    ASSERT_THAT(disks_, SizeIs(256));
-    EXPECT_EQ(disks_.front().size, 1U << 30);
-    EXPECT_EQ(disks_.back().disk_number, 255U);
-    EXPECT_EQ(disks_.back().size, 500U);
-}
-
 TEST_F(DiskDetails, UnavailableDisk_IsAPlaceholder) {
     Use(enum_machine::kTwoMbr);
     faults().Fail(enum_machine::kLayoutEx, 21, enum_machine::kDrive0);

@@ -1,10 +1,8 @@
 #include "common/enumdisk/disk_interfaces.h"
 
 #include "support/each_of.h"
-#include "support/stub.h"
+#include "support/refused_imports.h"
 #include "unit/common/enumdisk/enum_machine.h"
-
-#include <objbase.h>
 
 namespace {
 
@@ -64,8 +62,7 @@ TEST_F(DiskInterfaces, NoConnection_LeavesAllEmpty) {
 
 TEST_F(DiskInterfaces, ComRefuses_LeavesAllEmpty) {
     Use(kThreeDisks);
-    const support::StubImport refused("CoInitializeEx", &::CoInitializeEx,
-                                      [](void*, DWORD) -> HRESULT { return E_OUTOFMEMORY; });
+    const auto refused = support::RefuseCom();
     EXPECT_THAT(Assign(), ElementsAre(L"", L"", L""));
     EXPECT_EQ(simulation().calls().size(), 0U);
 }

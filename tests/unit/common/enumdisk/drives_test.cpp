@@ -3,10 +3,13 @@
 #include "common/enumdisk/enum_disk.h"
 #include "support/each_of.h"
 #include "unit/common/enumdisk/enum_machine.h"
+#include "unit/common/enumdisk/fixed_machine.h"
 
 namespace {
 
 using enum_machine::kMiB;
+using fixed_machine::kFirst;
+using fixed_machine::kSecond;
 using support::Error;
 using support::LogLine;
 using support::Trace;
@@ -16,21 +19,12 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr wchar_t kFirst[] = L"\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\";
-constexpr wchar_t kSecond[] = L"\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\";
 constexpr char kFirstText[] = "\\\\?\\Volume{00000000-0000-0000-0000-000000000001}\\";
-
-constexpr char kTwoVolumes[] = R"({"disks": [{"index": 0, "size": "1000 MiB", "style": "mbr", "partitions": [
-        {"offset": "1 MiB", "size": "100 MiB", "type": "ntfs"},
-        {"offset": "101 MiB", "size": "200 MiB", "type": "fat32"}]}],
-    "volumes": [
-        {"guid": "{00000000-0000-0000-0000-000000000001}", "partition": {"disk": 0, "number": 1},
-         "mountPoints": ["C:\\"]},
-        {"guid": "{00000000-0000-0000-0000-000000000002}", "partition": {"disk": 0, "number": 2},
-         "mountPoints": ["D:\\Folder\\", "E:\\"], "fileSystem": "FAT32"}]})";
 
 class Drives : public enum_machine::EnumMachine {
 protected:
+    Drives() { Use(fixed_machine::kMachine); }
+
     bool Get() { return EnumDisk().GetDrives(drives_); }
     std::vector<std::wstring> Volumes() const { return support::EachOf(drives_, &DriveRow::volume); }
 
@@ -38,7 +32,7 @@ protected:
 };
 
 TEST_F(Drives, FixedVolumes_AreRowsInTheSystemsOrder) {
-    Use(kTwoVolumes);
+    volume(1).mount_points = {L"D:\\Folder\\", L"E:\\"};
     faults().Fail("GetVolumeInformationW", 5, L"D:\\");
     EXPECT_TRUE(Get());
     ASSERT_THAT(drives_, SizeIs(2));
@@ -54,11 +48,9 @@ TEST_F(Drives, FixedVolumes_AreRowsInTheSystemsOrder) {
 }
 
 TEST_F(Drives, VolumeWithoutLetter_HasNoFileSystemAndItsLine) {
-    Use(kTwoVolumes);
-    volume(0).mount_points.clear();
     EXPECT_TRUE(Get());
-    EXPECT_EQ(drives_.at(0).letter, L"");
-    EXPECT_EQ(drives_.at(0).file_system, L"");
+    EXPECT_EQ(drives_.at(1).letter, L"");
+    EXPECT_EQ(drives_.at(1).file_system, L"");
     EXPECT_THAT(
         log_.all(),
         Contains(Trace("EnumDisk::GetVolumeInfo GetVolumeInformation 'empty' drive letter passed in")));
@@ -76,7 +68,6 @@ TEST_F(Drives, PathsNotReadable_GoOnWithoutALetter) {
         log_.Clear();
     };
     const char* const call = "GetVolumePathNamesForVolumeNameW";
-    Use(kTwoVolumes);
     faults().Fail(call, 87, kFirst);
     expect("0x57 87");
     // The system reports more characters than the buffer holds.
@@ -97,7 +88,7 @@ TEST_F(Drives, TypesButFixed_AreSkippedTwoOfThemWithALine) {
                                                   {DRIVE_CDROM, nullptr},
                                                   {DRIVE_RAMDISK, nullptr}};
     for (const auto& [type, line] : types) {
-        Use(kTwoVolumes);
+        simulation().calls().Clear();
         volume(0).drive_type = type;
         drives_.clear();
         log_.Clear();
@@ -113,7 +104,6 @@ TEST_F(Drives, TypesButFixed_AreSkippedTwoOfThemWithALine) {
 }
 
 TEST_F(Drives, InformationNotReadable_LeavesTheFileSystemEmpty) {
-    Use(kTwoVolumes);
     faults().Fail("GetVolumeInformationW", 1005, L"C:\\");
     EXPECT_TRUE(Get());
     EXPECT_EQ(drives_.at(0).file_system, L"");
@@ -123,7 +113,6 @@ TEST_F(Drives, InformationNotReadable_LeavesTheFileSystemEmpty) {
 }
 
 TEST_F(Drives, SearchDoesNotBegin_Fails) {
-    Use(kTwoVolumes);
     faults().Fail("FindFirstVolumeW", 5);
     EXPECT_FALSE(Get());
     EXPECT_THAT(drives_, IsEmpty());
@@ -133,7 +122,6 @@ TEST_F(Drives, SearchDoesNotBegin_Fails) {
 }
 
 TEST_F(Drives, SearchBreaksOff_FailsWithTheRowsSoFar) {
-    Use(kTwoVolumes);
     faults().Fail("FindNextVolumeW", 5);
     EXPECT_FALSE(Get());
     EXPECT_THAT(Volumes(), ElementsAre(kFirst));
@@ -143,7 +131,6 @@ TEST_F(Drives, SearchBreaksOff_FailsWithTheRowsSoFar) {
 }
 
 TEST_F(Drives, SearchThatNeverEnds_Fails) {
-    Use(kTwoVolumes);
     simulation().calls().SetKept(false);
     volume(0).drive_type = DRIVE_CDROM;
     volume(1).drive_type = DRIVE_CDROM;

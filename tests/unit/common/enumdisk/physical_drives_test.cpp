@@ -1,10 +1,8 @@
 // The disks that the enumerator lists: WMI's disk drives that are usable.
 
 #include "common/enumdisk/enum_disk.h"
-#include "support/stub.h"
+#include "support/refused_imports.h"
 #include "unit/common/enumdisk/enum_machine.h"
-
-#include <objbase.h>
 
 namespace {
 
@@ -160,8 +158,7 @@ TEST_F(PhysicalDrivesIndexes, IndexNotReadable_FailsWithItsLine) {
 
 TEST_F(PhysicalDrivesIndexes, ComRefuses_FailsWithItsLine) {
     Use(enum_machine::kTwoMbr);
-    const support::StubImport refused("CoInitializeEx", &::CoInitializeEx,
-                                      [](void*, DWORD) -> HRESULT { return E_OUTOFMEMORY; });
+    const auto refused = support::RefuseCom();
     EXPECT_FALSE(List());
     EXPECT_THAT(log_.all(), Contains(Error("GetPhysicalDrivesIndexes InitializeCOM error")));
     EXPECT_THAT(log_.all(), Contains(Error("CoInitializeEx failed error=0x8007000e calling function "

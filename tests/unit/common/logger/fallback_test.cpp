@@ -11,7 +11,6 @@
 namespace {
 
 using support::DebuggerCapture;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::SizeIs;

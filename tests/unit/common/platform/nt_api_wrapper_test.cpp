@@ -12,7 +12,6 @@ namespace {
 
 using support::Error;
 using support::LoggerCapture;
-using support::LogLine;
 using support::ScopedValue;
 using support::Stub;
 using support::Trace;

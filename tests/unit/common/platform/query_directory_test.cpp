@@ -7,7 +7,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -17,7 +16,6 @@ namespace {
 
 using support::AllocationFailure;
 using support::LoggerCapture;
-using support::LogLine;
 using support::Trace;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -57,17 +57,6 @@ constexpr const char* kSkippedLink =
     "Volume{00000000-0000-0000-0000-000000000001} without a target";
 const std::string kData = "\\Device\\HarddiskVolume2=\\\\?\\Volume{00000000-0000-0000-0000-000000000002}\\";
 
-TEST_F(VolumeDiscoveryTest, Volumes_AreInTheOrderOfTheirDeviceNames) {
-    machine_.volume(0).device = L"\\Device\\HarddiskVolume2";
-    machine_.volume(1).device = L"\\Device\\HarddiskVolume10";
-
-    EXPECT_TRUE(Discover());
-
-    ASSERT_EQ(2U, manager_.volumes().size());
-    EXPECT_EQ(L"\\Device\\HarddiskVolume10", manager_.volumes()[0]->device_name());
-    EXPECT_EQ(L"\\Device\\HarddiskVolume2", manager_.volumes()[1]->device_name());
-}
-
 TEST_F(VolumeDiscoveryTest, LinkThatTheEnumerationLacks_IsDropped) {
     machine_.volume(1).enumerated = false;
 

@@ -1,5 +1,6 @@
 #include "common/platform/system_library.h"
 #include "common/volume/volume.h"
+#include "support/each_of.h"
 #include "support/logger_capture.h"
 #include "unit/common/volume/described_volumes.h"
 
@@ -124,7 +125,8 @@ TEST_F(VolumeInitializeTest, RemovableVolume_AsksThreeQuestionsOnly) {
 
     EXPECT_TRUE(Initialize(volume));
 
-    EXPECT_EQ("GetDriveTypeW GetVolumePathNamesForVolumeNameW ", machine_.CallNames());
+    EXPECT_THAT(support::EachOf(machine_.simulation().calls().records(), &machine::CallRecord::name),
+                ElementsAre("GetDriveTypeW", "GetVolumePathNamesForVolumeNameW"));
     for (const QueryCase& query : kQueries) {
         const std::wstring name = query.operation;
         const bool asked = name == L"Getting Drive Type" || name == L"Getting Device Name" ||
