@@ -12,15 +12,14 @@ import tempfile
 import unittest
 import xml.etree.ElementTree as ElementTree
 
+import made_values
+
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLES = ROOT / "examples/machines"
 PROGRAM = pathlib.Path(os.environ["ORVANE_EXE"])
 VERSION = (ROOT / "VERSION").read_text().strip()
 MACHINES = sorted(file.parent for file in EXAMPLES.glob("*/machine.json"))
 WORKSTATION = EXAMPLES / "uefi-workstation"
-
-# Elements of the flat formats that can contain a volume's GUID.
-GUID_TEXTS = {"m_GUID", "m_guidVolume", "m_guidBootVolume", "m_guidSystemVolume"}
 
 # The ANSI code page of the locale set in run().
 ANSI = "cp1252"
@@ -89,7 +88,7 @@ def content(document):
         text = element.text or ""
         if element.tag == "GUID":
             return "an address" if int(text, 16) else "nothing"
-        if element.tag in GUID_TEXTS and re.fullmatch(r"\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\}", text):
+        if element.tag in made_values.VOLUME_GUIDS and re.fullmatch(r"\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\}", text):
             return made.setdefault(text, f"made {len(made) + 1}")
         return text
 

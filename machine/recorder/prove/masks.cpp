@@ -11,8 +11,9 @@ namespace recorder {
 namespace {
 
 // The elements of formats 1 and 2 that name a volume by the GUID made for it.
-constexpr std::string_view kVolumeGuids[] = {"m_GUID", "m_guidVolume", "m_guidBootVolume",
-                                             "m_guidSystemVolume"};
+constexpr std::string_view kVolumeGuids[] = {
+#include "machine/recorder/prove/volume_guids.inc"
+};
 constexpr std::string_view kAddress = "GUID";
 
 constexpr std::string_view kHexadecimal = "0123456789ABCDEFabcdef";

@@ -1,9 +1,11 @@
 """What has to be the same after a disk was made again."""
 
+import pathlib
+import sys
 import xml.etree.ElementTree as ElementTree
 
-# In format 2 these are made for each capture; they have to refer to the same volumes.
-MADE = {"m_GUID", "m_guidVolume", "m_guidBootVolume", "m_guidSystemVolume"}
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[2] / "host"))
+import made_values  # noqa: E402
 
 
 def comparable(table, with_id):
@@ -31,7 +33,7 @@ def masked(document, larger):
     root = ElementTree.fromstring(document)
     made = {}
     for element in root.iter():
-        if element.tag in MADE and element.text and element.text.strip():
+        if element.tag in made_values.VOLUME_GUIDS and element.text and element.text.strip():
             element.text = made.setdefault(element.text, f"made {len(made)}")
     if larger:
         for disk in root.find("BMREnvInfo/DiskDrives"):
