@@ -9,11 +9,6 @@
 namespace machine {
 namespace {
 
-struct NamedCode {
-    DWORD code;
-    const char* name;
-};
-
 #define ORVANE_NAMED_CODE(code) \
     { code, #code }
 constexpr NamedCode kCodes[] = {
@@ -35,12 +30,6 @@ constexpr NamedCode kCodes[] = {
 #undef ORVANE_NAMED_CODE
 
 constexpr std::string_view kControl = "DeviceIoControl";
-
-struct NamedCall {
-    std::string_view name;
-    unsigned scopes;      // in addition to kMachine, which accepts every call
-    bool blocks = false;  // does not return if the object does not answer
-};
 
 constexpr unsigned kDisk = static_cast<unsigned>(CallScope::kDisk);
 constexpr unsigned kVolume = static_cast<unsigned>(CallScope::kVolume);
@@ -91,6 +80,14 @@ bool IsControlKind(const std::string& kind) {
 
 }  // namespace
 
+std::span<const NamedCode> NamedCodes() {
+    return kCodes;
+}
+
+std::span<const NamedCall> NamedCalls() {
+    return kCalls;
+}
+
 CallFamily FamilyOf(std::string_view name) {
     if (name.find("::") != std::string_view::npos) {
         return CallFamily::kCom;
@@ -114,7 +111,7 @@ std::string ControlName(DWORD code) {
     const auto* found = std::find_if(std::begin(kCodes), std::end(kCodes),
                                      [code](const NamedCode& named) { return named.code == code; });
     if (found != std::end(kCodes)) {
-        return found->name;
+        return std::string(found->name);
     }
     std::array<char, 12> text{};
     std::snprintf(text.data(), text.size(), "0x%08lX", code);

@@ -3,6 +3,7 @@
 #include "common/windows.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,23 @@ enum class CallScope : unsigned {
     kDosDevice = 16,
     kMachine = 32
 };
+
+// A device control that can be described by its name.
+struct NamedCode {
+    DWORD code;
+    std::string_view name;
+};
+
+// A call that can be described to fail.
+struct NamedCall {
+    std::string_view name;
+    unsigned scopes;      // of CallScope, in addition to kMachine, which accepts every call
+    bool blocks = false;  // does not return if the object does not answer
+};
+
+// All of them, in the order of the page that documents the format.
+std::span<const NamedCode> NamedCodes();
+std::span<const NamedCall> NamedCalls();
 
 // The calls that do not return if an object of this kind does not answer.
 std::vector<std::string> BlockingCalls(CallScope scope);
