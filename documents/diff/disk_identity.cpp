@@ -4,6 +4,7 @@
 #include "documents/model/lookup.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <unordered_map>
@@ -126,7 +127,10 @@ public:
         const ExtentsByDisk extents(machine);
         for (std::size_t index = 0; index < machine.disks.size(); ++index) {
             for (const std::string& key : ContentOf(machine.disks[index], extents)) {
-                disks_with_[key].push_back(index);
+                std::vector<std::size_t>& disks = disks_with_[key];
+                if (disks.size() < kMostWithKey) {
+                    disks.push_back(index);
+                }
             }
         }
     }
@@ -156,6 +160,9 @@ public:
     }
 
 private:
+    // What lies on more disks does not tell them apart.
+    static constexpr std::size_t kMostWithKey = 100;
+
     const Machine& machine_;
     std::unordered_map<std::string, std::vector<std::size_t>> disks_with_;
 };

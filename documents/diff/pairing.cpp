@@ -1,9 +1,17 @@
 #include "documents/diff/pairing.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <unordered_map>
 
 namespace documents::diff {
+
+namespace {
+
+// More that may not pair are not looked at: a made-up document can have 100,000 equal disks.
+constexpr std::ptrdiff_t kMostCandidates = 1000;
+
+}  // namespace
 
 // The elements with one key, by index.
 struct Pairing::Group {
@@ -73,12 +81,12 @@ void Pairing::PairInOrder(Group& group, const Pass& pass, int basis) {
         while (first_free < group.after.size() && before_of_[group.after[first_free]]) {
             ++first_free;
         }
-        const auto found =
-            std::find_if(group.after.begin() + static_cast<std::ptrdiff_t>(first_free), group.after.end(),
-                         [&](std::size_t after) {
-                             return !before_of_[after] && (!pass.allowed || pass.allowed(before, after));
-                         });
-        if (found != group.after.end()) {
+        const auto begin = group.after.begin() + static_cast<std::ptrdiff_t>(first_free);
+        const auto end = begin + std::min(group.after.end() - begin, kMostCandidates);
+        const auto found = std::find_if(begin, end, [&](std::size_t after) {
+            return !before_of_[after] && (!pass.allowed || pass.allowed(before, after));
+        });
+        if (found != end) {
             Pair(before, *found, basis);
         }
     }

@@ -21,8 +21,6 @@ constexpr std::string_view kStartupOptions = "SystemStartupOptions";
 
 constexpr std::string_view kFactSections[] = {"Processor", "ComputerSystem", "BootConfiguration", "OS"};
 
-constexpr std::size_t kMostFaults = 100;
-
 // Whether the name is the rule's, or begins with it and ends in a number.
 bool Fits(const ElementRule& rule, std::string_view name) {
     if (!rule.numbered) {
@@ -94,7 +92,7 @@ void DocumentReader::OpenChild(std::string_view name) {
     if (level.rule->numbered) {
         const std::string number = std::to_string(level.rule->first + parent.children);
         if (name.substr(level.rule->name.size()) != number) {
-            NoteFault(FormFault::Kind::kWrongOrder, parent.row, name,
+            NoteFault(machine_, FormFault::Kind::kWrongOrder, parent.row, name,
                       "the element with the number " + number + " was expected here");
         }
     }
@@ -103,7 +101,7 @@ void DocumentReader::OpenChild(std::string_view name) {
 
 void DocumentReader::Skip(std::string_view name) {
     Top().skipped = true;
-    NoteFault(FormFault::Kind::kUnknown, levels_.at(depth_ - 2).row, name,
+    NoteFault(machine_, FormFault::Kind::kUnknown, levels_.at(depth_ - 2).row, name,
               "the format has no such element here");
 }
 
@@ -195,17 +193,9 @@ void DocumentReader::NoteUnread(const Row& row) {
         for (std::size_t other = 0; other < row.size() && !repeated; ++other) {
             repeated = row.WasRead(other) && row.NameAt(other) == row.NameAt(index);
         }
-        NoteFault(repeated ? FormFault::Kind::kRepeated : FormFault::Kind::kUnknown, row, row.NameAt(index),
+        NoteFault(machine_, repeated ? FormFault::Kind::kRepeated : FormFault::Kind::kUnknown, row,
+                  row.NameAt(index),
                   repeated ? "the element is there more than once" : "the format has no such element here");
-    }
-}
-
-void DocumentReader::NoteFault(FormFault::Kind kind, const Row& parent, std::string_view name,
-                               std::string text) {
-    if (machine_.form_faults.size() < kMostFaults) {
-        machine_.form_faults.push_back(
-            {kind, parent.path().empty() ? std::string(name) : parent.path() + "/" + std::string(name),
-             std::move(text)});
     }
 }
 

@@ -40,7 +40,6 @@ private:
     void TakeStartupOptions(Row& row);
     void CheckCount(Level& level);
     void NoteUnread(const Row& row);
-    void NoteFault(FormFault::Kind kind, const Row& parent, std::string_view name, std::string text);
 
     Machine machine_;
     std::unique_ptr<Layout> layout_;

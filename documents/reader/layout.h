@@ -42,10 +42,17 @@ protected:
     Machine& machine_;
 };
 
-// The numbered values of a row, "MountPoint1" ..., and the value that says how many there are. A wrong count
-// becomes a fault of the form.
+// The numbered values of a row, "MountPoint1" ... in any order, and the value that says how many there are. A
+// wrong count becomes a fault of the form.
 std::vector<std::string> NumberedTexts(Machine& machine, Row& row, std::string_view count,
                                        std::string_view name, std::size_t first);
+
+// A document has no more faults of its form than these; further ones are not noted.
+inline constexpr std::size_t kMostFaults = 100;
+
+// Notes a fault of an element in `parent`.
+void NoteFault(Machine& machine, FormFault::Kind kind, const Row& parent, std::string_view name,
+               std::string text);
 
 // Compares a count with the elements that are there.
 void NoteWrongCount(Machine& machine, const Row& row, std::string_view count, std::uint64_t said,

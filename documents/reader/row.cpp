@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 namespace documents {
 
@@ -12,6 +15,8 @@ namespace {
 
 // Long enough to recognise a value by.
 constexpr std::size_t kShownLength = 40;
+// The values of an element are kept until its end, beside the parser's.
+constexpr std::size_t kMostText = std::size_t{16} << 20U;
 
 std::string Shown(std::string_view text) {
     if (text.size() <= kShownLength) {
@@ -37,6 +42,19 @@ bool IsGuid(std::string_view text) {
                       [](char c, char form) { return form == '0' ? IsHexadecimal(c) : c == form; });
 }
 
+// The number in "MountPoint12" behind "MountPoint", as std::to_string writes it.
+std::optional<std::size_t> NumberBehind(std::string_view name, std::string_view text) {
+    if (!text.starts_with(name)) {
+        return std::nullopt;
+    }
+    const std::string_view digits = text.substr(name.size());
+    std::size_t number = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [last, error] = std::from_chars(digits.data(), end, number);
+    const bool padded = digits.size() > 1 && digits.starts_with('0');
+    return error == std::errc() && last == end && !padded ? std::optional(number) : std::nullopt;
+}
+
 }  // namespace
 
 void Row::Clear(std::string_view parent, std::string_view name) {
@@ -50,6 +68,9 @@ void Row::Clear(std::string_view parent, std::string_view name) {
 
 void Row::Add(std::string_view name, std::string_view text) {
     const std::size_t begin = texts_.size();
+    if (begin + name.size() + text.size() > kMostText) {
+        Refuse(name, "the element that it is in has more than 16 MiB of values");
+    }
     texts_ += name;
     texts_ += text;
     fields_.push_back({begin, begin + name.size(), texts_.size(), false});
@@ -153,6 +174,26 @@ bool Row::Truth(std::string_view name, std::string_view yes, std::string_view no
         Refuse(name, Shown(text) + " is neither " + std::string(yes) + " nor " + std::string(no));
     }
     return text == yes;
+}
+
+// The values may be in any order, so each is put in its place first.
+std::vector<std::string> Row::Numbered(std::string_view name, std::size_t first) {
+    std::vector<Field*> by_number(fields_.size(), nullptr);
+    for (std::size_t index = 0; index < fields_.size(); ++index) {
+        const std::optional<std::size_t> number = NumberBehind(name, NameAt(index));
+        const bool counts = number && *number >= first && *number - first < by_number.size();
+        if (counts && by_number[*number - first] == nullptr) {
+            by_number[*number - first] = &fields_[index];
+        }
+    }
+    const auto end = std::find(by_number.begin(), by_number.end(), nullptr);
+    std::vector<std::string> texts;
+    texts.reserve(static_cast<std::size_t>(end - by_number.begin()));
+    for (auto field = by_number.begin(); field != end; ++field) {
+        (*field)->read = true;
+        texts.emplace_back(std::string_view(texts_).substr((*field)->text, (*field)->end - (*field)->text));
+    }
+    return texts;
 }
 
 std::optional<std::string> Row::Guid(std::string_view name) {

@@ -38,6 +38,8 @@ public:
     // Large sizes are written as negative numbers.
     std::uint64_t SizeWrittenSigned(std::string_view name);
     bool Truth(std::string_view name, std::string_view yes, std::string_view no);
+    // The texts of NAME1, NAME2 ... up to the first number that is missing; `first` is the first number.
+    std::vector<std::string> Numbered(std::string_view name, std::size_t first);
     // Upper case with braces; none for the zero GUID.
     std::optional<std::string> Guid(std::string_view name);
 

@@ -98,10 +98,17 @@ void AddGaps(std::vector<DiskPart>& parts, const Disk& disk, const Extents& outs
     if (!disk.gaps) {
         return;
     }
+    // The farthest end of the extents up to each one. They are by offset.
+    std::vector<std::uint64_t> ends;
+    for (const PlacedExtent& extent : outside) {
+        ends.push_back(std::max(EndOf(extent.extent->place), ends.empty() ? 0 : ends.back()));
+    }
     for (const Gap& gap : *disk.gaps) {
-        const bool taken = std::any_of(outside.begin(), outside.end(), [&](const PlacedExtent& extent) {
-            return Overlap(gap.place, extent.extent->place);
-        });
+        const auto behind = std::lower_bound(
+            outside.begin(), outside.end(), EndOf(gap.place),
+            [](const PlacedExtent& extent, std::uint64_t end) { return extent.extent->place.start < end; });
+        const auto before = static_cast<std::size_t>(behind - outside.begin());
+        const bool taken = before > 0 && ends[before - 1] > gap.place.start;
         if (!taken) {
             DiskPart part;
             part.kind = PartKind::kGap;

@@ -17,6 +17,8 @@ constexpr std::size_t kLongestValue = std::size_t{1} << 20U;
 // No real document has as many. Small ones may: they need no memory worth counting.
 constexpr std::size_t kBytesOfAnElement = 20;
 constexpr std::size_t kSmall = std::size_t{64} << 10U;
+// The values of an element are kept twice until its end. No machine has as many volumes.
+constexpr std::size_t kMostInOne = 100'000;
 
 enum ByteClass : unsigned char {
     kOrdinary,
@@ -91,7 +93,7 @@ public:
 private:
     struct Level {
         std::string_view name;
-        bool children = false;
+        std::size_t children = 0;
         bool text = false;
         bool comment = false;
     };
@@ -240,9 +242,11 @@ private:
             root_ = begin;
         } else {
             Level& parent = levels_[depth_ - 1];
-            parent.children = true;
             if (parent.text) {
                 RefuseAt(begin, "text between elements");
+            }
+            if (++parent.children > kMostInOne) {
+                RefuseAt(begin, "more than 100000 elements in an element");
             }
         }
         if (depth_ == kDeepest) {
@@ -266,10 +270,10 @@ private:
                                               std::string(levels_[depth_ - 1].name) + " was expected");
         }
         const Level& level = levels_[depth_ - 1];
-        if (level.comment && !level.children) {
+        if (level.comment && level.children == 0) {
             RefuseAt(begin, "a comment inside of a value");
         }
-        if (!level.children && begin - value_begin_ > kLongestValue) {
+        if (level.children == 0 && begin - value_begin_ > kLongestValue) {
             RefuseAt(value_begin_, "a value of more than 1 MiB");
         }
         ++at_;
@@ -300,7 +304,7 @@ private:
         }
         Level& level = levels_[depth_ - 1];
         level.text = true;
-        if (level.children) {
+        if (level.children > 0) {
             RefuseAt(begin, "text between elements");
         }
     }

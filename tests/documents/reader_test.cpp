@@ -6,6 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <string>
+
 namespace {
 
 using case_documents::Read;
@@ -225,6 +228,24 @@ TEST(Ranges, EndsOverTheLargestNumber_AreTheLargestNumber) {
     EXPECT_EQ(documents::EndOf({largest - 1, 5}), largest);
     EXPECT_FALSE(documents::Contains({0, 100}, {50, largest}));
     EXPECT_TRUE(documents::Overlap({largest - 10, 20}, {largest - 5, 1}));
+}
+
+TEST(ReadDocument, MountPointsInAnyOrder_AreReadByTheirNumbers) {
+    const std::string text = TextOf("bios-laptop", 3);
+    const std::size_t begin = text.find("<MountPoint1>", text.find("<VolumeLabel>Documents"));
+    const std::string first = text.substr(begin, text.find("</MountPoint1>", begin) + 14 - begin);
+    const Machine machine = Read(Replaced(text, first,
+                                          "<MountPoint3>D:\\c</MountPoint3><MountPoint5>D:\\e</MountPoint5>"
+                                          "<MountPoint2>D:\\b</MountPoint2>" +
+                                              first,
+                                          "<VolumeLabel>Documents"));
+    const auto volume = std::find_if(machine.volumes.begin(), machine.volumes.end(),
+                                     [](const documents::Volume& each) { return each.label == "Documents"; });
+    ASSERT_NE(volume, machine.volumes.end());
+    EXPECT_THAT(volume->mount_points, Optional(ElementsAre("D:\\", "D:\\b", "D:\\c")));
+    ASSERT_THAT(machine.form_faults, SizeIs(2));
+    EXPECT_EQ(machine.form_faults[0].text, "the document says 1, and has 3");
+    EXPECT_EQ(machine.form_faults[1].place, "VolumeInfo/Volume/MountPoint5");
 }
 
 }  // namespace

@@ -89,6 +89,18 @@ TEST(RequireWellFormed, MoreElementsThanADocumentHas_AreRefused) {
               std::string::npos);
 }
 
+TEST(RequireWellFormed, MoreThanHundredThousandElementsInOne_AreRefused) {
+    const auto with = [](std::size_t count) {
+        std::string xml = "<a>";
+        for (std::size_t index = 0; index < count; ++index) {
+            xml += "<b>01234567890123</b>";
+        }
+        return xml + "</a>";
+    };
+    EXPECT_EQ(Refusal(with(100000)), "");
+    EXPECT_EQ(Refusal(with(100001)), "line 1, column 2100004: more than 100000 elements in an element");
+}
+
 TEST(RequireWellFormed, ValueOverAMegabyte_IsRefused) {
     const std::size_t limit = std::size_t{1} << 20U;
     EXPECT_EQ(Refusal("<a>" + std::string(limit, 'x') + "</a>"), "");
