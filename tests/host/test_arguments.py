@@ -8,8 +8,8 @@ from host import HostTest, PROGRAM, VERSION, run
 
 MACHINE_OPTIONS = ["--machine", "--log", "--verbose"]
 OPTIONS = {
-    "capture": ["--format", "--volume", "--output", "--raw", *MACHINE_OPTIONS],
-    "dump": ["wmi", "disks", "volumes", "firmware", "--output", *MACHINE_OPTIONS],
+    "capture": ["--format", "--volume", "--output", "--force", "--raw", *MACHINE_OPTIONS],
+    "dump": ["wmi", "disks", "volumes", "firmware", "--output", "--force", *MACHINE_OPTIONS],
     "check": ["--volume", "--json", *MACHINE_OPTIONS],
 }
 

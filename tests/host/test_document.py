@@ -118,8 +118,19 @@ class Document(HostTest):
     def test_failed_capture_leaves_the_output_alone(self):
         file = self.folder / "out.xml"
         file.write_text("of an earlier capture")
-        run_described("capture", "--volume", "unknown", "--output", file)
+        self.assert_refused(run_described("capture", "--volume", "unknown", "--output", file, "--force"), 1,
+                            "the capture failed")
         self.assertEqual(file.read_text(), "of an earlier capture")
+        self.assertEqual(list(self.folder.iterdir()), [file])
+
+    def test_existing_file_is_replaced_with_force_only(self):
+        file = self.folder / "out.xml"
+        file.write_text("of an earlier capture")
+        self.assert_refused(run_described("capture", "--output", file), 1, "out.xml", "--force")
+        self.assertEqual(file.read_text(), "of an earlier capture")
+        self.assert_done(run_described("capture", "--output", file, "--force"))
+        self.assertEqual(content(file.read_bytes()), content(capture().out))
+        self.assertEqual(list(self.folder.iterdir()), [file])
 
 
 if __name__ == "__main__":

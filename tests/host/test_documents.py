@@ -198,7 +198,7 @@ class DisksOfSfdisk(HostTest):
         description = self.folder / "machine.json"
         description.write_text(json.dumps(machine), encoding="utf-8")
         document = self.folder / "document.xml"
-        self.assert_done(run("capture", "--machine", description, "--output", document))
+        self.assert_done(run("capture", "--machine", description, "--output", document, "--force"))
         shown = run_native("show", "--json", document)
         self.assertEqual((shown.code, shown.errors), (0, []))
         return json.loads(shown.out)["documents"][0]["disks"][1]

@@ -51,7 +51,7 @@ class Dump(HostTest):
     def test_volumes_that_cannot_be_collected_fail(self):
         file = self.folder / "out.txt"
         file.write_text("of an earlier dump")
-        result = run("dump", "volumes", "--machine", EXAMPLES / "no-disks", "--output", file)
+        result = run("dump", "volumes", "--machine", EXAMPLES / "no-disks", "--output", file, "--force")
         self.assert_refused(result, 1, "the dump failed")
         self.assertIn("error: Failed to obtain environment information", result.errors)
         self.assertEqual(file.read_text(), "of an earlier dump")
@@ -62,6 +62,15 @@ class Dump(HostTest):
         self.assert_done(result)
         self.assertEqual(result.out, b"")
         self.assert_lines(file.read_bytes(), lines_of("uefi-workstation", "firmware", "information"))
+
+    def test_existing_file_is_replaced_with_force_only(self):
+        file = self.folder / "out.txt"
+        file.write_text("of an earlier dump")
+        self.assert_refused(run_described("dump", "firmware", "--output", file), 1, "out.txt", "--force")
+        self.assertEqual(file.read_text(), "of an earlier dump")
+        self.assert_done(run_described("dump", "firmware", "--output", file, "--force"))
+        self.assert_lines(file.read_bytes(), lines_of("uefi-workstation", "firmware", "information"))
+        self.assertEqual(list(self.folder.iterdir()), [file])
 
     def test_output_that_cannot_be_written_is_told(self):
         self.assert_refused(run_described("dump", "firmware", "--output", self.folder / "none" / "out.txt"), 1,

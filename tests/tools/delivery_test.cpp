@@ -1,17 +1,12 @@
 #include "tools/orvane/delivery.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <string>
 
 namespace {
-
-using testing::AllOf;
-using testing::HasSubstr;
 
 template <class Call>
 std::string ErrorOf(Call&& call) {
@@ -21,24 +16,6 @@ std::string ErrorOf(Call&& call) {
         return error.what();
     }
     return {};
-}
-
-TEST(DeliverToFile, Text_IsWrittenByteForByte) {
-    const auto file = std::filesystem::temp_directory_path() / "orvane-delivery-test.txt";
-    host::DeliverToFile(file, "one\ntwo\r\n", "the text");
-    {
-        std::ifstream in(file, std::ios::binary);
-        EXPECT_EQ((std::string{std::istreambuf_iterator<char>(in), {}}), "one\ntwo\r\n");
-    }
-    std::filesystem::remove(file);
-}
-
-TEST(DeliverToFile, FileThatCannotBeMade_IsNamed) {
-    const std::string error = ErrorOf([] {
-        host::DeliverToFile(std::filesystem::temp_directory_path() / "no-such-folder" / "out.txt", "x",
-                            "the text");
-    });
-    EXPECT_THAT(error, AllOf(HasSubstr("out.txt"), HasSubstr("the text cannot be written")));
 }
 
 TEST(DeliverToStream, StreamThatFails_IsTold) {

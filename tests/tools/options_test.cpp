@@ -51,6 +51,7 @@ TEST(ParseArguments, BareCapture_HasTheDefaults) {
     EXPECT_FALSE(options.machine);
     EXPECT_FALSE(options.output);
     EXPECT_FALSE(options.log);
+    EXPECT_FALSE(options.force);
     EXPECT_FALSE(options.raw);
     EXPECT_FALSE(options.verbose);
 }
@@ -58,11 +59,12 @@ TEST(ParseArguments, BareCapture_HasTheDefaults) {
 TEST(ParseArguments, EveryOption_IsTaken) {
     const CaptureOptions options =
         Captured({L"capture", L"--format", L"1", L"--machine", L"m.json", L"--output", L"out.xml", L"--raw",
-                  L"--log", L"log.txt", L"--verbose"});
+                  L"--force", L"--log", L"log.txt", L"--verbose"});
     EXPECT_EQ(options.format, 1U);
     EXPECT_EQ(options.machine, L"m.json");
     EXPECT_EQ(options.output, L"out.xml");
     EXPECT_EQ(options.log, L"log.txt");
+    EXPECT_TRUE(options.force);
     EXPECT_TRUE(options.raw);
     EXPECT_TRUE(options.verbose);
 }
@@ -102,10 +104,11 @@ TEST(ParseArguments, BareDump_HasTheDefaults) {
 
 TEST(ParseArguments, OptionsOfDump_AreTakenOnBothSidesOfTheKind) {
     const auto options = Taken<DumpOptions>({L"dump", L"--machine", L"m.json", L"--verbose", L"volumes",
-                                             L"--output", L"out.txt", L"--log", L"log.txt"});
+                                             L"--output", L"out.txt", L"--force", L"--log", L"log.txt"});
     EXPECT_EQ(options.kind, DumpKind::kVolumes);
     EXPECT_EQ(options.machine, L"m.json");
     EXPECT_EQ(options.output, L"out.txt");
+    EXPECT_TRUE(options.force);
     EXPECT_EQ(options.log, L"log.txt");
     EXPECT_TRUE(options.verbose);
 }
@@ -149,15 +152,15 @@ INSTANTIATE_TEST_SUITE_P(Help, ParseArgumentsHelp,
 TEST(ParseArguments, HelpOfCapture_NamesEveryOption) {
     const std::string text = Answered({L"capture", L"--help"}).text;
     for (const char* option :
-         {"--format", "--volume", "--machine", "--output", "--raw", "--log", "--verbose"}) {
+         {"--format", "--volume", "--machine", "--output", "--force", "--raw", "--log", "--verbose"}) {
         EXPECT_THAT(text, HasSubstr(option));
     }
 }
 
 TEST(ParseArguments, HelpOfDump_NamesKindsOptionsAndExitCodes) {
     const std::string text = Answered({L"dump", L"--help"}).text;
-    for (const char* part : {"wmi", "disks", "volumes", "firmware", "--output", "--machine", "--log",
-                             "--verbose", "Exit codes"}) {
+    for (const char* part : {"wmi", "disks", "volumes", "firmware", "--output", "--force", "--machine",
+                             "--log", "--verbose", "Exit codes"}) {
         EXPECT_THAT(text, HasSubstr(part));
     }
 }

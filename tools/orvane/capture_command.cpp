@@ -6,6 +6,7 @@
 #include "tools/orvane/log_sink.h"
 #include "tools/orvane/message_printer.h"
 #include "tools/orvane/text_encoding.h"
+#include "tools/orvane/whole_file.h"
 
 namespace host {
 
@@ -66,13 +67,17 @@ std::optional<std::string> CaptureDocument(const CaptureOptions& options, std::o
 }
 
 int Capture(const CaptureOptions& options, std::ostream& out, std::ostream& errors) {
+    const Existing existing = options.force ? Existing::kReplaced : Existing::kKept;
+    if (options.output) {
+        RequireFree(*options.output, existing);
+    }
     const std::optional<std::string> text = CaptureDocument(options, errors);
     if (!text) {
         errors << "orvane: the capture failed\n";
         return kExitFailed;
     }
     if (options.output) {
-        DeliverToFile(*options.output, *text, "the document");
+        WriteWholeFiles({{*options.output, *text}}, existing);
     } else {
         DeliverToStream(out, *text, "the document");
     }

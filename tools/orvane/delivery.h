@@ -1,13 +1,11 @@
 #pragma once
 
-#include <filesystem>
 #include <ostream>
 #include <string>
 
 namespace host {
 
-// Both write the whole text, or throw std::runtime_error with `what` ("the document") in its message.
-void DeliverToFile(const std::filesystem::path& file, const std::string& text, const std::string& what);
+// Writes the whole text, or throws std::runtime_error with `what` ("the document") in its message.
 void DeliverToStream(std::ostream& out, const std::string& text, const std::string& what);
 
 }  // namespace host

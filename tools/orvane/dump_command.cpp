@@ -3,6 +3,7 @@
 #include "tools/orvane/delivery.h"
 #include "tools/orvane/library_session.h"
 #include "tools/orvane/message_printer.h"
+#include "tools/orvane/whole_file.h"
 
 #include <algorithm>
 #include <iterator>
@@ -51,6 +52,10 @@ void DumpLines::Take(const LogMessage& message) {
 }
 
 int Dump(const DumpOptions& options, std::ostream& out, std::ostream& errors) {
+    const Existing existing = options.force ? Existing::kReplaced : Existing::kKept;
+    if (options.output) {
+        RequireFree(*options.output, existing);
+    }
     const LibrarySession session(options.machine);
     const OrvaneLibrary& library = session.library();
     DumpLines lines(options.kind);
@@ -75,7 +80,7 @@ int Dump(const DumpOptions& options, std::ostream& out, std::ostream& errors) {
         return kExitFailed;
     }
     if (options.output) {
-        DeliverToFile(*options.output, lines.text(), "the dump");
+        WriteWholeFiles({{*options.output, lines.text()}}, existing);
     }
     return kExitDone;
 }

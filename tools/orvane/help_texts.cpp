@@ -22,7 +22,8 @@ const HelpText kCaptureHelp = {
 It describes the system it runs on, or the machine of --machine.)",
     R"(The document is written as UTF-8, indented; errors go to standard error. A volume given with --volume that
 cannot be backed up fails the capture, and the reasons are shown. The size query that comes before every
-capture makes --log and --verbose tell everything twice.
+capture makes --log and --verbose tell everything twice. --output writes a file whole or not at all, over an
+existing one with --force only.
 
 Examples:
   orvane capture --output environment.xml
@@ -36,7 +37,8 @@ const HelpText kDumpHelp = {
   volumes   every volume; those that cannot be backed up are told on standard error in the end
   firmware  the library's version, and whether BIOS or UEFI firmware started the machine
 It describes the system it runs on, or the machine of --machine.)",
-    R"(What could not be found out goes to standard error, as "error: ...", in its place among the lines.
+    R"(What could not be found out goes to standard error, as "error: ...", in its place among the lines. --output writes
+a file whole or not at all, over an existing one with --force only.
 
 Exit codes:
   0  the dump told of its subject, perhaps with errors beside

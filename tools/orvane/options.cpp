@@ -69,6 +69,10 @@ void AddMachineOptions(CLI::App& app, MachineOptions& options, Texts& texts) {
     app.add_flag("--verbose", options.verbose, "Show the log's messages of all levels, not errors alone");
 }
 
+void AddForce(CLI::App& app, bool& force) {
+    app.add_flag("--force", force, "Replace an existing file");
+}
+
 CLI::App& AddCommand(CLI::App& app, const char* name, const HelpText& help) {
     CLI::App* const command = app.add_subcommand(name, help.description);
     command->footer(help.footer);
@@ -84,6 +88,7 @@ void AddCapture(CLI::App& app, CaptureOptions& options, Texts& texts) {
         ->capture_default_str();
     AddVolumes(capture, texts, "GUID path of a volume that is to be backed up; may be given several times");
     AddPath(capture, "--output", texts.output, "Write the document here instead of standard output");
+    AddForce(capture, options.force);
     capture.add_flag("--raw", options.raw,
                      "Write the library's bytes untouched, in the system's ANSI code page");
     AddMachineOptions(capture, options, texts);
@@ -93,6 +98,7 @@ void AddDump(CLI::App& app, DumpOptions& options, Texts& texts) {
     CLI::App& dump = AddCommand(app, "dump", kDumpHelp);
     dump.add_option("KIND", texts.kind, "What is dumped")->required()->check(CLI::IsMember(&kDumpKinds));
     AddPath(dump, "--output", texts.output, "Write the lines here instead of standard output");
+    AddForce(dump, options.force);
     AddMachineOptions(dump, options, texts);
 }
 

@@ -42,6 +42,7 @@ struct CaptureOptions : MachineOptions {
     std::uint32_t format = kDefaultFormat;
     std::vector<std::wstring> volumes;            // volume GUID paths, as given
     std::optional<std::filesystem::path> output;  // none: standard output
+    bool force = false;                           // an existing file is replaced
     bool raw = false;
 };
 
@@ -50,6 +51,7 @@ enum class DumpKind { kWmi, kDisks, kVolumes, kFirmware };
 struct DumpOptions : MachineOptions {
     DumpKind kind = DumpKind::kWmi;
     std::optional<std::filesystem::path> output;  // none: standard output
+    bool force = false;                           // an existing file is replaced
 };
 
 struct CheckOptions : MachineOptions {
