@@ -62,7 +62,7 @@ struct Geometry {
 
 struct Disk {
     std::uint32_t number = 0;           // the N of \\.\PhysicalDriveN
-    std::optional<std::uint64_t> size;  // none: the disk could not be read
+    std::optional<std::uint64_t> size;  // none: the disk could not be read; format 3: or cannot be backed up
     std::optional<std::uint32_t> sector_size;
     std::optional<Style> style;
     std::optional<std::string> id;              // the GUID of a GPT disk, as Partition::gpt_type
@@ -72,8 +72,8 @@ struct Disk {
     std::optional<Geometry> geometry;
 
     // In the order of the document: those of an MBR disk by slot, then the logical ones; those of a GPT disk
-    // by offset. None: the document leaves the table out (a GPT disk in format 3, a disk that could not be
-    // read). Extended partitions and unused entries are not in it.
+    // by offset. None: the document leaves the table out (a GPT disk in format 3, a disk of unknown
+    // size). Extended partitions and unused entries are not in it.
     std::optional<std::vector<Partition>> partitions;
     // By offset. None: the format does not say them (format 3), or no table.
     std::optional<std::vector<Gap>> gaps;

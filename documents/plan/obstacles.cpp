@@ -10,7 +10,7 @@ namespace documents {
 
 namespace {
 
-constexpr FindingCode kUnreadable = {"P001", "a disk cannot be made, because the capture could not read it"};
+constexpr FindingCode kUnreadable = {"P001", "a disk cannot be made, because its size and table are unknown"};
 constexpr FindingCode kLeftOut = {"P002", "a disk cannot be made, because the document leaves it out"};
 constexpr FindingCode kNoPartitions = {"P003",
                                        "a disk cannot be made, because format 3 leaves out its partitions"};
@@ -131,7 +131,9 @@ std::optional<Finding> ObstacleOf(const Subject& subject, const Disk& disk,
         return Make(code, severity, PlaceOf(disk), text);
     };
     if (!disk.size) {
-        return because(kUnreadable, "The capture could not read it: its size and its table are unknown.");
+        return because(
+            kUnreadable,
+            "The capture could not read it, or it cannot be backed up: its size and its table are unknown.");
     }
     if (HasNoTable(disk)) {
         return because(kNoTable,

@@ -10,6 +10,7 @@ namespace {
 enum Kind {
     kText,
     kNumber,
+    kNumberOrZero,  // WMI has no such value: 0 stands for one that it did not give
     kNumberAsText,  // a number that may be missing or, in theory, something else
     kAlwaysZero,    // says nothing
 };
@@ -22,12 +23,12 @@ struct FactRule {
 
 constexpr FactRule kFacts[] = {
     {"Processor", "Architecture", kNumber},
-    {"Processor", "CurrentClockSpeed", kNumber},
-    {"Processor", "Family", kNumber},
+    {"Processor", "CurrentClockSpeed", kNumberOrZero},
+    {"Processor", "Family", kNumberOrZero},
     {"Processor", "Manufacturer", kText},
-    {"Processor", "MaxClockSpeed", kNumber},
+    {"Processor", "MaxClockSpeed", kNumberOrZero},
     {"Processor", "ProcessorId", kAlwaysZero},
-    {"Processor", "ProcessorType", kNumber},
+    {"Processor", "ProcessorType", kNumberOrZero},
     {"Processor", "UniqueId", kAlwaysZero},
 
     {"ComputerSystem", "CurrentTimeZone", kNumber},
@@ -35,7 +36,7 @@ constexpr FactRule kFacts[] = {
     {"ComputerSystem", "Domain", kText},
     {"ComputerSystem", "Manufacturer", kText},
     {"ComputerSystem", "Model", kText},
-    {"ComputerSystem", "NumberOfProcessors", kNumber},
+    {"ComputerSystem", "NumberOfProcessors", kNumberOrZero},
     {"ComputerSystem", "SystemType", kText},
     {"ComputerSystem", "TotalPhysicalMemory", kNumberAsText},
     {"ComputerSystem", "UserName", kText},
@@ -58,8 +59,8 @@ constexpr FactRule kFacts[] = {
     {"OS", "Locale", kText},
     {"OS", "Manufacturer", kText},
     {"OS", "Organization", kText},
-    {"OS", "OSLanguage", kNumber},
-    {"OS", "OSType", kNumber},
+    {"OS", "OSLanguage", kNumberOrZero},
+    {"OS", "OSType", kNumberOrZero},
     {"OS", "OSArchitecture", kNumber},
     {"OS", "SerialNumber", kText},
     {"OS", "SystemDevice", kText},
@@ -74,7 +75,7 @@ constexpr FactRule kFacts[] = {
     {"BootConfig", "m_strOS", kText},
     {"BootConfig", "m_OSArchitecture", kNumber},
     {"BootConfig", "numeric_version_string", kText},
-    {"BootConfig", "product_type", kNumber},
+    {"BootConfig", "product_type", kNumberOrZero},
 };
 
 std::optional<std::int64_t> NumberIn(std::string_view text) {
@@ -85,9 +86,9 @@ std::optional<std::int64_t> NumberIn(std::string_view text) {
 }
 
 void TakeFact(Machine& machine, const FactRule& rule, Row& row) {
-    if (rule.kind == kNumber || rule.kind == kAlwaysZero) {
+    if (rule.kind == kNumber || rule.kind == kNumberOrZero || rule.kind == kAlwaysZero) {
         const std::int64_t number = row.Signed(rule.name);
-        if (rule.kind == kNumber) {
+        if (rule.kind == kNumber || (rule.kind == kNumberOrZero && number != 0)) {
             machine.facts.push_back({rule.section, rule.name, number});
         }
         return;

@@ -69,7 +69,7 @@ private:
         constexpr std::array<const char*, 3> kStyles = {"MBR", "GPT", "no known partition table"};
         StyledLine line;
         line.AddItem("Disk " + std::to_string(disk.number), Colour::kBold);
-        line.AddItem(disk.size ? Size(*disk.size) : "could not be read");
+        line.AddItem(disk.size ? Size(*disk.size) : "of unknown size");
         if (disk.style) {
             line.AddItem(kStyles.at(static_cast<std::size_t>(*disk.style)));
         }

@@ -23,7 +23,8 @@ void Unreadable(const Subject& subject, Report& report) {
     for (const Disk& disk : subject.machine.disks) {
         if (!disk.size) {
             report.ByVolumes(subject, disk,
-                             "The capture could not read the disk; its size and table are unknown.");
+                             "The capture could not read the disk, or it cannot be backed up; its size and "
+                             "table are unknown.");
         }
     }
 }
@@ -122,7 +123,7 @@ void ContradictingIds(const Subject& subject, Report& report) {
 
 constexpr Rule kRules[] = {
     {{"D010", "two disks have the same number"}, Numbers},
-    {{"D011", "the capture could not read a disk"}, Unreadable},
+    {{"D011", "the size and table of a disk are unknown"}, Unreadable},
     {{"D012", "format 1 leaves disks out"}, Placeholders},
     {{"D013", "format 3 leaves out the partitions of a GPT disk"}, MissingGptTables},
     {{"D014", "volumes lie on a disk without a known partition table"}, Styles},

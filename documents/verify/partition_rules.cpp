@@ -3,6 +3,8 @@
 #include "documents/verify/rules.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -22,11 +24,29 @@ void ForEachPartition(const Subject& subject, Check&& check) {
     }
 }
 
+// Format 3 says the place of the extended partition itself; in the others it follows from the rows in it.
+const Range* SaidExtended(const Disk& disk) {
+    return disk.extended && disk.extended_entry ? &*disk.extended : nullptr;
+}
+
+std::string PlaceOfExtended(const Disk& disk, const Range& extended) {
+    return PlaceOf(disk) + ", extended partition at " + std::to_string(extended.start);
+}
+
+std::string BehindEnd(const Range& place, std::uint64_t size) {
+    return "It takes the bytes " + TextOf(place) + "; the disk has " + std::to_string(size) + ".";
+}
+
 void InsideDisk(const Subject& subject, Report& report) {
+    for (const Disk& disk : subject.machine.disks) {
+        const Range* const extended = SaidExtended(disk);
+        if (extended != nullptr && disk.size && !Contains({0, *disk.size}, *extended)) {
+            report.Error(PlaceOfExtended(disk, *extended), BehindEnd(*extended, *disk.size));
+        }
+    }
     ForEachPartition(subject, [&](const Disk& disk, const Partition& partition) {
         if (disk.size && !Contains({0, *disk.size}, partition.place)) {
-            report.Error(PlaceOf(disk, partition), "It takes the bytes " + TextOf(partition.place) +
-                                                       "; the disk has " + std::to_string(*disk.size) + ".");
+            report.Error(PlaceOf(disk, partition), BehindEnd(partition.place, *disk.size));
         }
     });
 }
@@ -42,8 +62,14 @@ void Lengths(const Subject& subject, Report& report) {
 // Compares each partition with the one that reaches farthest of those before it.
 void Overlaps(const Subject& subject, Report& report) {
     for (const Disk& disk : subject.machine.disks) {
+        const Range* const extended = SaidExtended(disk);
         const Partition* farthest = nullptr;
         for (const Partition* const partition : PartitionsByOffset(disk)) {
+            if (extended != nullptr && partition->kind == PartitionKind::kPrimary &&
+                Overlap(*extended, partition->place)) {
+                report.Error(PlaceOf(disk, *partition), "It overlaps the extended partition at " +
+                                                            std::to_string(extended->start) + ".");
+            }
             if (farthest != nullptr && Overlap(farthest->place, partition->place)) {
                 report.Error(PlaceOf(disk, *partition),
                              "It overlaps the partition at " + std::to_string(farthest->place.start) + ".");

@@ -230,6 +230,23 @@ TEST(Ranges, EndsOverTheLargestNumber_AreTheLargestNumber) {
     EXPECT_TRUE(documents::Overlap({largest - 10, 20}, {largest - 5, 1}));
 }
 
+TEST(ReadDocument, NumbersThatWmiDidNotGive_AreAbsent) {
+    const std::string text = TextOf("bios-laptop", 2);
+    const std::size_t begin = text.find("<MaxClockSpeed>");
+    const std::string speed = text.substr(begin, text.find("</MaxClockSpeed>") - begin);
+    const Machine machine = Read(Replaced(text, speed, "<MaxClockSpeed>0"));
+    EXPECT_NE(documents::NumberFact(Read(text), "Processor", "MaxClockSpeed"), std::nullopt);
+    EXPECT_EQ(documents::NumberFact(machine, "Processor", "MaxClockSpeed"), std::nullopt);
+}
+
+TEST(ReadDocument, ZeroThatSaysSomething_IsRead) {
+    const std::string text = TextOf("bios-laptop", 2);
+    const std::size_t begin = text.find("<CurrentTimeZone>");
+    const std::string zone = text.substr(begin, text.find("</CurrentTimeZone>") - begin);
+    const Machine machine = Read(Replaced(text, zone, "<CurrentTimeZone>0"));
+    EXPECT_THAT(documents::NumberFact(machine, "ComputerSystem", "CurrentTimeZone"), Optional(0));
+}
+
 TEST(ReadDocument, MountPointsInAnyOrder_AreReadByTheirNumbers) {
     const std::string text = TextOf("bios-laptop", 3);
     const std::size_t begin = text.find("<MountPoint1>", text.find("<VolumeLabel>Documents"));
