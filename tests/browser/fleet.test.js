@@ -21,6 +21,7 @@ const ON_OTHER_DISK = 401;    // of server-many-disks: Windows lies on disk 1
 const TOO_LONG = 802;         // of spanned-dynamic: C: reaches beyond its partition
 const SHARED = [100, 600];    // of bios-laptop: two machines whose disk has the same signature
 const SAME_MACHINE = [204, 208];  // of bios-laptop: two documents of one machine
+const FORMAT_3 = 303;         // of uefi-workstation: format 3 leaves the partitions of its GPT disks out
 const UNREADABLE = 999;
 
 const numbered = (number) => String(number).padStart(4, '0');
@@ -38,15 +39,19 @@ function replacedInVolume(document, letter, element, from, to) {
       .join('');
 }
 
+const read = (name, format) =>
+    fs.readFileSync(path.join(machines, name, `expected/format${format}.xml`), 'utf8');
+
 function documentOf(number, texts) {
   const ids = numbered(idOf(number));
   let document =
-      texts[number % CASES.length]
+      (number === FORMAT_3 ? read(CASES[number % CASES.length], 3) : texts[number % CASES.length])
           .replace(/<CSName>[^<]*</, `<CSName>${nameOf(number)}<`)
-          // The last digits of each disk's id and signature.
-          .replace(/<disk_guid>\{(?!0{8})(.{32}).{4}\}</g, `<disk_guid>{$1${ids}}<`)
+          // The first digits of each disk's id and the last ones of its signature, so that the disks of a machine
+          // stay different too.
+          .replace(/<disk_guid>\{(?!0{8}).{4}/g, `<disk_guid>{${ids}`)
           .replace(/<m_dwDiskSignature>([1-9]\d*)</g, (_, value) => `<m_dwDiskSignature>${
-              BigInt(value) / 10000n * 10000n % 4000000000n + BigInt(idOf(number))}<`);
+              Number(value) % 100000 * 10000 + idOf(number)}<`);
   if (number === ON_OTHER_DISK) {
     document = replacedInVolume(document, 'C:\\', 'SystemVolume', 1, 0);
     document = replacedInVolume(document, 'D:\\', 'SystemVolume', 0, 1);
@@ -72,8 +77,7 @@ function questions() {
 
 before(async () => {
   folder = fs.mkdtempSync(path.join(os.tmpdir(), 'orvane-fleet-'));
-  const texts =
-      CASES.map((name) => fs.readFileSync(path.join(machines, name, 'expected/format2.xml'), 'utf8'));
+  const texts = CASES.map((name) => read(name, 2));
   const files = Array.from({length: COUNT}, (_, number) => fileOf(number));
   files.forEach((file, number) => fs.writeFileSync(path.join(folder, file), documentOf(number, texts)));
   fs.writeFileSync(path.join(folder, 'list.txt'), files.join('\n'));
@@ -115,11 +119,29 @@ test('the machine that starts from another disk is told', () => {
   ]);
 });
 
+const refused = (number) => answers.get('Which volumes does verify refuse?').filter(({file}) => file === fileOf(number));
+
 test('the volume that verify refuses is told', () => {
-  const rows = answers.get('Which volumes does verify refuse?');
-  assert.deepEqual([...new Set(rows.map((row) => [row.file, row.machine, row.volume].join(' ')))],
-                   [`${fileOf(TOO_LONG)} ${nameOf(TOO_LONG)} volume C:\\`]);
+  const rows = refused(TOO_LONG);
+  assert.deepEqual([...new Set(rows.map((row) => [row.machine, row.volume].join(' ')))],
+                   [`${nameOf(TOO_LONG)} volume C:\\`]);
   assert.match(rows[0].code, /^D\d{3}$/);
+});
+
+test('the volumes on disks that verify refuses are told', () => {
+  const rows = refused(FORMAT_3);
+  // Those of machine.json that have a partition; two of them have no GUID.
+  const guids = ['01', '04'].map((end) => `volume \\\\?\\Volume{8d3b1c7e-52a9-4f06-bb10-1e6f0c2d9a${end}}\\`);
+  assert.deepEqual(new Set(rows.map(({code}) => code)), new Set(['D013']));
+  assert.equal(rows.length, 6);
+  for (const volume of ['volume C:\\', 'volume D:\\', ...guids]) {
+    assert.equal(rows.filter((row) => row.volume === volume).length, 1, volume);
+  }
+});
+
+test('no other volume is told', () => {
+  const rows = answers.get('Which volumes does verify refuse?');
+  assert.deepEqual([...new Set(rows.map(({file}) => file))], [FORMAT_3, TOO_LONG].map(fileOf));
 });
 
 test('the disk id of two machines is told', () => {
