@@ -5,6 +5,7 @@
 #include "documents/commands/json_output.h"
 #include "documents/diff/compare.h"
 #include "documents/diff/output.h"
+#include "documents/text/read_error.h"
 #include "documents/text/utf8.h"
 
 #include <CLI/CLI.hpp>
@@ -61,6 +62,14 @@ int CompareFiles(const DiffArguments& arguments, const Terminal& terminal,
         [&](const Unreadable&) { read_newer([](const Machine&) { return kDone; }); });
 }
 
+Machine ReadCaptured(const std::string& document) {
+    try {
+        return ReadDocument(document, {});
+    } catch (const ReadError& error) {
+        throw Trouble(std::string("the capture of this machine: ") + error.what());
+    }
+}
+
 int CompareLive(const DiffArguments& arguments, const Terminal& terminal, const std::string& file,
                 const CaptureNow& capture) {
     return WithDocument(
@@ -70,7 +79,7 @@ int CompareLive(const DiffArguments& arguments, const Terminal& terminal, const 
             if (!document) {
                 throw Trouble("the capture failed");
             }
-            const Machine new_machine = ReadDocument(*document, {});
+            const Machine new_machine = ReadCaptured(*document);
             return Compare(arguments, terminal, {file, old_machine.format}, old_machine,
                            {std::nullopt, new_machine.format}, new_machine);
         },

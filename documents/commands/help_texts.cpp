@@ -56,7 +56,8 @@ orvane verify, and all system facts. With --verdicts it also has what orvane che
 HTML file, without scripts; nothing else has to be beside it. The same document always gives the same page.
 
 A map is to scale, but no part of it is narrower than 3 pixels: a width is the larger of 3 pixels and the share,
-and what small parts gain is taken from the others in proportion.
+and what small parts gain is taken from the others in proportion. A disk with more than 226 parts (on a narrow page
+106) has its table alone.
 
 Exit codes:
   0  the page was written

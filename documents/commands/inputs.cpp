@@ -2,6 +2,7 @@
 
 #include "documents/text/code_pages.h"
 #include "documents/text/encoding.h"
+#include "documents/text/read_error.h"
 
 #include <CLI/CLI.hpp>
 
@@ -10,6 +11,9 @@
 #include <fstream>
 #include <istream>
 #include <new>
+#include <sstream>
+#include <type_traits>
+#include <utility>
 
 namespace documents {
 
@@ -57,6 +61,18 @@ std::string ReadAll(std::istream& in, const std::string& file, std::size_t expec
     return bytes;
 }
 
+// Where the names of files are bytes, those of a list without a byte order mark need not be UTF-8.
+std::string ListIn(const std::string& file, const Terminal& terminal) {
+    constexpr bool kNamesAreBytes = std::is_same_v<std::filesystem::path::value_type, char>;
+    std::string bytes = ReadFile(file, terminal);
+    try {
+        return kNamesAreBytes ? DecodeMarkedText(std::move(bytes))
+                              : DecodeText(std::move(bytes), std::nullopt);
+    } catch (const ReadError& error) {
+        throw Trouble((file == kStandardInput ? "standard input" : file) + ": " + error.what());
+    }
+}
+
 }  // namespace
 
 void AddCodePage(CLI::App& parser, ReadOptions& reading) {
@@ -79,7 +95,7 @@ void AddInputs(CLI::App& parser, InputArguments& arguments) {
 std::vector<std::string> FilesOf(const InputArguments& arguments, const Terminal& terminal) {
     std::vector<std::string> files = arguments.files;
     if (!arguments.from.empty()) {
-        std::istringstream list(DecodeText(ReadFile(arguments.from, terminal), std::nullopt));
+        std::istringstream list(ListIn(arguments.from, terminal));
         std::string line;
         while (std::getline(list, line)) {
             if (line.ends_with('\r')) {

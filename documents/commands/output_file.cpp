@@ -57,6 +57,15 @@ void WriteWholeFile(const std::string& file, const std::string& bytes, bool forc
             throw Trouble(file + ": the file cannot be written");
         }
     }
+    if (!force) {
+        // Unlike a new name, a second name never replaces a file that has appeared in between.
+        std::filesystem::create_hard_link(part.path(), path, error);
+        if (!error) {
+            return;
+        }
+        // The file is there, or the file system has no second names.
+        RequireFree(file);
+    }
     std::filesystem::rename(part.path(), path, error);
     if (error) {
         throw Trouble(file + ": the file cannot be written");

@@ -3,6 +3,7 @@
 #include "documents/commands/inputs.h"
 #include "documents/commands/output_file.h"
 #include "documents/report/report.h"
+#include "documents/text/encoding.h"
 #include "documents/text/read_error.h"
 #include "documents/verify/verify.h"
 
@@ -39,7 +40,7 @@ std::optional<Verdicts> VerdictsOf(const ReportArguments& arguments, const Termi
         return std::nullopt;
     }
     try {
-        return ReadVerdicts(ReadFile(arguments.verdicts, terminal));
+        return ReadVerdicts(DecodeMarkedText(ReadFile(arguments.verdicts, terminal)));
     } catch (const ReadError& error) {
         throw Trouble(arguments.verdicts + ": " + error.what());
     }

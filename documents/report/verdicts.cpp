@@ -6,7 +6,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <ios>
 #include <limits>
+#include <sstream>
+#include <string>
 #include <utility>
 
 namespace documents {
@@ -116,10 +119,24 @@ auto ListOrNone(const Node& node, Reader read) {
 }
 
 Json Parsed(std::string_view json) {
+    std::istringstream in{std::string(json)};
     try {
-        return Json::parse(json);
+        return Json::parse(in);
     } catch (const Json::parse_error& error) {
         throw ReadError("byte " + std::to_string(error.byte), "is no JSON");
+    } catch (const Json::out_of_range&) {
+        // The parser has also read the character behind the number, if there is one.
+        const std::streamoff read = in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in);
+        throw ReadError("byte " + std::to_string(in.eof() ? read : read - 1),
+                        "a number that is too large ends here");
+    }
+}
+
+void RequireSchema(const Node& root) {
+    // Older checks have none.
+    if (root.Has("schema") && root.Member("schema").Number() != 1) {
+        throw ReadError("/schema", "is " + std::to_string(root.Member("schema").Number()) +
+                                       "; this program reads schema 1");
     }
 }
 
@@ -128,6 +145,7 @@ Json Parsed(std::string_view json) {
 Verdicts ReadVerdicts(std::string_view json) {
     const Json value = Parsed(json);
     const Node root(value, "");
+    RequireSchema(root);
     Verdicts verdicts;
     verdicts.disks = ListOrNone(root.Member("disks"), DiskOf);
     verdicts.volumes = ListOrNone(root.Member("volumes"), VolumeOf);

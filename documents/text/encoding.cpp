@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 namespace documents {
 
@@ -175,6 +176,15 @@ std::string DecodeText(std::string bytes, const std::optional<unsigned>& code_pa
         return FromCodePage(bytes, *page);
     }
     RequireUtf8(bytes);
+    return bytes;
+}
+
+std::string DecodeMarkedText(std::string bytes) {
+    for (const std::string_view mark : {kUtf8Mark, kUtf16LittleMark, kUtf16BigMark}) {
+        if (bytes.starts_with(mark)) {
+            return DecodeText(std::move(bytes), std::nullopt);
+        }
+    }
     return bytes;
 }
 

@@ -14,4 +14,8 @@ inline constexpr std::size_t kLargestDocument = std::size_t{256} << 20U;
 // ReadError for bytes that the encoding does not have.
 std::string DecodeText(std::string bytes, const std::optional<unsigned>& code_page);
 
+// The text of a file that is no document: decoded if it begins with a byte order mark, as Windows PowerShell
+// writes UTF-16; else its bytes as they are. Throws ReadError.
+std::string DecodeMarkedText(std::string bytes);
+
 }  // namespace documents

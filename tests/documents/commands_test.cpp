@@ -20,6 +20,11 @@ const std::string kMachines = ORVANE_SOURCE_DIR "/examples/machines/";
 const std::string kGood = kMachines + "bios-laptop/expected/format2.xml";
 const std::string kWithErrors = kMachines + "uefi-workstation/expected/format3.xml";
 
+std::string ContentOf(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
 // A folder of its own for each test.
 class DocumentCommands : public testing::Test {
 protected:
@@ -97,6 +102,26 @@ TEST_F(DocumentCommands, From_ListsDocuments) {
     EXPECT_THAT(ErrorLines(), SizeIs(1));
 }
 
+TEST_F(DocumentCommands, From_NamesTheListThatCannotBeRead) {
+    const std::string list = File("list.txt", std::string("\xFF\xFE\x0A", 3));
+    EXPECT_EQ(Run({"show", "--from", list}), 2);
+    EXPECT_THAT(ErrorLines(), testing::ElementsAre("orvane: " + list +
+                                                   ": line 1, column 1: half of a character of UTF-16 ends "
+                                                   "the file"));
+}
+
+TEST_F(DocumentCommands, Verdicts_AreReadAsPowerShellWritesThem) {
+    const std::string page = (folder_ / "page.html").generic_string();
+    std::string utf16 = "\xFF\xFE";
+    for (const char c : ContentOf(kMachines + "bios-laptop/expected/check.json")) {
+        utf16 += c;
+        utf16 += '\0';
+    }
+    EXPECT_EQ(Run({"report", kGood, "--output", page, "--verdicts", File("check.json", utf16)}), 0)
+        << errors_.str();
+    EXPECT_THAT(ContentOf(page), HasSubstr("This not a fixed disk, type is 5"));
+}
+
 TEST_F(DocumentCommands, Lines_HaveOneObjectForEachDocument) {
     const std::string bad = File("bad.xml", "<root>");
     EXPECT_EQ(Run({"show", "--json", "--lines", kWithErrors, bad}), 2);
@@ -142,11 +167,6 @@ TEST_F(DocumentCommands, OutputThatCannotBeWritten_IsTrouble) {
 TEST_F(DocumentCommands, NamesOfFiles_AreEscaped) {
     EXPECT_EQ(Run({"show", "no\x1b[2J"}), 2);
     EXPECT_THAT(errors_.str(), HasSubstr("no\\u001B[2J"));
-}
-
-std::string ContentOf(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 TEST_F(DocumentCommands, WholeFile_IsWrittenOverAnotherByForceOnly) {

@@ -1,6 +1,7 @@
 #!/usr/bin/env -S python3 -B
 """Bad input: one line with file, place and reason, exit code 2; memory within six times the file."""
 
+import json
 import os
 import pathlib
 import resource
@@ -109,6 +110,17 @@ class BadInput(unittest.TestCase):
         self.refuse(DOCUMENT.replace(b"<Processor>", b"<Processor>" + b"<a>0123456789012</a>" * (2 << 20)),
                     "more than 100000 elements in an element")
         self.refuse(bytes(40 << 20), "the character U+0000, which XML forbids")
+
+    def test_names_in_a_list_need_not_be_utf_8(self):
+        folder = os.fsencode(self.folder)
+        for name in (b"one.xml", b"\xfcber.xml"):
+            pathlib.Path(os.fsdecode(folder + b"/" + name)).write_bytes(DOCUMENT)
+        listed = self.folder / "list.txt"
+        listed.write_bytes(folder + b"/one.xml\n" + folder + b"/\xfcber.xml\n")
+        code, out, errors = run("show", "--from", listed)
+        self.assertEqual((code, out.count(b"LT-ANNA"), errors), (0, 2, []))
+        code, out, errors = run("show", "--json", "--from", listed)
+        self.assertEqual((code, len(json.loads(out)["documents"]), errors), (0, 2, []))
 
     def test_memory_is_at_most_six_times_the_file(self):
         small = self.folder / "small.xml"

@@ -1,7 +1,9 @@
 #!/usr/bin/env -S python3 -B
 """orvane report: its exit codes, and that it replaces a file only with --force, whole or not at all."""
 
+import os
 import pathlib
+import subprocess
 import tempfile
 import unittest
 
@@ -54,6 +56,14 @@ class ReportFiles(unittest.TestCase):
         self.assertEqual(self.report(LAPTOP), (0, []))
         self.assertEqual(self.page.read_bytes(), replaced)
 
+    def test_a_file_that_appears_in_between_is_kept(self):
+        command = [os.environ["ORVANE"], "report", LAPTOP, "--output", self.page]
+        for _ in range(5):
+            started = [subprocess.Popen(command, stderr=subprocess.DEVNULL) for _ in range(6)]
+            self.assertEqual(sorted(process.wait() for process in started), [0, 2, 2, 2, 2, 2])
+            self.assertEqual(list(self.folder.iterdir()), [self.page])
+            self.page.unlink()
+
     def test_standard_input_is_a_document(self):
         self.assertEqual(self.report("-", data=LAPTOP.read_bytes()), (0, []))
         self.assertIn("standard input", self.page.read_text(encoding="utf-8"))
@@ -64,7 +74,7 @@ class ReportFiles(unittest.TestCase):
         self.refuse(self.folder / "none.xml", "--force", reason="cannot be opened")
         self.refuse(LAPTOP, "--force", "--verdicts", self.folder / "none.json", reason="cannot be opened")
         wrong = self.folder / "wrong.json"
-        for text in ("{", "[]", '{"schema": 2}'):
+        for text in ("{", "[]", '{"schema": 2}', '{"schema": 1, "disks": 1e999}'):
             wrong.write_text(text)
             self.refuse(LAPTOP, "--force", "--verdicts", wrong, reason="wrong.json: ")
 

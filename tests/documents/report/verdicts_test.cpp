@@ -64,6 +64,16 @@ TEST(Verdicts, UnknownMembers_AreIgnored) {
     EXPECT_EQ(ErrorOf(R"({"schema": 1, "disks": [], "volumes": [], "selected": []})"), "none");
 }
 
+TEST(Verdicts, AnotherSchema_IsRefused) {
+    EXPECT_EQ(ErrorOf(R"({"schema": 2})"), "/schema: is 2; this program reads schema 1");
+    EXPECT_EQ(ErrorOf(R"({"schema": "1"})"), "/schema: is no number");
+}
+
+TEST(Verdicts, NumberThatNoNumberHolds_IsRefusedWithItsPlace) {
+    EXPECT_EQ(ErrorOf(R"({"disks": 1e999, "volumes": []})"), "byte 15: a number that is too large ends here");
+    EXPECT_EQ(ErrorOf("1e999"), "byte 5: a number that is too large ends here");
+}
+
 TEST(Verdicts, TextThatIsNoJson_IsRefusedWithItsPlace) {
     EXPECT_THAT(ErrorOf(R"({"disks": })"), "byte 11: is no JSON");
     EXPECT_THAT(ErrorOf(""), "byte 1: is no JSON");
