@@ -2,6 +2,7 @@
 
 #include "documents/text/read_error.h"
 #include "documents/text/utf8.h"
+#include "documents/xml/byte_class.h"
 
 #include <algorithm>
 #include <array>
@@ -19,52 +20,6 @@ constexpr std::size_t kBytesOfAnElement = 20;
 constexpr std::size_t kSmall = std::size_t{64} << 10U;
 // The values of an element are kept twice until its end. No machine has as many volumes.
 constexpr std::size_t kMostInOne = 100'000;
-
-enum ByteClass : unsigned char {
-    kOrdinary,
-    kBlank,
-    kMarkup,     // < & ]
-    kForbidden,  // control characters
-    kLong,       // the beginning of a character of several bytes
-};
-
-constexpr std::array<ByteClass, 256> kClasses = [] {
-    std::array<ByteClass, 256> classes{};
-    for (unsigned byte = 0; byte < 0x20; ++byte) {
-        classes.at(byte) = kForbidden;
-    }
-    for (unsigned byte = 0x80; byte < 0x100; ++byte) {
-        classes.at(byte) = kLong;
-    }
-    for (const char blank : {' ', '\t', '\r', '\n'}) {
-        classes.at(static_cast<unsigned char>(blank)) = kBlank;
-    }
-    for (const char markup : {'<', '&', ']'}) {
-        classes.at(static_cast<unsigned char>(markup)) = kMarkup;
-    }
-    return classes;
-}();
-
-ByteClass ClassOf(char byte) {
-    return kClasses[static_cast<unsigned char>(byte)];
-}
-
-bool StartsName(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-}
-
-constexpr std::array<bool, 256> kNameCharacters = [] {
-    std::array<bool, 256> characters{};
-    for (const char c :
-         std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_0123456789-.")) {
-        characters.at(static_cast<unsigned char>(c)) = true;
-    }
-    return characters;
-}();
-
-bool ContinuesName(char c) {
-    return kNameCharacters[static_cast<unsigned char>(c)];
-}
 
 class Scanner {
 public:
