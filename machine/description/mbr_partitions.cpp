@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace machine::rows {
@@ -140,10 +141,28 @@ std::vector<DescribedPartition> DescribedLogical(const Disk& disk, std::uint64_t
     return list;
 }
 
+// The slot of the extended partition that the logical ones belong to: the one that contains the first of
+// them, or else the first extended one. None if there are no logical partitions.
+std::optional<std::size_t> SlotOfLogical(const Disk& disk) {
+    std::optional<std::size_t> first;
+    for (std::size_t slot = 0; slot < kPrimarySlots && disk.partitions.size() > kPrimarySlots; ++slot) {
+        const Partition& own = disk.partitions[slot];
+        if (!IsContainerType(own.mbr_type)) {
+            continue;
+        }
+        if (disk.partitions[kPrimarySlots].offset - own.offset < own.length) {
+            return slot;
+        }
+        first = first.value_or(slot);
+    }
+    return first;
+}
+
 }  // namespace
 
 std::vector<DescribedPartition> DescribedMbr(const Disk& disk) {
     std::vector<DescribedPartition> list;
+    const std::optional<std::size_t> slot_of_logical = SlotOfLogical(disk);
     for (std::size_t slot = 0; slot < std::min(kPrimarySlots, disk.partitions.size()); ++slot) {
         const Partition& own = disk.partitions[slot];
         if (own.mbr_type == PARTITION_ENTRY_UNUSED) {
@@ -154,8 +173,7 @@ std::vector<DescribedPartition> DescribedMbr(const Disk& disk) {
         if (slot != usual) {
             list.back().slot = static_cast<std::uint32_t>(slot + 1);
         }
-        if (IsContainerType(own.mbr_type) && disk.partitions.size() > kPrimarySlots &&
-            disk.partitions[kPrimarySlots].offset - own.offset < own.length) {
+        if (slot == slot_of_logical) {
             list.back().logical = DescribedLogical(disk, own.offset);
         }
     }

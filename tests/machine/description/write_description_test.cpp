@@ -95,6 +95,13 @@ INSTANTIATE_TEST_SUITE_P(
             {"driveType": "cdrom", "media": false, "openForWritingError": 5, "errors": {"GetDriveTypeW": 5}},
             {"unchecked": true, "fileSystem": "FAT32", "length": 1048576, "free": 1024,
                 "freeBytes": 7, "freeBytesToCaller": 6, "totalBytes": 9, "serial": 1, "flags": 2}]})"},
+        Written{
+            "logical_outside",
+            R"({"disks": [{"index": 0, "size": 10737418240, "style": "mbr", "signature": 7, "partitions": [
+            {"offset": 1073741824, "size": 0, "type": "extended", "logical": [
+                {"offset": 2147483648, "size": 1048576, "type": "ntfs"},
+                {"offset": 4294967296, "size": 1048576, "type": "ntfs"}]},
+            {"offset": 8589934592, "size": 1048576, "type": "extended"}]}]})"},
         Written{"system", R"({"firmware": {"type": "bios", "variableLength": 3, "variableError": 4},
             "directories": {"\\Device": {"otherNames": 5}, "\\X": {"entries": ["A", {"name": "B", "type": "Key"}]}},
             "registry": {"A\\B": {"": "text", "list": ["a", "b"], "number": 7,
