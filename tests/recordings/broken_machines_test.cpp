@@ -158,7 +158,8 @@ std::map<std::string, std::size_t> CallsOf(const machine::Description& descripti
     return calls;
 }
 
-// As many rounds as it takes to tell every lie about a call once: each call tells another one.
+// As many rounds as it takes to tell every lie about a call once: each call tells another one. The sample has
+// the first round of every call, in which the lengths are false.
 TEST(BrokenMachine, EveryLieOfTheFaultTests_ReadsNoFurtherThanTheAnswers) {
     constexpr std::size_t kSample = 40;
     constexpr std::size_t kRandomLies = 4;
@@ -173,7 +174,7 @@ TEST(BrokenMachine, EveryLieOfTheFaultTests_ReadsNoFurtherThanTheAnswers) {
         for (std::size_t next = 0; next < lies.size();) {
             const std::size_t first = next;
             next += count;
-            if (round++ % recordings::Stride(kSample) != 0) {
+            if (round++ % recordings::Stride(kSample) != 0 && first != 0) {
                 continue;
             }
             SCOPED_TRACE(call + ", from " + lies[first].name);

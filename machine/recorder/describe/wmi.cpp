@@ -4,6 +4,8 @@
 #include "machine/recorder/observe/wmi_types.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <cstring>
 
 namespace recorder {
@@ -22,7 +24,9 @@ machine::WmiValue ValueOf(const Part& part) {
     }
     const WmiType* type = FindWmiType(part.type);
     value.type = type == nullptr ? static_cast<VARTYPE>(VT_NULL) : type->type;
-    value.number = static_cast<std::int64_t>(part.value);
+    // A larger number cannot be described.
+    const bool too_large = value.type == VT_UI8 && part.value > INT64_MAX;
+    value.number = too_large ? INT64_MAX : static_cast<std::int64_t>(part.value);
     if (value.type == VT_BSTR) {
         value.text = machine::WideText(part.bytes);
     } else if (value.type == (VT_ARRAY | VT_BSTR)) {
@@ -34,6 +38,8 @@ machine::WmiValue ValueOf(const Part& part) {
         }
     } else if ((value.type == VT_R4 || value.type == VT_R8) && part.bytes.size() == sizeof(value.real)) {
         std::memcpy(&value.real, part.bytes.data(), sizeof(value.real));
+        // What is no number cannot be described.
+        value.real = std::isfinite(value.real) ? value.real : 0;
     }
     return value;
 }
