@@ -2,7 +2,7 @@
 #include "bench/machines.h"
 #include "bench/sections.h"
 #include "machine/session/session.h"
-#include "tools/orvane/delivery.h"
+#include "tools/orvane/whole_file.h"
 
 #include <string>
 
@@ -16,7 +16,8 @@ void WriteDocuments(const host::OrvaneLibrary& library, const std::filesystem::p
         for (const std::uint32_t format : {2U, 3U}) {
             const std::string name =
                 std::to_string(size.volumes) + "-format" + std::to_string(format) + ".xml";
-            host::DeliverToFile(folder / name, Captures(library, format).Document(), "the document");
+            host::WriteWholeFiles({{folder / name, Captures(library, format).Document()}},
+                                  host::Existing::kReplaced);
         }
     }
 }
