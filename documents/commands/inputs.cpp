@@ -61,6 +61,10 @@ std::string ReadAll(std::istream& in, const std::string& file, std::size_t expec
     return bytes;
 }
 
+std::string ShownName(const std::string& file) {
+    return file == kStandardInput ? "standard input" : file;
+}
+
 // Where the names of files are bytes, those of a list without a byte order mark need not be UTF-8.
 std::string ListIn(const std::string& file, const Terminal& terminal) {
     constexpr bool kNamesAreBytes = std::is_same_v<std::filesystem::path::value_type, char>;
@@ -69,7 +73,7 @@ std::string ListIn(const std::string& file, const Terminal& terminal) {
         return kNamesAreBytes ? DecodeMarkedText(std::move(bytes))
                               : DecodeText(std::move(bytes), std::nullopt);
     } catch (const ReadError& error) {
-        throw Trouble((file == kStandardInput ? "standard input" : file) + ": " + error.what());
+        throw Trouble(ShownName(file) + ": " + error.what());
     }
 }
 
@@ -114,7 +118,7 @@ std::vector<std::string> FilesOf(const InputArguments& arguments, const Terminal
 
 std::string ReadFile(const std::string& file, const Terminal& terminal) {
     if (file == kStandardInput) {
-        return ReadAll(terminal.in, "standard input", 0);
+        return ReadAll(terminal.in, ShownName(file), 0);
     }
     std::error_code error;
     const std::filesystem::path path = PathOf(file);
@@ -132,7 +136,7 @@ std::string ReadFile(const std::string& file, const Terminal& terminal) {
 int WithDocument(const std::string& file, const ReadOptions& reading, const Terminal& terminal,
                  const std::function<int(const Machine& machine)>& take,
                  const std::function<void(const Unreadable& unreadable)>& refuse) {
-    const std::string shown = file == kStandardInput ? "standard input" : file;
+    const std::string shown = ShownName(file);
     std::optional<Machine> machine;
     try {
         machine = ReadDocument(ReadFile(file, terminal), reading);

@@ -82,7 +82,10 @@ std::string_view Row::NameAt(std::size_t index) const {
 }
 
 std::string_view Row::TextAt(std::size_t index) const {
-    const Field& field = fields_[index];
+    return TextOf(fields_[index]);
+}
+
+std::string_view Row::TextOf(const Field& field) const {
     return std::string_view(texts_).substr(field.text, field.end - field.text);
 }
 
@@ -132,7 +135,7 @@ std::string_view Row::Text(std::string_view name) {
     if (field == nullptr) {
         Refuse(name, "the element is missing");
     }
-    return std::string_view(texts_).substr(field->text, field->end - field->text);
+    return TextOf(*field);
 }
 
 template <class Number>
@@ -191,7 +194,7 @@ std::vector<std::string> Row::Numbered(std::string_view name, std::size_t first)
     texts.reserve(static_cast<std::size_t>(end - by_number.begin()));
     for (auto field = by_number.begin(); field != end; ++field) {
         (*field)->read = true;
-        texts.emplace_back(std::string_view(texts_).substr((*field)->text, (*field)->end - (*field)->text));
+        texts.emplace_back(TextOf(**field));
     }
     return texts;
 }

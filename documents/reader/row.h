@@ -54,6 +54,7 @@ private:
     };
 
     const Field* Find(std::string_view name);
+    std::string_view TextOf(const Field& field) const;
     template <class Number>
     Number NumberOf(std::string_view name, Number smallest, Number largest);
 
