@@ -63,8 +63,8 @@ struct Image {
 
 // A WMI property: a typed value, or the HRESULT with which reading it fails.
 struct WmiValue {
-    VARTYPE type = VT_NULL;  // scalar type, or VT_ARRAY | VT_BSTR
-    std::int64_t number = 0;
+    VARTYPE type = VT_NULL;   // scalar type, or VT_ARRAY | VT_BSTR
+    std::int64_t number = 0;  // of VT_UI8: the unsigned number with the same bits
     double real = 0;
     std::wstring text;
     std::vector<std::wstring> texts;

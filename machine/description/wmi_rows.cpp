@@ -5,6 +5,7 @@
 #include <oaidl.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <limits>
 #include <string>
@@ -48,14 +49,15 @@ constexpr Range RangeOf(VARTYPE type) {
 }
 
 constexpr Range kRanges[] = {
-    RangeOf<std::int8_t>(VT_I1),   RangeOf<std::uint8_t>(VT_UI1),
-    RangeOf<std::int16_t>(VT_I2),  RangeOf<std::uint16_t>(VT_UI2),
-    RangeOf<std::int32_t>(VT_I4),  RangeOf<std::uint32_t>(VT_UI4),
-    RangeOf<std::int32_t>(VT_INT), RangeOf<std::uint32_t>(VT_UINT),
-    RangeOf<std::int64_t>(VT_I8),  {VT_UI8, 0, std::numeric_limits<std::int64_t>::max()},
+    RangeOf<std::int8_t>(VT_I1),    RangeOf<std::uint8_t>(VT_UI1),   RangeOf<std::int16_t>(VT_I2),
+    RangeOf<std::uint16_t>(VT_UI2), RangeOf<std::int32_t>(VT_I4),    RangeOf<std::uint32_t>(VT_UI4),
+    RangeOf<std::int32_t>(VT_INT),  RangeOf<std::uint32_t>(VT_UINT), RangeOf<std::int64_t>(VT_I8),
 };
 
 std::int64_t Integer(const JsonCursor& cursor, VARTYPE type) {
+    if (type == VT_UI8) {
+        return static_cast<std::int64_t>(cursor.Number());
+    }
     const std::int64_t number =
         cursor.is_negative()
             ? cursor.Negative()
@@ -143,6 +145,8 @@ Json WriteTyped(const WmiValue& value, const Place& place) {
         case VT_R4:
         case VT_R8:
             return value.real;
+        case VT_UI8:
+            return static_cast<std::uint64_t>(value.number);
         case kTextArray:
             return List("", Text()).write(value.texts, place);
         default:

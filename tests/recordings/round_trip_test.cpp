@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <clocale>
+#include <limits>
 
 namespace {
 
@@ -49,6 +50,33 @@ TEST(RecordedUser, DevicesThatCannotBeRead_ReplayExactly) {
     recordings::WriteFolder(kScratch / "recorded-user", recording.text, kExamples / "uefi-workstation");
     EXPECT_THAT(recordings::DifferentOutputs(kScratch / "user", kScratch / "recorded-user"),
                 testing::IsEmpty());
+}
+
+machine::Description MachineWithProperty(const std::string& value) {
+    return machine::ParseDescription(R"({"wmi": {"Win32_OperatingSystem": [{"A": )" + value + "}]}}", "test");
+}
+
+TEST(RecordedNumber, UnsignedOf64Bits_ReplaysExactly) {
+    for (const char* number : {"9223372036854775807", "9223372036854775808", "18446744073709551615"}) {
+        const recordings::Recording recording = recordings::Record(
+            MachineWithProperty(std::string(R"({"type": "VT_UI8", "value": )") + number + "}"));
+        EXPECT_EQ(recordings::Unexplained(recording), "") << number;
+        EXPECT_THAT(recording.text, testing::HasSubstr(number));
+        EXPECT_EQ(recordings::Record(recording.machine).text, recording.text);
+    }
+}
+
+TEST(RecordedNumber, RealThatIsNone_IsNamedByTheProof) {
+    for (const double real :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+        machine::Description machine = MachineWithProperty("1.5");
+        for (machine::WmiProperty& property : machine.wmi[L"WIN32_OPERATINGSYSTEM"].instances.front()) {
+            property.value.real = property.name == L"A" ? real : property.value.real;
+        }
+        EXPECT_EQ(recordings::Unexplained(recordings::Record(machine)),
+                  "IWbemServices::ExecQuery on Win32_OperatingSystem: A one value here, another one there\n")
+            << real;
+    }
 }
 
 }  // namespace

@@ -24,9 +24,7 @@ machine::WmiValue ValueOf(const Part& part) {
     }
     const WmiType* type = FindWmiType(part.type);
     value.type = type == nullptr ? static_cast<VARTYPE>(VT_NULL) : type->type;
-    // A larger number cannot be described.
-    const bool too_large = value.type == VT_UI8 && part.value > INT64_MAX;
-    value.number = too_large ? INT64_MAX : static_cast<std::int64_t>(part.value);
+    value.number = static_cast<std::int64_t>(part.value);
     if (value.type == VT_BSTR) {
         value.text = machine::WideText(part.bytes);
     } else if (value.type == (VT_ARRAY | VT_BSTR)) {
@@ -38,7 +36,7 @@ machine::WmiValue ValueOf(const Part& part) {
         }
     } else if ((value.type == VT_R4 || value.type == VT_R8) && part.bytes.size() == sizeof(value.real)) {
         std::memcpy(&value.real, part.bytes.data(), sizeof(value.real));
-        // What is no number cannot be described.
+        // JSON has no infinity and no NaN.
         value.real = std::isfinite(value.real) ? value.real : 0;
     }
     return value;

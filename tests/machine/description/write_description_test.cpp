@@ -111,7 +111,8 @@ INSTANTIATE_TEST_SUITE_P(
             "WIN32_DISKDRIVE": [{"Index": 0, "Model": "M"}, {"Index": 1}],
             "WIN32_COMPUTERSYSTEM": {"breaks": {"after": 1, "error": 5}, "errors": {"IWbemServices::ExecQuery": 5}},
             "OWN": [{"A": null, "B": true, "C": -1, "D": 1.5, "E": ["x"], "F": {"type": "VT_UI8", "value": 5},
-                "G": {"type": "VT_EMPTY"}, "H": {"error": 5}}]}})"}),
+                "G": {"type": "VT_EMPTY"}, "H": {"error": 5},
+                "I": {"type": "VT_UI8", "value": 18446744073709551615}}]}})"}),
     [](const testing::TestParamInfo<Written>& form) { return std::string(form.param.name); });
 
 }  // namespace

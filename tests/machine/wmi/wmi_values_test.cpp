@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
 namespace machine_test {
@@ -10,7 +11,7 @@ namespace {
 TEST_F(Wmi, Values_HaveTheTypesOfTheDescription) {
     Start(R"({"wmi": {"Test_Class": [{"Text": "a\u00e4", "Number": -5, "Flag": true, "Nothing": null,
         "List": ["one", "two"], "Big": {"type": "VT_UI4", "value": 70000}, "Small": {"type": "VT_I2", "value": -60},
-        "Real": 2.5, "Broken": {"error": "0x80041003"}}]}})");
+        "Huge": {"type": "VT_UI8", "value": 18446744073709551615}, "Real": 2.5, "Broken": {"error": "0x80041003"}}]}})");
     First(L"test_class");
     EXPECT_EQ(Value(L"Text").vt, VT_BSTR);
     EXPECT_STREQ(Value(L"text").bstrVal, L"a\u00e4");
@@ -23,6 +24,8 @@ TEST_F(Wmi, Values_HaveTheTypesOfTheDescription) {
     EXPECT_EQ(Value(L"Big").ulVal, 70000u);
     EXPECT_EQ(Value(L"Small").vt, VT_I2);
     EXPECT_EQ(Value(L"Small").iVal, -60);
+    EXPECT_EQ(Value(L"Huge").vt, VT_UI8);
+    EXPECT_EQ(Value(L"Huge").ullVal, UINT64_MAX);
     EXPECT_EQ(Value(L"Real").dblVal, 2.5);
     const _variant_t list = Value(L"List");
     ASSERT_EQ(list.vt, VT_ARRAY | VT_BSTR);
