@@ -113,7 +113,6 @@ constexpr std::wstring_view kPartitionNames[] = {
     L"Microsoft reserved partition",
     L"LDM metadata partition",
     L"LDM data partition",
-    L"Storage pool",
 };
 
 bool IsAmong(std::span<const std::wstring_view> names, std::wstring_view name) {
