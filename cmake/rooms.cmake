@@ -60,8 +60,8 @@ orvane_room(NAME orvane_redact DIR machine/recorder/redact ROOT .
     PACKAGES orvane_json)
 include("${CMAKE_CURRENT_LIST_DIR}/document_rooms.cmake")
 orvane_room(NAME orvane_host DIR tools/orvane ROOT .
-    USES documents_commands orvane_redact orvane_prove orvane_describe orvane_observe orvane_session
-         orvane_simulation orvane_description
+    USES documents_commands documents_text orvane_redact orvane_prove orvane_describe orvane_observe
+         orvane_session orvane_simulation orvane_description
     PACKAGES orvane_json orvane_cli11
     LINKS advapi32)
 

@@ -97,20 +97,6 @@ TEST(Disagreement, AnswerThatDidNotCome_IsExplainedByAnErrorOfTheDescription) {
                     "explained: CreateFileW on PhysicalDrive1, no access: no answer here, error 121 there"));
 }
 
-TEST(Disagreement, NamesOfAnyCharacters_StayOnTheirLine) {
-    recorder::Observations recorded;
-    recorded.Add({{"QueryDosDeviceW", L"A\nB\x1B[2J\x7F", 0, 260}, {}});
-    recorder::Observations failing;
-    recorder::Answer failure;
-    failure.error = 2;
-    failing.Add({recorded.all().front().question, failure});
-    const auto findings = recorder::CompareAnswers(recorded, failing);
-    ASSERT_EQ(findings.size(), 1U);
-    EXPECT_EQ(
-        recorder::LineOf(findings.front()),
-        "unexplained: QueryDosDeviceW on A\\x0AB\\x1B[2J\\x7F, 260 characters: success here, error 2 there");
-}
-
 TEST(OutputComparison, ChangedLines_AreShownAndThoseThatChangeByThemselvesApart) {
     const std::string here = "a\n  <TotalFreeSpaces>1</TotalFreeSpaces>\nb\n";
     const std::string there = "a\n  <TotalFreeSpaces>2</TotalFreeSpaces>\nc\n";

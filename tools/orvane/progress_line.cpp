@@ -1,6 +1,7 @@
 #include "tools/orvane/progress_line.h"
 
 #include "common/windows.h"
+#include "documents/text/utf8.h"
 
 #include <io.h>
 
@@ -33,7 +34,7 @@ void ProgressLine::Show(const std::string& text) {
 }
 
 void ProgressLine::Overwrite(const std::string& text) {
-    std::string line = text.substr(0, kWidth);
+    std::string line = documents::Escaped(text).substr(0, kWidth);
     line.resize(kWidth, ' ');
     errors_ << '\r' << line << std::flush;
 }

@@ -1,5 +1,6 @@
 #include "tools/orvane/record_command.h"
 
+#include "documents/text/utf8.h"
 #include "machine/description/text.h"
 #include "machine/recorder/describe/describe.h"
 #include "machine/recorder/describe/replay.h"
@@ -136,7 +137,7 @@ bool Report(const Findings& findings, std::ostream& out) {
     for (const Kind kind : {Kind::kUnexplained, Kind::kExplained, Kind::kChanging}) {
         for (const recorder::Finding& finding : findings) {
             if (finding.kind == kind) {
-                out << recorder::LineOf(finding) << '\n';
+                out << documents::Escaped(recorder::LineOf(finding)) << '\n';
             }
         }
     }

@@ -66,22 +66,6 @@ Finding::Kind KindOf(Agreement agreement, const Observation& own, const Answer& 
     return ChangesByItself(own, other) ? Finding::Kind::kChanging : Finding::Kind::kUnexplained;
 }
 
-// A broken machine has names of any characters, which must neither break the line nor control the terminal.
-std::string Visible(const std::string& text) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    constexpr unsigned char kDelete = 0x7F;
-    std::string visible;
-    for (const char c : text) {
-        const auto code = static_cast<unsigned char>(c);
-        if (code < ' ' || code == kDelete) {
-            visible += {'\\', 'x', kDigits[code >> 4], kDigits[code & 15]};
-        } else {
-            visible += c;
-        }
-    }
-    return visible;
-}
-
 // A difference that the same call on the same object has with one or more sizes of the buffer.
 struct Group {
     Finding::Kind kind;
@@ -126,16 +110,15 @@ std::vector<Finding> CompareAnswers(const Observations& recorded, const Observat
 }
 
 std::string LineOf(const Finding& finding) {
-    const std::string text = Visible(finding.text);
     switch (finding.kind) {
         case Finding::Kind::kExplained:
-            return "explained: " + text;
+            return "explained: " + finding.text;
         case Finding::Kind::kChanging:
-            return "changes by itself: " + text;
+            return "changes by itself: " + finding.text;
         case Finding::Kind::kUnexplained:
             break;
     }
-    return "unexplained: " + text;
+    return "unexplained: " + finding.text;
 }
 
 }  // namespace recorder

@@ -16,7 +16,7 @@ struct Finding {
         kChanging,   // a value that changes by itself: free space, times, clock speed
     };
     Kind kind = Kind::kUnexplained;
-    std::string text;  // one line, UTF-8
+    std::string text;  // UTF-8; names in it may have any characters
 };
 
 // The questions that the description answers otherwise, call by call: "IOCTL_DISK_GET_DRIVE_LAYOUT_EX on
@@ -29,7 +29,7 @@ using ShownLine = std::function<std::string(const std::string& line)>;
 std::vector<Finding> CompareOutputs(const std::string& subject, const std::string& recorded,
                                     const std::string& described, const ShownLine& shown = std::identity());
 
-// "unexplained: TEXT", with the word for the kind. Control characters are written as \x0A.
+// "unexplained: TEXT", with the word for the kind, to be escaped where it is printed.
 std::string LineOf(const Finding& finding);
 
 }  // namespace recorder

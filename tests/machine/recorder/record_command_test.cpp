@@ -12,8 +12,10 @@
 #include <tlhelp32.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <fstream>
 #include <sstream>
+#include <string>
 
 namespace {
 
@@ -93,6 +95,18 @@ TEST_F(RecordCommand, MachineThatCannotBeDescribed_IsNoBadArgument) {
     std::istringstream in;
     EXPECT_EQ(host::Run({L"prove", file.wstring()}, {in, out_, errors_, false, {}}), host::kExitFailed);
     EXPECT_THAT(errors_.str(), HasSubstr("the machine cannot be described"));
+}
+
+TEST_F(RecordCommand, NamesOfAnyCharacters_ArePrintedInTheirLineEscaped) {
+    const std::filesystem::path file = folder_ / "observations.json";
+    recorder::Observations observations;
+    observations.Add({{"QueryDosDeviceW", L"A\nB\x1B[2J\x7F\x202E", 0, 260}, {}});
+    std::ofstream(file, std::ios::binary) << recorder::ObservationsText(observations);
+    EXPECT_EQ(host::Prove({file}, out_, errors_), host::kExitUnproved);
+    const std::string text = out_.str();
+    EXPECT_THAT(text, StartsWith("unexplained: QueryDosDeviceW on A\\u000AB\\u001B[2J\\u007F\\u202E, 260 "));
+    constexpr std::ptrdiff_t kLines = 2;  // the finding and the result
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), kLines);
 }
 
 BOOL WINAPI NoMember(HANDLE /*token*/, PSID /*group*/, PBOOL member) {
