@@ -18,14 +18,14 @@ double MedianOf(std::vector<double> figures) {
     return *middle;
 }
 
-double RatioOf(const Work& measured, const Work& reference, std::size_t rounds) {
+double RatioOf(const Work& measured, const Work& reference, std::size_t rounds, Stopwatch seconds_of) {
     std::vector<double> ratios;
     for (std::size_t round = 0; round <= rounds; ++round) {
         // The one that runs second finds warmer caches, so the order alternates too.
         const bool reference_first = round % 2 == 0;
-        const double before = reference_first ? SecondsOf(reference) : 0;
-        const double seconds = SecondsOf(measured);
-        const double after = reference_first ? 0 : SecondsOf(reference);
+        const double before = reference_first ? seconds_of(reference) : 0;
+        const double seconds = seconds_of(measured);
+        const double after = reference_first ? 0 : seconds_of(reference);
         if (round > 0) {
             ratios.push_back(seconds / (before + after));
         }
