@@ -59,17 +59,6 @@ Bytes DataOf(const JsonCursor& value, std::uint32_t type) {
     return data;
 }
 
-// The texts of a multi-string, or of a string, which has one.
-std::vector<std::wstring> TextsIn(const Bytes& data) {
-    const std::wstring all = WideText(data);
-    std::vector<std::wstring> texts;
-    for (std::size_t start = 0, end = 0; (end = all.find(L'\0', start)) != std::wstring::npos;
-         start = end + 1) {
-        texts.push_back(all.substr(start, end - start));
-    }
-    return texts;
-}
-
 Json HexBytes(const Bytes& bytes) {
     std::string text;
     for (const std::uint8_t byte : bytes) {
@@ -97,7 +86,7 @@ RegistryValue ReadValue(const JsonCursor& cursor, const Place& place) {
 
 // Text, numbers and lists as such, if that gives the same data; else the bytes.
 Json WriteValue(const RegistryValue& value, const Place& place) {
-    std::vector<std::wstring> texts = TextsIn(value.data);
+    std::vector<std::wstring> texts = TerminatedTexts(WideText(value.data));
     Bytes same;
     for (const std::wstring& text : texts) {
         AppendText(same, text);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 
@@ -54,6 +55,16 @@ std::wstring WideText(const std::vector<std::uint8_t>& bytes) {
     std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
     std::copy_n(bytes.begin(), text.size() * sizeof(wchar_t), reinterpret_cast<std::uint8_t*>(text.data()));
     return text;
+}
+
+std::vector<std::wstring> TerminatedTexts(std::wstring_view all) {
+    std::vector<std::wstring> texts;
+    while (!all.empty()) {
+        const std::size_t end = std::min(all.find(L'\0'), all.size());
+        texts.emplace_back(all.substr(0, end));
+        all.remove_prefix(std::min(end + 1, all.size()));
+    }
+    return texts;
 }
 
 std::wstring Folded(std::wstring_view text) {

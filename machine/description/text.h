@@ -16,6 +16,9 @@ std::string Narrow(std::wstring_view text);
 // The text whose UTF-16 units the bytes are. An odd byte at the end belongs to no unit.
 std::wstring WideText(const std::vector<std::uint8_t>& bytes);
 
+// The texts of which each ends with a terminator, empty ones too. The last text may lack its terminator.
+std::vector<std::wstring> TerminatedTexts(std::wstring_view all);
+
 // Converts to upper case by the rules with which object and device names are compared.
 std::wstring Folded(std::wstring_view text);
 

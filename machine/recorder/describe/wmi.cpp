@@ -28,12 +28,7 @@ machine::WmiValue ValueOf(const Part& part) {
     if (value.type == VT_BSTR) {
         value.text = machine::WideText(part.bytes);
     } else if (value.type == (VT_ARRAY | VT_BSTR)) {
-        std::wstring all = machine::WideText(part.bytes);
-        for (std::size_t first = 0; first < all.size();) {
-            const std::size_t end = std::min(all.find(L'\0', first), all.size());
-            value.texts.push_back(all.substr(first, end - first));
-            first = end + 1;
-        }
+        value.texts = machine::TerminatedTexts(machine::WideText(part.bytes));
     } else if ((value.type == VT_R4 || value.type == VT_R8) && part.bytes.size() == sizeof(value.real)) {
         std::memcpy(&value.real, part.bytes.data(), sizeof(value.real));
         // JSON has no infinity and no NaN.

@@ -3,19 +3,12 @@
 #include "machine/description/text.h"
 
 #include <algorithm>
-#include <cstddef>
 
 namespace recorder {
 
 std::vector<std::wstring> TextsOf(const Bytes& bytes) {
-    std::vector<std::wstring> texts;
-    const std::wstring all = machine::WideText(bytes);
-    std::size_t first = 0;
-    while (first < all.size() && all[first] != L'\0') {
-        const std::size_t end = std::min(all.find(L'\0', first), all.size());
-        texts.push_back(all.substr(first, end - first));
-        first = end + 1;
-    }
+    std::vector<std::wstring> texts = machine::TerminatedTexts(machine::WideText(bytes));
+    texts.erase(std::find(texts.begin(), texts.end(), L""), texts.end());
     return texts;
 }
 

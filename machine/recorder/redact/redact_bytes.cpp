@@ -155,13 +155,11 @@ void RedactGeometry(Structure& structure) {
 Bytes RedactedTexts(Content content, const Bytes& bytes, Replacements& replacements) {
     const std::wstring all = machine::WideText(bytes);
     std::wstring redacted;
-    for (std::size_t first = 0; first < all.size();) {
-        const std::size_t end = std::min(all.find(L'\0', first), all.size());
-        redacted += RedactedText(content, all.substr(first, end - first), replacements);
-        redacted.append(end < all.size() ? 1 : 0, L'\0');
-        first = end + 1;
+    for (const std::wstring& text : machine::TerminatedTexts(all)) {
+        redacted += RedactedText(content, text, replacements) + L'\0';
     }
-    Bytes result(bytes.size());  // an odd byte at the end is part of no unit and becomes 0
+    redacted.resize(all.size());  // without a terminator that the last text did not have
+    Bytes result(bytes.size());   // an odd byte at the end is part of no unit and becomes 0
     std::copy_n(reinterpret_cast<const std::uint8_t*>(redacted.data()), redacted.size() * sizeof(wchar_t),
                 result.begin());
     return result;

@@ -15,6 +15,15 @@ std::wstring Chars(const wchar_t* text, std::size_t count) {
     return {text, count};
 }
 
+// Of a list that an empty text ends.
+std::vector<std::wstring> TextsOf(const wchar_t* list) {
+    std::vector<std::wstring> texts;
+    for (; *list != L'\0'; list += texts.back().size() + 1) {
+        texts.emplace_back(list);
+    }
+    return texts;
+}
+
 TEST(VolumePathNames, ExactlyFitting_IsCopiedWithItsLength) {
     Machine machine(SmallMachine());
     const std::wstring expected(L"D:\\\0C:\\Data\\Archive\\\0", 4 + 17 + 1);
@@ -119,10 +128,7 @@ TEST(QueryDosDevice, NullName_ListsAllNames) {
     std::vector<wchar_t> names(4096);
     const DWORD length = machine.kernel.QueryDosDeviceW(nullptr, names.data(), 4096);
     ASSERT_GT(length, 0u);
-    std::vector<std::wstring> listed;
-    for (const wchar_t* name = names.data(); *name != 0; name += listed.back().size() + 1) {
-        listed.emplace_back(name);
-    }
+    const std::vector<std::wstring> listed = TextsOf(names.data());
     for (const wchar_t* expected :
          {L"C:", L"D:", L"E:", L"PhysicalDrive0", L"PhysicalDrive3", L"HarddiskVolume3",
           L"Volume{00000000-0000-0000-0000-000000000004}", L"NUL"}) {
@@ -147,11 +153,7 @@ TEST(QueryDosDevice, DescribedDevice_IsListedBesideTheDerivedOnes) {
 std::vector<std::wstring> ListedBy(Machine& machine) {
     std::vector<wchar_t> names(4096);
     machine.kernel.QueryDosDeviceW(nullptr, names.data(), 4096);
-    std::vector<std::wstring> listed;
-    for (const wchar_t* name = names.data(); *name != 0; name += listed.back().size() + 1) {
-        listed.emplace_back(name);
-    }
-    return listed;
+    return TextsOf(names.data());
 }
 
 TEST(QueryDosDevice, DescribedTarget_ReplacesTheDerivedOne) {

@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 #include <winioctl.h>
 
+#include <algorithm>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -124,17 +126,23 @@ TEST(RedactedBytes, ValueThatIsCutOff_BecomesZeros) {
     }
 }
 
-TEST(RedactedBytes, ListOfTexts_KeepsItsTerminators) {
-    const std::wstring list(L"C:\\\0C:\\Wessling\\\0\0", 18);
+std::wstring RedactedPaths(const std::wstring& list, Replacements& replacements) {
     Bytes bytes(list.size() * sizeof(wchar_t));
     std::memcpy(bytes.data(), list.data(), bytes.size());
+    return machine::WideText(Redacted(Form::kPaths, bytes, replacements));
+}
+
+TEST(RedactedBytes, ListOfTexts_KeepsItsTerminators) {
     Replacements replacements;
-    const Bytes redacted = Redacted(Form::kPaths, bytes, replacements);
-    std::wstring made(list.size(), L'\0');
-    ASSERT_EQ(redacted.size(), bytes.size());
-    std::memcpy(made.data(), redacted.data(), redacted.size());
-    EXPECT_EQ(made,
+    const std::wstring redacted = RedactedPaths(std::wstring(L"C:\\\0C:\\Wessling\\\0\0", 18), replacements);
+    EXPECT_EQ(redacted,
               std::wstring(L"C:\\\0C:\\", 7) + replacements.Text(L"Wessling") + std::wstring(L"\\\0\0", 3));
+}
+
+TEST(RedactedBytes, LastTextWithoutTerminator_GetsNone) {
+    Replacements replacements;
+    const std::wstring redacted = RedactedPaths(std::wstring(L"C:\\\0C:\\Wessling", 15), replacements);
+    EXPECT_EQ(redacted, std::wstring(L"C:\\\0C:\\", 7) + replacements.Text(L"Wessling"));
 }
 
 }  // namespace
