@@ -14,23 +14,32 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 COMMON_LICENCES = pathlib.Path("/usr/share/common-licenses")
 SYSTEMS = ("windows", "linux")
 # The package that a library is needed from, or whose source text becomes part of a program.
-RELATIONS = {"linked": "STATIC_LINK", "headers": "CONTAINS"}
+RELATIONS = {"linked": "STATIC_LINK", "headers": "CONTAINS", "copied": "CONTAINS"}
 
 
 class Component:
-    """A row of the table, with the package as it is installed."""
+    """A row of the table, with the package as it is installed or was when it was copied."""
 
     def __init__(self, row, installed):
-        unknown = set(row) - {"name", "package", "licence", "notice", *SYSTEMS}
+        unknown = set(row) - {"name", "package", "version", "licence", "notice", *SYSTEMS}
         if unknown:
             raise ValueError(f"components.toml: unknown keys {unknown}")
         self.name, self.licence = row["name"], row["licence"]
         self.uses = {system: row[system] for system in SYSTEMS if system in row}
-        found = sorted(name for name in installed if fnmatch.fnmatchcase(name, row["package"]))
-        if len(found) != 1:
-            raise ValueError(f"components.toml: {row['package']} is {len(found)} installed packages")
-        self.package, self.version = found[0], installed[found[0]]
-        self.notice = ROOT / row["notice"] if "notice" in row else pathlib.Path("/usr/share/doc", found[0], "copyright")
+        self.copied = "copied" in self.uses.values()
+        if self.copied:
+            self.package, self.version = row["package"], row["version"]
+        else:
+            self.package = installed_package(row["package"], installed)
+            self.version = installed[self.package]
+        self.notice = ROOT / row["notice"] if "notice" in row else pathlib.Path("/usr/share/doc", self.package, "copyright")
+
+
+def installed_package(pattern, installed):
+    found = [name for name in installed if fnmatch.fnmatchcase(name, pattern)]
+    if len(found) != 1:
+        raise ValueError(f"components.toml: {pattern} is {len(found)} installed packages")
+    return found[0]
 
 
 def packages_of(files):
@@ -92,8 +101,12 @@ def bill(version, when, files):
         "documentNamespace": f"urn:uuid:{unique}",
         "creationInfo": {"created": time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(when)),
                          "creators": [f"Tool: orvane-package-{version}"]},
-        "hasExtractedLicensingInfos": [{"licenseId": "LicenseRef-public-domain", "name": "Public domain",
-                                        "extractedText": "Parts of the MinGW-w64 runtime are in the public domain."}],
+        "hasExtractedLicensingInfos": [
+            {"licenseId": "LicenseRef-public-domain", "name": "Public domain",
+             "extractedText": "Parts of the MinGW-w64 runtime are in the public domain."},
+            *({"licenseId": component.licence, "name": component.name, "extractedText": component.notice.read_text()}
+              for component in components if component.copied),
+        ],
         "packages": packages, "relationships": relations,
     }
     return json.dumps(document, indent=2) + "\n"

@@ -1,5 +1,6 @@
 #!/usr/bin/env -S python3 -B
-"""packaging/components.toml has what was linked, by the linker maps, and the headers that were read, by Ninja: no more."""
+"""packaging/components.toml has what was linked, by the linker maps, the headers that were read, by Ninja, and the copies in
+the sources, by the notices beside them: no more."""
 
 import os
 import pathlib
@@ -54,8 +55,14 @@ class Components(unittest.TestCase):
                 read = set(components.packages_of(headers(build)))
                 self.assertTrue(archives and read)
                 found = {name: "linked" if name in archives else "headers" for name in archives | read}
-                table = {row.package: row.uses[system] for row in components.read() if system in row.uses}
+                table = {row.package: row.uses[system] for row in components.read()
+                         if system in row.uses and not row.copied}
                 self.assertEqual(table, found)
+
+    def test_table_has_the_notice_of_every_copy_in_the_sources(self):
+        told = subprocess.run(["git", "ls-files", "*.copyright"], cwd=ROOT, stdout=subprocess.PIPE, text=True, check=True)
+        self.assertEqual({row.notice.relative_to(ROOT).as_posix() for row in components.read() if row.copied},
+                         set(told.stdout.split()))
 
     def test_notices_have_the_text_of_every_work(self):
         for system in BUILDS:
@@ -80,6 +87,9 @@ class Components(unittest.TestCase):
             inside = {names[row["relatedSpdxElement"]] for row in bill["relationships"]
                       if names.get(row["spdxElementId"]) == file.name}
             self.assertEqual(inside, {row.package for row in components.read() if system in row.uses})
+        used = " ".join(package["licenseDeclared"] for package in bill["packages"])
+        self.assertEqual({row["licenseId"] for row in bill["hasExtractedLicensingInfos"]},
+                         set(re.findall(r"LicenseRef-[\w.-]+", used)))
 
 
 if __name__ == "__main__":
