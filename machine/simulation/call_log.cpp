@@ -39,7 +39,13 @@ std::vector<std::wstring> CallLog::ObjectsOf(const std::string& name) const {
     return objects;
 }
 
+void CallLog::Clear() noexcept {
+    records_.clear();
+    names_.clear();
+}
+
 void CallLog::Add(CallRecord record) {
+    names_.insert(record.name);
     if (kept_) {
         records_.push_back(std::move(record));
     }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,8 +32,11 @@ public:
     // The object of every call with this name, in order.
     std::vector<std::wstring> ObjectsOf(const std::string& name) const;
 
-    // Removes the records. Ordinals continue after the last one.
-    void Clear() noexcept { records_.clear(); }
+    // The names of all calls since the log was cleared, also of those that were not recorded.
+    const std::set<std::string>& names() const noexcept { return names_; }
+
+    // Removes the records and the names. Ordinals continue after the last one.
+    void Clear() noexcept;
 
     // Turns recording on or off; long runs turn it off.
     void SetKept(bool kept) noexcept { kept_ = kept; }
@@ -43,6 +47,7 @@ public:
 
 private:
     std::vector<CallRecord> records_;
+    std::set<std::string> names_;
     std::size_t last_ordinal_ = 0;
     bool kept_ = true;
 };

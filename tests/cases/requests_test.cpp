@@ -13,9 +13,13 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
+#include <set>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -45,7 +49,8 @@ const Entry kEntries[] = {
 struct Asked {
     std::map<std::string, std::set<std::string>, std::less<>> kinds;
     std::set<std::wstring> opened;
-    std::set<std::string> wmi_methods;
+    std::set<std::wstring> unknown;  // opened, and not a disk or a volume that the machine reports
+    std::set<std::string> readings;  // in the words of support/security_page.h
     std::set<std::wstring> wmi_namespaces;
 };
 
@@ -61,8 +66,52 @@ void Capture(const host::OrvaneLibrary& library, const std::filesystem::path& fo
     library.CaptureSystemRestorePointInfo(buffer.data(), needed, &needed);
 }
 
-void Ask(Asked& asked, const std::filesystem::path& folder, const Entry& entry) {
+// The volumes of a machine by all names that can be opened.
+std::set<std::wstring> VolumeNames(const machine::Description& machine) {
+    std::set<std::wstring> names;
+    for (const machine::Volume& volume : machine.volumes) {
+        names.insert({L"\\\\?\\Volume" + volume.guid, L"\\\\?\\GLOBALROOT" + volume.device});
+        for (const machine::VolumeAlias& alias : volume.aliases) {
+            names.insert(L"\\\\?\\Volume" + alias.guid);
+        }
+        for (const std::wstring& mount_point : volume.mount_points) {
+            names.insert(L"\\\\.\\" + mount_point.substr(0, mount_point.size() - 1));
+        }
+    }
+    return names;
+}
+
+void NoteOpened(Asked& asked, const std::set<std::wstring>& opened) {
+    asked.opened.insert(opened.begin(), opened.end());
+    const std::set<std::wstring> volumes = VolumeNames(machine::Simulation::Current()->machine());
+    for (std::wstring name : opened) {
+        name.resize(name.size() - (name.ends_with(L'\\') ? 1 : 0));
+        if (!name.starts_with(L"\\\\.\\PhysicalDrive") && !volumes.contains(name)) {
+            asked.unknown.insert(name);
+        }
+    }
+}
+
+void NoteReadings(Asked& asked, const machine::CallLog& calls) {
+    asked.readings.merge(support::ReadingsOf(calls.names()));
+    for (const char* const call : {"ZwOpenDirectoryObject", "IWbemServices::ExecQuery"}) {
+        for (const std::wstring& directory_or_class : calls.ObjectsOf(call)) {
+            asked.readings.insert(machine::Narrow(directory_or_class));
+        }
+    }
+    for (const std::wstring& name_space : calls.ObjectsOf("IWbemLocator::ConnectServer")) {
+        asked.wmi_namespaces.insert(name_space);
+    }
+}
+
+// `missing`: a function that the system does not have.
+void Ask(Asked& asked, const std::filesystem::path& folder, const Entry& entry,
+         const char* missing = nullptr) {
     const host::LibrarySession session(folder);
+    machine::Simulation& simulation = *machine::Simulation::Current();
+    if (missing != nullptr) {
+        simulation.description().missing.insert(missing);
+    }
     const host::OrvaneLibrary& library = session.library();
     support::WatchRequests(library.module());
     support::RequestsOfLibrary().Clear();
@@ -73,15 +122,8 @@ void Ask(Asked& asked, const std::filesystem::path& folder, const Entry& entry) 
     }
     const support::Requests& requests = support::RequestsOfLibrary();
     asked.kinds[entry.name].insert(requests.kinds.begin(), requests.kinds.end());
-    asked.opened.insert(requests.opened.begin(), requests.opened.end());
-    for (const machine::CallRecord& record : machine::Simulation::Current()->calls().records()) {
-        if (record.family == machine::CallFamily::kCom) {
-            asked.wmi_methods.insert(record.name);
-        }
-        if (record.name == "IWbemLocator::ConnectServer") {
-            asked.wmi_namespaces.insert(record.object);
-        }
-    }
+    NoteOpened(asked, requests.opened);
+    NoteReadings(asked, simulation.calls());
 }
 
 const Asked& AskedOnAllMachines() {
@@ -91,6 +133,10 @@ const Asked& AskedOnAllMachines() {
             for (const Entry& entry : kEntries) {
                 Ask(all, folder, entry);
             }
+        }
+        // Windows 7 has another function instead.
+        for (const Entry& entry : kEntries) {
+            Ask(all, kRoot / "examples/machines/bios-laptop", entry, "GetFirmwareType");
         }
         return all;
     }();
@@ -158,22 +204,27 @@ TEST(Requests, OfChangingFunctions_AreNotedAndNotCarriedOut) {
     }
 }
 
+TEST(Requests, Readings_AreThoseOfSecurityMd) {
+    EXPECT_EQ(AskedOnAllMachines().readings, SecurityPage::Read(kRoot / "SECURITY.md").readings);
+}
+
 TEST(Requests, OpenedNames_AreDisksVolumesAndDevices) {
-    const std::wregex known(
-        LR"(\\\\\.\\PhysicalDrive\d+|\\\\\?\\Volume\{[0-9a-fA-F-]{36}\}\\?|\\\\\.\\[A-Z]:|)"
-        LR"(\\\\\?\\GLOBALROOT\\Device\\[^\\]+)");
     for (const std::wstring& name : AskedOnAllMachines().opened) {
-        EXPECT_TRUE(std::regex_match(name, known)) << machine::Narrow(name);
+        EXPECT_TRUE(support::IsDiskOrVolume(name)) << machine::Narrow(name);
+    }
+    for (const wchar_t* const other :
+         {L"", L"C:\\pagefile.sys", L"\\\\.\\C:\\pagefile.sys", L"\\\\.\\PhysicalDrive", L"\\\\server\\share",
+          L"\\\\.\\pipe\\x", L"CONOUT$"}) {
+        EXPECT_FALSE(support::IsDiskOrVolume(other)) << machine::Narrow(other);
     }
 }
 
-TEST(Requests, WmiMethods_OnlyRead) {
-    EXPECT_THAT(AskedOnAllMachines().wmi_methods,
-                testing::ElementsAre("IClassFactory::CreateInstance", "IClientSecurity::SetBlanket",
-                                     "IEnumWbemClassObject::Next", "IEnumWbemClassObject::Reset",
-                                     "IWbemClassObject::Get", "IWbemLocator::ConnectServer",
-                                     "IWbemServices::ExecQuery"));
-    // Without a computer's name: the machine itself.
+TEST(Requests, OpenedVolumes_AreThoseOfTheMachine) {
+    EXPECT_THAT(AskedOnAllMachines().unknown, IsEmpty());
+}
+
+// Without a computer's name: the machine itself.
+TEST(Requests, WmiNamespace_IsOfThisMachine) {
     EXPECT_THAT(AskedOnAllMachines().wmi_namespaces, testing::ElementsAre(L"root\\cimv2"));
 }
 

@@ -3,7 +3,6 @@
 
 #include "common/windows.h"
 #include "faults/case_runner.h"
-#include "support/request_watch.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +16,7 @@ std::vector<std::string> RunCold(machine::Simulation& simulation, const std::fil
                                  const EntryPoint& entry, std::size_t ordinal, bool from_there_on,
                                  std::size_t& steps) {
     const Library library(file);
-    support::RequestsOfLibrary().Clear();
+    ForgetRequests();
     const Balance before = Watch().balance;
     Meter& allocations = Watch().allocations;
     allocations.Arm(ordinal, from_there_on);

@@ -2,10 +2,12 @@
 
 #include "faults/import_hooks.h"
 #include "machine/simulation/redirect.h"
+#include "machine/simulation/simulation.h"
 #include "support/request_watch.h"
 #include "support/security_page.h"
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -33,9 +35,19 @@ Library::Library(const std::filesystem::path& file) : host::OrvaneLibrary(file) 
     support::WatchRequests(module());
 }
 
+void ForgetRequests() {
+    support::RequestsOfLibrary().Clear();
+    machine::Simulation::Current()->calls().Clear();
+}
+
 bool AskedOnlyWhatIsDocumented(const EntryPoint& entry) {
     static const auto page = support::SecurityPage::Read(ORVANE_SOURCE_DIR "/SECURITY.md");
-    return page.Covers(entry.name, support::RequestsOfLibrary().kinds);
+    const support::Requests& requests = support::RequestsOfLibrary();
+    const std::set<std::string> readings =
+        support::ReadingsOf(machine::Simulation::Current()->calls().names());
+    return page.Covers(entry.name, requests.kinds) &&
+           std::includes(page.readings.begin(), page.readings.end(), readings.begin(), readings.end()) &&
+           std::all_of(requests.opened.begin(), requests.opened.end(), &support::IsDiskOrVolume);
 }
 
 const EntryPoint& FindEntryPoint(std::string_view name) {

@@ -22,8 +22,11 @@ struct EntryPoint {
     decltype(&::WMIDumpInfo) host::OrvaneLibrary::*dump = nullptr;
 };
 
-// True if everything that the library asked of the system since the requests were cleared
-// (support/request_watch.h) is what SECURITY.md says of this entry point.
+// Forgets what the library asked of the system and of WMI so far.
+void ForgetRequests();
+
+// True if everything that the library asked since then is what SECURITY.md says: the requests of this entry
+// point and the opened names (support/request_watch.h), and the calls to the simulation.
 bool AskedOnlyWhatIsDocumented(const EntryPoint& entry);
 
 // Throws std::invalid_argument.

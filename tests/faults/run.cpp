@@ -3,7 +3,6 @@
 #include "faults/com_memory.h"
 #include "faults/dom_hooks.h"
 #include "support/disk_addresses.h"
-#include "support/request_watch.h"
 #include "support/xml_tree.h"
 
 #include <exception>
@@ -96,7 +95,7 @@ Bench::~Bench() {
 
 Outcome Bench::Call() {
     ResetGuids();
-    support::RequestsOfLibrary().Clear();
+    ForgetRequests();
     log_of_call.lines.clear();
     log_of_call.errors = 0;
     log_of_call.keep = entry_.format == 0;

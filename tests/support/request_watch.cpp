@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <iterator>
 #include <map>
+#include <regex>
 #include <stdexcept>
 #include <utility>
 
@@ -228,6 +229,22 @@ void Requests::Clear() {
 
 Requests& RequestsOfLibrary() {
     return requests;
+}
+
+bool IsDiskOrVolume(const std::wstring& name) {
+    static const std::wregex known(
+        LR"(\\\\\.\\PhysicalDrive\d+|\\\\\?\\Volume\{[0-9a-fA-F-]{36}\}\\?|\\\\\.\\[A-Z]:|)"
+        LR"(\\\\\?\\GLOBALROOT\\Device\\[^\\]+)");
+    // The fault tests ask for the same few names again and again.
+    static std::set<std::wstring> matched;
+    if (matched.contains(name)) {
+        return true;
+    }
+    const bool matches = std::regex_match(name, known);
+    if (matches) {
+        matched.insert(name);
+    }
+    return matches;
 }
 
 void WatchRequests(HMODULE module) {

@@ -27,6 +27,10 @@ struct Requests {
 
 Requests& RequestsOfLibrary();
 
+// True for the name of a disk, of a volume, or of a volume's device: "\\.\PhysicalDrive0", "\\?\Volume{GUID}"
+// with or without a backslash at its end, "\\.\C:", "\\?\GLOBALROOT\Device\HarddiskVolume1".
+bool IsDiskOrVolume(const std::wstring& name);
+
 // Watches a module from now on until it is unloaded. It must have been put on the simulation, and no export
 // may have been called yet: the first call looks functions up. Throws std::runtime_error if the module does
 // not import a watched function.

@@ -11,6 +11,7 @@ namespace support {
 namespace {
 
 constexpr const char* kAsked = "## What it asks of the system";
+constexpr const char* kRead = "## What it reads";
 constexpr const char* kNeverReached = "## Functions that no export reaches";
 
 // The cells of a row of a table; none of another line.
@@ -74,11 +75,13 @@ SecurityPage SecurityPage::Read(const std::filesystem::path& file) {
         }
         if (section == kAsked) {
             AddRequests(page, cells);
+        } else if (section == kRead) {
+            page.readings.merge(Quoted(cells.at(0)));
         } else if (section == kNeverReached) {
             page.never_reached.merge(Quoted(cells.at(0)));
         }
     }
-    if (page.requests.empty() || page.never_reached.empty()) {
+    if (page.requests.empty() || page.readings.empty() || page.never_reached.empty()) {
         throw std::runtime_error("SECURITY.md lacks one of its tables");
     }
     return page;
@@ -89,6 +92,15 @@ bool SecurityPage::Covers(std::string_view entry, const std::set<std::string>& k
     return documented == requests.end() ? kinds.empty()
                                         : std::includes(documented->second.begin(), documented->second.end(),
                                                         kinds.begin(), kinds.end());
+}
+
+std::set<std::string> ReadingsOf(const std::set<std::string>& calls) {
+    constexpr std::string_view kControl = "DeviceIoControl";
+    std::set<std::string> readings;
+    for (const std::string& call : calls) {
+        readings.insert(call.starts_with(kControl) ? std::string(kControl) : call);
+    }
+    return readings;
 }
 
 }  // namespace support
