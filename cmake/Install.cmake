@@ -18,16 +18,19 @@ install(FILES
     "${PROJECT_BINARY_DIR}/package/OrvaneConfigVersion.cmake"
     DESTINATION "${package_dir}")
 
-# The same folders as in the source, so that the links between pages work.
+# The same folders as in the source, so that the links between pages work. Links to sources and tests lead out of the
+# archive.
 set(documentation_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc/orvane")
-install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION "${documentation_dir}")
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md DESTINATION "${documentation_dir}")
 install(DIRECTORY docs DESTINATION "${documentation_dir}"
     FILES_MATCHING PATTERN "*.md" PATTERN "*.xsd" PATTERN "*.schema.json" PATTERN "*.png")
 install(FILES examples/agent.c DESTINATION "${documentation_dir}/examples")
-# The list is in the host, with this licence.
+# The published lists of docs/redaction.md. The words are those of others, with this licence.
 install(FILES
     machine/recorder/redact/everyday_words.copyright
     machine/recorder/redact/everyday_words.inc
-    machine/recorder/redact/known_names.cpp
+    DESTINATION "${documentation_dir}/machine/recorder/redact")
+# The names are this project's own.
+install(FILES machine/recorder/redact/known_names.cpp
     DESTINATION "${documentation_dir}/machine/recorder/redact")
 install(DIRECTORY examples/machines DESTINATION "${documentation_dir}/examples")

@@ -67,10 +67,10 @@ class Archives(unittest.TestCase):
         self.assertEqual(sums, {file.name: hashlib.sha256(file.read_bytes()).hexdigest() for file in archives})
 
     def test_programs_come_with_notices_and_pages(self):
-        pages = [page.relative_to(ROOT) for page in sorted(ROOT.glob("docs/*.*"))]
+        pages = [page.relative_to(ROOT) for page in sorted([*ROOT.glob("*.md"), *ROOT.glob("docs/*.*")])]
         for system, files in (("windows-x64", []), ("linux-x64", ["../../man/man1/orvane.1"])):
             names = {row[0] for row in read(f"orvane-{VERSION}-{system}")}
-            for file in ["THIRD-PARTY-NOTICES", "README.md", "CHANGELOG.md", "SECURITY.md", *pages, *files]:
+            for file in ["THIRD-PARTY-NOTICES", *pages, *files]:
                 self.assertIn(os.path.normpath(f"orvane-{VERSION}-{system}/share/doc/orvane/{file}"), names)
 
     def test_entries_are_sorted_have_one_time_and_lie_in_one_folder(self):
