@@ -16,7 +16,6 @@ namespace {
 constexpr NamedNumber kStyles[] = {
     {"mbr", PARTITION_STYLE_MBR}, {"gpt", PARTITION_STYLE_GPT}, {"raw", PARTITION_STYLE_RAW}};
 constexpr NamedNumber kMediaTypes[] = {{"unknown", 0}, {"removable", 11}, {"fixed", 12}};
-constexpr NamedNumber kDetectionTypes[] = {{"none", 0}, {"int13", 1}, {"exint13", 2}};
 constexpr NamedNumber kRecognitions[] = {{"type", 0}, {"used", 1}};
 constexpr std::uint32_t kSuperFloppySignature = 1;
 
@@ -250,57 +249,10 @@ Table<Disk> DeviceRows() {
     };
 }
 
-// A member of a member.
-template <auto Outer, auto Inner>
-struct In {
-    template <class Owner>
-    auto& operator()(Owner& owner) const {
-        return (owner.*Outer).*Inner;
-    }
-};
-
 }  // namespace
 
 bool IsSuperFloppy(const Disk& disk) {
     return !disk.image && !disk.blank && disk.style == PARTITION_STYLE_MBR && disk.partitions.size() == 1;
-}
-
-const Table<Disk>& GeometryTable() {
-    static const Table<Disk> table = {
-        {"tracksPerCylinder", &Disk::tracks_per_cylinder, Number(), ""},
-        {"sectorsPerTrack", &Disk::sectors_per_track, Number(), ""},
-        {"cylinders", &Disk::cylinders, LongNumber(),
-         Derived{"as many whole cylinders as fit the size",
-                 [](const Disk& disk, const Place&) {
-                     const std::uint64_t cylinder = std::uint64_t{disk.tracks_per_cylinder} *
-                                                    disk.sectors_per_track * disk.bytes_per_sector;
-                     return cylinder == 0 ? 0 : disk.size / cylinder;
-                 }},
-         ""},
-    };
-    return table;
-}
-
-const Table<Disk>& DetectionTable() {
-    using Int13 = DISK_INT13_INFO;
-    using ExInt13 = DISK_EX_INT13_INFO;
-    static const Table<Disk> table = {
-        {"type", &Disk::detection_type, Named(kDetectionTypes), Required{}, ""},
-        {"driveSelect", In<&Disk::int13, &Int13::DriveSelect>{}, Number16(), ""},
-        {"maxCylinders", In<&Disk::int13, &Int13::MaxCylinders>{}, Number(), ""},
-        {"sectorsPerTrack", In<&Disk::int13, &Int13::SectorsPerTrack>{}, Number16(), ""},
-        {"maxHeads", In<&Disk::int13, &Int13::MaxHeads>{}, Number16(), ""},
-        {"numberDrives", In<&Disk::int13, &Int13::NumberDrives>{}, Number16(), ""},
-        {"exBufferSize", In<&Disk::ex_int13, &ExInt13::ExBufferSize>{}, Number16(), ""},
-        {"exFlags", In<&Disk::ex_int13, &ExInt13::ExFlags>{}, Number16(), ""},
-        {"exCylinders", In<&Disk::ex_int13, &ExInt13::ExCylinders>{}, Number(), ""},
-        {"exHeads", In<&Disk::ex_int13, &ExInt13::ExHeads>{}, Number(), ""},
-        {"exSectorsPerTrack", In<&Disk::ex_int13, &ExInt13::ExSectorsPerTrack>{}, Number(), ""},
-        {"exSectorsPerDrive", In<&Disk::ex_int13, &ExInt13::ExSectorsPerDrive>{}, LongNumber(), ""},
-        {"exSectorSize", In<&Disk::ex_int13, &ExInt13::ExSectorSize>{}, Number16(), ""},
-        {"exReserved", In<&Disk::ex_int13, &ExInt13::ExReserved>{}, Number16(), ""},
-    };
-    return table;
 }
 
 std::wstring UsualDiskDevice(std::uint32_t index) {
