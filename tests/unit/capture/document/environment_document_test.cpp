@@ -12,6 +12,19 @@ XmlTree Document(const EnvInfo& environment) {
     return root.Child("BMREnvInfo");
 }
 
+// What WMI has no value for is told as nothing or 0, not as a value of its own.
+TEST(WriteEnvironment, NothingCollected_IsEmptyOrZero) {
+    const XmlTree document = Document(EnvInfo{});
+    for (const char* name : {"Processor", "OS", "BootConfiguration", "ComputerSystem", "BootConfig"}) {
+        const XmlTree& section = document.Child(name);
+        EXPECT_GE(section.children.size(), 4U) << name;
+        for (const XmlTree& element : section.children) {
+            const XmlTree& value = element.children.empty() ? element : element.children.front();
+            EXPECT_TRUE(value.text.empty() || value.text == "0") << name << '/' << element.name;
+        }
+    }
+}
+
 TEST(WriteEnvironment, UnsignedMembersOfSignedElements_AreWrittenSigned) {
     EnvInfo environment;
     environment.DiskDrives.resize(1);

@@ -66,9 +66,25 @@ TEST_F(NtApi, RtlInitUnicodeString_NullText_LogsAndLeavesItEmpty) {
 TEST_F(NtApi, RtlInitUnicodeString_TextLongerThanItsCapacity_IsReadNoFurtherAndLeftEmpty) {
     UNICODE_STRING counted{};
 
-    EXPECT_NO_THROW(win::NT_API::RtlInitUnicodeString(counted, L"0123456789", 5));
+    EXPECT_NO_THROW(win::NT_API::RtlInitUnicodeString(counted, L"012345", 5));
 
     EXPECT_EQ(counted.Length, 0);
+    EXPECT_EQ(counted.Buffer, nullptr);
+}
+
+// The sizes are 16-bit numbers of bytes, and the larger one counts the terminator.
+TEST_F(NtApi, RtlInitUnicodeString_LongestText_Fits) {
+    constexpr std::size_t kLongest = 32766;
+    const std::wstring longest(kLongest, L'x');
+    UNICODE_STRING counted{};
+
+    win::NT_API::RtlInitUnicodeString(counted, longest.c_str(), longest.size());
+
+    EXPECT_EQ(counted.Length, 65532);
+    EXPECT_EQ(counted.MaximumLength, 65534);
+
+    const std::wstring longer(kLongest + 1, L'x');
+    win::NT_API::RtlInitUnicodeString(counted, longer.c_str(), longer.size());
     EXPECT_EQ(counted.Buffer, nullptr);
 }
 
