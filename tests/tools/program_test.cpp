@@ -62,6 +62,14 @@ TEST_F(ProgramTest, BadDescription_IsRefusedWithFilePathAndReason) {
     std::filesystem::remove(file);
 }
 
+TEST_F(ProgramTest, ControlCharactersInADescription_AreEscaped) {
+    const auto file = std::filesystem::temp_directory_path() / "orvane-program-test-controls.json";
+    std::ofstream(file) << R"({"disks": [], "\u001B[2J\u202Esize": 1})";
+    EXPECT_EQ(Run({L"capture", L"--machine", file.wstring()}), 2);
+    EXPECT_THAT(errors_.str(), HasSubstr("\\u001B[2J\\u202Esize"));
+    std::filesystem::remove(file);
+}
+
 TEST(LibraryPath, Library_IsLookedForBesideTheProgram) {
     wchar_t program[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, program, MAX_PATH);

@@ -1,6 +1,7 @@
 #include "tools/orvane/program.h"
 
 #include "documents/commands/command_line.h"
+#include "documents/text/utf8.h"
 #include "machine/description/description.h"
 #include "tools/orvane/asking_process.h"
 #include "tools/orvane/capture_command.h"
@@ -77,7 +78,8 @@ int Run(const std::vector<std::wstring>& arguments, const documents::Terminal& t
         return std::visit([&](const auto& command) { return Execute(command, terminal); },
                           ParseArguments(arguments));
     } catch (const machine::DescriptionError& error) {
-        errors << "orvane: " << error.what() << '\n';
+        // It may name a key of the file.
+        errors << "orvane: " << documents::Escaped(error.what()) << '\n';
         return kExitBadUsage;
     } catch (const UsageError& error) {
         errors << "orvane: " << error.what() << '\n';

@@ -96,8 +96,8 @@ constexpr std::wstring_view kNumberedDevices[] = {
     L"Tape",          L"Scsi",           L"ScsiPort",
     L"RaidPort",      L"Changer",        L"COM",
     L"LPT",           L"Serial",         L"Parallel",
-    L"Parallel",      L"Video",          L"DISPLAY",
-    L"Disk",          L"IdePort",        L"Space",
+    L"Video",         L"DISPLAY",        L"Disk",
+    L"IdePort",       L"Space",
 };
 
 constexpr std::wstring_view kFolders[] = {
