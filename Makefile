@@ -111,7 +111,8 @@ faults:
 	@scripts/setup build test
 	@scripts/build $(PRESET) --target Orvane faults recordings
 	@ORVANE_FAULTS=$(BUILD)/bin/faults.exe ORVANE_RUN=scripts/wine-run tests/faults/run-faults --jobs $(JOBS) $(ARGS)
-	@[ -n "$(ARGS)" ] || ORVANE_RUN=scripts/wine-run tests/recordings/run-faults $(BUILD)/bin/recordings.exe
+	@[ -n "$(filter-out --all,$(ARGS))" ] || \
+		ORVANE_RUN=scripts/wine-run tests/recordings/run-faults $(BUILD)/bin/recordings.exe $(ARGS)
 
 alter:
 	@scripts/setup build test
