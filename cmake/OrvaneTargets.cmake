@@ -12,7 +12,8 @@ target_compile_options(orvane_options INTERFACE -Wa,-mbig-obj)
 # Keeps the path of the source folder out of what is built.
 target_compile_options(orvane_options INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(ORVANE_SYMBOLS)
-    target_compile_options(orvane_options INTERFACE -g)
+    # GCC does not always write the same lists of where a variable is; without them the symbols can be reproduced.
+    target_compile_options(orvane_options INTERFACE -g -fno-var-tracking)
 endif()
 target_compile_definitions(orvane_options INTERFACE UNICODE _UNICODE)
 
