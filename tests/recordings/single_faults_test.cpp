@@ -140,6 +140,14 @@ TEST_P(RecordedFault, Recording_IsProvedAndReplaysTheMachine) {
     }
 }
 
+// Volumes do not tell of an extended partition with one logical one.
+TEST(RecordedTable, OnlyTheOlderControlTellsIt_IsDescribedByThat) {
+    machine::Description machine = machine::LoadDescription(kExamples / "bios-laptop");
+    machine.disks.front().errors.codes["DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT_EX"] =
+        ERROR_INVALID_FUNCTION;
+    EXPECT_EQ(recordings::Unexplained(recordings::Record(machine)), "");
+}
+
 INSTANTIATE_TEST_SUITE_P(Machines, RecordedFault, testing::ValuesIn(cases::FoldersOf(kExamples)),
                          [](const auto& folder) { return recordings::TestName(folder.param); });
 

@@ -147,6 +147,14 @@ void DescribeTable(const Bytes& bytes, machine::Disk& disk) {
     }
 }
 
+void DescribeOlderTable(const Bytes& bytes, machine::Disk& disk) {
+    disk.style = PARTITION_STYLE_MBR;
+    disk.signature =
+        RecordAt<DWORD>(bytes, offsetof(DRIVE_LAYOUT_INFORMATION, Signature)).value_or(disk.signature);
+    disk.partitions = OlderPartitionsIn(bytes);
+    KeepWholeRecords(disk.partitions);
+}
+
 // The boot record of a partition: its hidden sectors are the distance from there.
 std::uint64_t RecordOf(const machine::Partition& partition, const machine::Disk& disk) {
     return partition.offset - std::uint64_t{partition.hidden_sectors} * disk.bytes_per_sector;
@@ -257,6 +265,8 @@ machine::Disk DescribedDisk(const Observations& observations, std::uint32_t inde
     const Bytes* layout = BytesOf(observations, kLayoutEx, path);
     if (layout != nullptr) {
         DescribeTable(*layout, disk);
+    } else if (const Bytes* table = BytesOf(observations, kLayout, path)) {
+        DescribeOlderTable(*table, disk);
     } else if (!disk.blank) {
         DescribeTableByVolumes(observations, disk);
     }

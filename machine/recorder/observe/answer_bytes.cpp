@@ -55,4 +55,24 @@ std::vector<machine::Partition> PartitionsIn(const machine::Bytes& bytes) {
     return partitions;
 }
 
+std::vector<machine::Partition> OlderPartitionsIn(const machine::Bytes& bytes) {
+    std::vector<machine::Partition> partitions;
+    const auto count = RecordAt<DWORD>(bytes, offsetof(DRIVE_LAYOUT_INFORMATION, PartitionCount));
+    for (const PARTITION_INFORMATION& entry : RecordsAt<PARTITION_INFORMATION>(
+             bytes, offsetof(DRIVE_LAYOUT_INFORMATION, PartitionEntry), count.value_or(0))) {
+        machine::Partition partition;
+        partition.style = PARTITION_STYLE_MBR;
+        partition.offset = static_cast<std::uint64_t>(entry.StartingOffset.QuadPart);
+        partition.length = static_cast<std::uint64_t>(entry.PartitionLength.QuadPart);
+        partition.number = entry.PartitionNumber;
+        partition.rewrite = entry.RewritePartition != 0;
+        partition.mbr_type = entry.PartitionType;
+        partition.active = entry.BootIndicator != 0;
+        partition.recognized = entry.RecognizedPartition != 0;
+        partition.hidden_sectors = entry.HiddenSectors;
+        partitions.push_back(partition);
+    }
+    return partitions;
+}
+
 }  // namespace recorder

@@ -42,6 +42,9 @@ std::vector<DISK_EXTENT> ExtentsIn(const machine::Bytes& bytes);
 std::optional<DRIVE_LAYOUT_INFORMATION_EX> LayoutHeaderIn(const machine::Bytes& bytes);
 std::vector<machine::Partition> PartitionsIn(const machine::Bytes& bytes);
 
+// The entries of an answer to the older layout control, which knows MBR disks only.
+std::vector<machine::Partition> OlderPartitionsIn(const machine::Bytes& bytes);
+
 machine::Partition PartitionIn(const PARTITION_INFORMATION_EX& information);
 
 }  // namespace recorder
