@@ -5,6 +5,40 @@
 
 namespace recorder {
 
+namespace {
+
+// The members that both records of a partition have.
+template <class Information>
+machine::Partition PlaceIn(const Information& information) {
+    machine::Partition partition;
+    partition.offset = static_cast<std::uint64_t>(information.StartingOffset.QuadPart);
+    partition.length = static_cast<std::uint64_t>(information.PartitionLength.QuadPart);
+    partition.number = information.PartitionNumber;
+    partition.rewrite = information.RewritePartition != 0;
+    return partition;
+}
+
+// The members of an MBR partition: in the older record itself, in the other one a record of their own.
+template <class Mbr>
+void TakeMbr(const Mbr& mbr, machine::Partition& partition) {
+    partition.mbr_type = mbr.PartitionType;
+    partition.active = mbr.BootIndicator != 0;
+    partition.recognized = mbr.RecognizedPartition != 0;
+    partition.hidden_sectors = mbr.HiddenSectors;
+}
+
+template <class Information>
+std::vector<machine::Partition> PartitionsAt(const machine::Bytes& bytes, std::size_t offset,
+                                             std::size_t count) {
+    std::vector<machine::Partition> partitions;
+    for (const Information& entry : RecordsAt<Information>(bytes, offset, count)) {
+        partitions.push_back(PartitionIn(entry));
+    }
+    return partitions;
+}
+
+}  // namespace
+
 std::vector<DISK_EXTENT> ExtentsIn(const machine::Bytes& bytes) {
     const auto count = RecordAt<DWORD>(bytes, 0);
     return count ? RecordsAt<DISK_EXTENT>(bytes, offsetof(VOLUME_DISK_EXTENTS, Extents), *count)
@@ -22,12 +56,8 @@ std::optional<DRIVE_LAYOUT_INFORMATION_EX> LayoutHeaderIn(const machine::Bytes& 
 }
 
 machine::Partition PartitionIn(const PARTITION_INFORMATION_EX& information) {
-    machine::Partition partition;
+    machine::Partition partition = PlaceIn(information);
     std::memcpy(&partition.style, &information.PartitionStyle, sizeof(partition.style));
-    partition.offset = static_cast<std::uint64_t>(information.StartingOffset.QuadPart);
-    partition.length = static_cast<std::uint64_t>(information.PartitionLength.QuadPart);
-    partition.number = information.PartitionNumber;
-    partition.rewrite = information.RewritePartition != 0;
     if (partition.style == PARTITION_STYLE_GPT) {
         partition.gpt_type = information.Gpt.PartitionType;
         partition.gpt_id = information.Gpt.PartitionId;
@@ -36,43 +66,28 @@ machine::Partition PartitionIn(const PARTITION_INFORMATION_EX& information) {
             std::begin(information.Gpt.Name),
             std::find(std::begin(information.Gpt.Name), std::end(information.Gpt.Name), L'\0'));
     } else if (partition.style == PARTITION_STYLE_MBR) {
-        partition.mbr_type = information.Mbr.PartitionType;
-        partition.active = information.Mbr.BootIndicator != 0;
-        partition.recognized = information.Mbr.RecognizedPartition != 0;
-        partition.hidden_sectors = information.Mbr.HiddenSectors;
+        TakeMbr(information.Mbr, partition);
     }
     return partition;
 }
 
+machine::Partition PartitionIn(const PARTITION_INFORMATION& information) {
+    machine::Partition partition = PlaceIn(information);
+    partition.style = PARTITION_STYLE_MBR;
+    TakeMbr(information, partition);
+    return partition;
+}
+
 std::vector<machine::Partition> PartitionsIn(const machine::Bytes& bytes) {
-    std::vector<machine::Partition> partitions;
     const auto header = LayoutHeaderIn(bytes);
-    for (const PARTITION_INFORMATION_EX& entry :
-         RecordsAt<PARTITION_INFORMATION_EX>(bytes, offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry),
-                                             header ? header->PartitionCount : 0)) {
-        partitions.push_back(PartitionIn(entry));
-    }
-    return partitions;
+    return PartitionsAt<PARTITION_INFORMATION_EX>(
+        bytes, offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry), header ? header->PartitionCount : 0);
 }
 
 std::vector<machine::Partition> OlderPartitionsIn(const machine::Bytes& bytes) {
-    std::vector<machine::Partition> partitions;
     const auto count = RecordAt<DWORD>(bytes, offsetof(DRIVE_LAYOUT_INFORMATION, PartitionCount));
-    for (const PARTITION_INFORMATION& entry : RecordsAt<PARTITION_INFORMATION>(
-             bytes, offsetof(DRIVE_LAYOUT_INFORMATION, PartitionEntry), count.value_or(0))) {
-        machine::Partition partition;
-        partition.style = PARTITION_STYLE_MBR;
-        partition.offset = static_cast<std::uint64_t>(entry.StartingOffset.QuadPart);
-        partition.length = static_cast<std::uint64_t>(entry.PartitionLength.QuadPart);
-        partition.number = entry.PartitionNumber;
-        partition.rewrite = entry.RewritePartition != 0;
-        partition.mbr_type = entry.PartitionType;
-        partition.active = entry.BootIndicator != 0;
-        partition.recognized = entry.RecognizedPartition != 0;
-        partition.hidden_sectors = entry.HiddenSectors;
-        partitions.push_back(partition);
-    }
-    return partitions;
+    return PartitionsAt<PARTITION_INFORMATION>(bytes, offsetof(DRIVE_LAYOUT_INFORMATION, PartitionEntry),
+                                               count.value_or(0));
 }
 
 }  // namespace recorder

@@ -46,5 +46,6 @@ std::vector<machine::Partition> PartitionsIn(const machine::Bytes& bytes);
 std::vector<machine::Partition> OlderPartitionsIn(const machine::Bytes& bytes);
 
 machine::Partition PartitionIn(const PARTITION_INFORMATION_EX& information);
+machine::Partition PartitionIn(const PARTITION_INFORMATION& information);
 
 }  // namespace recorder
