@@ -148,6 +148,26 @@ TEST(RecordedTable, OnlyTheOlderControlTellsIt_IsDescribedByThat) {
     EXPECT_EQ(recordings::Unexplained(recordings::Record(machine)), "");
 }
 
+// The volumes behind it are known from the directories, which have another order.
+TEST(RecordedSearch, BreaksOffAtAVolume_KeepsTheOrder) {
+    for (const char* name : {"blank-disks", "shadow-copies"}) {
+        const std::size_t count = machine::LoadDescription(kExamples / name).volumes.size();
+        for (std::size_t i = 0; i < count; ++i) {
+            SCOPED_TRACE(name + (" volume " + std::to_string(i)));
+            machine::Description machine = machine::LoadDescription(kExamples / name);
+            machine.volumes[i].errors.codes["FindNextVolumeW"] = ERROR_ACCESS_DENIED;
+            EXPECT_EQ(recordings::Unexplained(recordings::Record(machine)), "");
+        }
+    }
+}
+
+TEST(RecordedVolume, OnlyTheOlderControlTellsItsPartition_IsDescribedByThat) {
+    machine::Description machine = machine::LoadDescription(kExamples / "encrypted-container");
+    machine.volumes[2].errors.codes["DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX"] =
+        ERROR_INVALID_FUNCTION;
+    EXPECT_EQ(recordings::Unexplained(recordings::Record(machine)), "");
+}
+
 INSTANTIATE_TEST_SUITE_P(Machines, RecordedFault, testing::ValuesIn(cases::FoldersOf(kExamples)),
                          [](const auto& folder) { return recordings::TestName(folder.param); });
 

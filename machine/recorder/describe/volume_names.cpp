@@ -181,7 +181,8 @@ private:
     std::vector<NamedVolume> volumes_;
 };
 
-// Puts the volumes that the search returns into its order, in the places that they have.
+// Puts the volumes that the search returns first, in its order: where the search breaks off, those behind are
+// not known.
 void SortBySearch(const Observations& observations, std::vector<NamedVolume>& volumes) {
     const std::vector<std::wstring> search = ListedNames(observations, "FindFirstVolumeW", L"");
     const auto rank = [&](const NamedVolume& volume) {
@@ -194,21 +195,9 @@ void SortBySearch(const Observations& observations, std::vector<NamedVolume>& vo
         }
         return lowest;
     };
-    std::vector<NamedVolume> found;
-    for (const NamedVolume& volume : volumes) {
-        if (rank(volume) < search.size()) {
-            found.push_back(volume);
-        }
-    }
-    std::stable_sort(found.begin(), found.end(), [&](const NamedVolume& left, const NamedVolume& right) {
+    std::stable_sort(volumes.begin(), volumes.end(), [&](const NamedVolume& left, const NamedVolume& right) {
         return rank(left) < rank(right);
     });
-    auto next = found.begin();
-    for (NamedVolume& volume : volumes) {
-        if (rank(volume) < search.size()) {
-            volume = *next++;
-        }
-    }
 }
 
 }  // namespace

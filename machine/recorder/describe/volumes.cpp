@@ -18,6 +18,7 @@ constexpr const char* kExtents = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_E
 constexpr const char* kLength = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
 constexpr const char* kDeviceNumber = "DeviceIoControl:IOCTL_STORAGE_GET_DEVICE_NUMBER";
 constexpr const char* kPartitionEx = "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX";
+constexpr const char* kPartition = "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO";
 
 using machine::Volume;
 
@@ -69,6 +70,19 @@ private:
 
 bool FailedWith(const Answer* answer, std::uint32_t error) {
     return answer != nullptr && answer->error == error && !answer->blocks && !answer->crashed;
+}
+
+template <class Information>
+std::optional<machine::Partition> AnsweredPartition(const VolumeAnswers& answers, const char* call) {
+    const Bytes* bytes = answers.BytesOf(call);
+    const auto information = bytes == nullptr ? std::nullopt : RecordAt<Information>(*bytes, 0);
+    return information ? std::optional(PartitionIn(*information)) : std::nullopt;
+}
+
+// The older control tells it where the other one is refused.
+std::optional<machine::Partition> OwnPartition(const VolumeAnswers& answers) {
+    const auto partition = AnsweredPartition<PARTITION_INFORMATION_EX>(answers, kPartitionEx);
+    return partition ? partition : AnsweredPartition<PARTITION_INFORMATION>(answers, kPartition);
 }
 
 // What is known of the members that have defaults, by the keys of their rows.
@@ -146,12 +160,8 @@ Facts SpaceFacts(const VolumeAnswers& answers) {
             };
         }
     }
-    if (const Bytes* bytes = answers.BytesOf(kPartitionEx)) {
-        if (const auto partition = RecordAt<PARTITION_INFORMATION_EX>(*bytes, 0)) {
-            facts["partitionNumber"] = [partition](Volume& volume) {
-                volume.partition = PartitionIn(*partition);
-            };
-        }
+    if (const auto partition = OwnPartition(answers)) {
+        facts["partitionNumber"] = [partition](Volume& volume) { volume.partition = partition; };
     }
     return facts;
 }
@@ -181,20 +191,18 @@ void Complete(const Facts& facts, const machine::Description& description, Volum
     volume.free_clusters = std::min(volume.free_clusters, volume.total_clusters);
 }
 
-machine::Extent ExtentAt(std::uint32_t disk, const LARGE_INTEGER& offset, const LARGE_INTEGER& length) {
-    return {disk, std::min(static_cast<std::uint64_t>(offset.QuadPart), kMostBytes),
-            std::min(static_cast<std::uint64_t>(length.QuadPart), kMostBytes)};
+machine::Extent ExtentAt(std::uint32_t disk, std::uint64_t offset, std::uint64_t length) {
+    return {disk, std::min(offset, kMostBytes), std::min(length, kMostBytes)};
 }
 
 // A volume that does not tell its extents, but its partition, has that one. That the extents cannot be
 // queried is described as an error.
 void DescribeExtentByPartition(const VolumeAnswers& answers, Volume& volume) {
     const Bytes* number = answers.BytesOf(kDeviceNumber);
-    const Bytes* partition = answers.BytesOf(kPartitionEx);
     const auto place = number == nullptr ? std::nullopt : RecordAt<STORAGE_DEVICE_NUMBER>(*number, 0);
-    const auto own = partition == nullptr ? std::nullopt : RecordAt<PARTITION_INFORMATION_EX>(*partition, 0);
+    const auto own = OwnPartition(answers);
     if (place && own && place->DeviceType == FILE_DEVICE_DISK) {
-        volume.extents = {ExtentAt(place->DeviceNumber, own->StartingOffset, own->PartitionLength)};
+        volume.extents = {ExtentAt(place->DeviceNumber, own->offset, own->length)};
     }
 }
 
@@ -206,7 +214,9 @@ void DescribeExtents(const VolumeAnswers& answers, Volume& volume) {
     }
     volume.extents.emplace();
     for (const DISK_EXTENT& extent : ExtentsIn(*bytes)) {
-        volume.extents->push_back(ExtentAt(extent.DiskNumber, extent.StartingOffset, extent.ExtentLength));
+        volume.extents->push_back(ExtentAt(extent.DiskNumber,
+                                           static_cast<std::uint64_t>(extent.StartingOffset.QuadPart),
+                                           static_cast<std::uint64_t>(extent.ExtentLength.QuadPart)));
     }
     for (const Observation* observation : answers.AllOfDevice(kExtents)) {
         const Answer& answer = observation->answer;

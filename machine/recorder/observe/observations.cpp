@@ -17,6 +17,10 @@ bool SaysMore(const Observation& left, const Observation& right) {
     if (left.answer.succeeded() != right.answer.succeeded()) {
         return left.answer.succeeded();
     }
+    // A list that broke off, over one that did not begin.
+    if (!left.answer.succeeded() && left.answer.parts.size() != right.answer.parts.size()) {
+        return left.answer.parts.size() > right.answer.parts.size();
+    }
     const bool reads = left.question.access != 0;
     if (reads != (right.question.access != 0)) {
         return reads;
