@@ -1,24 +1,18 @@
 #include "machine/description/partition_table.h"
 #include "machine/description/tables.h"
 #include "machine/description/text.h"
+#include "machine/recorder/describe/control_calls.h"
+#include "machine/recorder/describe/disk_table.h"
 #include "machine/recorder/describe/facts.h"
 #include "machine/recorder/observe/answer_bytes.h"
 #include "machine/recorder/observe/answer_texts.h"
 
 #include <algorithm>
-#include <map>
 #include <optional>
 
 namespace recorder {
 namespace {
 
-constexpr const char* kGeometry = "DeviceIoControl:IOCTL_DISK_GET_DRIVE_GEOMETRY";
-constexpr const char* kGeometryEx = "DeviceIoControl:IOCTL_DISK_GET_DRIVE_GEOMETRY_EX";
-constexpr const char* kLayout = "DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT";
-constexpr const char* kLayoutEx = "DeviceIoControl:IOCTL_DISK_GET_DRIVE_LAYOUT_EX";
-constexpr const char* kLength = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
-constexpr const char* kExtents = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
-constexpr const char* kPartitionEx = "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX";
 constexpr std::wstring_view kDevices = L"\\\\.\\";
 constexpr std::wstring_view kDiskPath = L"\\\\.\\PhysicalDrive";
 
@@ -28,11 +22,6 @@ struct GeometryTail {
     DISK_DETECTION_INFO detection;
 };
 constexpr std::size_t kTailOffset = offsetof(DISK_GEOMETRY_EX, Data);
-
-const Bytes* BytesOf(const Observations& observations, const char* call, const std::wstring& object) {
-    const Observation* best = observations.Best(call, object);
-    return best != nullptr && best->answer.succeeded() ? &best->answer.bytes : nullptr;
-}
 
 template <class Enum>
 std::uint32_t NumberIn(const Enum& place) {
@@ -58,7 +47,7 @@ void TakeGeometry(const DISK_GEOMETRY& geometry, machine::Disk& disk) {
 std::uint64_t EndOfExtents(const Observations& observations, std::uint32_t index) {
     std::uint64_t end = 0;
     for (const std::wstring& object : observations.ObjectsOf(kExtents)) {
-        const Bytes* bytes = BytesOf(observations, kExtents, object);
+        const Bytes* bytes = observations.BytesOf(kExtents, object);
         for (const DISK_EXTENT& extent : bytes == nullptr ? std::vector<DISK_EXTENT>() : ExtentsIn(*bytes)) {
             if (extent.DiskNumber == index) {
                 end = std::max(end, static_cast<std::uint64_t>(extent.StartingOffset.QuadPart) +
@@ -70,13 +59,13 @@ std::uint64_t EndOfExtents(const Observations& observations, std::uint32_t index
 }
 
 void DescribeGeometry(const Observations& observations, const std::wstring& path, machine::Disk& disk) {
-    const Bytes* plain = BytesOf(observations, kGeometry, path);
-    const Bytes* full = BytesOf(observations, kGeometryEx, path);
+    const Bytes* plain = observations.BytesOf(kGeometry, path);
+    const Bytes* full = observations.BytesOf(kGeometryEx, path);
     if (const auto geometry = plain == nullptr ? std::nullopt : RecordAt<DISK_GEOMETRY>(*plain, 0)) {
         TakeGeometry(*geometry, disk);
     }
     if (full == nullptr) {
-        const Bytes* length = BytesOf(observations, kLength, path);
+        const Bytes* length = observations.BytesOf(kLength, path);
         const auto size = length == nullptr ? std::nullopt : RecordAt<std::uint64_t>(*length, 0);
         disk.size = size ? *size : EndOfExtents(observations, disk.index);
         return;
@@ -116,127 +105,6 @@ bool RecognizesAll(const machine::Disk& disk) {
     return disk.style == PARTITION_STYLE_MBR && !agrees(false) && agrees(true);
 }
 
-// Only whole boot records with a partition can be described: those before the first other one.
-void KeepWholeRecords(std::vector<machine::Partition>& entries) {
-    std::size_t whole = machine::kPrimarySlots;
-    while (whole + machine::kPrimarySlots <= entries.size() &&
-           entries[whole].mbr_type != PARTITION_ENTRY_UNUSED) {
-        whole += machine::kPrimarySlots;
-    }
-    entries.resize(std::min(whole, entries.size()));
-}
-
-void DescribeTable(const Bytes& bytes, machine::Disk& disk) {
-    const auto layout = LayoutHeaderIn(bytes);
-    if (!layout) {
-        return;
-    }
-    disk.style = layout->PartitionStyle;
-    disk.blank = disk.blank && disk.style == PARTITION_STYLE_MBR && layout->PartitionCount == 0;
-    if (disk.style == PARTITION_STYLE_GPT) {
-        disk.disk_id = layout->Gpt.DiskId;
-        disk.starting_usable_offset = static_cast<std::uint64_t>(layout->Gpt.StartingUsableOffset.QuadPart);
-        disk.usable_length = static_cast<std::uint64_t>(layout->Gpt.UsableLength.QuadPart);
-        disk.max_partition_count = layout->Gpt.MaxPartitionCount;
-    } else if (disk.style == PARTITION_STYLE_MBR) {
-        disk.signature = layout->Mbr.Signature;
-    }
-    disk.partitions = PartitionsIn(bytes);
-    if (disk.style == PARTITION_STYLE_MBR) {
-        KeepWholeRecords(disk.partitions);
-    }
-}
-
-void DescribeOlderTable(const Bytes& bytes, machine::Disk& disk) {
-    disk.style = PARTITION_STYLE_MBR;
-    disk.signature =
-        RecordAt<DWORD>(bytes, offsetof(DRIVE_LAYOUT_INFORMATION, Signature)).value_or(disk.signature);
-    disk.partitions = OlderPartitionsIn(bytes);
-    KeepWholeRecords(disk.partitions);
-}
-
-// The boot record of a partition: its hidden sectors are the distance from there.
-std::uint64_t RecordOf(const machine::Partition& partition, const machine::Disk& disk) {
-    return partition.offset - std::uint64_t{partition.hidden_sectors} * disk.bytes_per_sector;
-}
-
-// Partitions that have boot records of their own lie in an extended partition, which no volume tells of.
-void PutLogical(const std::vector<machine::Partition>& logical, machine::Disk& disk) {
-    constexpr std::uint8_t kExtendedLba = 0x0F;
-    machine::Partition container;
-    container.style = PARTITION_STYLE_MBR;
-    container.mbr_type = kExtendedLba;
-    container.offset = RecordOf(logical.front(), disk);
-    container.length = logical.back().offset + logical.back().length - container.offset;
-    container.hidden_sectors = static_cast<std::uint32_t>(container.offset / disk.bytes_per_sector);
-    disk.partitions.push_back(container);
-    disk.partitions.resize(machine::kPrimarySlots);
-    for (std::size_t i = 0; i < logical.size(); ++i) {
-        machine::Partition link;
-        link.style = PARTITION_STYLE_MBR;
-        if (i + 1 < logical.size()) {
-            const machine::Partition& next = logical[i + 1];
-            link.mbr_type = PARTITION_EXTENDED;
-            link.offset = RecordOf(next, disk);
-            link.length = next.offset + next.length - link.offset;
-            link.hidden_sectors =
-                static_cast<std::uint32_t>((link.offset - container.offset) / disk.bytes_per_sector);
-        }
-        machine::AppendLogicalGroup(disk.partitions, logical[i], link);
-    }
-}
-
-// A table of these partitions, sorted by their numbers. More than four need an extended partition.
-void PutMbrTable(std::vector<machine::Partition> partitions, machine::Disk& disk) {
-    std::vector<machine::Partition> logical;
-    if (partitions.size() > machine::kPrimarySlots) {
-        const auto first =
-            std::find_if(partitions.begin(), partitions.end(),
-                         [&](const machine::Partition& partition) { return RecordOf(partition, disk) != 0; });
-        logical.assign(first, partitions.end());
-        partitions.erase(first, partitions.end());
-    }
-    if (partitions.size() > machine::kPrimarySlots - (logical.empty() ? 0 : 1)) {
-        return;
-    }
-    disk.style = PARTITION_STYLE_MBR;
-    disk.partitions = std::move(partitions);
-    if (logical.empty()) {
-        disk.partitions.resize(machine::kPrimarySlots);
-    } else {
-        PutLogical(logical, disk);
-    }
-}
-
-// The partitions that volumes tell of, on a disk whose table nothing tells. Takes the style of the first one.
-void DescribeTableByVolumes(const Observations& observations, machine::Disk& disk) {
-    std::map<std::uint32_t, machine::Partition> found;
-    for (const std::wstring& object : observations.ObjectsOf(kExtents)) {
-        const Bytes* extents = BytesOf(observations, kExtents, object);
-        const Bytes* bytes = BytesOf(observations, kPartitionEx, object);
-        const auto own = bytes == nullptr ? std::nullopt : RecordAt<PARTITION_INFORMATION_EX>(*bytes, 0);
-        const auto list = extents == nullptr ? std::vector<DISK_EXTENT>() : ExtentsIn(*extents);
-        if (own && list.size() == 1 && list.front().DiskNumber == disk.index && own->PartitionNumber != 0) {
-            found.emplace(own->PartitionNumber, PartitionIn(*own));
-        }
-    }
-    if (found.empty()) {
-        return;
-    }
-    std::vector<machine::Partition> partitions;
-    partitions.reserve(found.size());
-    for (const auto& [number, partition] : found) {
-        partitions.push_back(partition);
-    }
-    if (partitions.front().style == PARTITION_STYLE_MBR) {
-        PutMbrTable(std::move(partitions), disk);
-    } else {
-        disk.style = PARTITION_STYLE_GPT;
-        disk.partitions = std::move(partitions);
-        machine::SetUsableRange(disk);
-    }
-}
-
 // What is larger cannot be described.
 void LimitNumbers(machine::Disk& disk) {
     for (std::uint64_t* bytes : {&disk.size, &disk.starting_usable_offset, &disk.usable_length}) {
@@ -262,14 +130,7 @@ machine::Disk DescribedDisk(const Observations& observations, std::uint32_t inde
     disk.index = index;
     disk.device = DeviceOf(observations, index);
     DescribeGeometry(observations, path, disk);
-    const Bytes* layout = BytesOf(observations, kLayoutEx, path);
-    if (layout != nullptr) {
-        DescribeTable(*layout, disk);
-    } else if (const Bytes* table = BytesOf(observations, kLayout, path)) {
-        DescribeOlderTable(*table, disk);
-    } else if (!disk.blank) {
-        DescribeTableByVolumes(observations, disk);
-    }
+    DescribeTable(observations, path, disk);
     disk.open_for_reading_error = ReadError(observations, path);
     LimitNumbers(disk);
     disk.recognizes_all = RecognizesAll(disk);

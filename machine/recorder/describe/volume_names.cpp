@@ -1,6 +1,7 @@
 #include "machine/recorder/describe/volume_names.h"
 
 #include "machine/description/text.h"
+#include "machine/recorder/describe/control_calls.h"
 #include "machine/recorder/observe/answer_texts.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@ constexpr std::wstring_view kGlobalRoot = L"\\\\?\\GLOBALROOT";
 constexpr std::wstring_view kVolumeForm = L"\\\\?\\Volume{";
 constexpr std::wstring_view kDriveForm = L"\\\\.\\";
 constexpr std::wstring_view kDeviceDirectory = L"\\Device\\";
-constexpr const char* kExtents = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
 
 std::wstring TargetOf(const Observations& observations, const std::wstring& name) {
     const auto targets = AnsweredTexts(observations, "QueryDosDeviceW", name);

@@ -1,5 +1,6 @@
 #include "machine/description/tables.h"
 #include "machine/description/text.h"
+#include "machine/recorder/describe/control_calls.h"
 #include "machine/recorder/describe/facts.h"
 #include "machine/recorder/describe/volume_names.h"
 #include "machine/recorder/observe/answer_bytes.h"
@@ -14,13 +15,11 @@
 namespace recorder {
 namespace {
 
-constexpr const char* kExtents = "DeviceIoControl:IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS";
-constexpr const char* kLength = "DeviceIoControl:IOCTL_DISK_GET_LENGTH_INFO";
-constexpr const char* kDeviceNumber = "DeviceIoControl:IOCTL_STORAGE_GET_DEVICE_NUMBER";
-constexpr const char* kPartitionEx = "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX";
-constexpr const char* kPartition = "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO";
-
 using machine::Volume;
+
+bool Succeeded(const Answer* answer) {
+    return answer != nullptr && answer->succeeded();
+}
 
 // The answers about one volume, by whichever of its names answers best.
 class VolumeAnswers {
@@ -34,7 +33,7 @@ public:
 
     const Bytes* BytesOf(const char* call) const {
         const Answer* answer = OfDevice(call);
-        return answer != nullptr && answer->succeeded() ? &answer->bytes : nullptr;
+        return Succeeded(answer) ? &answer->bytes : nullptr;
     }
 
     // The answers for all sizes by the name that answers best.
@@ -91,7 +90,7 @@ using Facts = std::map<std::string, std::function<void(Volume&)>>;
 template <class Member>
 void KnowPart(Facts& facts, const Answer* answer, const wchar_t* name, const char* key,
               Member Volume::*member) {
-    if (answer == nullptr || !answer->succeeded()) {
+    if (!Succeeded(answer)) {
         return;
     }
     for (const Part& part : answer->parts) {
@@ -133,7 +132,7 @@ Facts SpaceFacts(const VolumeAnswers& answers) {
     const Answer* space = answers.OfRoot("GetDiskFreeSpaceW");
     const Answer* space_ex = answers.OfRoot("GetDiskFreeSpaceExW");
     const Answer* length = answers.OfDevice(kLength);
-    const bool readable = length != nullptr && length->succeeded();
+    const bool readable = Succeeded(length) || Succeeded(space) || Succeeded(space_ex);
     if (FailedWith(information, ERROR_NOT_READY) && !readable) {
         facts["media"] = [](Volume& volume) { volume.has_media = false; };
     }
@@ -296,7 +295,7 @@ Volume DescribedVolume(const Observations& observations, const NamedVolume& name
     volume.linked = named.linked;
     DescribeGuids(observations, named, volume);
     volume.mount_points = MountPoints(observations, named);
-    if (const Answer* type = answers.OfRoot("GetDriveTypeW"); type != nullptr && type->succeeded()) {
+    if (const Answer* type = answers.OfRoot("GetDriveTypeW"); Succeeded(type)) {
         volume.drive_type = static_cast<std::uint32_t>(type->value);
     }
     volume.open_for_reading_error = ReadError(observations, named.forms.front());

@@ -25,9 +25,8 @@ std::vector<std::wstring> ListedNames(const Observations& observations, std::str
 
 std::vector<std::wstring> AnsweredTexts(const Observations& observations, std::string_view call,
                                         std::wstring_view object) {
-    const Observation* best = observations.Best(call, object);
-    return best != nullptr && best->answer.succeeded() ? TextsOf(best->answer.bytes)
-                                                       : std::vector<std::wstring>();
+    const Bytes* bytes = observations.BytesOf(call, object);
+    return bytes == nullptr ? std::vector<std::wstring>() : TextsOf(*bytes);
 }
 
 }  // namespace recorder

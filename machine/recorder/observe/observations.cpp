@@ -54,6 +54,11 @@ const Observation* Observations::Best(std::string_view call, std::wstring_view o
     return best;
 }
 
+const Bytes* Observations::BytesOf(std::string_view call, std::wstring_view object) const {
+    const Observation* best = Best(call, object);
+    return best != nullptr && best->answer.succeeded() ? &best->answer.bytes : nullptr;
+}
+
 std::vector<std::wstring> Observations::ObjectsOf(std::string_view call) const {
     std::vector<std::wstring> objects;
     std::set<std::wstring> known;

@@ -30,9 +30,12 @@ public:
     // The answers to a call on an object (without regard to case), in the order of asking.
     std::vector<const Observation*> Find(std::string_view call, std::wstring_view object) const;
 
-    // The successful answer with the largest buffer, with read access before none; else the answer to the
-    // first question; null if the call was not asked.
+    // The successful answer with the largest buffer, with read access before none; else the failed one with
+    // the longest list, or to the first question; null if the call was not asked.
     const Observation* Best(std::string_view call, std::wstring_view object) const;
+
+    // The bytes of the best answer; null if the call was not asked or failed.
+    const Bytes* BytesOf(std::string_view call, std::wstring_view object) const;
 
     // The objects that a call was asked about, in the order of asking.
     std::vector<std::wstring> ObjectsOf(std::string_view call) const;
