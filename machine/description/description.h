@@ -63,11 +63,12 @@ struct Image {
 
 // A WMI property: a typed value, or the HRESULT with which reading it fails.
 struct WmiValue {
-    VARTYPE type = VT_NULL;   // scalar type, or VT_ARRAY | VT_BSTR
+    VARTYPE type = VT_NULL;   // scalar type, or one of a list: VT_ARRAY | VT_BSTR
     std::int64_t number = 0;  // of VT_UI8: the unsigned number with the same bits
     double real = 0;
     std::wstring text;
     std::vector<std::wstring> texts;
+    std::vector<std::int64_t> numbers;
     std::optional<std::uint32_t> error;
 
     bool operator==(const WmiValue&) const = default;

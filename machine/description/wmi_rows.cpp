@@ -15,6 +15,7 @@ namespace machine::rows {
 namespace {
 
 constexpr std::uint32_t kTextArray = VT_ARRAY | VT_BSTR;
+constexpr std::uint32_t kNumberArray = VT_ARRAY | VT_I4;
 
 constexpr NamedNumber kTypes[] = {
     {"VT_NULL", VT_NULL},
@@ -34,6 +35,9 @@ constexpr NamedNumber kTypes[] = {
     {"VT_R8", VT_R8},
     {"VT_BSTR", VT_BSTR},
     {"VT_ARRAY|VT_BSTR", kTextArray},
+    {"VT_ARRAY|VT_UI1", VT_ARRAY | VT_UI1},
+    {"VT_ARRAY|VT_I2", VT_ARRAY | VT_I2},
+    {"VT_ARRAY|VT_I4", kNumberArray},
 };
 
 struct Range {
@@ -93,7 +97,13 @@ WmiValue Typed(const JsonCursor& cursor, VARTYPE type) {
             }
             break;
         default:
-            value.number = Integer(cursor, type);
+            if ((type & VT_ARRAY) == 0) {
+                value.number = Integer(cursor, type);
+                break;
+            }
+            for (const JsonCursor& element : cursor.Elements()) {
+                value.numbers.push_back(Integer(element, type & VT_TYPEMASK));
+            }
             break;
     }
     return value;
@@ -110,7 +120,8 @@ VARTYPE NaturalType(const JsonCursor& cursor) {
         return VT_BOOL;
     }
     if (cursor.is_array()) {
-        return kTextArray;
+        const std::vector<JsonCursor> elements = cursor.Elements();
+        return elements.empty() || elements.front().is_text() ? kTextArray : kNumberArray;
     }
     return cursor.is_fraction() ? VT_R8 : VT_I4;
 }
@@ -126,6 +137,10 @@ WmiValue ReadValue(const JsonCursor& cursor, const Place& place) {
     } else {
         const JsonCursor type_cursor = object.Require("type");
         const std::uint32_t type = Named(kTypes).read(type_cursor, place);
+        if (std::none_of(std::begin(kTypes), std::end(kTypes),
+                         [&](const NamedNumber& known) { return known.number == type; })) {
+            type_cursor.Refuse("is no type of a property");
+        }
         const bool needs_none = type == VT_NULL || type == VT_EMPTY;
         value = Typed(needs_none ? type_cursor : object.Require("value"), static_cast<VARTYPE>(type));
     }
@@ -150,7 +165,7 @@ Json WriteTyped(const WmiValue& value, const Place& place) {
         case kTextArray:
             return List("", Text()).write(value.texts, place);
         default:
-            return value.number;
+            return (value.type & VT_ARRAY) == 0 ? Json(value.number) : Json(value.numbers);
     }
 }
 
@@ -158,8 +173,10 @@ Json WriteValue(const WmiValue& value, const Place& place) {
     if (value.error) {
         return {{"error", *value.error}};
     }
-    constexpr VARTYPE kNatural[] = {VT_NULL, VT_BOOL, VT_BSTR, VT_I4, VT_R8, kTextArray};
-    if (std::find(std::begin(kNatural), std::end(kNatural), value.type) != std::end(kNatural)) {
+    constexpr VARTYPE kNatural[] = {VT_NULL, VT_BOOL, VT_BSTR, VT_I4, VT_R8, kTextArray, kNumberArray};
+    const bool empty_numbers = value.type == kNumberArray && value.numbers.empty();
+    if (!empty_numbers &&
+        std::find(std::begin(kNatural), std::end(kNatural), value.type) != std::end(kNatural)) {
         return WriteTyped(value, place);
     }
     Json object = {{"type", Named(kTypes).write(value.type, place)}};

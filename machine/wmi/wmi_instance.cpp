@@ -23,11 +23,16 @@ BSTR TextOf(const std::wstring& text) {
     return copy;
 }
 
-SAFEARRAY* ArrayOf(const std::vector<std::wstring>& texts) {
-    SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(texts.size()));
+SAFEARRAY* NewArray(VARTYPE type, std::size_t count) {
+    SAFEARRAY* array = SafeArrayCreateVector(type, 0, static_cast<ULONG>(count));
     if (array == nullptr) {
         throw std::bad_alloc();
     }
+    return array;
+}
+
+SAFEARRAY* ArrayOf(const std::vector<std::wstring>& texts) {
+    SAFEARRAY* array = NewArray(VT_BSTR, texts.size());
     LONG index = 0;
     for (const std::wstring& text : texts) {
         BSTR element = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
@@ -35,6 +40,20 @@ SAFEARRAY* ArrayOf(const std::vector<std::wstring>& texts) {
             element == nullptr ? E_OUTOFMEMORY : SafeArrayPutElement(array, &index, element);
         SysFreeString(element);
         if (FAILED(result)) {
+            SafeArrayDestroy(array);
+            throw std::bad_alloc();
+        }
+        ++index;
+    }
+    return array;
+}
+
+// Of integers. An element has the low bytes of its number.
+SAFEARRAY* ArrayOf(VARTYPE type, const std::vector<std::int64_t>& numbers) {
+    SAFEARRAY* array = NewArray(type, numbers.size());
+    LONG index = 0;
+    for (std::int64_t number : numbers) {
+        if (FAILED(SafeArrayPutElement(array, &index, &number))) {
             SafeArrayDestroy(array);
             throw std::bad_alloc();
         }
@@ -54,8 +73,8 @@ constexpr CimOfVariant kCimTypes[] = {
 };
 
 CIMTYPE CimTypeOf(VARTYPE type) {
-    if (type == (VT_ARRAY | VT_BSTR)) {
-        return kCimArray | 8;
+    if ((type & VT_ARRAY) != 0) {
+        return kCimArray | CimTypeOf(type & VT_TYPEMASK);
     }
     for (const CimOfVariant& row : kCimTypes) {
         if (row.variant == type) {
@@ -97,7 +116,11 @@ VARIANT VariantOf(const WmiValue& value) {
             variant.dblVal = value.real;
             break;
         default:
-            variant.llVal = value.number;  // smaller types use its low bytes
+            if ((value.type & VT_ARRAY) != 0) {
+                variant.parray = ArrayOf(value.type & VT_TYPEMASK, value.numbers);
+            } else {
+                variant.llVal = value.number;  // smaller types use its low bytes
+            }
             break;
     }
     variant.vt = value.type;

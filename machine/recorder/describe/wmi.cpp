@@ -1,6 +1,7 @@
 #include "machine/description/text.h"
 #include "machine/description/wmi_defaults.h"
 #include "machine/recorder/describe/facts.h"
+#include "machine/recorder/observe/answer_bytes.h"
 #include "machine/recorder/observe/wmi_types.h"
 
 #include <algorithm>
@@ -16,6 +17,26 @@ constexpr const wchar_t* kDrives = L"Win32_DiskDrive";
 constexpr std::uint32_t kPropertyNotFound = 0x80041002;  // WBEM_E_NOT_FOUND
 constexpr std::uint32_t kInvalidClass = 0x80041010;      // WBEM_E_INVALID_CLASS
 
+// The integers in the bytes of an array. A type without elements of numbers has none.
+std::vector<std::int64_t> NumbersOf(const WmiType& type, const Bytes& bytes) {
+    std::vector<std::int64_t> numbers;
+    for (std::size_t i = 0; type.element_bytes != 0 && i + type.element_bytes <= bytes.size();
+         i += type.element_bytes) {
+        switch (type.element_bytes) {
+            case sizeof(std::uint8_t):
+                numbers.push_back(bytes[i]);
+                break;
+            case sizeof(std::int16_t):
+                numbers.push_back(*RecordAt<std::int16_t>(bytes, i));
+                break;
+            default:
+                numbers.push_back(*RecordAt<std::int32_t>(bytes, i));
+                break;
+        }
+    }
+    return numbers;
+}
+
 machine::WmiValue ValueOf(const Part& part) {
     machine::WmiValue value;
     if (part.error != 0) {
@@ -29,18 +50,14 @@ machine::WmiValue ValueOf(const Part& part) {
         value.text = machine::WideText(part.bytes);
     } else if (value.type == (VT_ARRAY | VT_BSTR)) {
         value.texts = machine::TerminatedTexts(machine::WideText(part.bytes));
+    } else if (type != nullptr && type->element_bytes != 0) {
+        value.numbers = NumbersOf(*type, part.bytes);
     } else if ((value.type == VT_R4 || value.type == VT_R8) && part.bytes.size() == sizeof(value.real)) {
         std::memcpy(&value.real, part.bytes.data(), sizeof(value.real));
         // JSON has no infinity and no NaN.
         value.real = std::isfinite(value.real) ? value.real : 0;
     }
     return value;
-}
-
-bool Same(const machine::WmiValue& left, const machine::WmiValue& right) {
-    return left.error == right.error &&
-           (left.error || (left.type == right.type && left.number == right.number &&
-                           left.real == right.real && left.text == right.text && left.texts == right.texts));
 }
 
 // Whether the list of objects is known, or at least those before it broke off.
@@ -70,7 +87,7 @@ machine::WmiInstance Difference(const machine::WmiInstance& observed, const mach
     machine::WmiInstance difference;
     for (const machine::WmiProperty& property : observed) {
         const machine::WmiProperty* usual = machine::FindProperty(derived, property.name);
-        if (usual == nullptr || !Same(usual->value, property.value)) {
+        if (usual == nullptr || usual->value != property.value) {
             difference.push_back(property);
         }
     }

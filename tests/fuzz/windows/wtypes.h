@@ -21,5 +21,6 @@ enum : VARTYPE {
     VT_UI8 = 21,
     VT_INT = 22,
     VT_UINT = 23,
+    VT_TYPEMASK = 0xFFF,
     VT_ARRAY = 0x2000
 };

@@ -67,6 +67,11 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{R"({"registry": {"\\SYSTEM": {}}})", "/registry/\\SYSTEM", "without a backslash"},
         Refusal{R"({"registry": {"A": {"v": {"type": "REG_BINARY", "value": "0"}}}})", "/registry/A/v/value",
                 "hexadecimal"},
+        Refusal{R"({"wmi": {"A": [{"B": {"type": 9, "value": 1}}]}})", "/wmi/A/0/B/type",
+                "no type of a property"},
+        Refusal{R"({"wmi": {"A": [{"B": {"type": "VT_ARRAY|VT_UI1", "value": [256]}}]}})",
+                "/wmi/A/0/B/value/0", "does not fit"},
+        Refusal{R"({"wmi": {"A": [{"B": [1, "two"]}]}})", "/wmi/A/0/B/1", "number"},
         Refusal{R"({"registry": {"A": {"v": {"type": "REG_SZ"}}}})", "/registry/A/v", "lacks \"value\""}));
 
 INSTANTIATE_TEST_SUITE_P(

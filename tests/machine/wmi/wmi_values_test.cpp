@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace machine_test {
 namespace {
@@ -40,6 +41,32 @@ TEST_F(Wmi, Values_HaveTheTypesOfTheDescription) {
     EXPECT_EQ(instance_->Get(L"Broken", 0, &value, nullptr, nullptr), static_cast<HRESULT>(0x80041003));
     EXPECT_EQ(instance_->Get(L"Missing", 0, &value, nullptr, nullptr), kNotFound);
     EXPECT_EQ(value.vt, VT_EMPTY);
+}
+
+template <class Number>
+std::vector<Number> NumbersIn(const _variant_t& list) {
+    LONG upper = -1;
+    EXPECT_EQ(SafeArrayGetUBound(list.parray, 1, &upper), S_OK);
+    std::vector<Number> numbers(static_cast<std::size_t>(upper + 1));
+    for (LONG i = 0; i <= upper; ++i) {
+        EXPECT_EQ(SafeArrayGetElement(list.parray, &i, &numbers[static_cast<std::size_t>(i)]), S_OK);
+    }
+    return numbers;
+}
+
+TEST_F(Wmi, ListsOfNumbers_HaveTheTypesOfTheDescription) {
+    Start(
+        R"({"wmi": {"Test_Class": [{"Plain": [3, -4], "Bytes": {"type": "VT_ARRAY|VT_UI1", "value": [0, 255]},
+        "Shorts": {"type": "VT_ARRAY|VT_I2", "value": [-32768]}, "None": {"type": "VT_ARRAY|VT_I4", "value": []}}]}})");
+    First(L"Test_Class");
+    EXPECT_EQ(Value(L"Plain").vt, VT_ARRAY | VT_I4);
+    EXPECT_EQ(NumbersIn<LONG>(Value(L"Plain")), (std::vector<LONG>{3, -4}));
+    EXPECT_EQ(Value(L"Bytes").vt, VT_ARRAY | VT_UI1);
+    EXPECT_EQ(NumbersIn<BYTE>(Value(L"Bytes")), (std::vector<BYTE>{0, 255}));
+    EXPECT_EQ(Value(L"Shorts").vt, VT_ARRAY | VT_I2);
+    EXPECT_EQ(NumbersIn<SHORT>(Value(L"Shorts")), (std::vector<SHORT>{-32768}));
+    EXPECT_EQ(Value(L"None").vt, VT_ARRAY | VT_I4);
+    EXPECT_EQ(NumbersIn<LONG>(Value(L"None")), std::vector<LONG>());
 }
 
 TEST_F(Wmi, ReservedFlags_AreRefused) {
