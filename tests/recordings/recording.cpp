@@ -20,8 +20,13 @@ namespace {
 
 void Silent(std::size_t, const recorder::Question&) {}
 
-recorder::Observations ObserveDescribed(const machine::Description& machine) {
+// All answers to the call are altered, if `alter` is set.
+recorder::Observations ObserveDescribed(const machine::Description& machine, const std::string& call,
+                                        const std::function<void(machine::Answer&)>& alter) {
     machine::Session session(machine);
+    if (alter) {
+        session.simulation().faults().Alter(call, alter);
+    }
     const recorder::SystemFunctions functions(&machine::SimulatedProcAddress);
     recorder::Observations observations = recorder::Observe(
         [&](const recorder::Question& question) { return recorder::Ask(functions, question); }, Silent);
@@ -42,8 +47,13 @@ std::string TestName(const std::filesystem::path& folder) {
 }
 
 Recording Record(const machine::Description& machine) {
+    return RecordAltered(machine, "", nullptr);
+}
+
+Recording RecordAltered(const machine::Description& machine, const std::string& call,
+                        const std::function<void(machine::Answer&)>& alter) {
     Recording recording;
-    recording.observations = ObserveDescribed(machine);
+    recording.observations = ObserveDescribed(machine, call, alter);
     recording.text = machine::WriteDescription(recorder::Describe(recording.observations));
     recording.machine = machine::ParseDescription(recording.text, "the recording");
     return recording;

@@ -2,11 +2,13 @@
 
 #include "machine/description/description.h"
 #include "machine/recorder/observe/observations.h"
+#include "machine/simulation/fault_plan.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,6 +26,10 @@ std::string TestName(const std::filesystem::path& folder);
 
 // Observes and describes a machine. No simulation may be current.
 Recording Record(const machine::Description& machine);
+
+// Records a machine of which every answer to a call is altered.
+Recording RecordAltered(const machine::Description& machine, const std::string& call,
+                        const std::function<void(machine::Answer&)>& alter);
 
 // The unexplained findings of the proof, a line each; empty if it is proved.
 std::string Unexplained(const Recording& recording);

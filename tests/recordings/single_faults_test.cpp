@@ -140,51 +140,6 @@ TEST_P(RecordedFault, Recording_IsProvedAndReplaysTheMachine) {
     }
 }
 
-std::string UnexplainedWithDisk(const char* name, std::size_t disk, const std::string& call) {
-    machine::Description machine = machine::LoadDescription(kExamples / name);
-    machine.disks[disk].errors.codes["DeviceIoControl:" + call] = ERROR_INVALID_FUNCTION;
-    return recordings::Unexplained(recordings::Record(machine));
-}
-
-// Volumes do not tell of an extended partition with one logical one.
-TEST(RecordedTable, OnlyTheOlderControlTellsIt_IsDescribedByThat) {
-    EXPECT_EQ(UnexplainedWithDisk("bios-laptop", 0, "IOCTL_DISK_GET_DRIVE_LAYOUT_EX"), "");
-}
-
-TEST(RecordedTable, OnlyTheLayoutTellsThatADiskIsBlank_IsDescribed) {
-    EXPECT_EQ(UnexplainedWithDisk("blank-disks", 1, "IOCTL_DISK_GET_DRIVE_GEOMETRY_EX"), "");
-}
-
-std::string UnexplainedWithVolume(const char* name, std::size_t volume, const char* call,
-                                  std::uint32_t error) {
-    machine::Description machine = machine::LoadDescription(kExamples / name);
-    machine.volumes[volume].errors.codes[call] = error;
-    return recordings::Unexplained(recordings::Record(machine));
-}
-
-// The volumes behind it are known from the directories, which have another order.
-TEST(RecordedSearch, BreaksOffAtAVolume_KeepsTheOrder) {
-    for (const char* name : {"blank-disks", "shadow-copies"}) {
-        const std::size_t count = machine::LoadDescription(kExamples / name).volumes.size();
-        for (std::size_t i = 0; i < count; ++i) {
-            SCOPED_TRACE(name + (" volume " + std::to_string(i)));
-            EXPECT_EQ(UnexplainedWithVolume(name, i, "FindNextVolumeW", ERROR_ACCESS_DENIED), "");
-        }
-    }
-}
-
-TEST(RecordedVolume, OnlyTheOlderControlTellsItsPartition_IsDescribedByThat) {
-    EXPECT_EQ(
-        UnexplainedWithVolume("encrypted-container", 2, "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX",
-                              ERROR_INVALID_FUNCTION),
-        "");
-}
-
-// It cannot be opened, so that no length tells of a medium.
-TEST(RecordedVolume, OnlyItsSpaceTellsOfAMedium_HasOne) {
-    EXPECT_EQ(UnexplainedWithVolume("foreign-file-system", 3, "GetVolumeInformationW", ERROR_NOT_READY), "");
-}
-
 INSTANTIATE_TEST_SUITE_P(Machines, RecordedFault, testing::ValuesIn(cases::FoldersOf(kExamples)),
                          [](const auto& folder) { return recordings::TestName(folder.param); });
 

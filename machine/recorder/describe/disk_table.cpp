@@ -10,14 +10,24 @@
 namespace recorder {
 namespace {
 
-// Only whole boot records with a partition can be described: those before the first other one.
+// Only whole boot records with a partition can be described. One entry alone is that of a file system without
+// a table.
 void KeepWholeRecords(std::vector<machine::Partition>& entries) {
-    std::size_t whole = machine::kPrimarySlots;
-    while (whole + machine::kPrimarySlots <= entries.size() &&
-           entries[whole].mbr_type != PARTITION_ENTRY_UNUSED) {
-        whole += machine::kPrimarySlots;
+    constexpr std::size_t kSlots = machine::kPrimarySlots;
+    if (entries.size() == 1 &&
+        (entries.front().mbr_type == PARTITION_ENTRY_UNUSED || entries.front().number > 1)) {
+        entries.resize(kSlots);
     }
-    entries.resize(std::min(whole, entries.size()));
+    std::size_t kept = std::min(kSlots, entries.size());
+    for (std::size_t record = kSlots; record + kSlots <= entries.size(); record += kSlots) {
+        if (entries[record].mbr_type != PARTITION_ENTRY_UNUSED) {
+            std::move(entries.begin() + static_cast<std::ptrdiff_t>(record),
+                      entries.begin() + static_cast<std::ptrdiff_t>(record + kSlots),
+                      entries.begin() + static_cast<std::ptrdiff_t>(kept));
+            kept += kSlots;
+        }
+    }
+    entries.resize(kept);
 }
 
 void DescribeLayout(const Bytes& bytes, bool geometry_told, machine::Disk& disk) {
@@ -109,11 +119,11 @@ void DescribeByVolumes(const Observations& observations, machine::Disk& disk) {
     std::map<std::uint32_t, machine::Partition> found;
     for (const std::wstring& object : observations.ObjectsOf(kExtents)) {
         const Bytes* extents = observations.BytesOf(kExtents, object);
-        const Bytes* bytes = observations.BytesOf(kPartitionEx, object);
-        const auto own = bytes == nullptr ? std::nullopt : RecordAt<PARTITION_INFORMATION_EX>(*bytes, 0);
+        const auto own =
+            PartitionIn(observations.BytesOf(kPartitionEx, object), observations.BytesOf(kPartition, object));
         const auto list = extents == nullptr ? std::vector<DISK_EXTENT>() : ExtentsIn(*extents);
-        if (own && list.size() == 1 && list.front().DiskNumber == disk.index && own->PartitionNumber != 0) {
-            found.emplace(own->PartitionNumber, PartitionIn(*own));
+        if (own && list.size() == 1 && list.front().DiskNumber == disk.index && own->number != 0) {
+            found.emplace(own->number, *own);
         }
     }
     if (found.empty()) {
@@ -137,7 +147,8 @@ void DescribeByVolumes(const Observations& observations, machine::Disk& disk) {
 
 void DescribeTable(const Observations& observations, const std::wstring& path, machine::Disk& disk) {
     if (const Bytes* layout = observations.BytesOf(kLayoutEx, path)) {
-        DescribeLayout(*layout, observations.BytesOf(kGeometryEx, path) != nullptr, disk);
+        const Bytes* geometry = observations.BytesOf(kGeometryEx, path);
+        DescribeLayout(*layout, geometry != nullptr && PartitionInfoIn(*geometry), disk);
     } else if (const Bytes* older = observations.BytesOf(kLayout, path)) {
         DescribeOlderLayout(*older, disk);
     } else if (!disk.blank) {

@@ -16,13 +16,6 @@ namespace {
 constexpr std::wstring_view kDevices = L"\\\\.\\";
 constexpr std::wstring_view kDiskPath = L"\\\\.\\PhysicalDrive";
 
-// What the disk driver puts behind DISK_GEOMETRY_EX.
-struct GeometryTail {
-    DISK_PARTITION_INFO partition;
-    DISK_DETECTION_INFO detection;
-};
-constexpr std::size_t kTailOffset = offsetof(DISK_GEOMETRY_EX, Data);
-
 template <class Enum>
 std::uint32_t NumberIn(const Enum& place) {
     std::uint32_t number = 0;
@@ -58,36 +51,69 @@ std::uint64_t EndOfExtents(const Observations& observations, std::uint32_t index
     return end;
 }
 
+// The size of a disk whose extended geometry is not told.
+std::uint64_t SizeWithoutGeometry(const Observations& observations, const std::wstring& path,
+                                  std::uint32_t index) {
+    const Bytes* length = observations.BytesOf(kLength, path);
+    if (const auto size = length == nullptr ? std::nullopt : RecordAt<std::uint64_t>(*length, 0)) {
+        return *size;
+    }
+    // Partition 0 is the whole disk.
+    const auto whole =
+        PartitionIn(observations.BytesOf(kPartitionEx, path), observations.BytesOf(kPartition, path));
+    return whole ? whole->length : EndOfExtents(observations, index);
+}
+
+void DescribePartitionInfo(const DISK_PARTITION_INFO& partition, machine::Disk& disk) {
+    disk.blank = partition.SizeOfPartitionInfo == 0;
+    disk.style = NumberIn(partition.PartitionStyle);
+    if (disk.style == PARTITION_STYLE_MBR) {
+        disk.signature = partition.Mbr.Signature;
+        disk.checksum = partition.Mbr.CheckSum;
+    } else if (disk.style == PARTITION_STYLE_GPT) {
+        disk.disk_id = partition.Gpt.DiskId;
+    }
+}
+
+void DescribeFullGeometry(const Bytes& bytes, machine::Disk& disk) {
+    disk.geometry_bytes =
+        static_cast<std::uint32_t>(std::min(bytes.size(), std::size_t{disk.geometry_bytes}));
+    disk.size = RecordAt<std::uint64_t>(bytes, offsetof(DISK_GEOMETRY_EX, DiskSize)).value_or(0);
+    if (const auto partition = PartitionInfoIn(bytes)) {
+        DescribePartitionInfo(*partition, disk);
+    }
+    if (const auto detection = DetectionInfoIn(bytes)) {
+        disk.detection_type = NumberIn(detection->DetectionType);
+        disk.int13 = detection->Int13;
+        disk.ex_int13 = detection->ExInt13;
+    }
+}
+
+// As many whole cylinders as fit the size, for a disk that does not tell them.
+std::uint64_t UsualCylinders(const machine::Disk& disk) {
+    const std::uint64_t cylinder =
+        std::uint64_t{disk.tracks_per_cylinder} * disk.sectors_per_track * disk.bytes_per_sector;
+    return cylinder == 0 ? 0 : disk.size / cylinder;
+}
+
 void DescribeGeometry(const Observations& observations, const std::wstring& path, machine::Disk& disk) {
     const Bytes* plain = observations.BytesOf(kGeometry, path);
     const Bytes* full = observations.BytesOf(kGeometryEx, path);
-    if (const auto geometry = plain == nullptr ? std::nullopt : RecordAt<DISK_GEOMETRY>(*plain, 0)) {
+    auto geometry = full == nullptr ? std::nullopt : RecordAt<DISK_GEOMETRY>(*full, 0);
+    if (!geometry && plain != nullptr) {
+        geometry = RecordAt<DISK_GEOMETRY>(*plain, 0);
+    }
+    if (geometry) {
         TakeGeometry(*geometry, disk);
     }
     if (full == nullptr) {
-        const Bytes* length = observations.BytesOf(kLength, path);
-        const auto size = length == nullptr ? std::nullopt : RecordAt<std::uint64_t>(*length, 0);
-        disk.size = size ? *size : EndOfExtents(observations, disk.index);
-        return;
+        disk.size = SizeWithoutGeometry(observations, path, disk.index);
+    } else {
+        DescribeFullGeometry(*full, disk);
     }
-    if (const auto geometry = RecordAt<DISK_GEOMETRY>(*full, 0)) {
-        TakeGeometry(*geometry, disk);
-    }
-    disk.geometry_bytes =
-        static_cast<std::uint32_t>(std::min(full->size(), std::size_t{disk.geometry_bytes}));
-    disk.size = RecordAt<std::uint64_t>(*full, offsetof(DISK_GEOMETRY_EX, DiskSize)).value_or(0);
-    if (const auto tail = RecordAt<GeometryTail>(*full, kTailOffset)) {
-        disk.blank = tail->partition.SizeOfPartitionInfo == 0;
-        disk.style = NumberIn(tail->partition.PartitionStyle);
-        if (disk.style == PARTITION_STYLE_MBR) {
-            disk.signature = tail->partition.Mbr.Signature;
-            disk.checksum = tail->partition.Mbr.CheckSum;
-        } else if (disk.style == PARTITION_STYLE_GPT) {
-            disk.disk_id = tail->partition.Gpt.DiskId;
-        }
-        disk.detection_type = NumberIn(tail->detection.DetectionType);
-        disk.int13 = tail->detection.Int13;
-        disk.ex_int13 = tail->detection.ExInt13;
+    disk.size = std::min(disk.size, kMostBytes);
+    if (!geometry) {
+        disk.cylinders = UsualCylinders(disk);
     }
 }
 
@@ -136,11 +162,6 @@ machine::Disk DescribedDisk(const Observations& observations, std::uint32_t inde
     disk.recognizes_all = RecognizesAll(disk);
     const Observation* older = observations.Best(kLayout, path);
     disk.offline = older != nullptr && older->answer.error == ERROR_NOT_READY;
-    const std::uint64_t cylinder =
-        std::uint64_t{disk.tracks_per_cylinder} * disk.sectors_per_track * disk.bytes_per_sector;
-    if (disk.cylinders == 0 && cylinder != 0) {
-        disk.cylinders = disk.size / cylinder;
-    }
     return disk;
 }
 

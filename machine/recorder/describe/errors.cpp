@@ -17,11 +17,8 @@
 namespace recorder {
 namespace {
 
-constexpr const char* kMachineCalls[] = {"GetLogicalDrives",
-                                         "GetFirmwareType",
-                                         "IClassFactory::CreateInstance",
-                                         "IWbemLocator::ConnectServer",
-                                         "FindVolumeClose",
+constexpr const char* kMachineCalls[] = {"GetLogicalDrives", "GetFirmwareType",
+                                         "IClassFactory::CreateInstance", "IWbemLocator::ConnectServer",
                                          "IClientSecurity::SetBlanket"};
 
 bool IsMachineCall(const std::string& call) {
@@ -53,10 +50,14 @@ std::optional<Place> PlaceOfPath(const machine::NameIndex& names, const std::wst
     return std::nullopt;
 }
 
-// The search fails when it reaches a volume: the one after those that it listed.
+// The search fails when it reaches a volume: the one after those that it listed. That it fails behind the
+// last one can be said only if every step fails.
 std::optional<Place> PlaceOfSearch(const machine::NameIndex& names, const Answer& search) {
     const std::size_t listed = search.parts.size();
-    return listed < names.volume_names().size() ? PlaceOfPath(names, names.volume_names()[listed]) : Place{};
+    if (listed < names.volume_names().size()) {
+        return PlaceOfPath(names, names.volume_names()[listed]);
+    }
+    return listed <= 1 ? std::optional(Place{}) : std::nullopt;
 }
 
 // None for a call that cannot be described.
@@ -124,27 +125,36 @@ machine::CallErrors& ErrorsAt(machine::Description& description, const Place& pl
     return description.errors;
 }
 
-bool IsBufferError(const Observation& observation) {
+// Whether the buffer was too small: a larger one gets another answer.
+bool IsBufferError(const Observations& observations, const Observation& observation) {
     const std::uint32_t error = observation.answer.error;
-    return observation.question.size != 0 && (error == ERROR_INSUFFICIENT_BUFFER || error == ERROR_MORE_DATA);
+    if (error != ERROR_INSUFFICIENT_BUFFER && error != ERROR_MORE_DATA) {
+        return false;
+    }
+    const auto asked = observations.Find(observation.question.call, observation.question.object);
+    return std::any_of(asked.begin(), asked.end(), [&](const Observation* other) {
+        return other->question.size > observation.question.size && other->answer.error != error;
+    });
 }
 
-bool IsDescribable(const Observation& recorded, const Answer& described) {
+bool IsDescribable(const Observations& observations, const Observation& recorded, const Answer& described) {
     const Answer& answer = recorded.answer;
-    return (answer.blocks || answer.error != 0) && !answer.crashed && !IsBufferError(recorded) &&
-           Compare(recorded, described) == Agreement::kDifferent;
+    return (answer.blocks || answer.error != 0) && !answer.crashed &&
+           !IsBufferError(observations, recorded) && Compare(recorded, described) == Agreement::kDifferent;
 }
 
 // What is asked by one call of one object, by any of its names.
 using Subject = std::pair<std::string, Place>;
 
-// The subjects with an answer that succeeded: they do not always fail.
+// The subjects with an answer that succeeded: they do not always fail. Neither does the call on the machine
+// as a whole, which would fail on every object.
 std::set<Subject> Succeeding(const Observations& observations, const machine::NameIndex& names) {
     std::set<Subject> subjects;
     for (const Observation& observation : observations.all()) {
         const auto place = PlaceOf(names, observation);
         if (place && observation.answer.succeeded()) {
             subjects.emplace(observation.question.call, *place);
+            subjects.emplace(observation.question.call, Place{});
         }
     }
     return subjects;
@@ -160,7 +170,7 @@ bool DescribeErrors(const Observations& observations, machine::Description& desc
     for (std::size_t i = 0; i < observations.all().size(); ++i) {
         const Observation& recorded = observations.all()[i];
         const auto place = PlaceOf(names, recorded);
-        if (!place || !IsDescribable(recorded, replayed.all()[i].answer) ||
+        if (!place || !IsDescribable(observations, recorded, replayed.all()[i].answer) ||
             succeeding.contains({recorded.question.call, *place})) {
             continue;
         }

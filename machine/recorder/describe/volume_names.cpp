@@ -32,7 +32,9 @@ public:
     std::vector<NamedVolume> Collect() {
         const std::vector<std::wstring> forms = observations_.ObjectsOf("CreateFileW");
         for (const std::wstring& form : forms) {
-            if (machine::StartsWith(form, kGlobalRoot) && IsVolume(form)) {
+            // A device name ends without a backslash.
+            const bool device = machine::StartsWith(form, kGlobalRoot) && form.back() != L'\\';
+            if (device && IsVolume(form)) {
                 At(form.substr(kGlobalRoot.size())).forms.push_back(form);
             }
         }

@@ -17,7 +17,7 @@ struct NamedVolume {
     bool linked = true;                // its GUIDs are links
 };
 
-// The volumes, as nearly as possible in an order from which both \Device and the volume search follow.
+// The volumes that the volume search lists, in its order; then the others, in the order of \Device.
 std::vector<NamedVolume> NamedVolumes(const Observations& observations);
 
 }  // namespace recorder

@@ -71,17 +71,8 @@ bool FailedWith(const Answer* answer, std::uint32_t error) {
     return answer != nullptr && answer->error == error && !answer->blocks && !answer->crashed;
 }
 
-template <class Information>
-std::optional<machine::Partition> AnsweredPartition(const VolumeAnswers& answers, const char* call) {
-    const Bytes* bytes = answers.BytesOf(call);
-    const auto information = bytes == nullptr ? std::nullopt : RecordAt<Information>(*bytes, 0);
-    return information ? std::optional(PartitionIn(*information)) : std::nullopt;
-}
-
-// The older control tells it where the other one is refused.
 std::optional<machine::Partition> OwnPartition(const VolumeAnswers& answers) {
-    const auto partition = AnsweredPartition<PARTITION_INFORMATION_EX>(answers, kPartitionEx);
-    return partition ? partition : AnsweredPartition<PARTITION_INFORMATION>(answers, kPartition);
+    return PartitionIn(answers.BytesOf(kPartitionEx), answers.BytesOf(kPartition));
 }
 
 // What is known of the members that have defaults, by the keys of their rows.
@@ -132,11 +123,11 @@ Facts SpaceFacts(const VolumeAnswers& answers) {
     const Answer* space = answers.OfRoot("GetDiskFreeSpaceW");
     const Answer* space_ex = answers.OfRoot("GetDiskFreeSpaceExW");
     const Answer* length = answers.OfDevice(kLength);
-    const bool readable = Succeeded(length) || Succeeded(space) || Succeeded(space_ex);
-    if (FailedWith(information, ERROR_NOT_READY) && !readable) {
+    const bool has_space = Succeeded(space) || Succeeded(space_ex);
+    if (FailedWith(information, ERROR_NOT_READY) && !has_space && !Succeeded(length)) {
         facts["media"] = [](Volume& volume) { volume.has_media = false; };
     }
-    if (FailedWith(information, ERROR_UNRECOGNIZED_VOLUME)) {
+    if (FailedWith(information, ERROR_UNRECOGNIZED_VOLUME) && !has_space) {
         facts["fileSystem"] = [](Volume& volume) { volume.file_system.clear(); };
     }
     KnowPart(facts, information, L"label", "label", &Volume::label);
@@ -269,19 +260,24 @@ std::vector<std::wstring> MountPoints(const Observations& observations, const Na
     return points;
 }
 
+// A search that broke off may have listed the volumes behind, but not the other names of one that it passed.
 void DescribeGuids(const Observations& observations, const NamedVolume& named, Volume& volume) {
     const std::vector<std::wstring> search = ListedNames(observations, "FindFirstVolumeW", L"");
     const Observation* asked = observations.Best("FindFirstVolumeW", L"");
     const bool whole = asked != nullptr && asked->answer.succeeded();
-    for (std::size_t i = 0; i < named.guids.size(); ++i) {
-        const bool listed = std::any_of(search.begin(), search.end(), [&](const std::wstring& name) {
-            return machine::EqualNames(name, L"\\\\?\\Volume" + named.guids[i] + L"\\");
+    const auto is_listed = [&](const std::wstring& guid) {
+        return std::any_of(search.begin(), search.end(), [&](const std::wstring& name) {
+            return machine::EqualNames(name, L"\\\\?\\Volume" + guid + L"\\");
         });
+    };
+    const bool behind = !whole && std::none_of(named.guids.begin(), named.guids.end(), is_listed);
+    for (std::size_t i = 0; i < named.guids.size(); ++i) {
+        const bool enumerated = behind || is_listed(named.guids[i]);
         if (i == 0) {
             volume.guid = named.guids[i];
-            volume.enumerated = listed || !whole;
+            volume.enumerated = enumerated;
         } else {
-            volume.aliases.push_back({named.guids[i], listed || !whole});
+            volume.aliases.push_back({named.guids[i], enumerated});
         }
     }
 }

@@ -90,4 +90,22 @@ std::vector<machine::Partition> OlderPartitionsIn(const machine::Bytes& bytes) {
                                                count.value_or(0));
 }
 
+std::optional<machine::Partition> PartitionIn(const machine::Bytes* answer, const machine::Bytes* older) {
+    const auto partition = answer == nullptr ? std::nullopt : RecordAt<PARTITION_INFORMATION_EX>(*answer, 0);
+    if (partition) {
+        return PartitionIn(*partition);
+    }
+    const auto mbr = older == nullptr ? std::nullopt : RecordAt<PARTITION_INFORMATION>(*older, 0);
+    return mbr ? std::optional(PartitionIn(*mbr)) : std::nullopt;
+}
+
+std::optional<DISK_PARTITION_INFO> PartitionInfoIn(const machine::Bytes& bytes) {
+    return RecordAt<DISK_PARTITION_INFO>(bytes, offsetof(DISK_GEOMETRY_EX, Data));
+}
+
+std::optional<DISK_DETECTION_INFO> DetectionInfoIn(const machine::Bytes& bytes) {
+    return RecordAt<DISK_DETECTION_INFO>(bytes,
+                                         offsetof(DISK_GEOMETRY_EX, Data) + sizeof(DISK_PARTITION_INFO));
+}
+
 }  // namespace recorder

@@ -48,4 +48,12 @@ std::vector<machine::Partition> OlderPartitionsIn(const machine::Bytes& bytes);
 machine::Partition PartitionIn(const PARTITION_INFORMATION_EX& information);
 machine::Partition PartitionIn(const PARTITION_INFORMATION& information);
 
+// The partition in an answer to the partition control or, if there is none, to the older one. Either may be
+// null.
+std::optional<machine::Partition> PartitionIn(const machine::Bytes* answer, const machine::Bytes* older);
+
+// What stands behind the geometry in an answer to the extended geometry control; drivers may leave it out.
+std::optional<DISK_PARTITION_INFO> PartitionInfoIn(const machine::Bytes& bytes);
+std::optional<DISK_DETECTION_INFO> DetectionInfoIn(const machine::Bytes& bytes);
+
 }  // namespace recorder

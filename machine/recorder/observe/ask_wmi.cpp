@@ -225,7 +225,7 @@ Answer AskWmiClass(const SystemFunctions& /*functions*/, const Question& questio
     while (const auto object = NextObject(*query.enumerator, result)) {
         AddProperties(*object, static_cast<std::uint32_t>(answer.value), answer.parts);
         ++answer.value;
-        if (answer.parts.size() >= kMostParts) {
+        if (answer.parts.size() >= kMostParts || answer.value >= kMostParts) {
             result = static_cast<HRESULT>(WBEM_E_FAILED);
             break;
         }
