@@ -38,6 +38,7 @@ struct Partition {
     std::uint64_t length = 0;                   // bytes
     std::uint32_t number = 0;                   // 0 for unused entries, extended partitions and links
     bool rewrite = false;
+    GUID id{};  // of an MBR partition only on current systems
 
     std::uint8_t mbr_type = 0;
     bool active = false;
@@ -45,7 +46,6 @@ struct Partition {
     std::uint32_t hidden_sectors = 0;
 
     GUID gpt_type{};
-    GUID gpt_id{};
     std::uint64_t gpt_attributes = 0;
     std::wstring gpt_name;  // at most 36 characters
 
@@ -127,7 +127,8 @@ struct Disk {
 
     std::uint32_t style = PARTITION_STYLE_RAW;
     std::uint32_t signature = 0;
-    std::uint32_t checksum = 0;
+    std::uint32_t checksum = 0;         // in the geometry
+    std::uint32_t layout_checksum = 0;  // in the layout
     GUID disk_id{};
     std::uint64_t starting_usable_offset = 0;
     std::uint64_t usable_length = 0;

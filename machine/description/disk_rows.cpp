@@ -178,7 +178,8 @@ Table<Disk> StyleRows() {
             .Unless([](const Disk& disk, const Place& place) {
                 return IsSuperFloppy(disk) ? "" : OnlyOfMbr(disk, place);
             }),
-        of_mbr({"checksum", &Disk::checksum, Number(), "MBR"}),
+        of_mbr({"checksum", &Disk::checksum, Number(), "MBR: in the geometry"}),
+        of_mbr({"layoutChecksum", &Disk::layout_checksum, Number(), "MBR: in the layout"}),
         of_gpt({"diskId", &Disk::disk_id, Guid(),
                 Derived{"derived from the index",
                         [](const Disk& disk, const Place&) { return DerivedGuid(Seed(disk)); }},

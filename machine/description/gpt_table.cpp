@@ -77,7 +77,7 @@ Partition Entry(const Bytes& entries, std::size_t at, std::uint32_t bytes_per_se
     Partition partition;
     partition.style = PARTITION_STYLE_GPT;
     partition.gpt_type = GetGuid(entries, at);
-    partition.gpt_id = GetGuid(entries, at + 16);
+    partition.id = GetGuid(entries, at + 16);
     const std::uint64_t first = Get64(entries, at + 32);
     const std::uint64_t last = Get64(entries, at + 40);
     partition.offset = first * bytes_per_sector;
@@ -100,7 +100,7 @@ Bytes EntriesOf(const Disk& disk) {
         const std::size_t at = i * kGptEntrySize;
         const std::uint64_t first = partition.offset / disk.bytes_per_sector;
         PutGuid(entries, at, partition.gpt_type);
-        PutGuid(entries, at + 16, partition.gpt_id);
+        PutGuid(entries, at + 16, partition.id);
         Put64(entries, at + 32, first);
         Put64(entries, at + 40, first + partition.length / disk.bytes_per_sector - 1);
         Put64(entries, at + 48, partition.gpt_attributes);

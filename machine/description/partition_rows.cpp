@@ -89,6 +89,8 @@ Table<DescribedPartition> MbrRows() {
         {"active", &DescribedPartition::active, Flag(), ""},
         Row<DescribedPartition>("hiddenSectors", &DescribedPartition::given_hidden, Number(), "")
             .Otherwise("sectors between the record that describes the partition and its start"),
+        {"id", &DescribedPartition::id, Guid(),
+         Derived{"zero", [](const DescribedPartition&, const Place&) { return GUID{}; }}, ""},
         Row<DescribedPartition>("recognized", &DescribedPartition::given_recognized, Flag(), "")
             .Otherwise("see `recognition` of the disk"),
     };
@@ -156,7 +158,7 @@ const Table<DescribedPartition>& MbrTable() {
 const Table<DescribedPartition>& GptTable() {
     static const Table<DescribedPartition> table = {
         {"type", &DescribedPartition::gpt_type, GptTypeGuid(), Required{}, ""},
-        {"id", &DescribedPartition::gpt_id, Guid(),
+        {"id", &DescribedPartition::id, Guid(),
          Derived{"derived from the disk id and the number",
                  [](const DescribedPartition&, const Place& place) {
                      return DerivedGuid(GuidText(place.disk->disk_id) + "/" +

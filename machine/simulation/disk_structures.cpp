@@ -1,5 +1,7 @@
 #include "machine/simulation/disk_structures.h"
 
+#include "machine/description/mbr_members.h"
+
 #include <algorithm>
 #include <cstddef>
 
@@ -49,7 +51,7 @@ PARTITION_INFORMATION_EX InformationEx(const Partition& partition) {
     information.RewritePartition = partition.rewrite;
     if (partition.style == PARTITION_STYLE_GPT) {
         information.Gpt.PartitionType = partition.gpt_type;
-        information.Gpt.PartitionId = partition.gpt_id;
+        information.Gpt.PartitionId = partition.id;
         information.Gpt.Attributes = partition.gpt_attributes;
         const std::size_t length = std::min(partition.gpt_name.size(), std::size(information.Gpt.Name));
         std::copy_n(partition.gpt_name.begin(), length, information.Gpt.Name);
@@ -119,6 +121,9 @@ Bytes DriveLayoutExBytes(const Disk& disk) {
     }
     Bytes bytes = BytesOf(header);
     bytes.resize(offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry));
+    if (disk.style == PARTITION_STYLE_MBR) {
+        std::memcpy(bytes.data() + kMbrLayoutChecksum, &disk.layout_checksum, sizeof(disk.layout_checksum));
+    }
     bytes.reserve(bytes.size() + disk.partitions.size() * sizeof(PARTITION_INFORMATION_EX));
     for (const Partition& partition : disk.partitions) {
         Append(bytes, PartitionExBytes(partition));
@@ -131,7 +136,11 @@ Bytes PartitionBytes(const Partition& partition) {
 }
 
 Bytes PartitionExBytes(const Partition& partition) {
-    return BytesOf(InformationEx(partition));
+    Bytes bytes = BytesOf(InformationEx(partition));
+    if (partition.style == PARTITION_STYLE_MBR) {
+        std::memcpy(bytes.data() + kMbrPartitionId, &partition.id, sizeof(partition.id));
+    }
+    return bytes;
 }
 
 Partition WholeDisk(const Disk& disk) {
@@ -149,7 +158,7 @@ Partition PartitionFrom(const PARTITION_INFORMATION_EX& information) {
     partition.number = information.PartitionNumber;
     if (partition.style == PARTITION_STYLE_GPT) {
         partition.gpt_type = information.Gpt.PartitionType;
-        partition.gpt_id = information.Gpt.PartitionId;
+        partition.id = information.Gpt.PartitionId;
         partition.gpt_attributes = information.Gpt.Attributes;
         const WCHAR* end = std::find(std::begin(information.Gpt.Name), std::end(information.Gpt.Name), L'\0');
         partition.gpt_name.assign(std::begin(information.Gpt.Name), end);

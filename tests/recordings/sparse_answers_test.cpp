@@ -57,6 +57,17 @@ TEST(RecordedDisk, NoCylinders_AreDescribed) {
               "");
 }
 
+TEST(RecordedDisk, IdsAndChecksumsOfAnMbr_AreDescribed) {
+    EXPECT_EQ(UnexplainedOf(R"({"disks": [{"index": 0, "size": "10 GiB", "style": "mbr", "signature": 7,
+            "checksum": 8, "layoutChecksum": 9, "partitions": [
+                {"offset": "1 MiB", "size": "1 GiB", "type": "ntfs", "id": "{11111111-2222-3333-4444-555555555555}"},
+                {"offset": "2 GiB", "size": "8191 MiB", "type": "extended", "logical": [
+                    {"offset": "2049 MiB", "size": "1 GiB", "type": "ntfs",
+                     "id": "{21111111-2222-3333-4444-555555555555}"}]}]}],
+            "volumes": [{"partition": {"disk": 0, "number": 2}}]})"),
+              "");
+}
+
 // A user without rights cannot ask for the length.
 TEST(RecordedDisk, OnlyItsPartitionTellsItsSize_IsDescribedByThat) {
     EXPECT_EQ(UnexplainedOf(R"({"disks": [{"index": 0, "size": "1 GiB", "openForReadingError": 5,

@@ -1,5 +1,6 @@
 #include "machine/recorder/describe/disk_table.h"
 
+#include "machine/description/mbr_members.h"
 #include "machine/description/partition_table.h"
 #include "machine/recorder/describe/control_calls.h"
 #include "machine/recorder/observe/answer_bytes.h"
@@ -46,6 +47,7 @@ void DescribeLayout(const Bytes& bytes, bool geometry_told, machine::Disk& disk)
         disk.max_partition_count = layout->Gpt.MaxPartitionCount;
     } else if (disk.style == PARTITION_STYLE_MBR) {
         disk.signature = layout->Mbr.Signature;
+        disk.layout_checksum = RecordAt<std::uint32_t>(bytes, machine::kMbrLayoutChecksum).value_or(0);
     }
     disk.partitions = PartitionsIn(bytes);
     if (disk.style == PARTITION_STYLE_MBR) {

@@ -1,5 +1,7 @@
 #include "machine/recorder/observe/answer_bytes.h"
 
+#include "machine/description/mbr_members.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -60,13 +62,16 @@ machine::Partition PartitionIn(const PARTITION_INFORMATION_EX& information) {
     std::memcpy(&partition.style, &information.PartitionStyle, sizeof(partition.style));
     if (partition.style == PARTITION_STYLE_GPT) {
         partition.gpt_type = information.Gpt.PartitionType;
-        partition.gpt_id = information.Gpt.PartitionId;
+        partition.id = information.Gpt.PartitionId;
         partition.gpt_attributes = information.Gpt.Attributes;
         partition.gpt_name.assign(
             std::begin(information.Gpt.Name),
             std::find(std::begin(information.Gpt.Name), std::end(information.Gpt.Name), L'\0'));
     } else if (partition.style == PARTITION_STYLE_MBR) {
         TakeMbr(information.Mbr, partition);
+        std::memcpy(&partition.id,
+                    reinterpret_cast<const std::uint8_t*>(&information) + machine::kMbrPartitionId,
+                    sizeof(partition.id));
     }
     return partition;
 }

@@ -1,6 +1,7 @@
 #include "machine/recorder/redact/redact_bytes.h"
 
 #include "common/windows.h"
+#include "machine/description/mbr_members.h"
 #include "machine/description/text.h"
 #include "machine/recorder/redact/redact_texts.h"
 
@@ -14,12 +15,11 @@
 namespace recorder {
 namespace {
 
-// The places of values in the structures. Current systems have values that the compiler's headers do not
-// know: a checksum in the layout of an MBR disk, and a GUID in its entries.
+// The places of values in the structures.
 namespace layout {
 constexpr std::size_t kStyle = 0;
 constexpr std::size_t kMbrSignature = 8;
-constexpr std::size_t kMbrChecksum = 12;
+constexpr std::size_t kMbrChecksum = machine::kMbrLayoutChecksum;
 constexpr std::size_t kGptDiskId = 8;
 constexpr std::size_t kEntries = 48;
 }  // namespace layout
@@ -30,7 +30,7 @@ constexpr std::size_t kSignature = 4;
 
 namespace entry {
 constexpr std::size_t kStyle = 0;
-constexpr std::size_t kMbrId = 40;
+constexpr std::size_t kMbrId = machine::kMbrPartitionId;
 constexpr std::size_t kGptType = 32;
 constexpr std::size_t kGptId = 48;
 constexpr std::size_t kGptName = 72;

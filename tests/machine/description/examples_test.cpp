@@ -143,7 +143,7 @@ TEST_P(Example, Identifiers_AreUnique) {
                     Excepted(disk));
         for (const machine::Partition& partition : disk.partitions) {
             if (partition.style == PARTITION_STYLE_GPT) {
-                EXPECT_TRUE(ids.insert(machine::GuidText(partition.gpt_id)).second);
+                EXPECT_TRUE(ids.insert(machine::GuidText(partition.id)).second);
             }
         }
     }

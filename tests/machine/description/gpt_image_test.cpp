@@ -97,7 +97,7 @@ TEST_F(GptImage, UsedEntries_AreCountedAndUnusedSkipped) {
     EXPECT_EQ(disk.partitions[1].gpt_name, L"Daten \u00e4");
     EXPECT_EQ(disk.partitions[1].gpt_attributes, 0x8000000000000001u);
     EXPECT_EQ(machine::GuidText(disk.partitions[1].gpt_type), kBasicData);
-    EXPECT_TRUE(IsEqualGUID(disk.partitions[1].gpt_id, machine::DerivedGuid("id 5")));
+    EXPECT_TRUE(IsEqualGUID(disk.partitions[1].id, machine::DerivedGuid("id 5")));
     EXPECT_EQ(disk.partitions[2].number, 3u);
     EXPECT_EQ(disk.partitions[2].length, 1024u);
 }

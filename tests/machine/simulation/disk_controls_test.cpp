@@ -119,6 +119,21 @@ TEST_F(DiskControls, LayoutExOneByteShort_Is122WithoutBytes) {
         machine_.kernel.Ask(handle_, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, kLayoutHeader + 4 * kLayoutEntry).done);
 }
 
+// Members that the compiler's headers do not know.
+TEST(MbrLayout, IdsAndChecksum_StandBehindTheKnownMembers) {
+    Machine machine(R"({"disks": [{"index": 0, "size": "1 GiB", "style": "mbr", "signature": 7,
+        "layoutChecksum": 9, "partitions": [{"offset": "1 MiB", "size": "100 MiB", "type": "ntfs",
+        "id": "{11111111-2222-3333-4444-555555555555}"}]}]})");
+    const HANDLE disk = machine.kernel.Open(L"\\\\.\\PhysicalDrive0", 0);
+    const auto answer = machine.kernel.Ask(disk, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, 4096);
+    machine.kernel.CloseHandle(disk);
+    ASSERT_TRUE(answer.done);
+    EXPECT_EQ(answer.As<DWORD>(8), 7u);
+    EXPECT_EQ(answer.As<DWORD>(12), 9u);
+    EXPECT_EQ(answer.As<DWORD>(kLayoutHeader + 40), 0x11111111u);
+    EXPECT_EQ(answer.As<DWORD>(kLayoutHeader + 52), 0x55555555u);
+}
+
 TEST_F(DiskControls, LayoutExOfGpt_NumbersAndNamesThePartitions) {
     Open(L"\\\\.\\PhysicalDrive3");
     const auto answer = machine_.kernel.Ask(handle_, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, 4096);

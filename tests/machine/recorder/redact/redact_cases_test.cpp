@@ -104,7 +104,7 @@ TEST_P(RedactedCase, PrivateValuesOfTheDescription_AreGone) {
     for (const machine::Disk& disk : machine_.disks) {
         guid(disk.disk_id);
         for (const machine::Partition& partition : disk.partitions) {
-            guid(partition.gpt_id);
+            guid(partition.id);
         }
     }
     for (const wchar_t* name : {L"WIN32_OPERATINGSYSTEM", L"WIN32_COMPUTERSYSTEM"}) {

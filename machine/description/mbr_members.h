@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstddef>
+
+// Where current systems have members of MBR disks that the compiler's headers do not know.
+namespace machine {
+
+// DWORD DRIVE_LAYOUT_INFORMATION_EX::Mbr.CheckSum
+inline constexpr std::size_t kMbrLayoutChecksum = 12;
+
+// GUID PARTITION_INFORMATION_EX::Mbr.PartitionId
+inline constexpr std::size_t kMbrPartitionId = 40;
+
+}  // namespace machine
