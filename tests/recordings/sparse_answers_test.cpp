@@ -155,6 +155,14 @@ TEST(RecordedSearch, FailsBehindTheLastVolume_IsTheOnlyDifference) {
               "FindFirstVolumeW, 255 and 260 characters: FindNextVolumeW error 5 here, success there\n");
 }
 
+// Made by `subst`: the drive is no device, but a folder of another one.
+TEST(RecordedVolume, DriveOfAFolder_IsAVolumeOfItsOwn) {
+    EXPECT_EQ(UnexplainedOf(R"({"volumes": [{"device": "\\Device\\Folder", "guid": null, "unchecked": true,
+            "mountPoints": ["S:\\"], "label": "System", "errors": {"CreateFileW": 123}}],
+            "dosDevices": {"S:": "\\??\\C:\\Projects"}})"),
+              "");
+}
+
 TEST(RecordedVolume, OnlyTheOlderControlTellsItsPartition_IsDescribedByThat) {
     EXPECT_EQ(
         UnexplainedWithVolume("encrypted-container", 2, "DeviceIoControl:IOCTL_DISK_GET_PARTITION_INFO_EX",

@@ -60,6 +60,12 @@ private:
         return found || type->answer.value != DRIVE_NO_ROOT_DIR;
     }
 
+    // Whether a drive that leads to no known device has a root: it may be a folder of another drive.
+    bool HasRoot(const std::wstring& drive) const {
+        const Observation* type = observations_.Best("GetDriveTypeW", drive + L'\\');
+        return type != nullptr && type->answer.succeeded() && type->answer.value != DRIVE_NO_ROOT_DIR;
+    }
+
     NamedVolume* Find(const std::wstring& device) {
         const auto found = std::find_if(volumes_.begin(), volumes_.end(), [&](const NamedVolume& volume) {
             return machine::EqualNames(volume.device, device);
@@ -82,7 +88,12 @@ private:
                 continue;
             }
             const std::wstring drive = form.substr(kDriveForm.size());
-            if (NamedVolume* volume = Find(TargetOf(observations_, drive))) {
+            const std::wstring target = TargetOf(observations_, drive);
+            NamedVolume* volume = Find(target);
+            if (volume == nullptr && !target.empty() && HasRoot(drive)) {
+                volume = &At(std::wstring(kDeviceDirectory) + L"Drive" + drive.front());
+            }
+            if (volume != nullptr) {
                 volume->drives.push_back(drive);
                 volume->forms.push_back(form);
             }

@@ -28,8 +28,8 @@ public:
         : observations_(observations), named_(named) {}
 
     // Of a call on the open volume; null if nothing was answered.
-    const Answer* OfDevice(const char* call) const { return Of(call, L""); }
-    const Answer* OfRoot(const char* call) const { return Of(call, L"\\"); }
+    const Answer* OfDevice(const char* call) const { return AnswerOf(BestOfDevice(call)); }
+    const Answer* OfRoot(const char* call) const { return AnswerOf(BestOf(call, RootNames())); }
 
     const Bytes* BytesOf(const char* call) const {
         const Answer* answer = OfDevice(call);
@@ -38,18 +38,28 @@ public:
 
     // The answers for all sizes by the name that answers best.
     std::vector<const Observation*> AllOfDevice(const char* call) const {
-        const Observation* best = Best(call, L"");
+        const Observation* best = BestOfDevice(call);
         return best == nullptr ? std::vector<const Observation*>()
                                : observations_.Find(call, best->question.object);
     }
 
 private:
-    const Observation* Best(const char* call, const wchar_t* end) const {
+    // The volume names first: their file systems answer where those of bare devices may not.
+    std::vector<std::wstring> DeviceNames() const { return {named_.forms.rbegin(), named_.forms.rend()}; }
+
+    std::vector<std::wstring> RootNames() const {
+        std::vector<std::wstring> names = DeviceNames();
+        names.insert(names.end(), named_.drives.begin(), named_.drives.end());
+        for (std::wstring& name : names) {
+            name += L'\\';
+        }
+        return names;
+    }
+
+    const Observation* BestOf(const char* call, const std::vector<std::wstring>& names) const {
         const Observation* found = nullptr;
-        // The volume names first: their file systems answer where those of bare devices may not.
-        const std::vector<std::wstring> forms(named_.forms.rbegin(), named_.forms.rend());
-        for (const std::wstring& form : forms) {
-            const Observation* own = observations_.Best(call, form + end);
+        for (const std::wstring& name : names) {
+            const Observation* own = observations_.Best(call, name);
             if (own != nullptr &&
                 (found == nullptr || (!found->answer.succeeded() && own->answer.succeeded()))) {
                 found = own;
@@ -58,8 +68,9 @@ private:
         return found;
     }
 
-    const Answer* Of(const char* call, const wchar_t* end) const {
-        const Observation* found = Best(call, end);
+    const Observation* BestOfDevice(const char* call) const { return BestOf(call, DeviceNames()); }
+
+    static const Answer* AnswerOf(const Observation* found) {
         return found == nullptr ? nullptr : &found->answer;
     }
 
