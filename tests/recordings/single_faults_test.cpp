@@ -13,7 +13,6 @@
 namespace {
 
 const std::filesystem::path kExamples = ORVANE_SOURCE_DIR "/examples/machines";
-const std::filesystem::path kScratch = ORVANE_BINARY_DIR "/recordings";
 
 // Not found, access denied, not ready, device gone, invalid function: of each family.
 constexpr std::uint32_t kWin32[] = {ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_NOT_READY,
@@ -123,6 +122,8 @@ protected:
 
 TEST_P(RecordedFault, Recording_IsProvedAndReplaysTheMachine) {
     const std::vector<SingleFault> faults = FaultsOf(GetParam());
+    const std::filesystem::path scratch =
+        std::filesystem::path(ORVANE_BINARY_DIR "/recordings/faults") / GetParam().filename();
     const std::size_t stride = recordings::Stride(kSample);
     // The sample of each machine begins elsewhere.
     const std::size_t first = GetParam().filename().string().size() * 31 % std::min(stride, faults.size());
@@ -133,9 +134,9 @@ TEST_P(RecordedFault, Recording_IsProvedAndReplaysTheMachine) {
         fault.errors(machine).codes[fault.call] = fault.code;
         const recordings::Recording recording = recordings::Record(machine);
         EXPECT_EQ(recordings::Unexplained(recording), "");
-        recordings::WriteFolder(kScratch / "original", machine::WriteDescription(machine), fault.folder);
-        recordings::WriteFolder(kScratch / "recorded", recording.text, fault.folder);
-        EXPECT_THAT(recordings::DifferentOutputs(kScratch / "original", kScratch / "recorded"),
+        recordings::WriteFolder(scratch / "original", machine::WriteDescription(machine), fault.folder);
+        recordings::WriteFolder(scratch / "recorded", recording.text, fault.folder);
+        EXPECT_THAT(recordings::DifferentOutputs(scratch / "original", scratch / "recorded"),
                     testing::Each(recordings::OnlyByWriting(machine)));
     }
 }
