@@ -28,11 +28,22 @@ public:
         }
     }
 
-    void Move(Existing existing) const {
+    const std::filesystem::path& file() const { return file_; }
+
+    void Move(Existing existing) {
         const DWORD flags =
             MOVEFILE_WRITE_THROUGH | (existing == Existing::kReplaced ? MOVEFILE_REPLACE_EXISTING : 0);
         if (MoveFileExW(part_.path().c_str(), file_.c_str(), flags) == FALSE) {
             Refuse(file_, "cannot be written, error " + std::to_string(GetLastError()));
+        }
+        moved_ = true;
+    }
+
+    // Deletes the file again, if it was moved.
+    void TakeBack() const {
+        std::error_code ignored;
+        if (moved_) {
+            std::filesystem::remove(file_, ignored);
         }
     }
 
@@ -43,6 +54,7 @@ private:
 
     std::filesystem::path file_;
     UnfinishedFile part_;
+    bool moved_ = false;
 };
 
 }  // namespace
@@ -62,8 +74,20 @@ void WriteWholeFiles(const std::vector<WholeFile>& files, Existing existing) {
         RequireFree(whole.file, existing);
         parts.emplace_back(whole);
     }
-    for (const PartFile& part : parts) {
-        part.Move(existing);
+    std::string moved;
+    try {
+        for (PartFile& part : parts) {
+            part.Move(existing);
+            moved += "; " + machine::Narrow(part.file().wstring()) + " is written already";
+        }
+    } catch (const std::runtime_error& error) {
+        if (existing == Existing::kReplaced) {
+            throw std::runtime_error(error.what() + moved);
+        }
+        for (const PartFile& part : parts) {
+            part.TakeBack();
+        }
+        throw;
     }
 }
 

@@ -19,7 +19,8 @@ struct WholeFile {
 };
 
 // Writes each text into a new file in the folder of its place, and moves them all to their places when all
-// are whole, so that a failure leaves what was there before. Throws std::runtime_error.
+// are whole, so that a failure leaves what was there before. Only if a later one cannot be moved over an
+// existing file, those before are replaced already; the message names them. Throws std::runtime_error.
 void WriteWholeFiles(const std::vector<WholeFile>& files, Existing existing);
 
 }  // namespace host

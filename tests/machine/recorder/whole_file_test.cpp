@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <utility>
 
 namespace {
 
@@ -66,6 +67,37 @@ TEST_F(WholeFile, SecondPlaceThatCannotBeTaken_LeavesTheFirstFileAsItWas) {
         std::runtime_error);
     EXPECT_EQ(Text(), "old");
     EXPECT_EQ(FilesInFolder(), 2U);
+}
+
+bool first_move = true;
+
+BOOL WINAPI FailLaterMove(LPCWSTR from, LPCWSTR to, DWORD /*flags*/) {
+    if (std::exchange(first_move, false)) {
+        return MoveFileW(from, to);
+    }
+    SetLastError(ERROR_SHARING_VIOLATION);
+    return FALSE;
+}
+
+TEST_F(WholeFile, LaterFileThatCannotBeMoved_TakesTheFirstBack) {
+    const support::ScopedImport<decltype(&MoveFileExW)> import("MoveFileExW", &FailLaterMove);
+    first_move = true;
+    EXPECT_THROW(
+        host::WriteWholeFiles({{file_, "new"}, {folder_ / "second.json", "new"}}, host::Existing::kKept),
+        std::runtime_error);
+    EXPECT_EQ(FilesInFolder(), 0U);
+}
+
+TEST_F(WholeFile, LaterFileThatCannotBeReplaced_NamesTheFirst) {
+    const support::ScopedImport<decltype(&MoveFileExW)> import("MoveFileExW", &FailLaterMove);
+    first_move = true;
+    const auto write = [&] {
+        host::WriteWholeFiles({{file_, "new"}, {folder_ / "second.json", "new"}}, host::Existing::kReplaced);
+    };
+    EXPECT_THAT(write, testing::ThrowsMessage<std::runtime_error>(testing::AllOf(
+                           testing::HasSubstr("second.json: cannot be written, error 32; "),
+                           testing::EndsWith(file_.filename().string() + " is written already"))));
+    EXPECT_EQ(FilesInFolder(), 1U);
 }
 
 // As on a file system without access lists, which gives everybody all access.
