@@ -16,9 +16,7 @@ namespace bench {
 
 namespace {
 
-// Allows 10 % more than linear growth: ten times as many objects may take eleven times as long. Four times as
-// many objects take 4.3 to 4.5 times as long once the document of a large machine exceeds the processor's
-// caches; the platform alone takes that time.
+// Allows 10 % more than linear growth: ten times as many objects may take eleven times as long.
 constexpr double kSlack = 1.1;
 
 // A busy machine can be slow for seconds, so each step is measured for longer.

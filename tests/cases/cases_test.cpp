@@ -29,6 +29,12 @@ TEST_P(CaseFolder, Readme_ShowsWhatIsSpecialByExpectedLines) {
     EXPECT_THAT(cases::UnmetQuotes(GetParam()), testing::IsEmpty());
 }
 
+TEST_P(CaseFolder, TableOfAllCases_NamesIt) {
+    const std::string name = GetParam().filename().string();
+    EXPECT_THAT(cases::ReadText(kExamples / cases::kReadmeFile),
+                testing::HasSubstr("| [" + name + "](" + name + "/README.md) |"));
+}
+
 TEST_P(CaseFolder, NothingElse_LiesInIt) {
     EXPECT_THAT(cases::Strays(GetParam()), testing::IsEmpty());
 }
