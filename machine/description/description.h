@@ -38,7 +38,8 @@ struct Partition {
     std::uint64_t length = 0;                   // bytes
     std::uint32_t number = 0;                   // 0 for unused entries, extended partitions and links
     bool rewrite = false;
-    GUID id{};  // of an MBR partition only on current systems
+    bool service = false;  // as current systems tell it
+    GUID id{};             // of an MBR partition only on current systems
 
     std::uint8_t mbr_type = 0;
     bool active = false;

@@ -52,6 +52,10 @@ std::string OnlyOfMbr(const Disk& disk, const Place& place) {
     return reason.empty() && disk.style != PARTITION_STYLE_MBR ? "belongs to an mbr disk" : reason;
 }
 
+std::string OnlyOfMbrOrSuperFloppy(const Disk& disk, const Place& place) {
+    return IsSuperFloppy(disk) ? std::string() : OnlyOfMbr(disk, place);
+}
+
 std::string OnlyOfGpt(const Disk& disk, const Place& place) {
     const std::string reason = NotOfTable(disk, place);
     return reason.empty() && disk.style != PARTITION_STYLE_GPT ? "belongs to a gpt disk" : reason;
@@ -163,21 +167,18 @@ Table<Disk> TablelessRows() {
 }
 
 Table<Disk> StyleRows() {
-    const auto of_mbr = [](Row<Disk> row) { return std::move(row).Unless(OnlyOfMbr); };
+    const auto of_mbr = [](Row<Disk> row) { return std::move(row).Unless(OnlyOfMbrOrSuperFloppy); };
     const auto of_gpt = [](Row<Disk> row) { return std::move(row).Unless(OnlyOfGpt); };
     return {
         Row<Disk>("style", &Disk::style, Named(kStyles),
                   Derived{"`gpt` with a `diskId`, `mbr` with a `signature`, else `raw`", DefaultStyle}, "")
             .Unless(NotOfTable),
-        Row<Disk>("signature", &Disk::signature, Number(),
-                  Derived{"derived from the index, not 0; 1 for a `superFloppy`",
-                          [](const Disk& disk, const Place&) {
-                              return IsSuperFloppy(disk) ? kSuperFloppySignature : DerivedNumber(Seed(disk));
-                          }},
-                  "MBR")
-            .Unless([](const Disk& disk, const Place& place) {
-                return IsSuperFloppy(disk) ? "" : OnlyOfMbr(disk, place);
-            }),
+        of_mbr({"signature", &Disk::signature, Number(),
+                Derived{"derived from the index, not 0; 1 for a `superFloppy`",
+                        [](const Disk& disk, const Place&) {
+                            return IsSuperFloppy(disk) ? kSuperFloppySignature : DerivedNumber(Seed(disk));
+                        }},
+                "MBR"}),
         of_mbr({"checksum", &Disk::checksum, Number(), "MBR: in the geometry"}),
         of_mbr({"layoutChecksum", &Disk::layout_checksum, Number(), "MBR: in the layout"}),
         of_gpt({"diskId", &Disk::disk_id, Guid(),

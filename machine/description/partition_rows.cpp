@@ -135,6 +135,8 @@ const Table<Partition>& SuperFloppyTable() {
          Derived{"4", [](const Partition&, const Place&) { return std::uint8_t{PARTITION_FAT_16}; }},
          "as of an MBR partition"},
         {"number", &Partition::number, NumberUpTo(1), ""},
+        {"id", &Partition::id, Guid(), Derived{"zero", [](const Partition&, const Place&) { return GUID{}; }},
+         ""},
     };
     return table;
 }
@@ -144,6 +146,7 @@ const Table<DescribedPartition>& PartitionTable() {
         {"offset", &DescribedPartition::offset, ByteCount(), Required{}, "from the start of the disk"},
         {"size", &DescribedPartition::length, ByteCount(), Required{}, ""},
         {"rewrite", &DescribedPartition::rewrite, Flag(), ""},
+        {"service", &DescribedPartition::service, Flag(), "`IsServicePartition`, which current systems have"},
         Row<DescribedPartition>("number", &DescribedPartition::given_number, Number(), "")
             .Otherwise("assigned as Windows does"),
     };

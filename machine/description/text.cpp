@@ -102,6 +102,10 @@ std::optional<std::uint32_t> DriveNumber(std::wstring_view root) {
     return static_cast<std::uint32_t>(letter - L'a');
 }
 
+std::wstring VolumeName(const std::wstring& guid) {
+    return L"\\\\?\\Volume" + guid + L"\\";
+}
+
 std::string GuidText(const GUID& guid) {
     std::array<char, 40> text{};
     std::snprintf(text.data(), text.size(), "{%08lx-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x}", guid.Data1,

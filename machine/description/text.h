@@ -33,6 +33,9 @@ std::optional<std::uint32_t> DriveNumber(std::wstring_view root);
 // "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}" in lower case, as in volume names.
 std::string GuidText(const GUID& guid);
 
+// "\\?\Volume{...}\", for a GUID with braces.
+std::wstring VolumeName(const std::wstring& guid);
+
 // Parses a GUID with or without braces; none if the text is not a GUID.
 std::optional<GUID> ParseGuid(std::string_view text);
 

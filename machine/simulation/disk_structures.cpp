@@ -1,6 +1,6 @@
 #include "machine/simulation/disk_structures.h"
 
-#include "machine/description/mbr_members.h"
+#include "machine/description/newer_members.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -137,6 +137,7 @@ Bytes PartitionBytes(const Partition& partition) {
 
 Bytes PartitionExBytes(const Partition& partition) {
     Bytes bytes = BytesOf(InformationEx(partition));
+    bytes[kServicePartition] = partition.service ? 1 : 0;
     if (partition.style == PARTITION_STYLE_MBR) {
         std::memcpy(bytes.data() + kMbrPartitionId, &partition.id, sizeof(partition.id));
     }

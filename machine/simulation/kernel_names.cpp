@@ -91,7 +91,7 @@ Answer VolumeNameOf(const Simulation& simulation, const std::wstring& mount_poin
     if (volume.guid.empty()) {
         return Answer::Failure(ERROR_FILE_NOT_FOUND);
     }
-    return OneText(L"\\\\?\\Volume" + volume.guid + L"\\", size);
+    return OneText(VolumeName(volume.guid), size);
 }
 
 }  // namespace

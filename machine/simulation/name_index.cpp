@@ -107,7 +107,7 @@ void NameIndex::AddVolumeName(const std::wstring& guid, const Volume& volume, st
         AddDosDevice(L"Volume" + guid, volume.link_target.empty() ? volume.device : volume.link_target);
     }
     if (enumerated) {
-        volume_names_.push_back(L"\\\\?\\Volume" + guid + L"\\");
+        volume_names_.push_back(VolumeName(guid));
     }
 }
 

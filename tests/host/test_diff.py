@@ -83,7 +83,8 @@ def make_dynamic(machine):
 def convert(machine):
     """The laptop's partitions stay where they are; the extended partition goes."""
     disk = machine["disks"][0]
-    del disk["signature"]
+    for key in ("signature", "checksum", "layoutChecksum"):
+        del disk[key]
     disk["style"] = "gpt"
     disk["diskId"] = NEW_DISK
     first, second, extended = disk["partitions"]

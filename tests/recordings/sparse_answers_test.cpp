@@ -1,6 +1,9 @@
 // Machines on which only some of the answers tell a fact.
 
 #include "cases/case_folder.h"
+#include "machine/recorder/describe/describe.h"
+#include "machine/recorder/describe/replay.h"
+#include "machine/recorder/prove/proof.h"
 #include "recordings/recording.h"
 
 #include <gtest/gtest.h>
@@ -68,11 +71,56 @@ TEST(RecordedDisk, IdsAndChecksumsOfAnMbr_AreDescribed) {
               "");
 }
 
+TEST(RecordedDisk, IdAndChecksumsOfASuperFloppy_AreDescribed) {
+    EXPECT_EQ(UnexplainedOf(R"({"disks": [{"index": 0, "size": "10 GiB", "checksum": 8, "layoutChecksum": 9,
+            "superFloppy": {"type": "fat32", "id": "{11111111-2222-3333-4444-555555555555}"}}],
+            "volumes": [{"unchecked": true, "extents": [{"disk": 0, "offset": 0, "length": "10 GiB"}]}]})"),
+              "");
+}
+
+TEST(RecordedDisk, ServicePartitions_AreDescribed) {
+    for (const char* style : {"mbr", "gpt"}) {
+        const std::string type = style == std::string("mbr") ? "ntfs" : "basic-data";
+        EXPECT_EQ(
+            UnexplainedOf(R"({"disks": [{"index": 0, "size": "10 GiB", "style": ")" + std::string(style) +
+                          R"(", "partitions": [{"offset": "1 MiB", "size": "1 GiB", "type": ")" + type +
+                          R"(", "service": true}]}], "volumes": [{"partition": {"disk": 0, "number": 1}}]})"),
+            "");
+    }
+}
+
 // A user without rights cannot ask for the length.
 TEST(RecordedDisk, OnlyItsPartitionTellsItsSize_IsDescribedByThat) {
     EXPECT_EQ(UnexplainedOf(R"({"disks": [{"index": 0, "size": "1 GiB", "openForReadingError": 5,
                                            "errors": {"DeviceIoControl:IOCTL_DISK_GET_DRIVE_GEOMETRY_EX": 1}}]})"),
               "");
+}
+
+TEST(RecordedDisk, OnlyOpeningItForReadingBlocks_IsDescribedAsTheErrorOfThat) {
+    const machine::Description machine =
+        machine::ParseDescription(R"({"disks": [{"index": 0, "size": "1 GiB"}]})", "test");
+    const recordings::Recording recording = recordings::Record(machine);
+    recorder::Observations blocking;
+    blocking.circumstances = recording.observations.circumstances;
+    for (recorder::Observation observation : recording.observations.all()) {
+        const bool opens = observation.question.call == "CreateFileW";
+        if (observation.question.access != 0 && opens) {
+            observation.answer = {};
+            observation.answer.blocks = true;
+        }
+        if (observation.question.access == 0 || opens) {
+            blocking.Add(observation);
+        }
+    }
+    const machine::Description described = recorder::Describe(blocking);
+    EXPECT_EQ(described.disks.at(0).open_for_reading_error, DWORD{ERROR_SEM_TIMEOUT});
+    const auto replayed =
+        recorder::Replay(described, blocking, [](std::size_t, const recorder::Question&) {});
+    const auto findings = recorder::CompareAnswers(blocking, replayed);
+    ASSERT_FALSE(findings.empty());
+    for (const recorder::Finding& finding : findings) {
+        EXPECT_EQ(finding.kind, recorder::Finding::Kind::kExplained) << finding.text;
+    }
 }
 
 // One entry is told of four, and it is unused.
@@ -153,6 +201,36 @@ TEST(RecordedSearch, FailsBehindTheLastVolume_IsTheOnlyDifference) {
         });
     EXPECT_EQ(recordings::Unexplained(recording),
               "FindFirstVolumeW, 255 and 260 characters: FindNextVolumeW error 5 here, success there\n");
+}
+
+constexpr const char* kVolumeWithTwoNames = R"({
+    "disks": [{"index": 0, "size": "10 GiB", "style": "gpt", "partitions": [
+        {"offset": "1 MiB", "size": "1 GiB", "type": "basic-data"},
+        {"offset": "2 GiB", "size": "1 GiB", "type": "basic-data"}]}],
+    "volumes": [
+        {"partition": {"disk": 0, "number": 1}, "mountPoints": ["C:\\"]},
+        {"partition": {"disk": 0, "number": 2}, "mountPoints": ["C:\\Data\\"],
+         "guid": "{51111111-2222-3333-4444-555555555555}", "aliases": ["{11111111-2222-3333-4444-555555555555}"]}]})";
+
+TEST(RecordedVolume, OnlyItsFolderTellsItsOwnName_HasThatName) {
+    EXPECT_EQ(UnexplainedOf(kVolumeWithTwoNames), "");
+}
+
+// Its drive letter leads to one device, its volume name to another one.
+TEST(RecordedVolume, OnlyItsDriveTellsItsName_IsOneVolume) {
+    EXPECT_EQ(UnexplainedOf(R"({
+        "disks": [{"index": 0, "size": "10 GiB", "style": "gpt", "partitions": [
+            {"offset": "1 MiB", "size": "1 GiB", "type": "basic-data"}]}],
+        "volumes": [{"partition": {"disk": 0, "number": 1}, "mountPoints": ["F:\\"],
+                     "device": "\\Device\\FibraVolume7", "linkTarget": "\\Device\\Fibra7",
+                     "errors": {"GetVolumePathNamesForVolumeNameW": 1}}]})"),
+              "");
+}
+
+TEST(RecordedNames, DosDeviceThatIsDenied_IsDescribed) {
+    EXPECT_EQ(UnexplainedOf(R"({"dosDevices": {"Tape0": {"target": "\\Device\\Tape0",
+                                                    "errors": {"QueryDosDeviceW": 5}}}})"),
+              "");
 }
 
 // Made by `subst`: the drive is no device, but a folder of another one.

@@ -1,6 +1,6 @@
 #include "machine/recorder/describe/disk_table.h"
 
-#include "machine/description/mbr_members.h"
+#include "machine/description/newer_members.h"
 #include "machine/description/partition_table.h"
 #include "machine/recorder/describe/control_calls.h"
 #include "machine/recorder/observe/answer_bytes.h"
@@ -53,14 +53,6 @@ void DescribeLayout(const Bytes& bytes, bool geometry_told, machine::Disk& disk)
     if (disk.style == PARTITION_STYLE_MBR) {
         KeepWholeRecords(disk.partitions);
     }
-}
-
-void DescribeOlderLayout(const Bytes& bytes, machine::Disk& disk) {
-    disk.style = PARTITION_STYLE_MBR;
-    disk.signature =
-        RecordAt<DWORD>(bytes, offsetof(DRIVE_LAYOUT_INFORMATION, Signature)).value_or(disk.signature);
-    disk.partitions = OlderPartitionsIn(bytes);
-    KeepWholeRecords(disk.partitions);
 }
 
 // The boot record of a partition: its hidden sectors are the distance from there.
@@ -116,8 +108,9 @@ void PutMbrTable(std::vector<machine::Partition> partitions, machine::Disk& disk
     }
 }
 
-// The partitions that volumes tell of, on a disk whose table nothing tells. Takes the style of the first one.
-void DescribeByVolumes(const Observations& observations, machine::Disk& disk) {
+// The partitions of a disk that volumes tell of, by their numbers.
+std::map<std::uint32_t, machine::Partition> PartitionsOfVolumes(const Observations& observations,
+                                                                const machine::Disk& disk) {
     std::map<std::uint32_t, machine::Partition> found;
     for (const std::wstring& object : observations.ObjectsOf(kExtents)) {
         const Bytes* extents = observations.BytesOf(kExtents, object);
@@ -128,6 +121,29 @@ void DescribeByVolumes(const Observations& observations, machine::Disk& disk) {
             found.emplace(own->number, *own);
         }
     }
+    return found;
+}
+
+// The members that the older layout lacks are taken from volumes.
+void DescribeOlderLayout(const Observations& observations, const Bytes& bytes, machine::Disk& disk) {
+    disk.style = PARTITION_STYLE_MBR;
+    disk.signature =
+        RecordAt<DWORD>(bytes, offsetof(DRIVE_LAYOUT_INFORMATION, Signature)).value_or(disk.signature);
+    disk.partitions = OlderPartitionsIn(bytes);
+    const auto found = PartitionsOfVolumes(observations, disk);
+    for (machine::Partition& partition : disk.partitions) {
+        const auto own = found.find(partition.number);
+        if (own != found.end() && own->second.offset == partition.offset) {
+            partition.id = own->second.id;
+            partition.service = own->second.service;
+        }
+    }
+    KeepWholeRecords(disk.partitions);
+}
+
+// A disk whose table nothing tells has the partitions of its volumes, and the style of the first one.
+void DescribeByVolumes(const Observations& observations, machine::Disk& disk) {
+    const auto found = PartitionsOfVolumes(observations, disk);
     if (found.empty()) {
         return;
     }
@@ -152,7 +168,7 @@ void DescribeTable(const Observations& observations, const std::wstring& path, m
         const Bytes* geometry = observations.BytesOf(kGeometryEx, path);
         DescribeLayout(*layout, geometry != nullptr && PartitionInfoIn(*geometry), disk);
     } else if (const Bytes* older = observations.BytesOf(kLayout, path)) {
-        DescribeOlderLayout(*older, disk);
+        DescribeOlderLayout(observations, *older, disk);
     } else if (!disk.blank) {
         DescribeByVolumes(observations, disk);
     }

@@ -1,3 +1,4 @@
+#include "machine/description/control_codes.h"
 #include "machine/description/partition_table.h"
 #include "machine/description/tables.h"
 #include "machine/description/text.h"
@@ -195,8 +196,8 @@ std::uint32_t ReadError(const Observations& observations, const std::wstring& pa
     for (const Observation* opening : observations.Find("CreateFileW", path)) {
         const Answer& answer = opening->answer;
         opens = opens || (opening->question.access == 0 && answer.succeeded());
-        if (opening->question.access != 0 && !answer.blocks && !answer.crashed) {
-            error = answer.error;
+        if (opening->question.access != 0 && !answer.crashed) {
+            error = answer.blocks ? machine::BlockedCode("CreateFileW") : answer.error;
         }
     }
     return opens ? error : 0;

@@ -13,7 +13,8 @@ namespace recorder {
 // The largest number of bytes that a description can say.
 inline constexpr std::uint64_t kMostBytes = INT64_MAX;
 
-// The error of opening a path for reading, if it can be opened with no access; 0 otherwise.
+// The error of opening a path for reading, if it can be opened with no access; 0 otherwise. An opening that
+// does not come back has the error of a call that blocks.
 std::uint32_t ReadError(const Observations& observations, const std::wstring& path);
 
 // The disks with their tables, in the order in which WMI lists them; then those that WMI does not list.

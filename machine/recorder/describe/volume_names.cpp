@@ -9,6 +9,7 @@
 namespace recorder {
 namespace {
 
+constexpr const char* kNameOfMountPoint = "GetVolumeNameForVolumeMountPointW";
 constexpr std::wstring_view kGlobalRoot = L"\\\\?\\GLOBALROOT";
 constexpr std::wstring_view kVolumeForm = L"\\\\?\\Volume{";
 constexpr std::wstring_view kDriveForm = L"\\\\.\\";
@@ -120,11 +121,28 @@ private:
         }
     }
 
+    // The mount points of a volume: by its name, and those that tell its name.
+    std::vector<std::wstring> MountPointsOf(const std::wstring& guid) const {
+        const std::wstring name = machine::VolumeName(guid);
+        auto paths = AnsweredTexts(observations_, "GetVolumePathNamesForVolumeNameW", name);
+        for (const std::wstring& path : observations_.ObjectsOf(kNameOfMountPoint)) {
+            if (machine::EqualNames(NameAt(path), name)) {
+                paths.push_back(path);
+            }
+        }
+        return paths;
+    }
+
+    // The volume name of a mount point; empty if it tells none.
+    std::wstring NameAt(const std::wstring& path) const {
+        const Bytes* bytes = observations_.BytesOf(kNameOfMountPoint, path);
+        return bytes == nullptr ? std::wstring() : machine::WideText(*bytes);
+    }
+
     // The volume of a name whose link does not lead to a device: by its drive letter, by its place on the
     // disks, or else a volume of its own.
     NamedVolume* Unlinked(const std::wstring& form, const std::wstring& guid) {
-        for (const std::wstring& path :
-             AnsweredTexts(observations_, "GetVolumePathNamesForVolumeNameW", form + L'\\')) {
+        for (const std::wstring& path : MountPointsOf(guid)) {
             NamedVolume* volume =
                 path.size() == 3 ? Find(TargetOf(observations_, path.substr(0, 2))) : nullptr;
             if (volume != nullptr) {
@@ -142,26 +160,23 @@ private:
         return &At(std::wstring(kDeviceDirectory) + L"Volume" + guid);
     }
 
-    // The volume of a mount point is told by its own GUID.
+    // Mount points tell a volume's own GUID.
     void PutOwnGuidFirst() {
         for (NamedVolume& volume : volumes_) {
-            for (const std::wstring& drive : volume.drives) {
-                const Observation* name =
-                    observations_.Best("GetVolumeNameForVolumeMountPointW", drive + L'\\');
-                if (name == nullptr || !name->answer.succeeded()) {
-                    continue;
-                }
-                const std::wstring form = machine::WideText(name->answer.bytes);
-                const auto own =
-                    std::find_if(volume.guids.begin(), volume.guids.end(), [&](const std::wstring& guid) {
-                        return machine::EqualNames(L"\\\\?\\Volume" + guid + L"\\", form);
-                    });
-                if (own != volume.guids.end()) {
-                    std::rotate(volume.guids.begin(), own, own + 1);
-                    break;
-                }
+            const auto own =
+                std::find_if(volume.guids.begin(), volume.guids.end(),
+                             [&](const std::wstring& guid) { return IsToldByAMountPoint(guid); });
+            if (own != volume.guids.end()) {
+                std::rotate(volume.guids.begin(), own, own + 1);
             }
         }
+    }
+
+    bool IsToldByAMountPoint(const std::wstring& guid) const {
+        const std::vector<std::wstring> paths = observations_.ObjectsOf(kNameOfMountPoint);
+        return std::any_of(paths.begin(), paths.end(), [&](const std::wstring& path) {
+            return machine::EqualNames(NameAt(path), machine::VolumeName(guid));
+        });
     }
 
     // A volume whose drive letter leads to one device and whose links lead to another one is one volume.
@@ -170,8 +185,7 @@ private:
             if (linked.guids.empty() || !linked.drives.empty()) {
                 continue;
             }
-            const auto paths = AnsweredTexts(observations_, "GetVolumePathNamesForVolumeNameW",
-                                             L"\\\\?\\Volume" + linked.guids.front() + L"\\");
+            const std::vector<std::wstring> paths = MountPointsOf(linked.guids.front());
             const auto other = std::find_if(volumes_.begin(), volumes_.end(), [&](const NamedVolume& volume) {
                 return volume.guids.empty() &&
                        std::any_of(paths.begin(), paths.end(), [&](const std::wstring& path) {
@@ -202,7 +216,7 @@ void SortBySearch(const Observations& observations, std::vector<NamedVolume>& vo
         std::size_t lowest = search.size();
         for (const std::wstring& guid : volume.guids) {
             const auto found = std::find_if(search.begin(), search.end(), [&](const std::wstring& name) {
-                return machine::EqualNames(name, L"\\\\?\\Volume" + guid + L"\\");
+                return machine::EqualNames(name, machine::VolumeName(guid));
             });
             lowest = std::min(lowest, static_cast<std::size_t>(found - search.begin()));
         }

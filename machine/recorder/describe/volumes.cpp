@@ -260,8 +260,8 @@ std::vector<std::wstring> MountPoints(const Observations& observations, const Na
         }
     };
     for (const std::wstring& guid : named.guids) {
-        for (const std::wstring& path : AnsweredTexts(observations, "GetVolumePathNamesForVolumeNameW",
-                                                      L"\\\\?\\Volume" + guid + L"\\")) {
+        for (const std::wstring& path :
+             AnsweredTexts(observations, "GetVolumePathNamesForVolumeNameW", machine::VolumeName(guid))) {
             add(path);
         }
     }
@@ -278,7 +278,7 @@ void DescribeGuids(const Observations& observations, const NamedVolume& named, V
     const bool whole = asked != nullptr && asked->answer.succeeded();
     const auto is_listed = [&](const std::wstring& guid) {
         return std::any_of(search.begin(), search.end(), [&](const std::wstring& name) {
-            return machine::EqualNames(name, L"\\\\?\\Volume" + guid + L"\\");
+            return machine::EqualNames(name, machine::VolumeName(guid));
         });
     };
     const bool behind = !whole && std::none_of(named.guids.begin(), named.guids.end(), is_listed);

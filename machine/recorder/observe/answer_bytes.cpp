@@ -1,6 +1,6 @@
 #include "machine/recorder/observe/answer_bytes.h"
 
-#include "machine/description/mbr_members.h"
+#include "machine/description/newer_members.h"
 
 #include <algorithm>
 #include <iterator>
@@ -59,6 +59,8 @@ std::optional<DRIVE_LAYOUT_INFORMATION_EX> LayoutHeaderIn(const machine::Bytes& 
 
 machine::Partition PartitionIn(const PARTITION_INFORMATION_EX& information) {
     machine::Partition partition = PlaceIn(information);
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&information);
+    partition.service = bytes[machine::kServicePartition] != 0;
     std::memcpy(&partition.style, &information.PartitionStyle, sizeof(partition.style));
     if (partition.style == PARTITION_STYLE_GPT) {
         partition.gpt_type = information.Gpt.PartitionType;
@@ -69,9 +71,7 @@ machine::Partition PartitionIn(const PARTITION_INFORMATION_EX& information) {
             std::find(std::begin(information.Gpt.Name), std::end(information.Gpt.Name), L'\0'));
     } else if (partition.style == PARTITION_STYLE_MBR) {
         TakeMbr(information.Mbr, partition);
-        std::memcpy(&partition.id,
-                    reinterpret_cast<const std::uint8_t*>(&information) + machine::kMbrPartitionId,
-                    sizeof(partition.id));
+        std::memcpy(&partition.id, bytes + machine::kMbrPartitionId, sizeof(partition.id));
     }
     return partition;
 }

@@ -13,9 +13,10 @@ public:
             SetLastError(ERROR_PROC_NOT_FOUND);
             return;
         }
-        handle_ =
-            functions.CreateFileW(question.object.c_str(), question.access & GENERIC_READ,
-                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+        // As the library opens volumes: with this flag a drive that leads to a folder opens too.
+        handle_ = functions.CreateFileW(question.object.c_str(), question.access & GENERIC_READ,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     }
     ~OpenedDevice() {
         if (is_open() && functions_.CloseHandle != nullptr) {

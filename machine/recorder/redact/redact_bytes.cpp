@@ -1,7 +1,7 @@
 #include "machine/recorder/redact/redact_bytes.h"
 
 #include "common/windows.h"
-#include "machine/description/mbr_members.h"
+#include "machine/description/newer_members.h"
 #include "machine/description/text.h"
 #include "machine/recorder/redact/redact_texts.h"
 

@@ -82,10 +82,13 @@ TEST(RedactedBytes, GptLayout_HasEveryEntryRedacted) {
     EXPECT_EQ(replacements.guids().size(), 2U);
 }
 
-TEST(RedactedBytes, MbrLayout_HasAnotherSignature) {
+TEST(RedactedBytes, MbrLayout_HasAnotherSignatureChecksumAndId) {
     Bytes bytes(48 + 144);
     const std::uint32_t signature = 0x5C82F0A3;
+    const std::uint32_t checksum = 0x11223344;
     std::memcpy(bytes.data() + 8, &signature, sizeof(signature));
+    std::memcpy(bytes.data() + 12, &checksum, sizeof(checksum));
+    std::memcpy(bytes.data() + 48 + 40, &kDisk, sizeof(kDisk));
     bytes[48 + 32] = 7;  // the type of the partition
     Replacements replacements;
     const Bytes redacted = Redacted(Form::kLayoutEx, bytes, replacements);
@@ -93,6 +96,13 @@ TEST(RedactedBytes, MbrLayout_HasAnotherSignature) {
     std::memcpy(&made, redacted.data() + 8, sizeof(made));
     EXPECT_EQ(made, replacements.Id(signature));
     EXPECT_NE(made, signature);
+    std::memcpy(&made, redacted.data() + 12, sizeof(made));
+    EXPECT_EQ(made, replacements.Id(checksum));
+    EXPECT_NE(made, checksum);
+    GUID guid{};
+    std::memcpy(&guid, redacted.data() + 48 + 40, sizeof(guid));
+    EXPECT_EQ(machine::GuidText(guid), machine::GuidText(replacements.Guid(kDisk)));
+    EXPECT_FALSE(IsEqualGUID(guid, kDisk));
     EXPECT_EQ(redacted[48 + 32], 7);
 }
 
