@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-// Where current systems have members that the compiler's headers do not know.
+// Where current systems have members that the compiler's headers lack, or have only for those systems.
 namespace machine {
 
 // DWORD DRIVE_LAYOUT_INFORMATION_EX::Mbr.CheckSum

@@ -55,8 +55,7 @@ std::uint64_t EndOfExtents(const Observations& observations, std::uint32_t index
 // The size of a disk whose extended geometry is not told.
 std::uint64_t SizeWithoutGeometry(const Observations& observations, const std::wstring& path,
                                   std::uint32_t index) {
-    const Bytes* length = observations.BytesOf(kLength, path);
-    if (const auto size = length == nullptr ? std::nullopt : RecordAt<std::uint64_t>(*length, 0)) {
+    if (const auto size = RecordIn<std::uint64_t>(observations.BytesOf(kLength, path))) {
         return *size;
     }
     // Partition 0 is the whole disk.
@@ -98,11 +97,10 @@ std::uint64_t UsualCylinders(const machine::Disk& disk) {
 }
 
 void DescribeGeometry(const Observations& observations, const std::wstring& path, machine::Disk& disk) {
-    const Bytes* plain = observations.BytesOf(kGeometry, path);
     const Bytes* full = observations.BytesOf(kGeometryEx, path);
-    auto geometry = full == nullptr ? std::nullopt : RecordAt<DISK_GEOMETRY>(*full, 0);
-    if (!geometry && plain != nullptr) {
-        geometry = RecordAt<DISK_GEOMETRY>(*plain, 0);
+    auto geometry = RecordIn<DISK_GEOMETRY>(full);
+    if (!geometry) {
+        geometry = RecordIn<DISK_GEOMETRY>(observations.BytesOf(kGeometry, path));
     }
     if (geometry) {
         TakeGeometry(*geometry, disk);
@@ -134,7 +132,7 @@ bool RecognizesAll(const machine::Disk& disk) {
 
 // What is larger cannot be described.
 void LimitNumbers(machine::Disk& disk) {
-    for (std::uint64_t* bytes : {&disk.size, &disk.starting_usable_offset, &disk.usable_length}) {
+    for (std::uint64_t* bytes : {&disk.starting_usable_offset, &disk.usable_length}) {
         *bytes = std::min(*bytes, kMostBytes);
     }
     for (machine::Partition& partition : disk.partitions) {

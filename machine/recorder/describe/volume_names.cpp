@@ -123,20 +123,22 @@ private:
 
     // The mount points of a volume: by its name, and those that tell its name.
     std::vector<std::wstring> MountPointsOf(const std::wstring& guid) const {
-        const std::wstring name = machine::VolumeName(guid);
-        auto paths = AnsweredTexts(observations_, "GetVolumePathNamesForVolumeNameW", name);
+        auto paths =
+            AnsweredTexts(observations_, "GetVolumePathNamesForVolumeNameW", machine::VolumeName(guid));
+        const auto telling = MountPointsThatTell(guid);
+        paths.insert(paths.end(), telling.begin(), telling.end());
+        return paths;
+    }
+
+    std::vector<std::wstring> MountPointsThatTell(const std::wstring& guid) const {
+        std::vector<std::wstring> paths;
         for (const std::wstring& path : observations_.ObjectsOf(kNameOfMountPoint)) {
-            if (machine::EqualNames(NameAt(path), name)) {
+            const Bytes* name = observations_.BytesOf(kNameOfMountPoint, path);
+            if (name != nullptr && machine::EqualNames(machine::WideText(*name), machine::VolumeName(guid))) {
                 paths.push_back(path);
             }
         }
         return paths;
-    }
-
-    // The volume name of a mount point; empty if it tells none.
-    std::wstring NameAt(const std::wstring& path) const {
-        const Bytes* bytes = observations_.BytesOf(kNameOfMountPoint, path);
-        return bytes == nullptr ? std::wstring() : machine::WideText(*bytes);
     }
 
     // The volume of a name whose link does not lead to a device: by its drive letter, by its place on the
@@ -165,18 +167,11 @@ private:
         for (NamedVolume& volume : volumes_) {
             const auto own =
                 std::find_if(volume.guids.begin(), volume.guids.end(),
-                             [&](const std::wstring& guid) { return IsToldByAMountPoint(guid); });
+                             [&](const std::wstring& guid) { return !MountPointsThatTell(guid).empty(); });
             if (own != volume.guids.end()) {
                 std::rotate(volume.guids.begin(), own, own + 1);
             }
         }
-    }
-
-    bool IsToldByAMountPoint(const std::wstring& guid) const {
-        const std::vector<std::wstring> paths = observations_.ObjectsOf(kNameOfMountPoint);
-        return std::any_of(paths.begin(), paths.end(), [&](const std::wstring& path) {
-            return machine::EqualNames(NameAt(path), machine::VolumeName(guid));
-        });
     }
 
     // A volume whose drive letter leads to one device and whose links lead to another one is one volume.

@@ -154,12 +154,10 @@ Facts SpaceFacts(const VolumeAnswers& answers) {
     KnowClusters(facts, space, L"totalClusters", "totalClusters", &Volume::total_clusters,
                  &Volume::total_bytes);
     KnowClusters(facts, space, L"freeClusters", "freeClusters", &Volume::free_clusters, &Volume::free_bytes);
-    if (const Bytes* bytes = answers.BytesOf(kLength)) {
-        if (const auto number = RecordAt<std::uint64_t>(*bytes, 0)) {
-            facts["length"] = [number = std::min(*number, kMostBytes)](Volume& volume) {
-                volume.length = number;
-            };
-        }
+    if (const auto number = RecordIn<std::uint64_t>(answers.BytesOf(kLength))) {
+        facts["length"] = [number = std::min(*number, kMostBytes)](Volume& volume) {
+            volume.length = number;
+        };
     }
     if (const auto partition = OwnPartition(answers)) {
         facts["partitionNumber"] = [partition](Volume& volume) { volume.partition = partition; };
@@ -199,8 +197,7 @@ machine::Extent ExtentAt(std::uint32_t disk, std::uint64_t offset, std::uint64_t
 // A volume that does not tell its extents, but its partition, has that one. That the extents cannot be
 // queried is described as an error.
 void DescribeExtentByPartition(const VolumeAnswers& answers, Volume& volume) {
-    const Bytes* number = answers.BytesOf(kDeviceNumber);
-    const auto place = number == nullptr ? std::nullopt : RecordAt<STORAGE_DEVICE_NUMBER>(*number, 0);
+    const auto place = RecordIn<STORAGE_DEVICE_NUMBER>(answers.BytesOf(kDeviceNumber));
     const auto own = OwnPartition(answers);
     if (place && own && place->DeviceType == FILE_DEVICE_DISK) {
         volume.extents = {ExtentAt(place->DeviceNumber, own->offset, own->length)};
@@ -239,8 +236,7 @@ void DescribeExtents(const VolumeAnswers& answers, Volume& volume) {
 }
 
 void DescribeStorageNumber(const VolumeAnswers& answers, Volume& volume) {
-    const Bytes* bytes = answers.BytesOf(kDeviceNumber);
-    const auto number = bytes == nullptr ? std::nullopt : RecordAt<STORAGE_DEVICE_NUMBER>(*bytes, 0);
+    const auto number = RecordIn<STORAGE_DEVICE_NUMBER>(answers.BytesOf(kDeviceNumber));
     if (!number) {
         return;
     }

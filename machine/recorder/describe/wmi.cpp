@@ -17,24 +17,24 @@ constexpr const wchar_t* kDrives = L"Win32_DiskDrive";
 constexpr std::uint32_t kPropertyNotFound = 0x80041002;  // WBEM_E_NOT_FOUND
 constexpr std::uint32_t kInvalidClass = 0x80041010;      // WBEM_E_INVALID_CLASS
 
-// The integers in the bytes of an array. A type without elements of numbers has none.
-std::vector<std::int64_t> NumbersOf(const WmiType& type, const Bytes& bytes) {
-    std::vector<std::int64_t> numbers;
-    for (std::size_t i = 0; type.element_bytes != 0 && i + type.element_bytes <= bytes.size();
-         i += type.element_bytes) {
-        switch (type.element_bytes) {
-            case sizeof(std::uint8_t):
-                numbers.push_back(bytes[i]);
-                break;
-            case sizeof(std::int16_t):
-                numbers.push_back(*RecordAt<std::int16_t>(bytes, i));
-                break;
-            default:
-                numbers.push_back(*RecordAt<std::int32_t>(bytes, i));
-                break;
-        }
+template <class Number>
+std::vector<std::int64_t> NumbersIn(const Bytes& bytes) {
+    const std::vector<Number> numbers = RecordsAt<Number>(bytes, 0, bytes.size() / sizeof(Number));
+    return {numbers.begin(), numbers.end()};
+}
+
+// The integers in the bytes of an array; none for any other type.
+std::vector<std::int64_t> NumbersOf(VARTYPE type, const Bytes& bytes) {
+    switch (type) {
+        case VT_ARRAY | VT_UI1:
+            return NumbersIn<std::uint8_t>(bytes);
+        case VT_ARRAY | VT_I2:
+            return NumbersIn<std::int16_t>(bytes);
+        case VT_ARRAY | VT_I4:
+            return NumbersIn<std::int32_t>(bytes);
+        default:
+            return {};
     }
-    return numbers;
 }
 
 machine::WmiValue ValueOf(const Part& part) {
@@ -46,12 +46,11 @@ machine::WmiValue ValueOf(const Part& part) {
     const WmiType* type = FindWmiType(part.type);
     value.type = type == nullptr ? static_cast<VARTYPE>(VT_NULL) : type->type;
     value.number = static_cast<std::int64_t>(part.value);
+    value.numbers = NumbersOf(value.type, part.bytes);
     if (value.type == VT_BSTR) {
         value.text = machine::WideText(part.bytes);
     } else if (value.type == (VT_ARRAY | VT_BSTR)) {
         value.texts = machine::TerminatedTexts(machine::WideText(part.bytes));
-    } else if (type != nullptr && type->element_bytes != 0) {
-        value.numbers = NumbersOf(*type, part.bytes);
     } else if ((value.type == VT_R4 || value.type == VT_R8) && part.bytes.size() == sizeof(value.real)) {
         std::memcpy(&value.real, part.bytes.data(), sizeof(value.real));
         // JSON has no infinity and no NaN.

@@ -96,11 +96,10 @@ std::vector<machine::Partition> OlderPartitionsIn(const machine::Bytes& bytes) {
 }
 
 std::optional<machine::Partition> PartitionIn(const machine::Bytes* answer, const machine::Bytes* older) {
-    const auto partition = answer == nullptr ? std::nullopt : RecordAt<PARTITION_INFORMATION_EX>(*answer, 0);
-    if (partition) {
+    if (const auto partition = RecordIn<PARTITION_INFORMATION_EX>(answer)) {
         return PartitionIn(*partition);
     }
-    const auto mbr = older == nullptr ? std::nullopt : RecordAt<PARTITION_INFORMATION>(*older, 0);
+    const auto mbr = RecordIn<PARTITION_INFORMATION>(older);
     return mbr ? std::optional(PartitionIn(*mbr)) : std::nullopt;
 }
 

@@ -21,6 +21,12 @@ std::optional<Record> RecordAt(const machine::Bytes& bytes, std::size_t offset) 
     return record;
 }
 
+// The structure at the beginning; none if there are no bytes or they do not hold all of it.
+template <class Record>
+std::optional<Record> RecordIn(const machine::Bytes* bytes) {
+    return bytes == nullptr ? std::nullopt : RecordAt<Record>(*bytes, 0);
+}
+
 // `count` structures from an offset, or as many as the bytes hold.
 template <class Record>
 std::vector<Record> RecordsAt(const machine::Bytes& bytes, std::size_t offset, std::size_t count) {
